@@ -1,0 +1,26 @@
+# Warnings, language level and sanitizers live on one target that every other one links.
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(korvalin_options INTERFACE)
+target_compile_features(korvalin_options INTERFACE cxx_std_20)
+target_include_directories(korvalin_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(korvalin_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(KORVALIN_WERROR)
+  target_compile_options(korvalin_options INTERFACE -Werror)
+endif()
+if(KORVALIN_SANITIZE)
+  target_compile_options(korvalin_options INTERFACE -fsanitize=${KORVALIN_SANITIZE} -fno-omit-frame-pointer
+                                                   -fno-sanitize-recover=undefined)
+  target_link_options(korvalin_options INTERFACE -fsanitize=${KORVALIN_SANITIZE})
+endif()
+
+# korvalin_floor(NAME file...): the sources of one folder of the core, compiled once, collected by korvalin_core.
+function(korvalin_floor name)
+  add_library(korvalin_${name} OBJECT ${ARGN})
+  target_link_libraries(korvalin_${name} PUBLIC korvalin_options fmt::fmt)
+  target_precompile_headers(korvalin_${name} PRIVATE ${PROJECT_SOURCE_DIR}/src/base/Precompiled.h)
+  set_property(GLOBAL APPEND PROPERTY KORVALIN_FLOORS korvalin_${name})
+endfunction()

@@ -1,0 +1,166 @@
+#include "base/Date.h"
+
+#include "base/Locale.h"
+#include "base/Text.h"
+
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <vector>
+
+#include <fmt/format.h>
+
+namespace korvalin {
+namespace {
+
+namespace chrono = std::chrono;
+
+constexpr chrono::sys_days dayZero = chrono::year{1899} / 12 / 30;
+
+struct Token {
+    int Value;
+    std::size_t Digits;
+    char SeparatorAfter; // first character after the number that is no blank; 0 at the end
+};
+
+// The numbers of a text with what stands between them; nullopt when anything else than digits, separators
+// and an AM/PM mark occurs.
+std::optional<std::vector<Token>> Tokenize(std::string_view text) {
+    std::vector<Token> tokens;
+    for (std::size_t i = 0; i < text.size();) {
+        int value = 0;
+        const auto [end, error] = std::from_chars(text.data() + i, text.data() + text.size(), value);
+        if (error != std::errc() || value < 0) return std::nullopt;
+        const auto next = static_cast<std::size_t>(end - text.data());
+        Token token{value, next - i, 0};
+        i = next;
+        if (i < text.size()) {
+            token.SeparatorAfter = text[i++];
+            if (std::string_view(".:-/T ").find(token.SeparatorAfter) == std::string_view::npos) return std::nullopt;
+            while (i < text.size() && text[i] == ' ') ++i;
+        }
+        tokens.push_back(token);
+    }
+    return tokens;
+}
+
+int FullYear(const Token& token) {
+    if (token.Digits > 2) return token.Value;
+    return token.Value + (token.Value < 30 ? 2000 : 1900);
+}
+
+// Whether the month comes before the day in dates written with this separator.
+bool MonthFirst(char separator, const Locale& locale) {
+    if (separator == '.') return false;
+    return locale.ShortDate.find('m') < locale.ShortDate.find('d');
+}
+
+std::optional<Date> DateFromTokens(const std::array<Token, 3>& tokens, const Locale& locale) {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    if (tokens[0].Digits > 2) {
+        year = tokens[0].Value, month = tokens[1].Value, day = tokens[2].Value;
+    } else {
+        year = FullYear(tokens[2]), day = tokens[0].Value, month = tokens[1].Value;
+        if (MonthFirst(tokens[0].SeparatorAfter, locale)) std::swap(day, month);
+    }
+    const chrono::year_month_day date{chrono::year{year}, chrono::month{static_cast<unsigned>(month)},
+                                      chrono::day{static_cast<unsigned>(day)}};
+    if (year > 9999 || !date.ok()) return std::nullopt;
+    return DateSerial(year, month, day);
+}
+
+// "2:05 PM": removes the mark; +12 for PM, -12 for 12 AM, 0 otherwise, nullopt without a mark.
+std::optional<bool> TakeAfternoonMark(std::string_view& text) {
+    for (const bool afternoon : {false, true}) {
+        if (EndsWithNoCase(text, afternoon ? "PM" : "AM")) {
+            text = Trim(text.substr(0, text.size() - 2));
+            return afternoon;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Date> TimeFromTokens(const std::vector<Token>& tokens, std::size_t first, std::optional<bool> afternoon) {
+    std::array<int, 3> time{};
+    const std::size_t count = tokens.size() - first;
+    if (count < 2 || count > 3) return std::nullopt;
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool last = i + 1 == count;
+        if (last != (tokens[first + i].SeparatorAfter == 0)) return std::nullopt;
+        if (!last && tokens[first + i].SeparatorAfter != ':') return std::nullopt;
+        time[i] = tokens[first + i].Value;
+    }
+    if (afternoon) {
+        if (time[0] < 1 || time[0] > 12) return std::nullopt;
+        time[0] = time[0] % 12 + (*afternoon ? 12 : 0);
+    }
+    if (time[0] > 23 || time[1] > 59 || time[2] > 59) return std::nullopt;
+    return TimeSerial(time[0], time[1], time[2]);
+}
+
+} // namespace
+
+Date DateSerial(int year, int month, int day) {
+    const chrono::year_month first = chrono::year{year} / 1 + chrono::months{month - 1};
+    const chrono::sys_days days = chrono::sys_days{first / 1} + chrono::days{day - 1};
+    return static_cast<Date>((days - dayZero).count());
+}
+
+Date TimeSerial(int hour, int minute, int second) {
+    return (hour * 3600.0 + minute * 60.0 + second) / SecondsPerDay;
+}
+
+DateParts SplitDate(Date date) {
+    const double seconds = std::round(date * SecondsPerDay);
+    const double dayNumber = std::floor(seconds / SecondsPerDay);
+    const auto rest = static_cast<int>(seconds - dayNumber * SecondsPerDay);
+    const chrono::year_month_day day{dayZero + chrono::days{static_cast<int>(dayNumber)}};
+    return {static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
+            static_cast<int>(static_cast<unsigned>(day.day())), rest / 3600, rest / 60 % 60, rest % 60};
+}
+
+Date DayOf(Date date) { return std::floor(date); }
+
+double SecondsOfDay(Date date) { return (date - std::floor(date)) * SecondsPerDay; }
+
+std::string FormatDateIso(Date date) {
+    const DateParts p = SplitDate(date);
+    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second);
+}
+
+std::string FormatDateSuffix(Date date) {
+    const DateParts p = SplitDate(date);
+    return fmt::format("_{:04}{:02}{:02}-{:02}{:02}{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second);
+}
+
+std::string FormatDateGeneral(Date date, const Locale& locale) {
+    const DateParts p = SplitDate(date);
+    const bool midnight = p.Hour == 0 && p.Minute == 0 && p.Second == 0;
+    return FormatPattern(date, midnight ? locale.ShortDate : locale.ShortDate + " " + locale.Time);
+}
+
+std::string FormatTimeOfDay(Date span) {
+    const DateParts p = SplitDate(span);
+    return fmt::format("{:02}:{:02}:{:02}", p.Hour, p.Minute, p.Second);
+}
+
+std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {
+    text = Trim(text);
+    const std::optional<bool> afternoon = TakeAfternoonMark(text);
+    const auto tokens = Tokenize(text);
+    if (!tokens || tokens->size() < 2) return std::nullopt;
+    if (tokens->front().SeparatorAfter == ':') return TimeFromTokens(*tokens, 0, afternoon);
+
+    if (tokens->size() < 3) return std::nullopt;
+    const std::array<Token, 3> dateTokens = {(*tokens)[0], (*tokens)[1], (*tokens)[2]};
+    if (dateTokens[0].SeparatorAfter != dateTokens[1].SeparatorAfter) return std::nullopt;
+    const std::optional<Date> date = DateFromTokens(dateTokens, locale);
+    if (!date || tokens->size() == 3) return afternoon ? std::nullopt : date;
+    const std::optional<Date> time = TimeFromTokens(*tokens, 3, afternoon);
+    return time ? std::optional(*date + *time) : std::nullopt;
+}
+
+} // namespace korvalin

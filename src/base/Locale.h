@@ -1,0 +1,25 @@
+// The user's regional formats, read once from the system and handed to whoever formats or reads numbers and dates.
+#pragma once
+
+#include <array>
+#include <string>
+
+namespace korvalin {
+
+struct Locale {
+    std::string DecimalMark = ".";
+    std::string GroupingMark = ",";
+    /// Patterns of d, dd, m, mm, yy, yyyy and of h, hh, n, nn, s, ss, AMPM with literal characters between.
+    std::string ShortDate = "yyyy-mm-dd";
+    std::string Time = "hh:nn:ss";
+    std::array<std::string, 12> MonthNames = {"January", "February", "March",     "April",   "May",      "June",
+                                              "July",    "August",   "September", "October", "November", "December"};
+    /// From Sunday, as in struct tm.
+    std::array<std::string, 7> DayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                           "Thursday", "Friday", "Saturday"};
+};
+
+/// Puts a date (day count) into a pattern of Locale::ShortDate's kind.
+std::string FormatPattern(double date, const std::string& pattern);
+
+} // namespace korvalin

@@ -1,0 +1,30 @@
+// Numbers from and to text, in plain form for files and settings and in the user's form for the screen.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace korvalin {
+
+struct Locale;
+
+/// Reads a plain number ("-12.5", "1e3"; blanks around it are allowed) independent of the locale.
+/// nullopt when the text is anything else, infinite or not a number.
+std::optional<double> ParseNumber(std::string_view text);
+
+/// Reads a number and rounds a fraction to the nearest even integer; nullopt outside the 32-bit range.
+std::optional<std::int32_t> ParseWholeNumber(std::string_view text);
+
+/// Rounds halves to the nearest even integer.
+double RoundToEven(double value);
+
+/// Formats with one of the patterns "0", "0.0", "0.00", "#,##0", "#,##0.0", "#,##0.00": as many decimals as zeros
+/// after the point, thousands grouped when the pattern contains a comma. Halves are rounded away from zero.
+std::string FormatNumber(double value, std::string_view pattern, const Locale& locale);
+
+/// A 32-bit counter held in a signed integer, read as unsigned.
+double UnsignedToDouble(std::int32_t value);
+
+} // namespace korvalin

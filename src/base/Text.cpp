@@ -1,0 +1,165 @@
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace korvalin {
+namespace {
+
+// Windows-1252 codes 0x80 to 0x9F (the rest equals Latin-1); from the published code page table.
+constexpr std::array<char16_t, 32> windows1252High = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+std::uint8_t Byte(char c) { return static_cast<std::uint8_t>(c); }
+
+bool IsContinuation(char c) { return (Byte(c) & 0xC0) == 0x80; }
+
+// Length of the sequence that starts with this byte; 0 when no sequence can start with it.
+std::size_t SequenceLength(std::uint8_t lead) {
+    if (lead < 0x80) return 1;
+    if (lead >= 0xC2 && lead <= 0xDF) return 2;
+    if (lead >= 0xE0 && lead <= 0xEF) return 3;
+    if (lead >= 0xF0 && lead <= 0xF4) return 4;
+    return 0;
+}
+
+// The second byte alone decides about overlong forms, surrogates and the upper end.
+bool SecondByteFits(std::uint8_t lead, std::uint8_t second) {
+    switch (lead) {
+    case 0xE0: return second >= 0xA0;
+    case 0xED: return second <= 0x9F;
+    case 0xF0: return second >= 0x90;
+    case 0xF4: return second <= 0x8F;
+    default: return true;
+    }
+}
+
+void AppendUtf8(std::string& text, char16_t code) {
+    if (code < 0x80) {
+        text += static_cast<char>(code);
+    } else if (code < 0x800) {
+        text += static_cast<char>(0xC0 | (code >> 6));
+        text += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+        text += static_cast<char>(0xE0 | (code >> 12));
+        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        text += static_cast<char>(0x80 | (code & 0x3F));
+    }
+}
+
+} // namespace
+
+bool IsValidUtf8(std::string_view bytes) {
+    for (std::size_t i = 0; i < bytes.size();) {
+        const std::uint8_t lead = Byte(bytes[i]);
+        const std::size_t length = SequenceLength(lead);
+        if (length == 0 || i + length > bytes.size()) return false;
+        for (std::size_t k = 1; k < length; ++k) {
+            if (!IsContinuation(bytes[i + k])) return false;
+        }
+        if (length > 1 && !SecondByteFits(lead, Byte(bytes[i + 1]))) return false;
+        i += length;
+    }
+    return true;
+}
+
+std::string FromWindows1252(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size() + bytes.size() / 8);
+    for (const char c : bytes) {
+        const std::uint8_t code = Byte(c);
+        AppendUtf8(text, code >= 0x80 && code < 0xA0 ? windows1252High[code - 0x80U] : char16_t{code});
+    }
+    return text;
+}
+
+std::string DecodeLine(std::string_view bytes) {
+    return IsValidUtf8(bytes) ? std::string(bytes) : FromWindows1252(bytes);
+}
+
+std::string_view Trim(std::string_view text) {
+    const auto first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+std::string ToLower(std::string_view text) {
+    std::string lower(text);
+    for (std::size_t i = 0; i < lower.size(); ++i) {
+        const std::uint8_t code = Byte(lower[i]);
+        if (code >= 'A' && code <= 'Z') {
+            lower[i] = static_cast<char>(code + 0x20);
+        } else if (code == 0xC3 && i + 1 < lower.size()) {
+            // U+00C0..U+00DE without the multiplication sign U+00D7
+            const std::uint8_t second = Byte(lower[++i]);
+            if (second >= 0x80 && second <= 0x9E && second != 0x97) lower[i] = static_cast<char>(second + 0x20);
+        }
+    }
+    return lower;
+}
+
+bool EqualsNoCase(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && (left == right || ToLower(left) == ToLower(right));
+}
+
+bool ContainsNoCase(std::string_view text, std::string_view part) {
+    return ToLower(text).find(ToLower(part)) != std::string::npos;
+}
+
+bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
+    return text.size() >= prefix.size() && EqualsNoCase(text.substr(0, prefix.size()), prefix);
+}
+
+bool EndsWithNoCase(std::string_view text, std::string_view suffix) {
+    return text.size() >= suffix.size() && EqualsNoCase(text.substr(text.size() - suffix.size()), suffix);
+}
+
+std::size_t CharacterCount(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !IsContinuation(c); }));
+}
+
+std::string_view FirstCharacters(std::string_view text, std::size_t count) {
+    std::size_t end = 0;
+    while (end < text.size() && count > 0) {
+        ++end;
+        while (end < text.size() && IsContinuation(text[end])) ++end;
+        --count;
+    }
+    return text.substr(0, end);
+}
+
+std::vector<std::string_view> Split(std::string_view text, char separator, std::size_t limit) {
+    std::vector<std::string_view> fields;
+    while (fields.size() + 1 < limit) {
+        const auto end = text.find(separator);
+        if (end == std::string_view::npos) break;
+        fields.push_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+    fields.push_back(text);
+    return fields;
+}
+
+std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {
+    std::string result;
+    for (;;) {
+        const auto at = text.find(from);
+        result += text.substr(0, at);
+        if (at == std::string_view::npos) return result;
+        result += to;
+        text.remove_prefix(at + from.size());
+    }
+}
+
+std::string_view TrimAtNul(std::string_view text) { return text.substr(0, text.find('\0')); }
+
+std::string AnsiBytesToString(std::string_view bytes) {
+    if (bytes.empty()) return {};
+    return DecodeLine(TrimAtNul(bytes.substr(0, bytes.size() - 1)));
+}
+
+} // namespace korvalin

@@ -1,0 +1,86 @@
+#include "errors/Errors.h"
+
+#include "base/Text.h"
+
+#include <system_error>
+
+#include <fmt/format.h>
+
+namespace korvalin {
+namespace {
+
+constexpr std::uintmax_t logLimitBytes = 1'000'000;
+constexpr Date quietSpan = 2 * OneSecond;
+
+// "text@@internal@more" as some system calls report it: the part for people, without the marks.
+std::string CleanErrorText(std::string_view text) { return ReplaceAll(text.substr(0, text.find("@@")), "@", " "); }
+
+std::string OneLine(std::string_view text) { return ReplaceAll(ReplaceAll(text, "\r", ""), "\n", " "); }
+
+int NumberOf(const std::exception& error) {
+    if (const auto* numbered = dynamic_cast<const NumberedError*>(&error)) return numbered->Number();
+    if (const auto* system = dynamic_cast<const std::system_error*>(&error)) return system->code().value();
+    return 0;
+}
+
+} // namespace
+
+Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
+               std::string executableName)
+    : clock_(clock), files_(files), messageBoxes_(messageBoxes), locale_(locale),
+      executableName_(std::move(executableName)) {
+    callables_.Text = [](int) { return std::string(); };
+    callables_.DataFolder = [] { return std::filesystem::path(); };
+    callables_.EndProgram = [] {};
+}
+
+void Errors::DisplayError(std::string_view procName, int errNumber, std::string errText) {
+    try {
+        const Date now = clock_.Now();
+        const bool repeated = DayOf(lastErrorTime_) == DayOf(now) && lastErrorTime_ + quietSpan > now;
+        if (repeated && UserEndsProgram()) return callables_.EndProgram();
+        lastErrorTime_ = now;
+
+        const auto text = callables_.Text;
+        const std::string body = text(203) + "\n\n" + text(204) + ": " + std::string(procName) + "\n" + text(205) +
+                                 ": " + std::to_string(errNumber) + "\n" + text(206) + ": " + CleanErrorText(errText);
+        messageBoxes_.Show(body, std::string(ProgramTitle) + " " + text(207), MessageIcon::Critical,
+                           MessageButtons::Ok);
+    } catch (const std::exception& error) {
+        // Reporting this one through the same boxes could fail for ever; the log cannot.
+        WriteErrorLog(error.what(), "DisplayError");
+    }
+}
+
+bool Errors::UserEndsProgram() {
+    return messageBoxes_.Show(callables_.Text(201) + "\n" + callables_.Text(202), std::string(ProgramTitle),
+                              MessageIcon::Critical, MessageButtons::YesNo) == MessageAnswer::Yes;
+}
+
+void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
+    try {
+        const std::filesystem::path folder = callables_.DataFolder();
+        if (folder.empty()) return;
+        const std::filesystem::path path = folder / (executableName_ + "_ErrorLog.txt");
+        const std::string line = FormatDateGeneral(clock_.Now(), locale_) + "\t" + OneLine(group) + "\t" +
+                                 OneLine(message) + "\r\n";
+        std::error_code ignored;
+        const auto size = std::filesystem::file_size(path, ignored);
+        if (!ignored && size + line.size() > logLimitBytes) {
+            std::filesystem::rename(path, folder / (executableName_ + "_ErrorLog.old.txt"), ignored);
+        }
+        static_cast<void>(files_.Append(path, line));
+    } catch (const std::exception&) {
+        // The log is the last resort: what cannot be written there is lost.
+    }
+}
+
+void Errors::Report(std::string_view procName, const std::exception& error) {
+    DisplayError(procName, NumberOf(error), error.what());
+}
+
+void Errors::ShiftMoments(Date days) {
+    if (lastErrorTime_ != 0) lastErrorTime_ += days;
+}
+
+} // namespace korvalin

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "base/Date.h"
+#include "base/Locale.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/MessageBoxes.h"
+
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace korvalin {
+
+inline constexpr std::string_view ProgramTitle = "Korvalin";
+
+/// A failure with the system's own number (a Win32, RAS or errno value).
+class NumberedError : public std::runtime_error {
+  public:
+    NumberedError(int number, const std::string& text) : std::runtime_error(text), number_(number) {}
+    int Number() const { return number_; }
+
+  private:
+    int number_;
+};
+
+/// The one way of telling the user about an unexpected error, and the diagnostic log.
+///
+/// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are callables
+/// that the program plugs in. Until then the lookup gives empty texts and there is no log.
+class Errors {
+  public:
+    struct Callables {
+        /// Text of section "modGlobal" by number, trimmed, missing ones reported.
+        std::function<std::string(int number)> Text;
+        /// The data folder.
+        std::function<std::filesystem::path()> DataFolder;
+        /// Ends the program at once.
+        std::function<void()> EndProgram;
+    };
+
+    Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
+           std::string executableName);
+
+    void Plug(Callables callables) { callables_ = std::move(callables); }
+
+    /// Shows an error in the program's words: `procName` is the routine it happened in. A second report within two
+    /// seconds asks first whether to end the program.
+    void DisplayError(std::string_view procName, int errNumber, std::string errText);
+
+    /// Appends one line (date and time, group, message) to the error log; a line that cannot be written is lost.
+    /// Line breaks inside the message become blanks. The log is moved to "..._ErrorLog.old.txt" before it reaches 1 MB.
+    void WriteErrorLog(std::string_view message, std::string_view group);
+
+    /// Runs one step; an exception is reported with DisplayError and ends only this step. True when it went through.
+    template <typename F>
+    bool Step(std::string_view procName, F&& step) {
+        try {
+            std::forward<F>(step)();
+            return true;
+        } catch (const std::exception& error) {
+            Report(procName, error);
+            return false;
+        }
+    }
+
+    /// The wall clock was set: moves the moment of the last report by `days` with it.
+    void ShiftMoments(Date days);
+
+  private:
+    void Report(std::string_view procName, const std::exception& error);
+    bool UserEndsProgram();
+
+    Clock& clock_;
+    Files& files_;
+    MessageBoxes& messageBoxes_;
+    const Locale& locale_;
+    std::string executableName_;
+    Callables callables_;
+    Date lastErrorTime_ = 0;
+};
+
+} // namespace korvalin

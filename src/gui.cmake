@@ -1,0 +1,1 @@
+# The windows: Qt 6 Widgets.

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace korvalin {
+
+/// Held from the first question to the end of the process; the system frees it when the process is killed.
+class InstanceLock {
+  public:
+    virtual ~InstanceLock() = default;
+
+    /// Whether an earlier process of the same executable name and the same settings store is running. When none is,
+    /// this process is the earlier one from now on. False also when the lock cannot be used at all.
+    [[nodiscard]] virtual bool PreviousInstanceRunning() = 0;
+};
+
+} // namespace korvalin

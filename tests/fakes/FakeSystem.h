@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/Events.h"
+#include "platform/InstanceLock.h"
+#include "platform/Shell.h"
+#include "platform/User.h"
+
+#include "fakes/FakeClock.h"
+
+#include <functional>
+#include <map>
+#include <vector>
+
+namespace korvalin {
+
+class FakeUser : public User {
+  public:
+    std::string Name() override { return "alice"; }
+};
+
+class FakeInstanceLock : public InstanceLock {
+  public:
+    bool Running = false;
+    bool PreviousInstanceRunning() override { return Running; }
+};
+
+/// Sleeping moves the fake clock; `OnProcessPending` runs instead of the window system's events.
+class FakeEvents : public Events {
+  public:
+    explicit FakeEvents(FakeClock& clock) : clock_(clock) {}
+    std::function<void()> OnProcessPending = [] {};
+
+    void ProcessPending() override { OnProcessPending(); }
+    void Sleep(int milliseconds) override { clock_.Advance(milliseconds / 1000.0); }
+
+  private:
+    FakeClock& clock_;
+};
+
+class FakeShell : public Shell {
+  public:
+    std::map<int, std::filesystem::path> Folders;
+    std::filesystem::path Executable;
+    std::vector<std::filesystem::path> Started;
+    std::vector<std::string> Pages;
+    std::vector<std::string> MissingComponents;
+    std::string Language = "de";
+    int Platform = PlatformSupported;
+
+    std::filesystem::path SpecialFolder(int id) override { return Folders[id]; }
+    std::filesystem::path SystemDirectory() override { return "/usr/lib/"; }
+    bool ComponentPresent(const std::string& fileName) override {
+        return std::find(MissingComponents.begin(), MissingComponents.end(), fileName) == MissingComponents.end();
+    }
+    std::filesystem::path ExecutablePath() override { return Executable; }
+    int PlatformId() override { return Platform; }
+    std::string UserLanguage() override { return Language; }
+    bool StartProgram(const std::filesystem::path& program) override {
+        Started.push_back(program);
+        return true;
+    }
+    bool OpenPage(const std::string& address) override {
+        Pages.push_back(address);
+        return true;
+    }
+};
+
+} // namespace korvalin
