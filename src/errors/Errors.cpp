@@ -17,12 +17,6 @@ std::string CleanErrorText(std::string_view text) { return ReplaceAll(text.subst
 
 std::string OneLine(std::string_view text) { return ReplaceAll(ReplaceAll(text, "\r", ""), "\n", " "); }
 
-int NumberOf(const std::exception& error) {
-    if (const auto* numbered = dynamic_cast<const NumberedError*>(&error)) return numbered->Number();
-    if (const auto* system = dynamic_cast<const std::system_error*>(&error)) return system->code().value();
-    return 0;
-}
-
 } // namespace
 
 Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
@@ -73,6 +67,12 @@ void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
     } catch (const std::exception&) {
         // The log is the last resort: what cannot be written there is lost.
     }
+}
+
+int Errors::NumberOf(const std::exception& error) {
+    if (const auto* numbered = dynamic_cast<const NumberedError*>(&error)) return numbered->Number();
+    if (const auto* system = dynamic_cast<const std::system_error*>(&error)) return system->code().value();
+    return 0;
 }
 
 void Errors::Report(std::string_view procName, const std::exception& error) {

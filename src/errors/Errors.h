@@ -67,6 +67,9 @@ class Errors {
         }
     }
 
+    /// The system's number that an exception carries; 0 when it has none.
+    static int NumberOf(const std::exception& error);
+
     /// The wall clock was set: moves the moment of the last report by `days` with it.
     void ShiftMoments(Date days);
 

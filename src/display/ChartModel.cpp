@@ -1,0 +1,125 @@
+#include "display/ChartModel.h"
+
+#include "base/Numbers.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvalin {
+namespace {
+
+constexpr std::size_t longestName = 16;
+constexpr std::size_t earliestCut = 12;
+
+// The samples of one pixel column, newest first.
+class PixelColumn {
+  public:
+    explicit PixelColumn(std::vector<ChartPoint>& points) : points_(points) {}
+
+    void Add(const ChartPoint& point) {
+        if (count_++ == 0) {
+            first_ = lowest_ = highest_ = last_ = point;
+            return;
+        }
+        if (point.Y < lowest_.Y) lowest_ = point;
+        if (point.Y > highest_.Y) highest_ = point;
+        last_ = point;
+    }
+    void Flush() {
+        if (count_ > 0) points_.push_back(first_);
+        if (count_ > 2) {
+            points_.push_back(lowest_);
+            points_.push_back(highest_);
+        }
+        if (count_ > 1) points_.push_back(last_);
+        count_ = 0;
+    }
+
+  private:
+    std::vector<ChartPoint>& points_;
+    std::size_t count_ = 0;
+    ChartPoint first_{}, lowest_{}, highest_{}, last_{};
+};
+
+} // namespace
+
+std::size_t VisibleSamplesFor(int widthMinutes) {
+    constexpr double stepSeconds = 1.0;
+    return static_cast<std::size_t>(std::floor(widthMinutes * 60 / stepSeconds));
+}
+
+double RoundUpToStep(double maximum, std::int32_t unitFactor) {
+    const double units = maximum / unitFactor;
+    const double step = units <= 1000 ? 5 : units <= 10000 ? 50 : 500;
+    return (std::floor(units / step) * step + step) * unitFactor;
+}
+
+double LargestRate(const RateHistory& history, std::size_t line, const InfoTexts& texts, std::size_t visible) {
+    const std::size_t newest = history.Samples();
+    const std::size_t first = newest > visible ? newest - visible + 1 : 1;
+    float largest = 0;
+    for (std::size_t n = first; n <= newest; ++n) {
+        const HistorySample& sample = history.At(n, line);
+        for (std::size_t slot = 0; slot < RateSlots; ++slot) {
+            if (texts.LineDLShow[slot]) largest = std::max(largest, sample.RateDL[slot]);
+            if (texts.LineULShow[slot]) largest = std::max(largest, sample.RateUL[slot]);
+        }
+    }
+    return largest;
+}
+
+double ScaleMaximum(double roundedMaximum, const InfoTexts& texts) {
+    if (texts.ChartUseMax) return texts.ChartMax * 1000.0;
+    const double scale = roundedMaximum == 0 ? EmptyChartScale : std::floor(roundedMaximum);
+    return std::max(scale, texts.ChartMinMax * 1000.0);
+}
+
+std::vector<int> TimeLinePositions(std::size_t visible, int spacingSeconds) {
+    std::vector<int> positions;
+    if (spacingSeconds <= 0) return positions;
+    for (int x = static_cast<int>(visible) - spacingSeconds; x >= 1; x -= spacingSeconds) positions.push_back(x);
+    return positions;
+}
+
+std::string ShortLineName(std::string_view name) {
+    if (CharacterCount(name) <= longestName) return std::string(name);
+    const std::string_view cut = FirstCharacters(name, longestName);
+    const auto blank = cut.rfind(' ');
+    const bool late = blank != std::string_view::npos && CharacterCount(cut.substr(0, blank)) >= earliestCut;
+    return std::string(late ? cut.substr(0, blank) : cut);
+}
+
+std::string LineLabel(const LineState& lines, const InfoTexts& texts, std::string_view onlinePrefix) {
+    if (lines.LineCount == 0 || texts.LineIndex == 0) return {};
+    const LineRecord& line = lines.LineTable(texts.LineIndex);
+    std::string label = texts.ShowLineName ? ShortLineName(line.LineName) : "On";
+    if (line.Connected && (line.IsRas || texts.ShowDuration)) label += " " + FormatTimeOfDay(line.Duration);
+    const auto online = std::count_if(lines.LineTable.begin(), lines.LineTable.end(),
+                                      [](const LineRecord& record) { return record.Connected; });
+    if (lines.LineCount >= 2 && online > 1) label = std::string(onlinePrefix) + " " + label;
+    return label;
+}
+
+void CurvePoints(const RateHistory& history, std::size_t line, std::size_t slot, Direction direction,
+                 std::size_t visible, double clip, double unitsPerPixel, std::vector<ChartPoint>& points) {
+    points.clear();
+    const std::size_t newest = history.Samples();
+    const double newestTime = history.At(newest, line).T;
+    PixelColumn column(points);
+    double columnOfPoints = -1;
+    for (std::size_t n = newest; n >= 1; --n) {
+        const HistorySample& sample = history.At(n, line);
+        if (sample.T == 0) break;
+        const double x = RoundToEven(static_cast<double>(visible) - (newestTime - sample.T));
+        if (x < 1) break;
+        const float rate = direction == Direction::Download ? sample.RateDL[slot] : sample.RateUL[slot];
+        const double pixel = std::floor(x / unitsPerPixel);
+        if (pixel != columnOfPoints) column.Flush();
+        columnOfPoints = pixel;
+        column.Add({x, std::min<double>(rate, clip)});
+    }
+    column.Flush();
+}
+
+} // namespace korvalin

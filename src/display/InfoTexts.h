@@ -1,0 +1,67 @@
+#pragma once
+
+#include "base/Date.h"
+#include "display/HistorySample.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace korvalin {
+
+/// The live display record: the display settings and the texts made from the current sample.
+struct InfoTexts {
+    // Settings
+    bool AutoShow = true;
+    bool CloseTrayOnly = true;
+    bool ShowLineName = true;
+    bool ShowTimeLines = true;
+    bool ChartUseMax = false;
+    bool TrayAnimated = true;
+    bool FontBold = true;
+    std::string FontName = "Arial";
+    int FontSize = 9; ///< points
+    int TimeLinesSec = 60;
+    float UpdateIntervalChart = 0; ///< chart redraw interval in seconds
+    int picWidthMin = 4; ///< width of the chart in minutes
+    int ConnDataMax = 240; ///< samples of history
+    int Opacity = 255;
+    int ChartLineNo = 0; ///< the line in the chart; 0 = not yet read
+    int ChartMax = 100; ///< fixed scale in thousands of bytes per second
+    int ChartMinMax = 5; ///< floor of the scale in thousands of bytes per second
+    std::int32_t ChartBackgroundColor = 15323561; ///< red + 256 green + 65536 blue, as all colours here
+    int TrayMaxRate = 30;
+    int TrayMaxVol = 1000;
+    int TrayTextFlags = 255; ///< which parts the tray tooltip shows
+    int DisplayChoiceDL = 3; ///< 1 to 8: the chart line whose rate is shown as text
+    int DisplayChoiceUL = 3;
+    std::array<bool, RateSlots> LineDLShow{};
+    std::array<bool, RateSlots> LineULShow{};
+    std::array<std::int32_t, RateSlots> LineDLColor{};
+    std::array<std::int32_t, RateSlots> LineULColor{};
+    bool ShowDuration = true; ///< the online time also for an adapter
+
+    // What is shown
+    std::size_t LineIndex = 0; ///< in the line table; 0 = none
+    std::size_t SampleIndex = 0; ///< of the current sample
+    std::string RateUnitText = "KB";
+    std::string VolumeUnitText = "MB";
+    std::int32_t KBFactor = 0; ///< bytes per rate unit; 0 = the program-wide one
+    std::int32_t MBFactor = 0;
+    Date LanStartTime = 0; ///< when monitoring of adapters began
+
+    // Texts
+    std::string CaptionText;
+    std::string TrayTipText;
+    std::string RateDLText = "0.0";
+    std::string RateULText = "0.0";
+    std::string AvgDLText = "0.0";
+    std::string AvgULText = "0.0";
+    std::string VolumeDLText = "0.0";
+    std::string VolumeULText = "0.0";
+    std::string VolumeTotalText = "0.0";
+    std::string PeriodVolumeText = "0.0";
+    std::string FreeVolumeText;
+};
+
+} // namespace korvalin

@@ -1,0 +1,125 @@
+#include "display/LiveTexts.h"
+
+#include "errors/Errors.h"
+#include "lang/Language.h"
+
+namespace korvalin {
+namespace {
+
+// Bits of InfoTexts::TrayTextFlags.
+enum TrayText {
+    TrayLineName = 1,
+    TrayRateUL = 2,
+    TrayRateDL = 4,
+    TrayVolumeUL = 8,
+    TrayVolumeDL = 16,
+    TrayVolumeTotal = 32,
+    TrayPeriod = 64,
+    TrayDuration = 128
+};
+
+} // namespace
+
+LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, UnitFormat& units, Language& language,
+                     Errors& errors)
+    : lines_(lines), history_(history), units_(units), language_(language), errors_(errors),
+      periodVolumeOf_([](const LineRecord& line) {
+          return PeriodVolume{line.BytesReceived + line.BytesTransmitted, 0};
+      }) {}
+
+std::string LiveTexts::Text(int number) const { return language_.Lng("modAllgemein", number, false, true, true); }
+
+void LiveTexts::FillInfoStrings(InfoTexts& texts) {
+    errors_.Step("FillInfoStrings", [&] {
+        if (lines_.LineCount == 0) {
+            for (auto* text : {&texts.RateDLText, &texts.AvgDLText, &texts.RateULText, &texts.AvgULText,
+                               &texts.VolumeDLText, &texts.VolumeULText, &texts.VolumeTotalText,
+                               &texts.PeriodVolumeText}) {
+                *text = units_.FormatKB(0, texts.KBFactor, "0.0");
+            }
+            return FillOffline(texts);
+        }
+        if (texts.LineIndex == 0) return;
+        const LineRecord& line = lines_.LineTable(texts.LineIndex);
+        const HistorySample& sample = history_.At(texts.SampleIndex, texts.LineIndex);
+        const auto rate = [&](const auto& rates, int choice) {
+            return units_.FormatKB(rates.at(static_cast<std::size_t>(choice - 1)), texts.KBFactor, "0.0");
+        };
+        texts.RateDLText = rate(sample.RateDL, texts.DisplayChoiceDL);
+        texts.RateULText = rate(sample.RateUL, texts.DisplayChoiceUL);
+        FillAverages(texts, line);
+        FillVolumes(texts, line);
+
+        double freeBytes = 0;
+        if (!line.LineName.empty()) {
+            const PeriodVolume period = periodVolumeOf_(line);
+            freeBytes = period.FreeBytes;
+            texts.PeriodVolumeText = units_.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
+            texts.FreeVolumeText = units_.FormatMB(period.FreeBytes - period.UsedBytes, texts.MBFactor, "#,##0");
+        }
+        if (!lines_.AnyLineConnected) return FillOffline(texts);
+        texts.CaptionText = std::string(ProgramTitle) + "  " + Text(22) + " " + texts.RateULText + " " +
+                            texts.RateDLText + " " + texts.RateUnitText + "  ";
+        texts.TrayTipText = TrayTip(texts, line, freeBytes);
+    });
+}
+
+void LiveTexts::FillOffline(InfoTexts& texts) const {
+    texts.CaptionText = std::string(ProgramTitle) + " - " + Text(10);
+    texts.TrayTipText = texts.CaptionText;
+}
+
+void LiveTexts::FillAverages(InfoTexts& texts, const LineRecord& line) const {
+    double received = 0;
+    double transmitted = 0;
+    if (lines_.AnyLineConnected) {
+        const double seconds =
+            line.IsRas ? units_.SecondsSince(line.Duration, false) : units_.SecondsSince(texts.LanStartTime, true);
+        if (seconds > 0) {
+            // An adapter has counted since the system's start, not only since this program's.
+            received = (line.BytesReceived - (line.IsRas ? 0 : line.StartReceived)) / seconds;
+            transmitted = (line.BytesTransmitted - (line.IsRas ? 0 : line.StartTransmitted)) / seconds;
+        }
+    }
+    texts.AvgDLText = units_.FormatKB(received, texts.KBFactor, "0.0");
+    texts.AvgULText = units_.FormatKB(transmitted, texts.KBFactor, "0.0");
+}
+
+void LiveTexts::FillVolumes(InfoTexts& texts, const LineRecord& line) const {
+    const auto volume = [&](double bytes) { return units_.FormatMB(bytes, texts.MBFactor, "#,##0.0"); };
+    texts.VolumeDLText = volume(line.BytesReceived);
+    texts.VolumeULText = volume(line.BytesTransmitted);
+    texts.VolumeTotalText = volume(line.BytesReceived + line.BytesTransmitted);
+}
+
+std::string LiveTexts::TrayTip(const InfoTexts& texts, const LineRecord& line, double freeBytes) const {
+    const auto shows = [&](int flags) { return (texts.TrayTextFlags & flags) != 0; };
+    std::string tip;
+    if (shows(TrayLineName)) tip += line.LineName + "\n";
+    if (shows(TrayRateUL | TrayRateDL)) {
+        tip += Text(11);
+        if (shows(TrayRateUL)) tip += " " + Text(12) + " " + texts.RateULText;
+        if (shows(TrayRateDL)) tip += " " + Text(13) + " " + texts.RateDLText;
+        tip += " " + texts.RateUnitText + "\n";
+    }
+    if (shows(TrayVolumeUL | TrayVolumeDL)) {
+        tip += Text(14);
+        if (shows(TrayVolumeUL)) tip += " " + Text(12) + " " + texts.VolumeULText;
+        if (shows(TrayVolumeDL)) tip += " " + Text(13) + " " + texts.VolumeDLText;
+        tip += " " + texts.VolumeUnitText + "\n";
+    }
+    if (shows(TrayVolumeTotal)) tip += Text(9) + " " + texts.VolumeTotalText + " " + texts.VolumeUnitText + " ";
+    if (shows(TrayDuration) && (lines_.MonitoredLineType == "RAS" || texts.ShowDuration)) {
+        tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatTimeOfDay(line.Duration) + "\n";
+    }
+    if (shows(TrayPeriod)) {
+        tip += Text(16) + " " + texts.PeriodVolumeText + " " + texts.VolumeUnitText;
+        if (freeBytes > 0) {
+            tip += " " + Text(17) + " " + texts.FreeVolumeText + " " + texts.VolumeUnitText + "\n";
+        }
+    }
+    if (tip.ends_with('\n')) tip.pop_back();
+    return tip;
+}
+
+} // namespace korvalin

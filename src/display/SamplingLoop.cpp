@@ -1,0 +1,171 @@
+#include "display/SamplingLoop.h"
+
+#include "errors/Errors.h"
+#include "settings/Settings.h"
+#include "traffic/LineMonitor.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvalin {
+namespace {
+
+constexpr double stepSeconds = 1.0;
+constexpr Date updateCheckDelay = 68 * OneSecond;
+constexpr Date updateCheckOverdue = 60 * OneSecond;
+
+// Clears a flag at the end of a scope, however it is left.
+class FlagGuard {
+  public:
+    explicit FlagGuard(bool& flag) : flag_(flag) { flag_ = true; }
+    ~FlagGuard() { flag_ = false; }
+    FlagGuard(const FlagGuard&) = delete;
+    FlagGuard& operator=(const FlagGuard&) = delete;
+
+  private:
+    bool& flag_;
+};
+
+} // namespace
+
+SamplingLoop::SamplingLoop(Clock& clock, Screen& screen, Settings& settings, LineState& lines, LineMonitor& monitor,
+                           RateHistory& history, InfoTexts& texts, Errors& errors)
+    : clock_(clock), screen_(screen), settings_(settings), lines_(lines), monitor_(monitor), history_(history),
+      texts_(texts), errors_(errors), watch_(clock) {
+    hooks_.Schedule = [] {};
+    hooks_.Check = [] { return false; };
+    hooks_.Quit = [] {};
+}
+
+// Steps are counted in seconds awake: midnight, a wall clock that is set and a suspend neither skip one nor add any.
+void SamplingLoop::TimerMain_Timer() {
+    const double t = clock_.AwakeSeconds();
+    if (t - lastStep_ <= stepSeconds) return;
+    lastStep_ += stepSeconds;
+    if (lastStep_ + stepSeconds < t) lastStep_ = t; // fell behind: no burst of updates to catch up
+
+    Get_TransferedData();
+    CheckForUpdate();
+    WatchScreenSize();
+    WatchWindowPosition();
+}
+
+int SamplingLoop::MillisecondsToNextStep() const {
+    const double remaining = lastStep_ + stepSeconds - clock_.AwakeSeconds();
+    return static_cast<int>(std::floor(std::clamp(remaining, 0.0, stepSeconds) * 1000)) + 1;
+}
+
+void SamplingLoop::SetUpdateCheckPending(Date due) {
+    updateCheckPending_ = true;
+    nextUpdateCheck_ = due;
+}
+
+void SamplingLoop::CheckForUpdate() {
+    if (!updateCheckPending_) return;
+    const Date now = clock_.Now();
+    if (nextUpdateCheck_ + updateCheckOverdue < now) nextUpdateCheck_ = now + updateCheckDelay;
+    if (nextUpdateCheck_ >= now) return;
+    if (hooks_.Check()) {
+        hooks_.Quit();
+    } else {
+        updateCheckPending_ = false;
+    }
+}
+
+void SamplingLoop::WatchScreenSize() {
+    const std::optional<ScreenSize> size = screen_.Primary();
+    if (!size || (size->WidthPixels == lastScreen_.WidthPixels && size->HeightPixels == lastScreen_.HeightPixels)) {
+        return;
+    }
+    const bool remembered = lastScreen_.WidthPixels != 0;
+    lastScreen_ = *size;
+    if (!remembered) return;
+    lastWindowPos_ = 0;
+    if (window_ != nullptr) window_->RestoreGeometry();
+}
+
+void SamplingLoop::WatchWindowPosition() {
+    if (window_ == nullptr) return;
+    const int left = window_->LeftEdge();
+    if (left == lastWindowPos_) return;
+    const bool remembered = lastWindowPos_ != 0;
+    lastWindowPos_ = left;
+    if (remembered) window_->SaveGeometry();
+}
+
+void SamplingLoop::Get_TransferedData() {
+    if (updateBusy_) return;
+    const FlagGuard busy(updateBusy_);
+    FollowWallClock();
+    if (startDate_ == 0) startDate_ = DayOf(clock_.Now());
+    if (texts_.ChartLineNo == 0) texts_.ChartLineNo = std::max(settings_.GetNumber("ChartLineNo"), 1);
+
+    monitor_.Get_Bytes_Transmitted();
+    HandleOnlineChange(RefreshMenus());
+    const double jumpedSeconds = watch_.JumpedSeconds();
+    for (std::size_t line = 1; line <= lines_.LineCount; ++line) AppendSample(line, jumpedSeconds);
+    if (lines_.LineCount == 0 || window_ == nullptr) return;
+    // Once for all lines: the picture after the last line's sample is the one that stays.
+    window_->DrawChart(false);
+    window_->IconDraw();
+    window_->ShowCaption();
+}
+
+void SamplingLoop::FollowWallClock() {
+    const Date step = watch_.TakeStep();
+    if (step == 0) return;
+    monitor_.ShiftMoments(step);
+    errors_.ShiftMoments(step);
+    texts_.LanStartTime += step;
+    if (updateCheckPending_) nextUpdateCheck_ += step;
+}
+
+// Rebuilds the dial menus when they no longer fit. Returns whether the hang-up item was visible before.
+bool SamplingLoop::RefreshMenus() {
+    if (window_ == nullptr) return false;
+    const bool hangUpVisible = window_->HangUpItemVisible();
+    const bool hangUpNeeded = lines_.MonitoredLineType == "RAS" && lines_.AnyLineConnected;
+    if ((hangUpVisible && !lines_.AnyLineConnected) || (!hangUpVisible && hangUpNeeded)) window_->RefreshDialMenus();
+    return hangUpVisible;
+}
+
+void SamplingLoop::HandleOnlineChange(bool hangUpWasVisible) {
+    const bool online = lines_.AnyLineConnected;
+    if (online != lastOnline_ || !firstUpdateDone_) {
+        if (online) {
+            if (texts_.AutoShow && window_ != nullptr) window_->ShowMainWindow(true);
+            hooks_.Schedule();
+        } else if (window_ != nullptr) {
+            window_->DrawChart(hangUpWasVisible);
+            window_->IconDraw();
+            if (texts_.AutoShow) window_->ShowMainWindow(false);
+        }
+        lastOnline_ = online;
+    }
+    firstUpdateDone_ = true;
+    if (window_ != nullptr) window_->RefreshLinesMenu();
+}
+
+void SamplingLoop::AppendSample(std::size_t line, double jumpedSeconds) {
+    LineRecord& record = lines_.LineTable(line);
+    // The day of the reading itself, not of this moment: midnight may lie between the two.
+    const double days = DayOf(record.SampleTime) - startDate_;
+    record.SampleTimer += days * SecondsPerDay - jumpedSeconds;
+    HistorySample& newest = history_.Append(line, record.SampleTimer);
+    if (!record.Connected) return;
+    newest.CounterSource = record.CounterSource;
+    newest.Received = record.BytesReceived;
+    newest.Transmitted = record.BytesTransmitted;
+    history_.ComputeRates(line);
+}
+
+void SamplingLoop::ResizeRateHistory() {
+    history_.GrowLines(lines_.LineCount);
+    if (visibleSamples_ > static_cast<std::size_t>(texts_.ConnDataMax)) {
+        texts_.ConnDataMax = static_cast<int>(visibleSamples_);
+        settings_.SetReg("ConnDataMax", texts_.ConnDataMax);
+    }
+    history_.ResizeSamples(static_cast<std::size_t>(texts_.ConnDataMax));
+}
+
+} // namespace korvalin

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "display/InfoTexts.h"
+#include "display/RateHistory.h"
+#include "platform/Screen.h"
+#include "traffic/ClockWatch.h"
+#include "traffic/LineRecord.h"
+
+#include <functional>
+
+namespace korvalin {
+
+class Errors;
+class LineMonitor;
+class Settings;
+
+/// What the sampling loop asks of the main window.
+class MonitorWindow {
+  public:
+    virtual ~MonitorWindow() = default;
+
+    /// Redraws the chart; `force` also when its picture is not visible.
+    virtual void DrawChart(bool force) = 0;
+    virtual void IconDraw() = 0;
+    /// Puts the caption text on the window if its caption is shown.
+    virtual void ShowCaption() = 0;
+    virtual void ShowMainWindow(bool show) = 0;
+    virtual bool HangUpItemVisible() = 0;
+    virtual void RefreshDialMenus() = 0;
+    virtual void RefreshLinesMenu() = 0;
+    virtual void RestoreGeometry() = 0;
+    virtual void SaveGeometry() = 0;
+    /// The window's left edge in twips.
+    virtual int LeftEdge() = 0;
+};
+
+/// The automatic update check, plugged in by the program.
+struct UpdateCheckHooks {
+    /// Called at every transition to online; may set the pending flag.
+    std::function<void()> Schedule;
+    /// True when an update was started and the program is to end.
+    std::function<bool()> Check;
+    /// Ends the program.
+    std::function<void()> Quit;
+};
+
+/// Runs one update a second: has the lines read, appends a sample per line to the history and redraws.
+class SamplingLoop {
+  public:
+    SamplingLoop(Clock& clock, Screen& screen, Settings& settings, LineState& lines, LineMonitor& monitor,
+                 RateHistory& history, InfoTexts& texts, Errors& errors);
+
+    void Plug(UpdateCheckHooks hooks) { hooks_ = std::move(hooks); }
+    void Attach(MonitorWindow* window) { window_ = window; }
+
+    /// One tick of the fast timer: runs an update when a second has passed since the last one.
+    void TimerMain_Timer();
+
+    /// Milliseconds until the next tick can have something to do (0 to 1001): the timer need not fire before.
+    int MillisecondsToNextStep() const;
+
+    /// The update routine; returns at once when it is already running.
+    void Get_TransferedData();
+
+    /// Fits the history to the number of lines and to ConnDataMax; a chart that shows more raises ConnDataMax.
+    void ResizeRateHistory();
+
+    /// Number of samples across the chart, as last drawn.
+    void SetVisibleSamples(std::size_t visible) { visibleSamples_ = visible; }
+
+    /// Arms the automatic update check; `due` is its moment.
+    void SetUpdateCheckPending(Date due);
+
+  private:
+    void FollowWallClock();
+    void CheckForUpdate();
+    void WatchScreenSize();
+    void WatchWindowPosition();
+    bool RefreshMenus();
+    void HandleOnlineChange(bool hangUpWasVisible);
+    void AppendSample(std::size_t line, double jumpedSeconds);
+
+    Clock& clock_;
+    Screen& screen_;
+    Settings& settings_;
+    LineState& lines_;
+    LineMonitor& monitor_;
+    RateHistory& history_;
+    InfoTexts& texts_;
+    Errors& errors_;
+    MonitorWindow* window_ = nullptr;
+    UpdateCheckHooks hooks_;
+    ClockWatch watch_;
+
+    bool updateBusy_ = false;
+    bool lastOnline_ = false;
+    bool firstUpdateDone_ = false;
+    Date startDate_ = 0; ///< day of the first update; origin of the continuous time base
+    double lastStep_ = 0; ///< seconds awake at the last one-second step
+    bool updateCheckPending_ = false;
+    Date nextUpdateCheck_ = 0;
+    ScreenSize lastScreen_;
+    int lastWindowPos_ = 0;
+    std::size_t visibleSamples_ = 0;
+};
+
+} // namespace korvalin

@@ -1,0 +1,87 @@
+#include "traffic/LanReader.h"
+
+#include "base/Text.h"
+#include "errors/Errors.h"
+
+namespace korvalin {
+
+LanReader::LanReader(NetworkTables& network, LineState& state, LineBook& book, const TrafficOptions& options,
+                     Errors& errors, Clock& clock)
+    : network_(network), state_(state), book_(book), options_(options), errors_(errors), clock_(clock) {}
+
+template <typename F>
+void LanReader::Step(F&& step) {
+    try {
+        std::forward<F>(step)();
+    } catch (const std::exception&) {
+        errors_.DisplayError(fmt::format("Get_Bytes_Transmitted_LAN - interne Fehlernummer: {}", progress_), 0, "");
+    }
+}
+
+void LanReader::Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines) {
+    std::size_t accepted = 0;
+    bool read = false;
+    Step([&] { read = ReadTable(); });
+    if (read) ReadRows(lines, accepted);
+    progress_ = 800;
+    Step([&] {
+        if (accepted < state_.LineCount && state_.PreviousLineTable(1).Connected) {
+            book_.RecordClosedConnections(lines, accepted);
+        }
+    });
+}
+
+// A table that cannot be read is a pass without adapters, not an error to report.
+bool LanReader::ReadTable() {
+    progress_ = 1;
+    return network_.GetIfTable(rows_, true) == 0;
+}
+
+void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted) {
+    // One time for all rows, taken right after the dump: the rates divide by the time between two dumps.
+    const Date now = clock_.Now();
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        progress_ = static_cast<int>(i) + 501;
+        Step([&] {
+            if (!IsActive(rows_[i])) return;
+            progress_ = static_cast<int>(i * 10 + 6000 + ++accepted);
+            if (accepted > state_.LineCount) {
+                book_.GrowTo(lines, accepted);
+                state_.MonitoredLineType.clear();
+            }
+            progress_ = static_cast<int>(i * 10 + 6100 + accepted);
+            FillLine(rows_[i], now, lines(accepted));
+            progress_ = static_cast<int>(i * 10 + 6500 + accepted);
+            book_.CheckVolume(lines(accepted));
+        });
+    }
+}
+
+bool LanReader::IsActive(const InterfaceRow& row) const {
+    return row.Type != IfTypeSoftwareLoopback &&
+           static_cast<double>(row.InOctets) > static_cast<double>(options_.LanActive);
+}
+
+void LanReader::FillLine(const InterfaceRow& row, Date now, LineRecord& line) {
+    line.IsRas = false;
+    line.OperStatus = static_cast<std::uint32_t>(row.OperStatus);
+    line.Counts64Bits = row.Counts64Bits;
+    line.BytesReceived = static_cast<double>(row.InOctets);
+    line.BytesTransmitted = static_cast<double>(row.OutOctets);
+    if (line.StartReceived == 0) line.StartReceived = line.BytesReceived;
+    if (line.StartTransmitted == 0) line.StartTransmitted = line.BytesTransmitted;
+    line.SampleTimer = SecondsOfDay(now);
+    line.SampleTime = now;
+    line.Connected = true;
+    state_.AnyLineConnected = true;
+    line.Duration = now - state_.ProgramStart;
+    // An adapter that moved up into the slot of one that dropped out counts on its own.
+    if (line.CounterSource == 0 || line.EntryName != Trim(row.Description)) {
+        line.CounterSource = ++state_.LastCounterSource;
+    }
+    line.DeviceName = Trim(row.Description);
+    line.EntryName = line.DeviceName;
+    line.LineName = book_.GetAlias(line.EntryName);
+}
+
+} // namespace korvalin

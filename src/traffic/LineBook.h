@@ -1,0 +1,59 @@
+#pragma once
+
+#include "traffic/LineRecord.h"
+
+#include <functional>
+#include <string>
+
+namespace korvalin {
+
+class Clock;
+class Errors;
+
+/// What the traffic readers need from the floors above them; the program plugs it in.
+struct TrafficHooks {
+    /// The user's name for an entry; the entry itself when it has none.
+    std::function<std::string(const std::string& entryName)> GetAlias;
+    /// Records that the line, as PreviousLineTable holds it, has ended.
+    std::function<void(int reason, std::size_t line)> SaveStatsLine;
+    /// The line table grew: the rate history follows.
+    std::function<void()> ResizeRateHistory;
+};
+
+/// The reason handed to SaveStatsLine for a line that went down.
+inline constexpr int ReasonLineEnded = 10;
+
+/// Keeps the line table's books: counters that continue beyond 32 bits, lines that end, slots that grow.
+class LineBook {
+  public:
+    LineBook(LineState& state, Errors& errors, Clock& clock);
+
+    void Plug(TrafficHooks hooks) { hooks_ = std::move(hooks); }
+
+    /// Continues the counters of a line whose raw counters were just stored in BytesReceived and BytesTransmitted, and
+    /// corrects an implausible log-in time.
+    void CheckVolume(LineRecord& line);
+
+    /// Clears the fields that belong to one pass.
+    void ResetLineSamples(TableFromOne<LineRecord>& lines);
+
+    /// Records every line of the previous pass that is not in this one, and resizes the table to `newCount` lines.
+    void RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount);
+
+    /// Makes room for line number `count`, keeping the lines there are.
+    void GrowTo(TableFromOne<LineRecord>& lines, std::size_t count);
+
+    std::string GetAlias(const std::string& entryName) const { return hooks_.GetAlias(entryName); }
+
+  private:
+    bool LogInIsPlausible(LineRecord& line);
+    void CountWrap(const LineRecord& line, double raw, double last, std::int32_t& wraps, const char* maximumName,
+                   const char* currentName);
+
+    LineState& state_;
+    Errors& errors_;
+    Clock& clock_;
+    TrafficHooks hooks_;
+};
+
+} // namespace korvalin

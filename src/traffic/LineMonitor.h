@@ -1,0 +1,38 @@
+#pragma once
+
+#include "traffic/LanReader.h"
+#include "traffic/RasReader.h"
+
+namespace korvalin {
+
+class Internet;
+class User;
+
+/// Decides once per pass what is monitored, dial-up lines or adapters, and has the line table filled.
+class LineMonitor {
+  public:
+    LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan, const TrafficOptions& options,
+                Internet& internet, User& user, Errors& errors);
+
+    /// One pass; called at the start of every update.
+    void Get_Bytes_Transmitted();
+
+    /// The wall clock was set by `days`: moves every moment remembered here with it, so that durations stay true.
+    void ShiftMoments(Date days);
+
+  private:
+    void TakeSnapshot();
+    void DetermineLineType();
+
+    LineState& state_;
+    LineBook& book_;
+    RasReader& ras_;
+    LanReader& lan_;
+    const TrafficOptions& options_;
+    Internet& internet_;
+    User& user_;
+    Errors& errors_;
+    bool firstPassDone_ = false;
+};
+
+} // namespace korvalin

@@ -1,0 +1,121 @@
+#include "traffic/RasReader.h"
+
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "platform/NetworkTables.h"
+#include "settings/Settings.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+namespace korvalin {
+
+RasReader::RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, Settings& settings,
+                     Errors& errors, Clock& clock)
+    : ras_(ras), network_(network), state_(state), book_(book), settings_(settings), errors_(errors), clock_(clock) {}
+
+// A failure is reported, switches the reader off for later passes, and ends only this step.
+bool RasReader::Step(const std::function<void()>& step) {
+    return errors_.Step("Get_Bytes_Transmitted_RAS", [&] {
+        try {
+            step();
+        } catch (const std::exception& error) {
+            state_.LastRasError = std::max(Errors::NumberOf(error), 1);
+            throw;
+        }
+    });
+}
+
+void RasReader::Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines) {
+    if (state_.LastRasError > 0) return;
+    lineSetChanged_ = false;
+    std::vector<RasConnection> connections;
+    Step([&] { connections = Enumerate(); });
+
+    const std::size_t count = connections.size();
+    if (count > state_.LineCount) Step([&] { book_.GrowTo(lines, count); });
+    for (std::size_t i = 1; i <= count && i <= lines.Size(); ++i) {
+        Step([&] { ReadConnection(connections[i - 1], i, lines(i)); });
+    }
+    Step([&] { CloseEndedLines(lines, count); });
+}
+
+std::vector<RasConnection> RasReader::Enumerate() {
+    std::vector<RasConnection> connections(std::max<std::size_t>(state_.LineCount, 1));
+    std::uint32_t count = 0;
+    while (ras_.EnumConnections(connections, count) == ErrorBufferTooSmall && count >= 1) {
+        connections.resize(std::max<std::size_t>(connections.size() + 1, count));
+    }
+    connections.resize(std::min<std::size_t>(count, connections.size()));
+    return connections;
+}
+
+void RasReader::ReadConnection(const RasConnection& connection, std::size_t i, LineRecord& line) {
+    RasStatistics statistics;
+    std::uint32_t connectionState = 0;
+    // A connection that cannot be read counts as not connected, so the codes need no look.
+    static_cast<void>(ras_.GetConnectionStatistics(connection.Handle, statistics));
+    static_cast<void>(ras_.GetConnectStatus(connection.Handle, connectionState));
+    if (connectionState != RascsConnected) return;
+
+    state_.AnyLineConnected = true;
+    if (line.Handle != connection.Handle && line.Handle > 0) {
+        lineSetChanged_ = true;
+        errors_.WriteErrorLog(fmt::format("Leitung {} disconnected", i), "Info");
+    }
+    const Date now = clock_.Now();
+    line.Connected = true;
+    line.IsRas = true;
+    line.SampleTime = now;
+    line.SampleTimer = SecondsOfDay(now);
+    if (line.LogIn == 0) {
+        line.LogIn = now - OneSecond;
+        line.CounterSource = ++state_.LastCounterSource;
+    }
+    line.DeviceName = Trim(connection.DeviceName);
+    line.EntryName = Trim(connection.EntryName);
+    line.LineName = book_.GetAlias(line.EntryName);
+    line.Handle = connection.Handle;
+    line.BytesReceived = static_cast<double>(statistics.BytesReceived);
+    line.BytesTransmitted = static_cast<double>(statistics.BytesTransmitted);
+    line.Counts64Bits = statistics.Counts64Bits;
+    line.Bps = statistics.Bps;
+    MeasureDuration(line, statistics);
+    book_.CheckVolume(line);
+    ReadTcpStatistics();
+}
+
+// The online duration is the larger of what RAS reports and the time since log-in.
+void RasReader::MeasureDuration(LineRecord& line, const RasStatistics& statistics) {
+    line.Duration = static_cast<double>(statistics.ConnectDurationMilliseconds / 1000) * OneSecond;
+    const Date measured = clock_.Now() - line.LogIn;
+    if (measured <= line.Duration) return;
+    if (line.Duration + 10 * OneSecond < measured - state_.LogInShift) {
+        if (settings_.GetBool("test")) {
+            errors_.WriteErrorLog(fmt::format("LogIn-Zeit verschoben: {} {}", FormatTimeOfDay(measured),
+                                              FormatTimeOfDay(line.Duration)),
+                                  "RAS");
+        }
+        state_.LogInShift = measured - line.Duration;
+    }
+    line.Duration = measured;
+}
+
+void RasReader::CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count) {
+    const bool fewer = count < state_.LineCount && state_.PreviousLineTable(1).Connected;
+    if (fewer || lineSetChanged_) book_.RecordClosedConnections(lines, lineSetChanged_ ? 0 : count);
+}
+
+void RasReader::ReadTcpStatistics() {
+    TcpStatistics tcp;
+    static_cast<void>(network_.GetTcpStatistics(tcp)); // zeroed when the system does not tell
+    LineRecord& line = state_.LineTable(1);
+    line.TcpConnections = tcp.NumConns;
+    line.TcpEstablished = tcp.CurrEstab;
+    line.TcpInSegments = tcp.InSegs;
+    line.TcpOutSegments = tcp.OutSegs;
+    line.TcpTime = clock_.Now();
+}
+
+} // namespace korvalin

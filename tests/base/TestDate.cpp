@@ -1,0 +1,78 @@
+#include "base/Date.h"
+#include "base/Locale.h"
+
+namespace korvalin {
+namespace {
+
+Locale German() {
+    Locale locale;
+    locale.DecimalMark = ",";
+    locale.GroupingMark = ".";
+    locale.ShortDate = "dd.mm.yyyy";
+    return locale;
+}
+
+Locale American() {
+    Locale locale;
+    locale.ShortDate = "m/d/yyyy";
+    locale.Time = "h:nn:ss AMPM";
+    return locale;
+}
+
+TEST(Date, SerialSpillsOverMonthAndYearEnds) {
+    struct {
+        int Year, Month, Day;
+        const char* Expected;
+    } const rows[] = {{1899, 12, 30, "1899-12-30 00:00:00"}, {2024, 13, 1, "2025-01-01 00:00:00"},
+                      {2024, 3, 0, "2024-02-29 00:00:00"},   {2023, 2, 29, "2023-03-01 00:00:00"},
+                      {2024, 1, -1, "2023-12-30 00:00:00"},  {2024, 0, 15, "2023-12-15 00:00:00"}};
+    for (const auto& row : rows) EXPECT_EQ(FormatDateIso(DateSerial(row.Year, row.Month, row.Day)), row.Expected);
+    EXPECT_EQ(DateSerial(2010, 6, 13), 40342);
+}
+
+TEST(Date, RoundsToTheSecondAndCarriesIntoTheNextDay) {
+    const Date almostMidnight = DateSerial(2024, 12, 31) + TimeSerial(23, 59, 59) + 0.6 * OneSecond;
+    EXPECT_EQ(FormatDateIso(almostMidnight), "2025-01-01 00:00:00");
+    EXPECT_EQ(FormatDateSuffix(DateSerial(2024, 3, 5) + TimeSerial(7, 8, 9)), "_20240305-070809");
+    EXPECT_EQ(FormatTimeOfDay(0.0625), "01:30:00");
+}
+
+TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {
+    const Date day = DateSerial(2024, 3, 15);
+    const Date dayTime = day + TimeSerial(14, 5, 9);
+    struct {
+        const char* Text;
+        Locale Locale;
+        std::optional<Date> Expected;
+    } const rows[] = {
+        {"2024-03-15 14:05:09", German(), dayTime}, {"2024-03-15T14:05:09", American(), dayTime},
+        {"15.03.2024 14:05:09", German(), dayTime}, {"15.3.24", German(), day},
+        {"3/15/2024 2:05:09 PM", American(), dayTime}, {"15.03.2024", American(), day},
+        {"14:05", German(), TimeSerial(14, 5, 0)}, {"12:00:00 AM", American(), 0.0},
+        {"31.02.2024", German(), std::nullopt}, {"2024-13-01", German(), std::nullopt},
+        {"2024-03-15 25:00", German(), std::nullopt}, {"13:00 PM", American(), std::nullopt},
+        {"2024-03/15", German(), std::nullopt}, {"15", German(), std::nullopt},
+        {"", German(), std::nullopt}, {"today", German(), std::nullopt},
+        {"2024-03-15 14:05:09 junk", German(), std::nullopt}, {"999999999999-01-01", German(), std::nullopt}};
+    for (const auto& row : rows) {
+        const std::optional<Date> date = ParseDate(row.Text, row.Locale);
+        ASSERT_EQ(date.has_value(), row.Expected.has_value()) << row.Text;
+        if (date) {
+            EXPECT_NEAR(*date, *row.Expected, 0.1 * OneSecond) << row.Text;
+        }
+    }
+}
+
+TEST(Date, GeneralFormatReadsBackInEveryLocale) {
+    for (const Locale& locale : {Locale(), German(), American()}) {
+        for (const Date date : {DateSerial(2024, 3, 15), DateSerial(1999, 12, 31) + TimeSerial(0, 0, 1),
+                                DateSerial(2024, 1, 2) + TimeSerial(12, 30, 0)}) {
+            const auto read = ParseDate(FormatDateGeneral(date, locale), locale);
+            ASSERT_TRUE(read) << FormatDateGeneral(date, locale);
+            EXPECT_NEAR(*read, date, 0.1 * OneSecond);
+        }
+    }
+}
+
+} // namespace
+} // namespace korvalin
