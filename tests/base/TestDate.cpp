@@ -42,7 +42,7 @@ TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {
     const Date dayTime = day + TimeSerial(14, 5, 9);
     struct {
         const char* Text;
-        Locale Locale;
+        Locale UserLocale;
         std::optional<Date> Expected;
     } const rows[] = {
         {"2024-03-15 14:05:09", German(), dayTime}, {"2024-03-15T14:05:09", American(), dayTime},
@@ -55,7 +55,7 @@ TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {
         {"", German(), std::nullopt}, {"today", German(), std::nullopt},
         {"2024-03-15 14:05:09 junk", German(), std::nullopt}, {"999999999999-01-01", German(), std::nullopt}};
     for (const auto& row : rows) {
-        const std::optional<Date> date = ParseDate(row.Text, row.Locale);
+        const std::optional<Date> date = ParseDate(row.Text, row.UserLocale);
         ASSERT_EQ(date.has_value(), row.Expected.has_value()) << row.Text;
         if (date) {
             EXPECT_NEAR(*date, *row.Expected, 0.1 * OneSecond) << row.Text;

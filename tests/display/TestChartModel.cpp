@@ -1,0 +1,139 @@
+#include "display/ChartModel.h"
+
+#include <gtest/gtest.h>
+
+namespace korvalin {
+namespace {
+
+TEST(ChartScale, RoundsUpStrictlyAboveTheMaximum) {
+    struct {
+        double Maximum;
+        std::int32_t Factor;
+        double Expected;
+    } const rows[] = {{0, 1000, 5000},           {10000, 1000, 15000},      {10001, 1000, 15000},
+                      {1000000, 1000, 1005000},  {1000500, 1000, 1050000},  {10000000, 1000, 10050000},
+                      {10000500, 1000, 10500000}, {1024 * 4, 1024, 1024 * 5}, {0, 125, 625}};
+    for (const auto& row : rows) EXPECT_DOUBLE_EQ(RoundUpToStep(row.Maximum, row.Factor), row.Expected) << row.Maximum;
+}
+
+TEST(ChartScale, HasAFloorAndAFixedForm) {
+    InfoTexts texts;
+    EXPECT_EQ(ScaleMaximum(0, texts), 10000) << "no data at all";
+    EXPECT_EQ(ScaleMaximum(15000.7, texts), 15000);
+    texts.ChartMinMax = 50;
+    EXPECT_EQ(ScaleMaximum(15000, texts), 50000);
+    texts.ChartUseMax = true;
+    texts.ChartMax = 20;
+    EXPECT_EQ(ScaleMaximum(15000, texts), 20000);
+}
+
+class Curves : public testing::Test {
+  protected:
+    // Samples one a second, the last at second `count`; slot 0 carries the given rates.
+    void Fill(const std::vector<float>& rates) {
+        for (std::size_t i = 0; i < rates.size(); ++i) {
+            HistorySample& sample = history.Append(1, 1000.0 + static_cast<double>(i));
+            sample.RateDL[0] = rates[i];
+            sample.RateUL[7] = rates[i] / 2;
+        }
+    }
+    std::vector<ChartPoint> Points(std::size_t visible, double clip = 1e9, double unitsPerPixel = 0.1) {
+        std::vector<ChartPoint> points;
+        CurvePoints(history, 1, 0, Direction::Download, visible, clip, unitsPerPixel, points);
+        return points;
+    }
+    RateHistory history{100, 1};
+};
+
+TEST_F(Curves, TheLargestRateCountsOnlyWhatIsShownAndVisible) {
+    Fill({900, 10, 20, 30});
+    InfoTexts texts;
+    EXPECT_EQ(LargestRate(history, 1, texts, 100), 0) << "every curve is off";
+    texts.LineULShow[7] = true;
+    EXPECT_EQ(LargestRate(history, 1, texts, 100), 450);
+    texts.LineDLShow[0] = true;
+    EXPECT_EQ(LargestRate(history, 1, texts, 100), 900);
+    EXPECT_EQ(LargestRate(history, 1, texts, 3), 30);
+}
+
+TEST_F(Curves, TheNewestStandsAtTheRightEdgeAndTimeStampsPlaceTheRest) {
+    Fill({10, 20, 30});
+    history.Append(1, 1010).RateDL[0] = 40; // eight seconds without a sample
+    const auto points = Points(60);
+    ASSERT_EQ(points.size(), 4U);
+    EXPECT_EQ(points[0].X, 60);
+    EXPECT_EQ(points[0].Y, 40);
+    EXPECT_EQ(points[1].X, 52) << "one straight segment spans the gap";
+    EXPECT_EQ(points[3].X, 50);
+}
+
+TEST_F(Curves, EndAtTheLeftEdgeAndAtTheFirstEmptySample) {
+    Fill(std::vector<float>(50, 5));
+    EXPECT_EQ(Points(60).size(), 50U);
+    const auto points = Points(20);
+    EXPECT_EQ(points.size(), 20U);
+    EXPECT_EQ(points.back().X, 1);
+}
+
+TEST_F(Curves, AreClipped) {
+    Fill({10, 5000});
+    EXPECT_EQ(Points(60, 100).front().Y, 100);
+}
+
+TEST_F(Curves, KeepTheExtremesOfAPixelColumn) {
+    std::vector<float> rates(100, 50);
+    rates[90] = 7;
+    rates[92] = 99;
+    Fill(rates);
+    const auto points = Points(100, 1e9, 20); // five pixel columns
+    EXPECT_LE(points.size(), 6U * 4U);
+    const auto hasY = [&](double y) {
+        return std::any_of(points.begin(), points.end(), [&](const ChartPoint& point) { return point.Y == y; });
+    };
+    EXPECT_TRUE(hasY(7) && hasY(99));
+    EXPECT_EQ(points.front().X, 100);
+    EXPECT_EQ(points.back().X, 1);
+}
+
+TEST(TimeLines, StandAtWholeMultiplesBeforeTheNewestSample) {
+    EXPECT_EQ(TimeLinePositions(240, 60), (std::vector<int>{180, 120, 60}));
+    EXPECT_EQ(TimeLinePositions(60, 300), std::vector<int>());
+    EXPECT_EQ(TimeLinePositions(61, 60), std::vector<int>{1});
+    EXPECT_EQ(VisibleSamplesFor(4), 240U);
+}
+
+TEST(LineLabelText, CutsLongNamesAtALateBlank) {
+    struct {
+        const char* Name;
+        const char* Expected;
+    } const rows[] = {{"eth0", "eth0"},
+                      {"sixteen letters.", "sixteen letters."},
+                      {"seventeen letters", "seventeen letter"},
+                      {"Provider Number 1234", "Provider Number"},
+                      {"Big Provider GmbH & Co", "Big Provider Gmb"},
+                      {"Größenwahn Prov. Düsseldorf", "Größenwahn Prov."}};
+    for (const auto& row : rows) EXPECT_EQ(ShortLineName(row.Name), row.Expected);
+}
+
+TEST(LineLabelText, ShowsNameTimeAndThatSeveralAreOnline) {
+    LineState lines;
+    lines.LineTable.Resize(2);
+    lines.LineCount = 2;
+    lines.LineTable(1).LineName = "eth0";
+    lines.LineTable(1).Duration = 0.0625;
+    InfoTexts texts;
+    texts.LineIndex = 1;
+    EXPECT_EQ(LineLabel(lines, texts, "of"), "eth0");
+    lines.LineTable(1).Connected = true;
+    EXPECT_EQ(LineLabel(lines, texts, "of"), "eth0 01:30:00");
+    texts.ShowDuration = false;
+    EXPECT_EQ(LineLabel(lines, texts, "of"), "eth0");
+    lines.LineTable(1).IsRas = true;
+    texts.ShowLineName = false;
+    EXPECT_EQ(LineLabel(lines, texts, "of"), "On 01:30:00");
+    lines.LineTable(2).Connected = true;
+    EXPECT_EQ(LineLabel(lines, texts, "of"), "of On 01:30:00");
+}
+
+} // namespace
+} // namespace korvalin

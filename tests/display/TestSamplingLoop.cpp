@@ -1,0 +1,253 @@
+#include "display/SamplingLoop.h"
+
+#include "traffic/TrafficFixture.h"
+
+namespace korvalin {
+namespace {
+
+// Notes what the loop asks of the window.
+class FakeWindow : public MonitorWindow {
+  public:
+    std::vector<std::string> Calls;
+    int ChartDrawings = 0;
+    bool HangUpVisible = false;
+    int Left = 150;
+    std::function<void()> OnDraw = [] {};
+
+    void DrawChart(bool force) override {
+        ++ChartDrawings;
+        if (force) Calls.emplace_back("draw forced");
+        OnDraw();
+    }
+    void IconDraw() override {}
+    void ShowCaption() override {}
+    void ShowMainWindow(bool show) override { Calls.emplace_back(show ? "show" : "hide"); }
+    bool HangUpItemVisible() override { return HangUpVisible; }
+    void RefreshDialMenus() override { Calls.emplace_back("dial menus"); }
+    void RefreshLinesMenu() override {}
+    void RestoreGeometry() override { Calls.emplace_back("restore"); }
+    void SaveGeometry() override { Calls.emplace_back("save"); }
+    int LeftEdge() override { return Left; }
+};
+
+class Sampling : public TrafficFixture {
+  protected:
+    Sampling() {
+        texts.LineDLShow[0] = true;
+        history = RateHistory(240, 1);
+        book.Plug({[](const std::string& entry) { return entry; }, [](int, std::size_t) {},
+                   [this] { loop.ResizeRateHistory(); }});
+        loop.Attach(&window);
+        network.Add("eth0", 1000, 500);
+    }
+
+    // Lets time pass in steps of 50 ms, as the fast timer would, while bytes arrive at a steady rate.
+    void Run(double seconds, double bytesPerSecond = 1000) {
+        for (int tick = 0; tick < seconds * 20 - 0.5; ++tick) {
+            clock.Advance(0.05);
+            received += bytesPerSecond * 0.05;
+            network.Rows[0].InOctets = 1000 + static_cast<std::uint64_t>(received + 0.5);
+            loop.TimerMain_Timer();
+        }
+    }
+    const HistorySample& Newest(std::size_t line = 1) const { return history.At(history.Samples(), line); }
+    void ExpectSteadyRates(float rate) const {
+        for (const float r : Newest().RateDL) EXPECT_NEAR(r, rate, rate * 0.001F + 0.5F);
+    }
+
+    RateHistory history;
+    InfoTexts texts;
+    SamplingLoop loop{clock, screen, settings, lines, monitor, history, texts, errors};
+    FakeWindow window;
+    double received = 0;
+};
+
+TEST_F(Sampling, RunsOneUpdateASecond) {
+    Run(10);
+    const int drawings = window.ChartDrawings;
+    EXPECT_NEAR(drawings, 10, 1);
+    Run(60);
+    EXPECT_EQ(window.ChartDrawings - drawings, 60);
+    ExpectSteadyRates(1000);
+}
+
+TEST_F(Sampling, TheTimerNeedNotFireBeforeTheNextStep) {
+    Run(5);
+    for (int i = 0; i < 20; ++i) {
+        clock.Advance(loop.MillisecondsToNextStep() / 1000.0);
+        const int before = window.ChartDrawings;
+        loop.TimerMain_Timer();
+        EXPECT_EQ(window.ChartDrawings, before + 1) << "woken too early";
+        EXPECT_GT(loop.MillisecondsToNextStep(), 900);
+    }
+}
+
+TEST_F(Sampling, ABlockedProgramMakesOneUpdateAndNoBurst) {
+    Run(10);
+    const int before = window.ChartDrawings;
+    clock.Advance(5);
+    received += 5000;
+    Run(1);
+    EXPECT_LE(window.ChartDrawings - before, 2);
+    ExpectSteadyRates(1000);
+}
+
+TEST_F(Sampling, MidnightAndAClockThatIsSetLeaveNoTraceInTheRates) {
+    struct {
+        const char* What;
+        Date Start;
+        Date Step;
+    } const rows[] = {{"midnight", DateSerial(2024, 3, 15) + TimeSerial(23, 59, 55), 0},
+                      {"summer time begins", DateSerial(2024, 3, 31) + TimeSerial(1, 59, 55), 1.0 / 24},
+                      {"summer time ends", DateSerial(2024, 10, 27) + TimeSerial(2, 59, 55), -1.0 / 24},
+                      {"set back a year", DateSerial(2024, 3, 15) + TimeSerial(12, 0, 0), -365},
+                      {"back over midnight", DateSerial(2024, 3, 15) + TimeSerial(0, 0, 10), -OneSecond * 30}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.What);
+        clock.SetWallClock(row.Start);
+        Run(5);
+        const int before = window.ChartDrawings;
+        const double newestTime = Newest().T;
+        clock.SetWallClock(clock.Now() + row.Step);
+        for (int second = 0; second < 10; ++second) {
+            Run(1);
+            ExpectSteadyRates(1000);
+        }
+        EXPECT_EQ(window.ChartDrawings - before, 10);
+        EXPECT_NEAR(Newest().T - newestTime, 10, 0.001);
+        EXPECT_NEAR(lines.LineTable(1).Duration, clock.Now() - lines.ProgramStart, OneSecond);
+    }
+}
+
+TEST_F(Sampling, DurationsStayTrueWhenTheClockIsSet) {
+    Run(30);
+    const Date duration = lines.LineTable(1).Duration;
+    clock.SetWallClock(clock.Now() - 0.5);
+    Run(10);
+    EXPECT_NEAR(lines.LineTable(1).Duration - duration, 10 * OneSecond, 0.1 * OneSecond);
+    EXPECT_LT(lines.LineTable(1).LogIn, clock.Now());
+}
+
+TEST_F(Sampling, ASuspendLeavesNeitherGapNorSpike) {
+    Run(100);
+    const double newestTime = Newest().T;
+    clock.Suspend(8 * 3600);
+    Run(10);
+    ExpectSteadyRates(1000);
+    EXPECT_NEAR(Newest().T - newestTime, 10, 0.001);
+    EXPECT_NEAR(lines.LineTable(1).Duration, (8 * 3600 + 110) * OneSecond, 2 * OneSecond) << "asleep is online time";
+}
+
+TEST_F(Sampling, AnUpdateWithinAnUpdateDoesNothing) {
+    int inner = 0;
+    window.OnDraw = [&] {
+        ++inner;
+        loop.Get_TransferedData();
+    };
+    loop.Get_TransferedData();
+    EXPECT_EQ(inner, 1);
+    window.OnDraw = [] {};
+    loop.Get_TransferedData();
+    EXPECT_EQ(window.ChartDrawings, 2);
+}
+
+TEST_F(Sampling, GoingOnlineShowsAndGoingOfflineHidesTheWindow) {
+    int scheduled = 0;
+    loop.Plug({[&] { ++scheduled; }, [] { return false; }, [] {}});
+    loop.Get_TransferedData();
+    EXPECT_EQ(window.Calls, std::vector<std::string>{"show"});
+    network.Rows.clear();
+    window.Calls.clear();
+    clock.Advance(1);
+    loop.Get_TransferedData();
+    EXPECT_EQ(window.Calls, std::vector<std::string>{"hide"});
+    texts.AutoShow = false;
+    network.Add("eth0", 1000, 500);
+    window.Calls.clear();
+    clock.Advance(1);
+    loop.Get_TransferedData();
+    EXPECT_TRUE(window.Calls.empty());
+    EXPECT_EQ(scheduled, 2);
+}
+
+TEST_F(Sampling, StartingOfflineDrawsOnceAndHides) {
+    network.Rows.clear();
+    loop.Get_TransferedData();
+    EXPECT_EQ(window.ChartDrawings, 1);
+    EXPECT_EQ(window.Calls, std::vector<std::string>{"hide"});
+}
+
+TEST_F(Sampling, DialMenusFollowTheConnection) {
+    window.HangUpVisible = true;
+    network.Rows.clear();
+    texts.AutoShow = false;
+    loop.Get_TransferedData();
+    EXPECT_EQ(window.Calls, (std::vector<std::string>{"dial menus", "draw forced"}));
+}
+
+TEST_F(Sampling, ALineThatIsNotConnectedGetsItsTimeOnly) {
+    internet.State = {true, InternetConnectionModem | InternetRasInstalled};
+    FakeRas::Line dialing;
+    dialing.Connection = {7, "Provider", "Modem"};
+    dialing.Statistics.BytesReceived = 5000;
+    dialing.State = 0x10;
+    ras.Lines = {dialing};
+    Run(3);
+    ASSERT_EQ(lines.LineCount, 1U);
+    EXPECT_GT(Newest().T, 0);
+    EXPECT_EQ(Newest().Received, 0);
+    ExpectSteadyRates(0);
+}
+
+TEST_F(Sampling, TheUpdateCheckRunsOnceWhenItIsDue) {
+    int checks = 0;
+    bool quit = false;
+    loop.Plug({[] {}, [&] { return ++checks == 2; }, [&] { quit = true; }});
+    Run(5);
+    EXPECT_EQ(checks, 0);
+    loop.SetUpdateCheckPending(clock.Now() + 68 * OneSecond);
+    Run(66);
+    EXPECT_EQ(checks, 0);
+    Run(5);
+    EXPECT_EQ(checks, 1);
+    loop.SetUpdateCheckPending(clock.Now() - 1); // long overdue, as after a suspend
+    Run(66);
+    EXPECT_EQ(checks, 1);
+    Run(5);
+    EXPECT_EQ(checks, 2);
+    EXPECT_TRUE(quit);
+}
+
+TEST_F(Sampling, AnotherScreenSizeRestoresAndAMovedWindowIsSaved) {
+    Run(2);
+    window.Calls.clear();
+    Run(2);
+    EXPECT_TRUE(window.Calls.empty());
+    window.Left = 300;
+    Run(1.1);
+    EXPECT_EQ(window.Calls, std::vector<std::string>{"save"});
+    screen.Size = ScreenSize{800, 600};
+    Run(1.1);
+    EXPECT_EQ(window.Calls, (std::vector<std::string>{"save", "restore"}));
+    Run(2);
+    EXPECT_EQ(window.Calls.size(), 2U) << "the place after a restore is only remembered";
+}
+
+TEST_F(Sampling, AWiderChartRaisesTheHistory) {
+    loop.SetVisibleSamples(600);
+    loop.ResizeRateHistory();
+    EXPECT_EQ(history.Samples(), 600U);
+    EXPECT_EQ(settings.GetNumber("ConnDataMax"), 600);
+    texts.ConnDataMax = 700;
+    loop.ResizeRateHistory();
+    EXPECT_EQ(history.Samples(), 700U);
+}
+
+TEST_F(Sampling, WithoutAWindowTheHistoryIsKeptAllTheSame) {
+    loop.Attach(nullptr);
+    Run(5);
+    ExpectSteadyRates(1000);
+}
+
+} // namespace
+} // namespace korvalin

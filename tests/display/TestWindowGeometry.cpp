@@ -1,0 +1,86 @@
+#include "display/Fade.h"
+#include "display/WindowGeometry.h"
+
+#include "fakes/CoreFixture.h"
+
+namespace korvalin {
+namespace {
+
+class WindowGeometryTest : public CoreFixture {
+  protected:
+    WindowGeometry geometry{settings, screen};
+};
+
+TEST_F(WindowGeometryTest, AFreshUserGetsTheCornerOfTheScreen) {
+    const TwipsRect place = geometry.Restore(0);
+    EXPECT_EQ(place, (TwipsRect{1280 * 15 - 4700 - 350, 1024 * 15 - 1450 - 780, 4700, 1450}));
+}
+
+TEST_F(WindowGeometryTest, WhatIsStoredDescribesTheWindowWithItsCaption) {
+    geometry.Save({1000, 2300, 4000, 1200}, 300, false);
+    EXPECT_EQ(settings.GetNumber("MON_Top_1024"), 2000);
+    EXPECT_EQ(settings.GetNumber("MON_Height"), 1500);
+    EXPECT_EQ(geometry.Restore(300), (TwipsRect{1000, 2300, 4000, 1200}));
+    EXPECT_EQ(geometry.Restore(0), (TwipsRect{1000, 2000, 4000, 1500}));
+}
+
+TEST_F(WindowGeometryTest, TitleOnlyKeepsTheHeight) {
+    geometry.Save({1000, 2000, 4000, 1500}, 0, false);
+    geometry.Save({1100, 2100, 4100, 300}, 0, true);
+    EXPECT_EQ(geometry.Restore(0), (TwipsRect{1100, 2100, 4100, 1500}));
+}
+
+TEST_F(WindowGeometryTest, EveryResolutionHasItsOwnPlace) {
+    geometry.Save({1000, 2000, 4000, 1500}, 0, false);
+    screen.Size = screen.Mode = ScreenSize{800, 600};
+    geometry.Save({500, 600, 4000, 1500}, 0, false);
+    EXPECT_EQ(geometry.Restore(0).Left, 500);
+    screen.Size = screen.Mode = ScreenSize{1280, 1024};
+    EXPECT_EQ(geometry.Restore(0).Left, 1000);
+}
+
+TEST(SmallestSize, KeepsTheEdgeThatWasNotDragged) {
+    struct {
+        TwipsRect Window;
+        int LastTop, LastLeft;
+        TwipsRect Expected;
+    } const rows[] = {
+        {{100, 100, 4000, 1500}, 100, 100, {100, 100, 4000, 1500}},
+        {{100, 1000, 4000, 500}, 900, 100, {100, 800, 4000, 700}},  // from the top edge
+        {{100, 1000, 4000, 500}, 1000, 100, {100, 1000, 4000, 700}}, // from the bottom edge
+        {{1000, 100, 300, 1500}, 100, 900, {800, 100, 500, 1500}},  // from the left edge
+        {{1000, 100, 300, 1500}, 100, 1000, {1000, 100, 500, 1500}},
+    };
+    for (const auto& row : rows) EXPECT_EQ(EnforceSmallestSize(row.Window, row.LastTop, row.LastLeft), row.Expected);
+}
+
+TEST(Fade, ReachesTheOpacityInStepsOfATwentieth) {
+    struct {
+        int Opacity, Ticks;
+    } const rows[] = {{200, 16}, {255, 20}, {25, 2}};
+    for (const auto& row : rows) {
+        Fade fade;
+        fade.Start(Fade::Direction::In);
+        int ticks = 1;
+        int last = 0;
+        Fade::Tick tick = fade.Next(row.Opacity);
+        for (; !tick.Finished; tick = fade.Next(row.Opacity), ++ticks) {
+            EXPECT_GT(tick.Alpha, last);
+            last = tick.Alpha;
+        }
+        EXPECT_EQ(tick.Alpha, row.Opacity);
+        EXPECT_EQ(ticks, row.Ticks);
+    }
+}
+
+TEST(Fade, FadingOutEndsWithTheWindow) {
+    Fade fade;
+    fade.Start(Fade::Direction::Out);
+    Fade::Tick tick = fade.Next(255);
+    EXPECT_EQ(tick.Alpha, 256 - 13);
+    while (!tick.Finished) tick = fade.Next(255);
+    EXPECT_TRUE(tick.Unload);
+}
+
+} // namespace
+} // namespace korvalin

@@ -1,0 +1,164 @@
+#include "TrafficFixture.h"
+
+namespace korvalin {
+namespace {
+
+class Adapters : public TrafficFixture {};
+
+TEST_F(Adapters, OnlyLoopbackIsNoLine) {
+    network.Rows = {{1, IfTypeSoftwareLoopback, OperationalStatus::Operational, 5000, 5000, true, "lo"}};
+    Pass();
+    EXPECT_EQ(lines.LineCount, 0U);
+    EXPECT_FALSE(lines.AnyLineConnected);
+    EXPECT_EQ(lines.LineTable.Size(), 1U);
+}
+
+TEST_F(Adapters, ThoseAboveTheThresholdArePackedFromLineOne) {
+    network.Add("eth0", 101, 50);
+    network.Add("wlan0", 100, 50); // equal to the threshold: not active
+    network.Add("  tun0 ", 5000, 60);
+    Pass();
+    ASSERT_EQ(lines.LineCount, 2U);
+    EXPECT_EQ(lines.LineTable(1).EntryName, "eth0");
+    EXPECT_EQ(lines.LineTable(2).EntryName, "tun0");
+    EXPECT_EQ(lines.LineTable(2).LineName, "<tun0>");
+    EXPECT_EQ(lines.LineTable(2).BytesReceived, 5000);
+    EXPECT_EQ(lines.LineTable(2).StartTransmitted, 60);
+    EXPECT_TRUE(lines.AnyLineConnected);
+    EXPECT_EQ(historyResizes, 1) << "line 1 has room from the beginning";
+}
+
+TEST_F(Adapters, LogInIsTwoSecondsBeforeTheProgramStarted) {
+    network.Add("eth0", 1000, 0);
+    const Date start = clock.Now();
+    Pass(10);
+    EXPECT_NEAR(lines.LineTable(1).LogIn, start - 2 * OneSecond, 1e-9);
+    EXPECT_NEAR(lines.LineTable(1).Duration, 10 * OneSecond, 1e-9);
+    Pass(10);
+    EXPECT_NEAR(lines.LineTable(1).LogIn, start - 2 * OneSecond, 1e-9);
+}
+
+TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
+    struct {
+        bool Counts64Bits;
+        std::uint64_t Before, After;
+        double Expected;
+        bool Logged;
+    } const rows[] = {{false, 4294967000, 1000, 4294967296.0 + 1000, false},
+                      {false, 3000000, 1000000, 1000000, true},
+                      {true, 4294967000, 1000, 1000, true},
+                      {true, 99000000000, 99000000500, 99000000500.0, false},
+                      {false, 2147483648 + 500, 499, 4294967296.0 + 499, false},
+                      {false, 2147483648 + 500, 500, 500, true}};
+    for (const auto& row : rows) {
+        std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
+        LineRecord line;
+        line.EntryName = "eth0";
+        line.Counts64Bits = row.Counts64Bits;
+        for (const auto raw : {row.Before, row.After}) {
+            line.BytesReceived = static_cast<double>(raw);
+            book.CheckVolume(line);
+            clock.Advance(1);
+        }
+        EXPECT_EQ(line.BytesReceived, row.Expected);
+        EXPECT_EQ(Log().find("RAS_EntryName: eth0") != std::string::npos, row.Logged);
+        EXPECT_EQ(Log().find("MaxRcved: ") != std::string::npos, row.Logged);
+        EXPECT_EQ(Log().find("BytesRecvd: ") != std::string::npos, row.Logged);
+    }
+}
+
+TEST_F(Adapters, ANewAdapterGrowsTheTableAndHasTheTypeDecidedAgain) {
+    network.Add("eth0", 1000, 0);
+    Pass();
+    EXPECT_EQ(lines.MonitoredLineType, "") << "the first adapter is a new one too";
+    Pass();
+    EXPECT_EQ(lines.MonitoredLineType, "LAN");
+    network.Add("eth1", 1000, 0);
+    Pass();
+    EXPECT_EQ(lines.LineCount, 2U);
+    EXPECT_EQ(lines.MonitoredLineType, "");
+    internet.State = {true, InternetConnectionLan};
+    Pass();
+    EXPECT_EQ(lines.MonitoredLineType, "LAN");
+    EXPECT_TRUE(lines.LineTable(2).Connected);
+}
+
+TEST_F(Adapters, OneThatDropsOutIsRecordedWithItsLastState) {
+    network.Add("eth0", 1000, 0);
+    network.Add("eth1", 7000, 0);
+    Pass();
+    Pass();
+    network.Rows.pop_back();
+    Pass();
+    ASSERT_EQ(closed.size(), 1U);
+    EXPECT_EQ(closed[0].Line, 2U);
+    EXPECT_EQ(closed[0].EntryName, "eth1");
+    EXPECT_EQ(closed[0].BytesReceived, 7000);
+    EXPECT_EQ(lines.LineCount, 1U);
+    EXPECT_EQ(lines.LineTable.Size(), 1U);
+
+    network.Rows.clear();
+    Pass();
+    EXPECT_EQ(closed.size(), 2U);
+    EXPECT_EQ(lines.LineCount, 0U);
+    EXPECT_FALSE(lines.AnyLineConnected);
+    EXPECT_EQ(lines.LineTable(1).LogIn, 0);
+}
+
+TEST_F(Adapters, ATableThatCannotBeReadIsAPassWithoutAdapters) {
+    network.Add("eth0", 1000, 0);
+    Pass();
+    network.Result = 5;
+    Pass();
+    EXPECT_EQ(closed.size(), 1U);
+    EXPECT_EQ(lines.LineCount, 0U);
+}
+
+TEST_F(Adapters, AFailingReaderNamesItsProgress) {
+    network.Throws = true;
+    Pass();
+    EXPECT_NE(boxes.Take().Text.find("Get_Bytes_Transmitted_LAN - interne Fehlernummer: 1\n"), std::string::npos);
+}
+
+TEST_F(Adapters, NothingIsReadWhileMonitoringOfAdaptersIsOff) {
+    options.LanProt = false;
+    network.Add("eth0", 1000, 0);
+    Pass();
+    EXPECT_EQ(lines.LineCount, 0U);
+}
+
+TEST_F(Adapters, TheSnapshotHoldsTheConnectedLinesAndTheUser) {
+    network.Add("eth0", 1000, 0);
+    Pass();
+    network.Rows[0].InOctets = 2000;
+    Pass();
+    EXPECT_EQ(lines.PreviousLineTable(1).BytesReceived, 1000);
+    EXPECT_EQ(lines.PreviousLineTable(1).User, "alice");
+    EXPECT_EQ(lines.LineTable(1).BytesReceived, 2000);
+}
+
+TEST_F(Adapters, TheSlotOfARenamedOrReplacedAdapterCountsAsAnotherSource) {
+    network.Add("eth0", 1000, 0);
+    Pass();
+    const std::uint32_t before = lines.LineTable(1).CounterSource;
+    Pass();
+    EXPECT_EQ(lines.LineTable(1).CounterSource, before);
+    network.Rows[0].Description = "lan0";
+    Pass();
+    EXPECT_NE(lines.LineTable(1).CounterSource, before);
+}
+
+TEST_F(Adapters, LogInMovesWithAWallClockThatIsSet) {
+    network.Add("eth0", 1000, 0);
+    Pass(10);
+    const Date logIn = lines.LineTable(1).LogIn;
+    clock.SetWallClock(clock.Now() + 1.0 / 24);
+    monitor.ShiftMoments(1.0 / 24);
+    Pass(1);
+    EXPECT_NEAR(lines.LineTable(1).Duration, 11 * OneSecond, 1e-9);
+    EXPECT_NEAR(lines.LineTable(1).LogIn, logIn + 1.0 / 24, 1e-9);
+    EXPECT_NEAR(lines.PreviousLineTable(1).LogIn, logIn + 1.0 / 24, 1e-9);
+}
+
+} // namespace
+} // namespace korvalin

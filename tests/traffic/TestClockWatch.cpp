@@ -1,0 +1,47 @@
+#include "traffic/ClockWatch.h"
+
+#include "fakes/FakeClock.h"
+
+#include <gtest/gtest.h>
+
+namespace korvalin {
+namespace {
+
+TEST(ClockWatch, TellsAClockThatWasSetFromTimeThatPassed) {
+    FakeClock clock;
+    ClockWatch watch(clock);
+    clock.Advance(86400);
+    EXPECT_EQ(watch.TakeStep(), 0);
+    clock.Suspend(3600);
+    EXPECT_EQ(watch.TakeStep(), 0) << "asleep is time that passed";
+    clock.SetWallClock(clock.Now() + 1.0 / 24);
+    EXPECT_NEAR(watch.TakeStep(), 1.0 / 24, 1e-9);
+    EXPECT_EQ(watch.TakeStep(), 0) << "a step is reported once";
+    clock.SetWallClock(clock.Now() - 30 * OneSecond);
+    EXPECT_NEAR(watch.TakeStep(), -30 * OneSecond, 1e-9);
+}
+
+TEST(ClockWatch, SlowCorrectionsAddUpToAStep) {
+    FakeClock clock;
+    ClockWatch watch(clock);
+    Date moved = 0;
+    for (int second = 0; second < 10; ++second) {
+        clock.Advance(1);
+        clock.SetWallClock(clock.Now() + 0.2 * OneSecond);
+        moved += watch.TakeStep();
+    }
+    EXPECT_NEAR(moved, 2 * OneSecond, 0.5 * OneSecond);
+}
+
+TEST(ClockWatch, JumpedSecondsAreStepsAndSleep) {
+    FakeClock clock;
+    const ClockWatch watch(clock);
+    clock.Advance(100);
+    EXPECT_NEAR(watch.JumpedSeconds(), 0, 1e-4);
+    clock.Suspend(50);
+    clock.SetWallClock(clock.Now() - 10 * OneSecond);
+    EXPECT_NEAR(watch.JumpedSeconds(), 40, 1e-4);
+}
+
+} // namespace
+} // namespace korvalin

@@ -1,0 +1,130 @@
+#include "TrafficFixture.h"
+
+namespace korvalin {
+namespace {
+
+class RasLines : public TrafficFixture {
+  protected:
+    RasLines() { internet.State = {true, InternetConnectionModem | InternetRasInstalled}; }
+
+    void Dial(std::int32_t handle, const std::string& entry, std::uint64_t received, double secondsUp = 0) {
+        FakeRas::Line line;
+        line.Connection = {handle, entry, "Modem"};
+        line.Statistics.BytesReceived = received;
+        line.Statistics.Bps = 56000;
+        line.Statistics.ConnectDurationMilliseconds = static_cast<std::uint64_t>(secondsUp * 1000);
+        ras.Lines.push_back(line);
+    }
+};
+
+TEST_F(RasLines, TheTypeFollowsTheFlags) {
+    struct {
+        std::uint32_t Flags;
+        const char* Expected;
+    } const rows[] = {{InternetConnectionModem | InternetRasInstalled, "RAS"},
+                      {InternetConnectionModem, "unknown"},
+                      {InternetConnectionLan, "LAN"},
+                      {InternetConnectionModem | InternetConnectionLan | InternetRasInstalled, "LAN"},
+                      {0, ""}};
+    for (const auto& row : rows) {
+        internet.State = {row.Flags != 0, row.Flags};
+        LineState state;
+        LineMonitor fresh{state, book, rasReader, lanReader, options, internet, user, errors};
+        fresh.Get_Bytes_Transmitted();
+        EXPECT_EQ(state.MonitoredLineType, row.Expected) << row.Flags;
+    }
+}
+
+TEST_F(RasLines, OneAlreadyUpGetsALogInBeforeItsDuration) {
+    Dial(7, "Provider", 100, 600);
+    Pass();
+    const Date now = clock.Now();
+    EXPECT_NEAR(lines.LineTable(1).Duration, 600 * OneSecond, 1e-9);
+    EXPECT_NEAR(lines.LineTable(1).LogIn, now - 605 * OneSecond, 1e-9);
+    EXPECT_EQ(lines.LineTable(1).LineName, "<Provider>");
+    EXPECT_EQ(lines.LineTable(1).Bps, 56000U);
+    Pass();
+    EXPECT_NEAR(lines.LineTable(1).Duration, 606 * OneSecond, 1e-9) << "the time since log-in is the larger one";
+}
+
+TEST_F(RasLines, ALogInThatDriftsAwayIsNotedOnceWhenTesting) {
+    settings.SetReg("Test", true);
+    Dial(7, "Provider", 100, 1);
+    Pass();
+    Pass(30);
+    Pass(1);
+    const std::string log = Log();
+    EXPECT_NE(log.find("RAS\tLogIn-Zeit verschoben: "), std::string::npos);
+    EXPECT_EQ(log.find("verschoben"), log.rfind("verschoben"));
+    EXPECT_GT(lines.LogInShift, 20 * OneSecond);
+}
+
+TEST_F(RasLines, TheSecondOfTwoHangsUp) {
+    Dial(7, "One", 100);
+    Dial(8, "Two", 200);
+    Pass();
+    EXPECT_EQ(lines.LineCount, 2U);
+    Pass();
+    ras.Lines.pop_back();
+    Pass();
+    ASSERT_EQ(closed.size(), 1U);
+    EXPECT_EQ(closed[0].EntryName, "Two");
+    EXPECT_EQ(lines.LineTable.Size(), 1U);
+    EXPECT_TRUE(lines.AnyLineConnected);
+}
+
+TEST_F(RasLines, AnotherConnectionInSlotOneClosesEveryLine) {
+    Dial(7, "One", 100);
+    Pass();
+    Pass();
+    ras.Lines.clear();
+    Dial(9, "Other", 5);
+    Pass();
+    ASSERT_EQ(closed.size(), 1U);
+    EXPECT_EQ(closed[0].EntryName, "One");
+    EXPECT_NE(Log().find("Info\tLeitung 1 disconnected"), std::string::npos);
+    EXPECT_EQ(lines.LineCount, 0U);
+    Pass();
+    EXPECT_EQ(lines.LineCount, 1U);
+    EXPECT_EQ(lines.LineTable(1).EntryName, "Other");
+}
+
+TEST_F(RasLines, OneThatIsStillDialingIsNotConnected) {
+    Dial(7, "One", 100);
+    ras.Lines[0].State = 0x10;
+    Pass();
+    EXPECT_FALSE(lines.AnyLineConnected);
+    EXPECT_FALSE(lines.LineTable(1).Connected);
+}
+
+TEST_F(RasLines, MoreConnectionsThanRoomAreAskedForAgain) {
+    for (int i = 1; i <= 5; ++i) Dial(i, "Line" + std::to_string(i), 100);
+    Pass();
+    EXPECT_EQ(lines.LineCount, 5U);
+    EXPECT_EQ(lines.LineTable(5).EntryName, "Line5");
+    EXPECT_EQ(historyResizes, 1);
+}
+
+TEST_F(RasLines, AFailureSwitchesTheReaderOffForTheRun) {
+    ras.Throws = true;
+    Pass();
+    EXPECT_NE(boxes.Take().Text.find("Get_Bytes_Transmitted_RAS"), std::string::npos);
+    EXPECT_GT(lines.LastRasError, 0);
+    ras.Throws = false;
+    Dial(7, "One", 100);
+    Pass();
+    EXPECT_EQ(lines.LineCount, 0U);
+}
+
+TEST_F(RasLines, TcpFiguresStandInLineOne) {
+    network.Tcp = {3, 1000, 900, 12};
+    Dial(7, "One", 100);
+    Pass();
+    EXPECT_EQ(lines.LineTable(1).TcpEstablished, 3U);
+    EXPECT_EQ(lines.LineTable(1).TcpConnections, 12U);
+    EXPECT_EQ(lines.LineTable(1).TcpInSegments, 1000U);
+    EXPECT_EQ(lines.LineTable(1).TcpTime, clock.Now());
+}
+
+} // namespace
+} // namespace korvalin

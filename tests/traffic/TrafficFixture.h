@@ -1,0 +1,44 @@
+#pragma once
+
+#include "traffic/LineMonitor.h"
+
+#include "fakes/CoreFixture.h"
+
+namespace korvalin {
+
+/// The traffic readers over fake ports; a closed line is noted with its last state.
+class TrafficFixture : public CoreFixture {
+  protected:
+    struct Closed {
+        std::size_t Line;
+        std::string EntryName;
+        double BytesReceived;
+    };
+
+    TrafficFixture() {
+        lines.ProgramStart = clock.Now();
+        book.Plug({[](const std::string& entry) { return "<" + entry + ">"; },
+                   [this](int reason, std::size_t line) {
+                       EXPECT_EQ(reason, ReasonLineEnded);
+                       const LineRecord& last = lines.PreviousLineTable(line);
+                       closed.push_back({line, last.EntryName, last.BytesReceived});
+                   },
+                   [this] { ++historyResizes; }});
+    }
+
+    void Pass(double secondsLater = 1) {
+        clock.Advance(secondsLater);
+        monitor.Get_Bytes_Transmitted();
+    }
+
+    LineState lines;
+    TrafficOptions options;
+    LineBook book{lines, errors, clock};
+    RasReader rasReader{ras, network, lines, book, settings, errors, clock};
+    LanReader lanReader{network, lines, book, options, errors, clock};
+    LineMonitor monitor{lines, book, rasReader, lanReader, options, internet, user, errors};
+    std::vector<Closed> closed;
+    int historyResizes = 0;
+};
+
+} // namespace korvalin
