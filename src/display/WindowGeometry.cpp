@@ -27,16 +27,4 @@ void WindowGeometry::Save(const TwipsRect& window, int captionHeight, bool title
     if (!titleOnly) settings_.SetReg("MON_Height", window.Height + captionHeight);
 }
 
-TwipsRect EnforceSmallestSize(TwipsRect window, int lastTop, int lastLeft) {
-    if (window.Height < SmallestHeightTwips) {
-        if (lastTop < window.Top) window.Top -= SmallestHeightTwips - window.Height;
-        window.Height = SmallestHeightTwips;
-    }
-    if (window.Width < SmallestWidthTwips) {
-        if (lastLeft < window.Left) window.Left -= SmallestWidthTwips - window.Width;
-        window.Width = SmallestWidthTwips;
-    }
-    return window;
-}
-
 } // namespace korvalin

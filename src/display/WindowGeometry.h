@@ -14,6 +14,7 @@ struct TwipsRect {
     bool operator==(const TwipsRect&) const = default;
 };
 
+/// The smallest window, frame included.
 inline constexpr int SmallestHeightTwips = 700;
 inline constexpr int SmallestWidthTwips = 500;
 
@@ -36,9 +37,5 @@ class WindowGeometry {
     Settings& settings_;
     Screen& screen_;
 };
-
-/// Lifts a window that was made too small to its smallest size. A window sized from its top or left edge (its
-/// remembered edge lies before the current one) keeps the opposite edge in place.
-TwipsRect EnforceSmallestSize(TwipsRect window, int lastTop, int lastLeft);
 
 } // namespace korvalin

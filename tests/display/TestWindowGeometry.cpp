@@ -39,21 +39,6 @@ TEST_F(WindowGeometryTest, EveryResolutionHasItsOwnPlace) {
     EXPECT_EQ(geometry.Restore(0).Left, 1000);
 }
 
-TEST(SmallestSize, KeepsTheEdgeThatWasNotDragged) {
-    struct {
-        TwipsRect Window;
-        int LastTop, LastLeft;
-        TwipsRect Expected;
-    } const rows[] = {
-        {{100, 100, 4000, 1500}, 100, 100, {100, 100, 4000, 1500}},
-        {{100, 1000, 4000, 500}, 900, 100, {100, 800, 4000, 700}},  // from the top edge
-        {{100, 1000, 4000, 500}, 1000, 100, {100, 1000, 4000, 700}}, // from the bottom edge
-        {{1000, 100, 300, 1500}, 100, 900, {800, 100, 500, 1500}},  // from the left edge
-        {{1000, 100, 300, 1500}, 100, 1000, {1000, 100, 500, 1500}},
-    };
-    for (const auto& row : rows) EXPECT_EQ(EnforceSmallestSize(row.Window, row.LastTop, row.LastLeft), row.Expected);
-}
-
 TEST(Fade, ReachesTheOpacityInStepsOfATwentieth) {
     struct {
         int Opacity, Ticks;

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "base/Locale.h"
+#include "display/ChartModel.h"
+
+#include <array>
+#include <string>
+
+namespace korvalin {
+
+class Clock;
+class Errors;
+class Language;
+class LiveTexts;
+class PictureBox;
+
+/// Paints the live rate chart of one line into a picture box.
+class ChartPainter {
+  public:
+    struct Parts {
+        const LineState& Lines;
+        const RateHistory& History;
+        LiveTexts& Live;
+        Language& Texts;
+        Errors& Error;
+        Clock& Time;
+        const Locale& UserLocale;
+    };
+    explicit ChartPainter(const Parts& parts);
+
+    /// Renews the texts and draws the whole chart. Nothing is drawn while the picture is not visible, unless forced,
+    /// nor while the main window does not show its chart (`drawable` false).
+    void DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable);
+
+    std::size_t VisibleSamples() const { return visibleSamples_; }
+
+    /// Scale maximum of the last drawing in bytes per second, and the value at which curves are clipped.
+    double ScaleMaximum() const { return chartScale_[0]; }
+    double ClipValue() const { return chartScale_[1]; }
+
+  private:
+    void PrepareTexts(InfoTexts& texts);
+    void FindScale(const InfoTexts& texts);
+    void PreparePicture(PictureBox& picture, const InfoTexts& texts);
+    void DrawFlag(PictureBox& picture, const InfoTexts& texts);
+    void DrawTimeLines(PictureBox& picture, const InfoTexts& texts);
+    void DrawTopRow(PictureBox& picture, const InfoTexts& texts);
+    void DrawBottomRow(PictureBox& picture, const InfoTexts& texts);
+    void DrawRule(PictureBox& picture, double y);
+    void DrawLine(PictureBox& picture, const InfoTexts& texts, std::size_t slot);
+    std::string Text(int number) const;
+
+    Parts parts_;
+    std::size_t visibleSamples_ = 0;
+    std::array<double, 2> chartScale_{};
+    std::vector<ChartPoint> points_; // kept for its storage
+};
+
+} // namespace korvalin

@@ -1,0 +1,57 @@
+#include "display/LinesMenu.h"
+
+#include <QMenu>
+
+namespace korvalin {
+
+LinesMenu::LinesMenu(QMenu& menu, QAction& separator, std::function<void(std::size_t line)> chosen)
+    : menu_(menu), separator_(separator), chosen_(std::move(chosen)) {}
+
+void LinesMenu::Refresh(const LineState& lines, const InfoTexts& texts) {
+    if (lines.LineCount <= 1) return Clear();
+    if (items_.size() == lines.LineCount) return;
+    separator_.setVisible(true);
+    while (items_.size() > lines.LineCount) {
+        delete items_.back();
+        items_.pop_back();
+    }
+    for (std::size_t line = 1; line <= lines.LineCount; ++line) {
+        const std::string& entry = lines.LineTable(line).EntryName;
+        if (entry.empty()) continue;
+        QAction& item = Load(line);
+        // A line's name is no caption: its ampersands are no access keys.
+        item.setText(QString::fromStdString(entry).replace(QLatin1Char('&'), QLatin1String("&&")));
+        item.setVisible(true);
+        item.setChecked(line == static_cast<std::size_t>(texts.ChartLineNo));
+    }
+}
+
+QAction& LinesMenu::Load(std::size_t line) {
+    while (items_.size() < line) {
+        const std::size_t number = items_.size() + 1;
+        auto* item = new QAction(&menu_);
+        item->setObjectName(QStringLiteral("mnuLines%1").arg(number));
+        item->setCheckable(true);
+        item->setVisible(false);
+        QObject::connect(item, &QAction::triggered, &menu_, [this, number] { chosen_(number); });
+        const QList<QAction*> all = menu_.actions();
+        QAction* last = items_.empty() ? &separator_ : items_.back();
+        menu_.insertAction(all.value(all.indexOf(last) + 1), item);
+        items_.push_back(item);
+    }
+    return *items_[line - 1];
+}
+
+void LinesMenu::Check(std::size_t line) {
+    for (std::size_t i = 0; i < items_.size(); ++i) items_[i]->setChecked(i + 1 == line);
+}
+
+void LinesMenu::Clear() {
+    while (!items_.empty()) {
+        delete items_.back();
+        items_.pop_back();
+    }
+    separator_.setVisible(false);
+}
+
+} // namespace korvalin

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "display/InfoTexts.h"
+#include "traffic/LineRecord.h"
+
+#include <QAction>
+
+#include <functional>
+#include <vector>
+
+class QMenu;
+
+namespace korvalin {
+
+/// The menu array mnuLines: item 0 is a separator, item i chooses line i for the chart. Shown with several lines only.
+class LinesMenu {
+  public:
+    /// `separator` is item 0 and stands in `menu`; the items follow it.
+    LinesMenu(QMenu& menu, QAction& separator, std::function<void(std::size_t line)> chosen);
+
+    /// Fits the items to the lines.
+    void Refresh(const LineState& lines, const InfoTexts& texts);
+
+    /// Checks item `line` and no other.
+    void Check(std::size_t line);
+
+  private:
+    void Clear();
+    QAction& Load(std::size_t line);
+
+    QMenu& menu_;
+    QAction& separator_;
+    std::function<void(std::size_t line)> chosen_;
+    std::vector<QAction*> items_; // item i at i - 1; owned by the menu
+};
+
+} // namespace korvalin

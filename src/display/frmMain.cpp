@@ -1,0 +1,304 @@
+#include "display/frmMain.h"
+
+#include "ui_frmMain.h"
+
+#include "errors/Errors.h"
+#include "forms/Loaded.h"
+#include "forms/Twips.h"
+#include "lang/ApplyFormTexts.h"
+#include "settings/Settings.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QWindow>
+
+namespace korvalin {
+namespace {
+
+constexpr int marginTwips = 10;
+constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
+constexpr double opaque = 255.0;
+
+} // namespace
+
+frmMain::frmMain(const Parts& parts)
+    : parts_(parts), ui_(std::make_unique<Ui::frmMain>()), geometry_(parts.Setting, parts.Display), frame_(*this),
+      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time, parts.UserLocale}),
+      linesMenu_((ui_->setupUi(this), *ui_->mnuTrayIcon), *ui_->mnuLines0,
+                 [this](std::size_t line) { mnuLines_Click(line); }) {
+    setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
+    ui_->lblMove->installEventFilter(this);
+    ConnectMenu();
+    timerMain_.setSingleShot(true);
+    timerMain_.setTimerType(Qt::PreciseTimer);
+    timerFade_.setInterval(Fade::StepMilliseconds);
+    connect(&timerMain_, &QTimer::timeout, this, [this] { TimerMain_Timer(); });
+    connect(&timerFade_, &QTimer::timeout, this, [this] { TimerFade_Timer(); });
+    frame_.PlugFrameKnown([this] { RestoreGeometry(); });
+}
+
+frmMain::~frmMain() { parts_.Loop.Attach(nullptr); }
+
+void frmMain::ConnectMenu() {
+    connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
+    connect(ui_->mnuNurTitel, &QAction::triggered, this, [this] { mnuNurTitel_Click(); });
+    connect(ui_->mnuVordergrund, &QAction::triggered, this, [this] { mnuVordergrund_Click(); });
+    connect(ui_->mnuTest, &QAction::triggered, this, [this] { RestoreGeometry(); });
+    connect(ui_->mnuBeenden, &QAction::triggered, this, [this] { Quit(); });
+}
+
+void frmMain::Form_Load() {
+    ApplyTexts();
+    SetSmallestSize();
+    ui_->mnuTest->setVisible(parts_.Setting.GetBool("Test"));
+    if (parts_.Setting.GetBool("ForeGround")) ui_->mnuVordergrund->trigger();
+    RestoreGeometry();
+    if (!parts_.Setting.GetBool("ShowTitle")) ui_->mnuTitelAnzeigen->trigger();
+    titleOnly_ = parts_.Setting.GetBool("NurTitel");
+    ui_->mnuNurTitel->setChecked(titleOnly_);
+    if (titleOnly_) SetTitleOnly();
+    RefreshDialMenus();
+    parts_.Loop.Attach(this);
+    if (parts_.Info.AutoShow) StartFade(3);
+    loaded_ = true;
+    ShowMainWindow(parts_.Info.AutoShow);
+    TimerMain_Timer();
+}
+
+void frmMain::ApplyTexts() { ApplyFormTexts(*this, parts_.Texts); }
+
+void frmMain::TimerMain_Timer() {
+    parts_.Loop.TimerMain_Timer();
+    timerMain_.start(parts_.Loop.MillisecondsToNextStep());
+}
+
+void frmMain::DrawChart(bool force) {
+    const bool drawable = windowShown_ && !titleOnly_;
+    painter_.DrawChart(*ui_->PicChart, parts_.Info, force, drawable);
+    parts_.Loop.SetVisibleSamples(painter_.VisibleSamples());
+}
+
+// The icon in the tray comes with the statistics it shows.
+void frmMain::IconDraw() {}
+
+void frmMain::ShowCaption() {
+    if (ui_->mnuTitelAnzeigen->isChecked()) setWindowTitle(QString::fromStdString(parts_.Info.CaptionText));
+}
+
+void frmMain::ShowMainWindow(bool show) {
+    if (show) {
+        const bool wasHidden = !isVisible() || isMinimized();
+        windowShown_ = true;
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+        DrawChart(true);
+        QWidget::show();
+        frame_.Raise();
+        RestoreGeometry();
+        if (wasHidden && frame_.CaptionShown()) frame_.AwaitFrame();
+    } else if (!IsFormLoaded("frmEinstellungen")) {
+        windowShown_ = false;
+        // Without an icon in the tray nothing would bring a hidden window back; the taskbar does.
+        if (hooks_.TrayAvailable()) {
+            hide();
+        } else {
+            showMinimized();
+        }
+    }
+}
+
+bool frmMain::HangUpItemVisible() { return ui_->mnuLogOut->isVisible(); }
+
+// Dialling is not there yet: its items stay hidden.
+void frmMain::RefreshDialMenus() { ui_->mnuLogIn->menuAction()->setVisible(false); }
+
+void frmMain::RefreshLinesMenu() { linesMenu_.Refresh(parts_.Lines, parts_.Info); }
+
+void frmMain::RestoreGeometry() {
+    TwipsRect place = geometry_.Restore(frame_.CaptionShown() ? 0 : frame_.CaptionHeight());
+    const QRect pixels(TwipsToPixels(place.Left), TwipsToPixels(place.Top), TwipsToPixels(place.Width),
+                       TwipsToPixels(place.Height));
+    // The screen it lay on may be gone.
+    const auto screens = QGuiApplication::screens();
+    const bool seen = std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
+        return screen->geometry().intersects(pixels);
+    });
+    if (!seen && !screens.isEmpty()) {
+        const QRect primary = QGuiApplication::primaryScreen()->availableGeometry();
+        place.Left = PixelsToTwips(primary.right() - pixels.width());
+        place.Top = PixelsToTwips(primary.bottom() - pixels.height());
+    }
+    frame_.MoveTo(place);
+    if (titleOnly_) resize(width(), 1);
+}
+
+void frmMain::SaveGeometry() {
+    if (!loaded_ || !isVisible() || (windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen))) {
+        return;
+    }
+    const int hiddenCaption = ui_->mnuTitelAnzeigen->isChecked() ? 0 : frame_.CaptionHeight();
+    geometry_.Save(frame_.Place(), hiddenCaption, titleOnly_);
+}
+
+int frmMain::LeftEdge() { return frame_.Place().Left; }
+
+void frmMain::mnuTitelAnzeigen_Click() {
+    const bool show = ui_->mnuTitelAnzeigen->isChecked();
+    parts_.Setting.SetReg("ShowTitle", show);
+    if (!show && !titleOnly_) setWindowTitle(QString());
+    if (show) ShowCaption();
+    frame_.ShowCaption(show);
+    SetSmallestSize();
+}
+
+void frmMain::mnuNurTitel_Click() {
+    titleOnly_ = ui_->mnuNurTitel->isChecked();
+    parts_.Setting.SetReg("NurTitel", titleOnly_);
+    SetTitleOnly();
+}
+
+void frmMain::SetTitleOnly() {
+    parts_.Setting.SetReg("NurTitel", titleOnly_);
+    ui_->PicChart->setVisible(!titleOnly_);
+    SetSmallestSize();
+    if (titleOnly_) {
+        if (!ui_->mnuTitelAnzeigen->isChecked()) ui_->mnuTitelAnzeigen->trigger();
+        resize(width(), 1);
+    } else {
+        RestoreGeometry();
+        DrawChart(true);
+    }
+}
+
+void frmMain::mnuVordergrund_Click() {
+    const bool topmost = ui_->mnuVordergrund->isChecked();
+    frame_.SetTopmost(topmost);
+    parts_.Setting.SetReg("Foreground", topmost);
+}
+
+void frmMain::mnuLines_Click(std::size_t line) {
+    parts_.Info.ChartLineNo = static_cast<int>(line);
+    linesMenu_.Check(line);
+    parts_.Setting.SetReg("ChartLineNo", parts_.Info.ChartLineNo);
+    DrawChart(false);
+}
+
+// Window managers keep the edge that is not dragged in place when they know the smallest size.
+void frmMain::SetSmallestSize() {
+    const int caption = frame_.CaptionShown() ? TwipsToPixels(frame_.CaptionHeight()) : 0;
+    const int height = titleOnly_ ? 1 : std::max(TwipsToPixels(SmallestHeightTwips) - caption, 1);
+    setMinimumSize(TwipsToPixels(SmallestWidthTwips), height);
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const int margin = TwipsToPixels(marginTwips);
+    const QRect inside = rect().adjusted(margin, margin, -margin, -margin);
+    ui_->PicChart->setGeometry(inside);
+    ui_->lblMove->setGeometry(inside);
+    if (!loaded_ || isMinimized() || titleOnly_) return;
+    DrawChart(false);
+    SaveGeometry();
+}
+
+void frmMain::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange || !loaded_ || isMinimized() || !isVisible()) return;
+    // Brought back from the taskbar.
+    windowShown_ = true;
+    DrawChart(true);
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    const bool staysInTray = parts_.Info.CloseTrayOnly && !quitFlag_ && hooks_.TrayAvailable();
+    if (staysInTray) {
+        event->ignore();
+        ShowMainWindow(false);
+        return;
+    }
+    hooks_.Closing();
+    SaveGeometry();
+    timerMain_.stop();
+    timerFade_.stop();
+    event->accept();
+    UnloadOtherForms(*this);
+    QCoreApplication::quit();
+}
+
+void frmMain::Quit() {
+    quitFlag_ = true;
+    close();
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != ui_->lblMove) return QWidget::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress: lblMove_MouseDown(*static_cast<QMouseEvent*>(event)); return true;
+    case QEvent::MouseMove: lblMove_MouseMove(*static_cast<QMouseEvent*>(event)); return true;
+    case QEvent::MouseButtonDblClick: lblMove_DblClick(); return true;
+    default: return false;
+    }
+}
+
+void frmMain::contextMenuEvent(QContextMenuEvent* event) {
+    // The mouse opens the menu when its button goes down; this is the keyboard's way.
+    if (event->reason() == QContextMenuEvent::Keyboard) OpenPopupMenu(mapToGlobal(rect().center()));
+}
+
+void frmMain::OpenPopupMenu(const QPoint& at) { ui_->mnuTrayIcon->popup(at); }
+
+// Without a frame there is nothing else to size the window by.
+Qt::Edges frmMain::EdgesAt(const QPoint& at) const {
+    Qt::Edges edges;
+    if (frame_.CaptionShown()) return edges;
+    if (at.x() < edgePixels) edges |= Qt::LeftEdge;
+    if (at.x() >= width() - edgePixels) edges |= Qt::RightEdge;
+    if (at.y() < edgePixels) edges |= Qt::TopEdge;
+    if (at.y() >= height() - edgePixels) edges |= Qt::BottomEdge;
+    return edges;
+}
+
+void frmMain::lblMove_MouseDown(const QMouseEvent& event) {
+    if (event.button() == Qt::RightButton) OpenPopupMenu(event.globalPosition().toPoint());
+    leftButtonDown_ = event.button() == Qt::LeftButton;
+    const Qt::Edges edges = EdgesAt(ui_->lblMove->mapToParent(event.pos()));
+    if (leftButtonDown_ && edges && windowHandle()->startSystemResize(edges)) leftButtonDown_ = false;
+    grabPoint_ = event.pos();
+}
+
+void frmMain::lblMove_MouseMove(const QMouseEvent& event) {
+    if ((event.buttons() & Qt::LeftButton) != 0 && leftButtonDown_) {
+        move(pos() + event.pos() - grabPoint_);
+        return;
+    }
+    const Qt::Edges edges = EdgesAt(ui_->lblMove->mapToParent(event.pos()));
+    const bool leftToRight = edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge);
+    const bool rightToLeft = edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge);
+    ui_->lblMove->setCursor(leftToRight                                    ? Qt::SizeFDiagCursor
+                            : rightToLeft                                  ? Qt::SizeBDiagCursor
+                            : (edges & (Qt::LeftEdge | Qt::RightEdge)) != 0 ? Qt::SizeHorCursor
+                            : edges                                        ? Qt::SizeVerCursor
+                                                                           : Qt::ArrowCursor);
+}
+
+void frmMain::lblMove_DblClick() {
+    if (leftButtonDown_) ShowMainWindow(!windowShown_);
+}
+
+void frmMain::StartFade(int mode) {
+    if (mode == 2) setWindowOpacity(1);
+    if (mode != 1 && mode != 3) return;
+    fade_.Start(Fade::Direction::In);
+    setWindowOpacity(0);
+    timerFade_.start();
+}
+
+void frmMain::TimerFade_Timer() {
+    const Fade::Tick tick = fade_.Next(parts_.Info.Opacity);
+    setWindowOpacity(tick.Alpha / opaque);
+    if (tick.Finished) timerFade_.stop();
+    if (tick.Unload) Quit();
+}
+
+} // namespace korvalin

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "display/ChartPainter.h"
+#include "display/Fade.h"
+#include "display/LinesMenu.h"
+#include "display/SamplingLoop.h"
+#include "display/WindowFrame.h"
+#include "display/WindowGeometry.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class frmMain;
+}
+
+namespace korvalin {
+
+class Language;
+
+/// The program's only permanent window: the live chart, its drag handle and the popup menu.
+class frmMain : public QWidget, public MonitorWindow {
+    Q_OBJECT
+
+  public:
+    /// What the window shows and drives; all of it outlives the window.
+    struct Parts {
+        Settings& Setting;
+        Language& Texts;
+        Screen& Display;
+        SamplingLoop& Loop;
+        LineState& Lines;
+        const RateHistory& History;
+        InfoTexts& Info;
+        LiveTexts& Live;
+        Errors& Error;
+        Clock& Time;
+        const Locale& UserLocale;
+    };
+    /// What the floors above plug in; each may stay as it is.
+    struct Hooks {
+        /// Whether an icon in the tray brings a hidden window back.
+        std::function<bool()> TrayAvailable = [] { return false; };
+        /// The window closes for good: open connections are recorded, the tray icon goes.
+        std::function<void()> Closing = [] {};
+    };
+
+    explicit frmMain(const Parts& parts);
+    ~frmMain() override;
+
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
+
+    /// Puts texts, place and modes on the window, shows it as the settings want and starts the timer.
+    void Form_Load();
+
+    /// Puts the texts of the chosen language on window and menu.
+    void ApplyTexts();
+
+    /// Fades: 0 nothing, 1 and 3 in from invisible, 2 at once fully opaque.
+    void StartFade(int mode);
+
+    /// Closes the window for good.
+    void Quit();
+
+    bool WindowShown() const { return windowShown_; }
+    bool TitleOnly() const { return titleOnly_; }
+
+    // MonitorWindow
+    void DrawChart(bool force) override;
+    void IconDraw() override;
+    void ShowCaption() override;
+    void ShowMainWindow(bool show) override;
+    bool HangUpItemVisible() override;
+    void RefreshDialMenus() override;
+    void RefreshLinesMenu() override;
+    void RestoreGeometry() override;
+    void SaveGeometry() override;
+    int LeftEdge() override;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    void ConnectMenu();
+    void SetTitleOnly();
+    void mnuTitelAnzeigen_Click();
+    void mnuNurTitel_Click();
+    void mnuVordergrund_Click();
+    void mnuLines_Click(std::size_t line);
+    void lblMove_MouseDown(const QMouseEvent& event);
+    void lblMove_MouseMove(const QMouseEvent& event);
+    void lblMove_DblClick();
+    void TimerMain_Timer();
+    void TimerFade_Timer();
+    void OpenPopupMenu(const QPoint& at);
+    void SetSmallestSize();
+    Qt::Edges EdgesAt(const QPoint& at) const;
+
+    Parts parts_;
+    Hooks hooks_;
+    std::unique_ptr<Ui::frmMain> ui_;
+    WindowGeometry geometry_;
+    WindowFrame frame_;
+    ChartPainter painter_;
+    LinesMenu linesMenu_;
+    QTimer timerMain_;
+    QTimer timerFade_;
+    Fade fade_;
+    bool loaded_ = false;
+    bool windowShown_ = false;
+    bool titleOnly_ = false;
+    bool quitFlag_ = false;
+    bool leftButtonDown_ = false;
+    QPoint grabPoint_;
+};
+
+} // namespace korvalin
