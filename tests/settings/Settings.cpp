@@ -98,7 +98,7 @@ TEST_F(SettingsTest, StoredTextIsConvertedToTheKindOfTheSetting) {
         {"UpdateNext", "2024-03-15 14:05:09", "date 2024-03-15 14:05:09"},
         {"UpdateNext", "45366.5", "date 2024-03-15 12:00:00"},
         {"UpdateNext", "31.02.2024", "date 1899-12-30 00:00:00"},
-        {"UpdateNext", "1e300", "date 1899-12-30 00:00:00"},
+        {"UpdateNext", "2958466", "date 1899-12-30 00:00:00"},
         {"GFrom", "1979-12-31", "date 2023-03-15 00:00:00"},
         {"GFrom", "1980-01-01", "date 1980-01-01 00:00:00"},
         {"GTill", "5", "date 2024-03-15 00:00:00"},
