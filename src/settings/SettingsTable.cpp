@@ -187,6 +187,12 @@ SettingsTable::SettingsTable() {
         rows_.emplace(ToLower(row.Name), &row);
 }
 
+std::vector<std::string_view> SettingsTable::Names() {
+    std::vector<std::string_view> names;
+    for (const SettingRow& row : settingRows) names.push_back(row.Name);
+    return names;
+}
+
 SettingRow SettingsTable::Find(const std::string& lowerName) const {
     const auto found = rows_.find(lowerName);
     if (found != rows_.end()) return *found->second;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace korvalin {
 
@@ -47,6 +48,9 @@ class SettingsTable {
     SettingsTable();
 
     SettingRow Find(const std::string& lowerName) const;
+
+    /// The names of all settings that have a row of their own, as they are written.
+    static std::vector<std::string_view> Names();
 
     /// The value put into its range by the rules that go with parts of the name.
     static std::int32_t ApplyPatternRules(std::string_view lowerName, std::int32_t value);

@@ -1,0 +1,19 @@
+#include "cli/ConsoleMessageBoxes.h"
+
+#include <cstdio>
+
+#include <fmt/format.h>
+
+namespace korvalin {
+
+MessageAnswer ConsoleMessageBoxes::Show(const std::string& text, const std::string& title, MessageIcon,
+                                        MessageButtons buttons) {
+    fmt::print(stderr, "{}: {}\n", title, text);
+    return buttons == MessageButtons::Ok ? MessageAnswer::Ok : MessageAnswer::No;
+}
+
+void ConsoleMessageBoxes::ShowWaiting(const std::string& text, const std::string& title) {
+    fmt::print(stderr, "{}: {}\n", title, text);
+}
+
+} // namespace korvalin

@@ -1,0 +1,174 @@
+#include "display/ChartPainter.h"
+
+#include "base/Numbers.h"
+#include "display/LiveTexts.h"
+#include "errors/Errors.h"
+#include "forms/PictureBox.h"
+#include "lang/Language.h"
+#include "platform/Clock.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvalin {
+namespace {
+
+constexpr std::int32_t black = 0x000000;
+constexpr std::int32_t red = 0x0000FF;
+constexpr std::int32_t yellow = 0x00FFFF;
+constexpr auto greyText = static_cast<std::int32_t>(0x80000011);
+constexpr auto applicationWorkspace = static_cast<std::int32_t>(0x8000000C);
+
+constexpr std::array<Date, 4> flagDays = {40342, 40347, 40352, 40356};
+
+constexpr int smallestPictureTwips = 500;
+
+// The picture is the drawing area plus this many text heights: a band above it and one below.
+constexpr double textBands = 1.7;
+constexpr double upperBand = 0.8;
+
+} // namespace
+
+ChartPainter::ChartPainter(const Parts& parts) : parts_(parts) {}
+
+std::string ChartPainter::Text(int number) const { return parts_.Texts.Lng("modAllgemein", number); }
+
+void ChartPainter::DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable) {
+    // The blank at the end belongs to the name by which this routine reports.
+    parts_.Error.Step("DrawChart ", [&] {
+        PrepareTexts(texts);
+        if (!force && !picture.isVisible()) return;
+        if (!drawable) return;
+        visibleSamples_ = VisibleSamplesFor(texts.picWidthMin);
+        FindScale(texts);
+        PreparePicture(picture, texts);
+        DrawFlag(picture, texts);
+        DrawTimeLines(picture, texts);
+        DrawTopRow(picture, texts);
+        DrawBottomRow(picture, texts);
+        if (parts_.Lines.LineCount > 0) DrawLine(picture, texts, 1);
+        picture.Refresh();
+    });
+}
+
+void ChartPainter::PrepareTexts(InfoTexts& texts) {
+    const auto lines = static_cast<int>(parts_.Lines.LineCount);
+    if (lines > 0) texts.ChartLineNo = std::clamp(texts.ChartLineNo, 1, lines);
+    texts.LineIndex = lines > 0 ? static_cast<std::size_t>(texts.ChartLineNo) : 0;
+    texts.SampleIndex = parts_.History.Samples();
+    parts_.Live.FillInfoStrings(texts);
+}
+
+void ChartPainter::FindScale(const InfoTexts& texts) {
+    double rounded = 0;
+    if (parts_.Lines.LineCount > 0) {
+        rounded = RoundUpToStep(LargestRate(parts_.History, texts.LineIndex, texts, visibleSamples_), texts.KBFactor);
+    }
+    chartScale_[0] = korvalin::ScaleMaximum(rounded, texts);
+}
+
+void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
+    picture.SetFont(texts.FontName, texts.FontSize, texts.FontBold);
+    picture.SetDrawWidth(1);
+    picture.SetDrawStyle(DrawStyle::Solid);
+    const double scale = chartScale_[0];
+    const double pictureHeight = picture.HeightTwips();
+    const double textHeight = picture.TextHeightTwips("T");
+    // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale finite.
+    const double area = std::max(1 - textHeight * textBands / pictureHeight, 0.01);
+    picture.SetScaleLeft(1);
+    picture.SetScaleWidth(static_cast<double>(visibleSamples_));
+    picture.SetScaleHeight(-std::floor(scale / area));
+    picture.SetScaleTop(scale - picture.TextHeight("T") * upperBand);
+    picture.SetBackColor(texts.ChartBackgroundColor);
+}
+
+// Four match days of a summer.
+void ChartPainter::DrawFlag(PictureBox& picture, const InfoTexts& texts) {
+    const Date today = DayOf(parts_.Time.Now());
+    if (std::find(flagDays.begin(), flagDays.end(), today) == flagDays.end()) return;
+    const double stripe = std::floor(chartScale_[0] / 2) / 3;
+    double top = chartScale_[0];
+    for (const std::int32_t color : {black, red, yellow}) {
+        picture.Box(1, top, texts.TimeLinesSec / 2.0, top - stripe, color);
+        top -= stripe;
+    }
+}
+
+void ChartPainter::DrawTimeLines(PictureBox& picture, const InfoTexts& texts) {
+    if (!texts.ShowTimeLines) return;
+    picture.SetDrawStyle(DrawStyle::Dotted);
+    for (const int x : TimeLinePositions(visibleSamples_, texts.TimeLinesSec)) {
+        picture.Line(x, 0, x, chartScale_[0], greyText);
+    }
+    picture.SetDrawStyle(DrawStyle::Solid);
+}
+
+void ChartPainter::DrawRule(PictureBox& picture, double y) {
+    picture.Line(1, y, static_cast<double>(visibleSamples_) + 2, y, applicationWorkspace);
+}
+
+void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
+    DrawRule(picture, chartScale_[0]);
+    const auto uploadColor = texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1));
+    const auto downloadColor = texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1));
+    const auto print = [&](std::int32_t color, const std::string& text) {
+        picture.SetForeColor(color);
+        picture.Print(text);
+    };
+    const double scaleUnits = chartScale_[0] / texts.KBFactor;
+    const std::string scaleText = FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.UserLocale);
+
+    picture.SetCurrentX(2);
+    picture.SetCurrentY(chartScale_[0] - 0.75 * picture.TextHeight("T"));
+    print(black, Text(6) + " " + scaleText + "   Avg. ");
+    print(uploadColor, texts.AvgULText + " ");
+    print(downloadColor, texts.AvgDLText + " ");
+
+    const std::string label = Text(8) + " ";
+    const std::string unit = " " + texts.RateUnitText + "/s";
+    const double rightEdge = static_cast<double>(visibleSamples_) + 1;
+    picture.SetCurrentX(rightEdge - picture.TextWidth(label + texts.RateULText + " " + texts.RateDLText + unit));
+    print(black, label);
+    print(uploadColor, texts.RateULText + " ");
+    print(downloadColor, texts.RateDLText);
+    picture.SetCurrentX(rightEdge - picture.TextWidth(unit));
+    print(black, unit);
+}
+
+void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
+    DrawRule(picture, 0);
+    const auto print = [&](std::int32_t color, const std::string& text) {
+        picture.SetForeColor(color);
+        picture.Print(text);
+    };
+    picture.SetCurrentX(2);
+    picture.SetCurrentY(0);
+    print(black, Text(9) + " ");
+    print(texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1)), texts.VolumeULText + " ");
+    print(texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1)), texts.VolumeDLText);
+    print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
+
+    const std::string label = LineLabel(parts_.Lines, texts, Text(10));
+    picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
+    print(black, label);
+}
+
+void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::size_t slot) {
+    parts_.Error.Step("DrawLine", [&] {
+        // A value beyond the scale is drawn one pixel above the top rule.
+        chartScale_.at(slot) = chartScale_[0] + std::abs(picture.ScaleY(1));
+        const double unitsPerPixel = picture.ScaleX(1);
+        const auto draw = [&](std::size_t rateSlot, Direction direction, std::int32_t color) {
+            CurvePoints(parts_.History, texts.LineIndex, rateSlot, direction, visibleSamples_, chartScale_.at(slot),
+                        unitsPerPixel, points_);
+            picture.Polyline(points_, color);
+        };
+        for (std::size_t c = 0; c < RateSlots; ++c) {
+            if (texts.LineDLShow[c]) draw(c, Direction::Download, texts.LineDLColor[c]);
+            if (texts.LineULShow[c]) draw(c, Direction::Upload, texts.LineULColor[c]);
+        }
+    });
+}
+
+} // namespace korvalin

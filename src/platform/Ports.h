@@ -1,0 +1,34 @@
+#pragma once
+
+namespace korvalin {
+
+class Clock;
+class Events;
+class Files;
+class InstanceLock;
+class Internet;
+class MessageBoxes;
+class NetworkTables;
+class Ras;
+class Registry;
+class Screen;
+class Shell;
+class User;
+
+/// The system's facilities that the program runs on; all of them outlive it.
+struct Ports {
+    korvalin::Registry& Registry;
+    korvalin::NetworkTables& NetworkTables;
+    korvalin::Internet& Internet;
+    korvalin::Ras& Ras;
+    korvalin::Clock& Clock;
+    korvalin::Events& Events;
+    korvalin::MessageBoxes& MessageBoxes;
+    korvalin::Screen& Screen;
+    korvalin::Shell& Shell;
+    korvalin::User& User;
+    korvalin::InstanceLock& InstanceLock;
+    korvalin::Files& Files;
+};
+
+} // namespace korvalin

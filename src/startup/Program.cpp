@@ -1,0 +1,62 @@
+#include "startup/Program.h"
+
+#include "startup/UserVariables.h"
+#include "startup/Version.h"
+
+#include <cstdlib>
+
+namespace korvalin {
+namespace {
+
+// Fetching files from the maker's site is not there yet: every download fails.
+const Download noDownload = {};
+const std::string downloadPage;
+
+} // namespace
+
+Program::Program(const Ports& ports, Locale userLocale)
+    : ports_(ports), executable_(ports.Shell.ExecutablePath()), programFolder_(executable_.parent_path()),
+      locale(std::move(userLocale)),
+      errors(ports.Clock, ports.Files, ports.MessageBoxes, locale, executable_.stem().string()),
+      settings(ports.Registry, errors, ports.Screen, ports.Clock, locale),
+      language(programFolder_, settings, errors, ports.Files, ports.MessageBoxes, ports.Shell),
+      dataFolder(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell, ports.Clock,
+                 programFolder_),
+      components(settings, language, ports.MessageBoxes, ports.Shell, ports.Events, dataFolder, noDownload,
+                 downloadPage),
+      updateInstallation(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell, ports.Events,
+                         ports.Clock, programFolder_),
+      autoStart(settings, settings.Primitives(), executable_), lineBook(lines, errors, ports.Clock),
+      rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, settings, errors, ports.Clock),
+      lanReader(ports.NetworkTables, lines, lineBook, trafficOptions, errors, ports.Clock),
+      lineMonitor(lines, lineBook, rasReader, lanReader, trafficOptions, ports.Internet, ports.User, errors),
+      units(errors, locale, ports.Clock), liveTexts(lines, rateHistory, units, language, errors),
+      samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
+      startup({settings, language, errors, ports.MessageBoxes, ports.Shell, ports.Clock, ports.InstanceLock,
+               dataFolder, updateInstallation, components, noDownload, [this] { lines = LineState(); },
+               [this] { LoadUserVar(); }},
+              BuiltVersion) {
+    PlugErrors();
+    lineBook.Plug({[](const std::string& entryName) { return entryName; }, [](int, std::size_t) {},
+                   [this] { samplingLoop.ResizeRateHistory(); }});
+}
+
+void Program::PlugErrors() {
+    errors.Plug({[this](int number) { return language.Lng("modGlobal", number, false, true, true); },
+                 [this] { return dataFolder.GetDataPath(); }, [] { std::_Exit(EXIT_FAILURE); }});
+}
+
+void Program::LoadRecords() {
+    LoadDisplaySettings(settings, units, infoTexts);
+    LoadTrafficOptions(settings, trafficOptions);
+    lines.ProgramStart = ports_.Clock.Now();
+    infoTexts.LanStartTime = lines.ProgramStart;
+    samplingLoop.ResizeRateHistory();
+}
+
+void Program::LoadUserVar() {
+    errors.Step("LoadUserVar", [this] { LoadRecords(); });
+    errors.Step("LoadUserVar", [this] { autoStart.AutoStart(settings.GetBool("AutoStart")); });
+}
+
+} // namespace korvalin

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "base/Locale.h"
+#include "display/LiveTexts.h"
+#include "display/SamplingLoop.h"
+#include "errors/Errors.h"
+#include "lang/Language.h"
+#include "platform/Ports.h"
+#include "settings/Settings.h"
+#include "startup/AutoStart.h"
+#include "startup/DataFolder.h"
+#include "startup/Startup.h"
+#include "startup/UpdateInstallation.h"
+#include "traffic/LineMonitor.h"
+
+namespace korvalin {
+
+/// The composition root: owns every module of the core, builds them from the ground up and plugs what stands above into
+/// what stands below. Runs with windows and without.
+class Program {
+    // Before everything that is built from it.
+    Ports ports_;
+    std::filesystem::path executable_;
+    std::filesystem::path programFolder_;
+
+  public:
+    Program(const Ports& ports, Locale locale);
+
+    /// The start-up sequence; true when the main window is to be shown.
+    [[nodiscard]] bool Main() { return startup.Main(); }
+
+    /// Loads the settings into the records below, notes the program's start and sizes the history.
+    void LoadRecords();
+
+    /// LoadRecords, and brings the entry for starting with the system in line with the settings.
+    void LoadUserVar();
+
+    Locale locale;
+    Errors errors;
+    Settings settings;
+    Language language;
+    DataFolder dataFolder;
+    Components components;
+    UpdateInstallation updateInstallation;
+    AutoStartEntry autoStart;
+
+    LineState lines;
+    TrafficOptions trafficOptions;
+    LineBook lineBook;
+    RasReader rasReader;
+    LanReader lanReader;
+    LineMonitor lineMonitor;
+
+    InfoTexts infoTexts;
+    RateHistory rateHistory;
+    UnitFormat units;
+    LiveTexts liveTexts;
+    SamplingLoop samplingLoop;
+
+    Startup startup;
+
+  private:
+    void PlugErrors();
+};
+
+} // namespace korvalin

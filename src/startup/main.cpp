@@ -1,0 +1,3 @@
+#include "startup/Desktop.h"
+
+int main(int argc, char** argv) { return korvalin::RunDesktop(argc, argv); }
