@@ -17,13 +17,13 @@ std::string CleanErrorText(std::string_view text) { return ReplaceAll(text.subst
 
 std::string OneLine(std::string_view text) { return ReplaceAll(ReplaceAll(text, "\r", ""), "\n", " "); }
 
-int NumberOf(const std::exception& error) {
+} // namespace
+
+int ErrorNumber(const std::exception& error) {
     if (const auto* numbered = dynamic_cast<const NumberedError*>(&error)) return numbered->Number();
     if (const auto* system = dynamic_cast<const std::system_error*>(&error)) return system->code().value();
     return 0;
 }
-
-} // namespace
 
 Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
                std::string executableName)
@@ -76,7 +76,7 @@ void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
 }
 
 void Errors::Report(std::string_view procName, const std::exception& error) {
-    DisplayError(procName, NumberOf(error), error.what());
+    DisplayError(procName, ErrorNumber(error), error.what());
 }
 
 void Errors::ShiftMoments(Date days) {

@@ -27,6 +27,9 @@ class NumberedError : public std::runtime_error {
     int number_;
 };
 
+/// The system's number that an exception carries; 0 when it has none.
+int ErrorNumber(const std::exception& error);
+
 /// The one way of telling the user about an unexpected error, and the diagnostic log.
 ///
 /// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are callables
