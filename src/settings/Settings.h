@@ -1,7 +1,10 @@
 #pragma once
 
+#include "settings/RegistryPrimitives.h"
 #include "settings/SettingValue.h"
+#include "settings/SettingsTable.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,15 +13,14 @@ namespace korvalin {
 
 class Clock;
 class Errors;
-class Registry;
 class Screen;
 struct Locale;
 
 /// Key path of all settings below the current user's hive.
 inline constexpr std::string_view SettingsKeyPath = "Software\\Korvalin";
 
-/// The persistent options. There is no cache: a value written by SetReg, also by another program instance, is seen by
-/// the next GetReg. Names are compared without regard to letter case.
+/// The persistent options. There is no cache: a value written by SetReg, also by another program instance, is
+/// seen by the next GetReg. Names are compared without regard to letter case.
 class Settings {
   public:
     Settings(Registry& registry, Errors& errors, Screen& screen, Clock& clock, const Locale& locale);
@@ -35,20 +37,46 @@ class Settings {
 
     /// Stores the text form of a value; an empty or blank text deletes the setting. Failures are ignored.
     void SetReg(std::string_view name, const SettingValue& value);
-    void SetReg(std::string_view name, const char* text) { SetReg(name, SettingValue(std::string(text))); }
 
-    /// The corrected form of a value as the user typed it or the store holds it.
+    /// The corrected form of a value as the user typed it or the store holds it. "" stands for a missing
+    /// setting: its default is returned and stored. Nothing else is stored, so a damaged text stays as it is.
     SettingValue GetRegValidate(std::string_view name, std::string value);
 
-    /// Stores a password scrambled (not encrypted: it only keeps it from the casual eye).
+    /// Stores a password scrambled (not encrypted: it only keeps it from the casual eye). A password
+    /// with a byte that the scheme cannot hold is reported and not stored; an empty one deletes the setting.
     void SetRegPassword(std::string_view name, std::string_view password);
+    /// The password as UTF-8; "" when there is none or the stored text is damaged (which is reported).
     std::string GetRegPassword(std::string_view name);
 
     /// The names of all stored settings in alphabetical order.
     std::vector<std::string> StoredNames();
 
-    /// The text that SetReg stores for a value: "True"/"False", plain decimal, "yyyy-mm-dd hh:mm:ss", text as it is.
+    /// The text that SetReg stores for a value: "True"/"False", plain decimal, "yyyy-mm-dd hh:mm:ss", text as
+    /// it is.
     static std::string TextForm(const SettingValue& value);
+
+    /// For settings of the system outside this program's key.
+    RegistryPrimitives& Primitives() { return primitives_; }
+
+  private:
+    SettingValue Convert(SettingKind kind, std::string text) const;
+    std::optional<std::int32_t> ParseStoredNumber(std::string_view text) const;
+    std::optional<Date> ParseStoredDate(std::string_view text) const;
+
+    void TakeDefault(std::string_view name, const SettingRow& row, std::string& value);
+    void KeepOnScreen(std::string_view lowerName, const SettingRow& row, SettingValue& value);
+    void KeepPosition(const ScreenDefault& rule, std::int32_t& position);
+    void KeepDate(std::string_view name, DateRule rule, SettingValue& value);
+
+    std::optional<double> ScreenTwips(ScreenSide side);
+    std::optional<double> FreeScreenTwips(const ScreenDefault& rule);
+
+    RegistryPrimitives primitives_;
+    SettingsTable table_;
+    Errors& errors_;
+    Screen& screen_;
+    Clock& clock_;
+    const Locale& locale_;
 };
 
 } // namespace korvalin

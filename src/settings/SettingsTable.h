@@ -1,0 +1,58 @@
+// What is known about every setting: its kind, default and range, as data.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace korvalin {
+
+enum class SettingKind { Text, Boolean, WholeNumber, DateTime };
+
+/// Puts a whole number into its range.
+using NumberRule = std::int32_t (*)(std::int32_t);
+
+enum class DateRule {
+    None,
+    FirstRun, // the first read fixes the moment; the value is handed out as text
+    YearAgo,  // this day one year ago instead of a date before 1980
+    Today     // this day instead of a date before 1980
+};
+
+enum class ScreenSide { Width, Height };
+
+/// A window position that depends on the screen: (screen size - window size) / Divisor - Margin, in twips.
+struct ScreenDefault {
+    ScreenSide Side;
+    std::string_view WindowSize; // name of the setting
+    int Divisor;
+    int Margin;
+};
+
+struct SettingRow {
+    std::string_view Name;
+    SettingKind Kind = SettingKind::Text;
+    std::string_view Default = {}; // the text that is stored; empty: none
+    NumberRule Rule = nullptr;
+    const ScreenDefault* Computed = nullptr;
+    DateRule Dates = DateRule::None;
+    std::string_view WhenMissing = {}; // read in place of a missing setting, but not stored
+};
+
+/// Finds the row of a setting by its lower-case name. Names made of a pattern (a line's name and a suffix, a
+/// screen size) get a row that is put together from the patterns.
+class SettingsTable {
+  public:
+    SettingsTable();
+
+    SettingRow Find(const std::string& lowerName) const;
+
+    /// The value put into its range by the rules that go with parts of the name.
+    static std::int32_t ApplyPatternRules(std::string_view lowerName, std::int32_t value);
+
+  private:
+    std::unordered_map<std::string, const SettingRow*> rows_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,55 @@
+#include "settings/Password.h"
+
+using namespace korvalin;
+
+TEST(Password, ScramblesInPairsWithTheRandomDigitsAtTheThirdAndSixthPlace) {
+    // 'a' = 97 + 13, 'b' = 98 + 9: 107 * 256 + 110 = 27502; a single 'c' = 99 + 13 = 112
+    EXPECT_EQ(ScramblePassword("abc", 7, 4), "277504200112");
+    EXPECT_EQ(ScramblePassword("c", 0, 9), "0001192");
+    EXPECT_EQ(ScramblePassword("", 1, 2), "");
+}
+
+TEST(Password, SurvivesTheRoundTrip) {
+    const std::string passwords[] = {"x",
+                                     "geheim",
+                                     "geheim7",
+                                     "größe",
+                                     "日本語!",
+                                     "e\xF0\x9F\x98\x80",
+                                     std::string("\x01\x00\x02", 3),
+                                     "\xF2\xF6\xF2"};
+    for (const std::string& password : passwords) {
+        const auto scrambled = ScramblePassword(password, 5, 5);
+        ASSERT_TRUE(scrambled) << password;
+        EXPECT_EQ(UnscramblePassword(*scrambled), password);
+    }
+    for (int code = 119; code <= 246; ++code) { // as second byte these pass 32767
+        const std::string password = {'a', static_cast<char>(code)};
+        EXPECT_EQ(UnscramblePassword(ScramblePassword(password, 0, 0).value_or("")), password) << code;
+    }
+}
+
+TEST(Password, RefusesBytesThatDoNotFit) {
+    EXPECT_EQ(ScramblePassword("\xF3", 0, 0), std::nullopt);
+    EXPECT_EQ(ScramblePassword("a\xF7", 0, 0), std::nullopt);
+}
+
+TEST(Password, ReadsNothingFromATextThatNoPasswordGives) {
+    struct Row {
+        std::string_view Scrambled;
+        std::optional<std::string> Expected;
+    };
+    const Row rows[] = {
+        {"12345", ""},
+        {"00x00x", ""}, // four digits are left
+        {"00x00x12", ""},
+        {"00x01xa", std::nullopt},
+        {"-0x05x0", std::nullopt},
+        {"00x01x2", std::nullopt}, // 12 - 13
+        {"99x99x9", std::nullopt}, // above 65535
+        {"02x07x8", std::nullopt}, // 8 * 256 + 30: 8 - 9
+        {"00x04x3", std::string(1, 30)},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(UnscramblePassword(row.Scrambled), row.Expected) << row.Scrambled;
+}
