@@ -19,6 +19,12 @@ std::string OneLine(std::string_view text) { return ReplaceAll(ReplaceAll(text, 
 
 } // namespace
 
+int ErrorNumber(const std::exception& error) {
+    if (const auto* numbered = dynamic_cast<const NumberedError*>(&error)) return numbered->Number();
+    if (const auto* system = dynamic_cast<const std::system_error*>(&error)) return system->code().value();
+    return 0;
+}
+
 Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
                std::string executableName)
     : clock_(clock), files_(files), messageBoxes_(messageBoxes), locale_(locale),
@@ -69,14 +75,8 @@ void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
     }
 }
 
-int Errors::NumberOf(const std::exception& error) {
-    if (const auto* numbered = dynamic_cast<const NumberedError*>(&error)) return numbered->Number();
-    if (const auto* system = dynamic_cast<const std::system_error*>(&error)) return system->code().value();
-    return 0;
-}
-
 void Errors::Report(std::string_view procName, const std::exception& error) {
-    DisplayError(procName, NumberOf(error), error.what());
+    DisplayError(procName, ErrorNumber(error), error.what());
 }
 
 void Errors::ShiftMoments(Date days) {

@@ -27,6 +27,9 @@ class NumberedError : public std::runtime_error {
     int number_;
 };
 
+/// The system's number that an exception carries; 0 when it has none.
+int ErrorNumber(const std::exception& error);
+
 /// The one way of telling the user about an unexpected error, and the diagnostic log.
 ///
 /// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are callables
@@ -66,9 +69,6 @@ class Errors {
             return false;
         }
     }
-
-    /// The system's number that an exception carries; 0 when it has none.
-    static int NumberOf(const std::exception& error);
 
     /// The wall clock was set: moves the moment of the last report by `days` with it.
     void ShiftMoments(Date days);

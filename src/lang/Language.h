@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace korvalin {
@@ -14,6 +15,10 @@ class Files;
 class MessageBoxes;
 class Settings;
 class Shell;
+struct LanguageEntry;
+
+/// What Lng gives for a missing text whose absence is to be reported.
+inline constexpr std::string_view TextNotFound = "text not found";
 
 /// The user-visible texts of the chosen language, by section and number.
 class Language {
@@ -24,19 +29,26 @@ class Language {
     Language(const std::filesystem::path& programFolder, Settings& settings, Errors& errors, Files& files,
              MessageBoxes& messageBoxes, Shell& shell);
 
+    /// Until a dialog is plugged in, nobody is asked and the default language serves.
     void PlugAskLanguage(AskLanguage ask);
 
     std::filesystem::path LanguageFilePath() const;
 
     /// Text of a section by number (or, in "lngDefinition", by language code). A missing text is "", or with
-    /// `reportMissing` "text not found" and a line in the error log.
-    std::string Lng(std::string_view section, std::string_view number, bool tooltip = false, bool trimIt = false,
-                    bool reportMissing = false);
+    /// `reportMissing` "text not found" and a line in the error log (one per text, however often it is asked
+    /// for).
+    std::string Lng(std::string_view section, std::string_view number, bool tooltip = false,
+                    bool trimIt = false, bool reportMissing = false);
     std::string Lng(std::string_view section, int number, bool tooltip = false, bool trimIt = false,
                     bool reportMissing = false);
 
+    /// Fills LanguageCodes from the file. False when the file is missing or cannot be read.
     bool LoadLanguageChoices();
+
+    /// Fills the text table for LanguageCode; true when at least one text was stored.
     bool LoadLanguageTexts();
+
+    /// Chooses the language and loads its texts at start; a failure has been shown to the user.
     bool InitProgramTexts();
 
     /// The stored code, or the one that the user chooses now.
@@ -51,14 +63,47 @@ class Language {
     };
     Choices FillLanguageChoices();
 
-    /// Takes over a choice of FillLanguageChoices: stores it and reloads the texts. False when nothing changed.
+    /// Takes over a choice of FillLanguageChoices: stores it and reloads the texts. False when nothing
+    /// changed.
     bool ChooseLanguage(std::string_view entry);
 
+    /// Three letters; "LNG" while only the language names are loaded, empty before that.
     const std::string& LanguageCode() const;
     const std::vector<std::string>& LanguageCodes() const;
 
     /// Number after "#LngNo:" in a window element's mark; -1 for "-", 0 when there is none.
     static int ParseLngNo(std::string_view tag);
+
+  private:
+    /// Faults of the file met while it is loaded, written to the log afterwards.
+    struct FileFaults;
+    /// First text with an access key, by section and key.
+    using AccessKeys = std::unordered_map<std::string, std::string>;
+
+    bool Guarded(std::string_view procName, const std::function<bool()>& work);
+    void ShowLanguageError(std::string_view procName, const std::exception& error);
+    bool IsKnown(std::string_view code) const;
+    bool HasLanguage() const;
+    bool Wants(const LanguageEntry& entry) const;
+    std::size_t StoreEntry(const LanguageEntry& entry, AccessKeys& accessKeys, FileFaults& faults);
+    void WriteFaults(const FileFaults& faults);
+    std::string MissingText(std::string_view section, std::string_view number, std::string key, char kind,
+                            bool reportMissing);
+    std::string NameLanguage(std::string_view code, std::string key);
+    void AppendToFile(std::string_view line);
+    bool ShowTextsMissing();
+
+    std::filesystem::path programFolder_;
+    Settings& settings_;
+    Errors& errors_;
+    Files& files_;
+    MessageBoxes& messageBoxes_;
+    Shell& shell_;
+    AskLanguage ask_;
+    std::unordered_map<std::string, std::string> texts_;
+    std::unordered_set<std::string> reported_;
+    std::string languageCode_;
+    std::vector<std::string> languageCodes_;
 };
 
 } // namespace korvalin

@@ -21,7 +21,7 @@ bool RasReader::Step(const std::function<void()>& step) {
         try {
             step();
         } catch (const std::exception& error) {
-            state_.LastRasError = std::max(Errors::NumberOf(error), 1);
+            state_.LastRasError = std::max(ErrorNumber(error), 1);
             throw;
         }
     });

@@ -8,10 +8,11 @@
 
 namespace korvalin {
 
-/// Writes plainly into the file system; `DiskFull` lets every write fail.
+/// Writes plainly into the file system; `DiskFull` lets every write fail, `CopyFails` only copies.
 class FakeFiles : public Files {
   public:
     bool DiskFull = false;
+    bool CopyFails = false;
     int CreateFoldersResult = 0;
 
     bool Append(const std::filesystem::path& path, std::string_view lines) override {
@@ -22,7 +23,7 @@ class FakeFiles : public Files {
     }
     bool Copy(const std::filesystem::path& from, const std::filesystem::path& to) override {
         std::error_code error;
-        return !DiskFull &&
+        return !DiskFull && !CopyFails &&
                std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
     }
     int CreateFolders(const std::filesystem::path& folder) override {

@@ -1,0 +1,82 @@
+#include "lang/LanguageFile.h"
+
+#include "base/Numbers.h"
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <fstream>
+#include <limits>
+#include <system_error>
+
+namespace korvalin {
+namespace {
+
+constexpr std::streamsize longestLine = 64 * 1024;
+constexpr std::streamsize largestFile = 4 * 1024 * 1024;
+constexpr std::size_t fieldCount = 5;
+constexpr std::size_t longestNumber = 3;
+constexpr std::size_t codeLength = 3;
+
+std::string_view WithoutQuotes(std::string_view text) {
+    if (text.starts_with('"')) text.remove_prefix(1);
+    if (text.ends_with('"')) text.remove_suffix(1);
+    return text;
+}
+
+// The bytes between two line feeds; a line that does not fit the buffer is skipped and comes back as nullopt.
+std::optional<std::string_view> ReadLine(std::ifstream& file, std::string& buffer, std::streamsize& bytes) {
+    file.getline(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    bytes += file.gcount();
+    auto length = static_cast<std::size_t>(file.gcount());
+    if (file.fail() && !file.eof()) {
+        if (file.bad()) throw std::runtime_error("The language file cannot be read.");
+        file.clear();
+        file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+        bytes += file.gcount();
+        return std::nullopt;
+    }
+    if (!file.eof()) --length; // gcount has the line feed in it
+    std::string_view line(buffer.data(), length);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    return line;
+}
+
+} // namespace
+
+void ReadLanguageLines(const std::filesystem::path& path,
+                       const std::function<bool(std::string_view line)>& use) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::system_error(errno, std::generic_category(), path.string());
+    std::string buffer(longestLine, '\0');
+    std::streamsize bytes = 0;
+    for (bool header = true; file.good() && bytes < largestFile; header = false) {
+        const auto line = ReadLine(file, buffer, bytes);
+        if (header || !line || line->empty() || line->find('\0') != std::string_view::npos) continue;
+        if (!use(DecodeLine(*line))) return;
+    }
+}
+
+std::optional<LanguageEntry> SplitLanguageLine(std::string_view line) {
+    auto fields = Split(line, '\t', fieldCount);
+    fields.resize(fieldCount);
+    const std::string_view number = Trim(fields[2]);
+    LanguageEntry entry{Trim(fields[0]), Trim(fields[1]), NormalizeTextNumber(number),
+                        WithoutQuotes(fields[3]), WithoutQuotes(fields[4])};
+    if (entry.Section.empty() || number.empty() || CharacterCount(number) > longestNumber)
+        return std::nullopt;
+    return entry;
+}
+
+std::string_view CodeOfLanguageLine(std::string_view line) {
+    const std::string_view code = Trim(line.substr(0, line.find_first_of("\t#")));
+    return CharacterCount(code) == codeLength && code != EveryLanguage ? code : std::string_view();
+}
+
+std::string NormalizeTextNumber(std::string_view number) {
+    const auto value = ParseWholeNumber(number);
+    return value ? fmt::format("{:03}", *value) : std::string(number);
+}
+
+} // namespace korvalin

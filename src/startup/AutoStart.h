@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+
+namespace korvalin {
+
+class RegistryPrimitives;
+class Settings;
+
+/// The program's entry among those that start when the user logs in.
+class AutoStartEntry {
+  public:
+    AutoStartEntry(Settings& settings, RegistryPrimitives& registry, const std::filesystem::path& executable);
+
+    /// Stores the choice and writes or removes the entry.
+    void AutoStart(bool enable);
+
+  private:
+    Settings& settings_;
+    RegistryPrimitives& registry_;
+    std::filesystem::path executable_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,160 @@
+#include "startup/UpdateInstallation.h"
+
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "errors/Paths.h"
+#include "lang/Language.h"
+#include "platform/Clock.h"
+#include "platform/Events.h"
+#include "platform/Files.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Shell.h"
+#include "settings/Settings.h"
+#include "startup/FileWait.h"
+#include "startup/MessageText.h"
+
+#include <system_error>
+
+namespace korvalin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view newProgramName = "Korvalin_new.exe";
+// A shorter download is an error page or was cut off.
+constexpr std::uintmax_t shortestProgram = 200'000;
+// An old program that is still closing its windows needs its time; a file left over does not.
+constexpr double longWait = 30;
+constexpr double shortWait = 5;
+
+// A download has no right to be run; it gets those that the running program has.
+void AllowRunning(const fs::path& program, const fs::path& example) {
+    std::error_code ignored;
+    const fs::perms running = fs::status(example, ignored).permissions();
+    if (!ignored) fs::permissions(program, running & fs::perms::all, fs::perm_options::add, ignored);
+}
+
+} // namespace
+
+UpdateInstallation::UpdateInstallation(Settings& settings, Language& language, Errors& errors,
+                                       MessageBoxes& messageBoxes, Files& files, Shell& shell, Events& events,
+                                       Clock& clock, const fs::path& programFolder)
+    : settings_(settings),
+      language_(language),
+      errors_(errors),
+      messageBoxes_(messageBoxes),
+      files_(files),
+      shell_(shell),
+      events_(events),
+      clock_(clock),
+      program_(programFolder / "Korvalin.exe"),
+      newProgram_(programFolder / newProgramName),
+      languageFile_(programFolder / "Korvalin.lng"),
+      newLanguageFile_(programFolder / "KorvalinLng_new.lng"),
+      newLanguageText_(programFolder / "KorvalinLng_new.txt") {}
+
+bool UpdateInstallation::Run() {
+    const bool isNew = EqualsNoCase(shell_.ExecutablePath().filename().string(), newProgramName);
+    return isNew ? Install() : HandOver();
+}
+
+bool UpdateInstallation::Delete(const fs::path& file, double seconds) {
+    return DeleteFileWait(file, seconds, events_, clock_);
+}
+
+// ---- as the normal program
+
+bool UpdateInstallation::HandOver() {
+    if (!FileExists(newProgram_)) return false;
+    if (!IsWorthStarting()) {
+        Delete(newProgram_, shortWait);
+        return false;
+    }
+    AllowRunning(newProgram_, shell_.ExecutablePath());
+    // When it does not start, this one goes on.
+    return shell_.StartProgram(newProgram_);
+}
+
+// What cannot be found out counts as date 0 and length 0.
+bool UpdateInstallation::IsWorthStarting() {
+    std::error_code currentUnknown;
+    std::error_code newUnknown;
+    const auto currentTime = fs::last_write_time(program_, currentUnknown);
+    const auto newTime = fs::last_write_time(newProgram_, newUnknown);
+    if (newUnknown || (!currentUnknown && newTime <= currentTime)) return false;
+    const auto length = fs::file_size(newProgram_, newUnknown);
+    return !newUnknown && length >= shortestProgram;
+}
+
+// ---- as the new program
+
+bool UpdateInstallation::Install() {
+    errors_.Step("Main", [this] { TakeLanguageText(); });
+    LoadTexts();
+    if (!RemoveOldProgram() || !RemoveOldLanguage()) return true;
+    const bool copied = errors_.Step("Main", [this] { CopyProgram(); });
+    errors_.Step("Main", [this] { TakeLanguageFile(); });
+    // Without a whole copy (a full disk) this one goes on as the program, and the next start tries again.
+    if (!copied) return false;
+    settings_.SetReg("UpdateLast", clock_.Now());
+    return shell_.StartProgram(program_);
+}
+
+void UpdateInstallation::TakeLanguageText() {
+    if (FileExists(newLanguageFile_) || !FileExists(newLanguageText_)) return;
+    fs::rename(newLanguageText_, newLanguageFile_);
+    if (!files_.Copy(newLanguageFile_, languageFile_)) {
+        throw fs::filesystem_error("The language file could not be copied", newLanguageFile_, languageFile_,
+                                   std::make_error_code(std::errc::io_error));
+    }
+}
+
+// The texts are not loaded yet at this point of the start; nobody is asked for a language here.
+void UpdateInstallation::LoadTexts() {
+    if (language_.LoadLanguageChoices()) language_.ChooseLanguage(settings_.GetText("Language"));
+}
+
+bool UpdateInstallation::RemoveOldProgram() {
+    if (WaitForOldProgram()) return true;
+    ShowPieces(messageBoxes_, language_, {18, program_.string(), 19}, MessageIcon::Warning);
+    if (Delete(program_, longWait)) return true;
+    ShowPieces(messageBoxes_, language_, {18, program_.string(), 23, newProgram_.string(), 25},
+               MessageIcon::Warning);
+    return false;
+}
+
+bool UpdateInstallation::WaitForOldProgram() {
+    const std::string text = language_.Lng("modAllgemein", 45, false, false, true);
+    if (text != TextNotFound) messageBoxes_.ShowWaiting(text, std::string(ProgramTitle));
+    events_.ProcessPending();
+    const bool gone = Delete(program_, longWait);
+    messageBoxes_.CloseWaiting();
+    return gone;
+}
+
+// Only to make room: without a new file the old one is the only one there is.
+bool UpdateInstallation::RemoveOldLanguage() {
+    if (!FileExists(newLanguageFile_) || Delete(languageFile_, longWait)) return true;
+    ShowPieces(messageBoxes_, language_, {18, languageFile_.string(), 27}, MessageIcon::Warning);
+    return false;
+}
+
+void UpdateInstallation::CopyProgram() {
+    const fs::path running = shell_.ExecutablePath();
+    if (!files_.Copy(running, program_) || fs::file_size(program_) != fs::file_size(running)) {
+        std::error_code ignored;
+        fs::remove(program_, ignored);
+        throw fs::filesystem_error("The new program could not be copied", running, program_,
+                                   std::make_error_code(std::errc::io_error));
+    }
+    // As old as its source: were it older, as after a clock set back, it would hand over to that one again
+    // and again.
+    std::error_code ignored;
+    fs::last_write_time(program_, fs::last_write_time(running), ignored);
+}
+
+void UpdateInstallation::TakeLanguageFile() {
+    if (FileExists(newLanguageFile_)) fs::rename(newLanguageFile_, languageFile_);
+}
+
+} // namespace korvalin

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <filesystem>
+
+namespace korvalin {
+
+class Clock;
+class Errors;
+class Events;
+class Files;
+class Language;
+class MessageBoxes;
+class Settings;
+class Shell;
+
+/// Puts an update into place that the update check left in the program folder. The running program cannot
+/// replace its own file everywhere, so the new program is started under another name and copies itself over
+/// the old one.
+class UpdateInstallation {
+  public:
+    UpdateInstallation(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
+                       Files& files, Shell& shell, Events& events, Clock& clock,
+                       const std::filesystem::path& programFolder);
+
+    /// Does the part of this executable: the normal program hands over to a newer one, the new one installs
+    /// itself. True when this instance must end.
+    [[nodiscard]] bool Run();
+
+  private:
+    bool HandOver();
+    bool IsWorthStarting();
+    bool Install();
+    void TakeLanguageText();
+    void LoadTexts();
+    bool RemoveOldProgram();
+    bool WaitForOldProgram();
+    bool RemoveOldLanguage();
+    void CopyProgram();
+    void TakeLanguageFile();
+    bool Delete(const std::filesystem::path& file, double seconds);
+
+    Settings& settings_;
+    Language& language_;
+    Errors& errors_;
+    MessageBoxes& messageBoxes_;
+    Files& files_;
+    Shell& shell_;
+    Events& events_;
+    Clock& clock_;
+    std::filesystem::path program_;
+    std::filesystem::path newProgram_;
+    std::filesystem::path languageFile_;
+    std::filesystem::path newLanguageFile_;
+    std::filesystem::path newLanguageText_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,221 @@
+#include "startup/Startup.h"
+
+#include "fakes/Ground.h"
+#include "settings/RegistryPrimitives.h"
+#include "startup/AutoStart.h"
+#include "startup/DataFolder.h"
+#include "startup/UpdateInstallation.h"
+
+namespace korvalin {
+namespace {
+
+class StartupTest : public ::testing::Test, protected Ground {
+  protected:
+    StartupTest() {
+        WriteTexts(goodTexts);
+        Settings.SetReg("Language", "GER");
+        Settings.SetReg("DataPath", (Folder / "log").string());
+    }
+
+    bool Main(ProgramVersion version = {2, 1, 7}) {
+        const auto download = [this](const std::string& name, const std::filesystem::path& target) {
+            Downloads.push_back(name);
+            if (Download.empty()) return false;
+            std::ofstream(target) << Download;
+            return true;
+        };
+        DataFolder data(Settings, Language, Errors, Boxes, Files, Shell, Clock, Program);
+        UpdateInstallation update(Settings, Language, Errors, Boxes, Files, Shell, Events, Clock, Program);
+        Components components(Settings, Language, Boxes, Shell, Events, data, download, "page");
+        return Startup({Settings, Language, Errors, Boxes, Shell, Clock, Lock, data, update, components,
+                        download, [this] { Calls.push_back("lines"); }, LoadUserVar},
+                       version)
+            .Main();
+    }
+
+    static constexpr const char* goodTexts =
+        "GER\tmodAllgemein\t1\tWrong system\nGER\tmodAllgemein\t20\tThe control\nGER\tmodAllgemein\t21\tis "
+        "missing.\n"
+        "GER\tmodAllgemein\t39\tis needed.\nGER\tmodAllgemein\t40\tInstall "
+        "it?\nGER\tmodAllgemein\t41\tLoading\n"
+        "GER\tmodAllgemein\t42\tFailed\nGER\tmodAllgemein\t47\tis useful.\n";
+    FakeInstanceLock Lock;
+    std::string Download;
+    Lines Downloads, Calls;
+    std::function<void()> LoadUserVar = [this] { Calls.push_back("settings"); };
+};
+
+TEST_F(StartupTest, PreparesTheMainWindow) {
+    EXPECT_TRUE(Main());
+    EXPECT_EQ(Calls, (Lines{"lines", "settings"}));
+    EXPECT_EQ(Settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
+    Clock.Advance(100);
+    EXPECT_TRUE(Main());
+    EXPECT_EQ(Settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
+}
+
+TEST_F(StartupTest, RefusesASecondInstanceSilently) {
+    Lock.Running = true;
+    const int writes = Registry.Writes;
+    EXPECT_FALSE(Main());
+    EXPECT_EQ(Registry.Writes, writes);
+    Settings.SetReg("MultiInstance", true);
+    EXPECT_TRUE(Main());
+}
+
+TEST_F(StartupTest, EndsWhereItCannotRun) {
+    Shell.Platform = 1;
+    EXPECT_FALSE(Main());
+    EXPECT_EQ(Boxes.Take().Icon, MessageIcon::Critical);
+    EXPECT_TRUE(Calls.empty());
+}
+
+TEST_F(StartupTest, EndsForANewerProgram) {
+    Folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
+    EXPECT_FALSE(Main());
+    EXPECT_EQ(Shell.Started.size(), 1U);
+    EXPECT_TRUE(Calls.empty());
+}
+
+TEST_F(StartupTest, AnErrorInOneStepEndsOnlyThatStep) {
+    std::filesystem::create_directories(Folder / "log");
+    const auto backup = Folder.Write("log/Korvalin_Stats.db_x", "x");
+    std::filesystem::last_write_time(backup, std::chrono::file_clock::from_sys(std::chrono::sys_seconds()));
+    Settings.SetReg("DeleteStatistics", 1);
+    LoadUserVar = [] { throw NumberedError(7, "settings"); };
+    EXPECT_TRUE(Main());
+    EXPECT_NE(Boxes.Take().Text.find("Main"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(backup));
+}
+
+TEST_F(StartupTest, GetsALanguageFile) {
+    const std::string file = (Program / "Korvalin.lng").string();
+    const std::string hint = "\n\nPlease make sure you are connected to the internet before clicking ok.";
+    const std::string missing = "Language file " + file +
+                                " not found. Program can not be run.\n\n"
+                                "Do you want to load the language file from the internet?" +
+                                hint;
+    const std::string unusable = "Language file " + file +
+                                 " could not be found or is incomplete for language GER. "
+                                 "Program can not be run. Contact software vendor.";
+    const std::string corrupted = "Language file corrupted or incomplete. Program can not be run. "
+                                  "Do you want to load the language file from the internet?" +
+                                  hint;
+    const std::string good = "h\n" + std::string(goodTexts);
+    const auto yes = MessageAnswer::Yes;
+    const auto no = MessageAnswer::No;
+    struct {
+        bool Exists;
+        std::string Download;
+        std::deque<MessageAnswer> Answers;
+        Lines Shown;
+        std::size_t Downloads;
+        bool Starts;
+    } const rows[] = {
+        {false, good, {yes}, {missing}, 1, true},
+        {false, good, {no, no}, {missing, unusable, corrupted}, 0, false},
+        {false, good, {no, yes}, {missing, unusable, corrupted}, 1, true},
+        {false, "", {yes, yes}, {missing, unusable, corrupted}, 2, false},
+        {true, good, {yes}, {unusable, corrupted}, 1, true},
+        {true, "bad", {yes}, {unusable, corrupted, unusable}, 1, false},
+    };
+    for (const auto& row : rows) {
+        std::filesystem::remove(file);
+        if (row.Exists) Folder.Write("program/Korvalin.lng", "broken");
+        Download = row.Download;
+        Downloads.clear();
+        Boxes.Answers = row.Answers;
+        EXPECT_EQ(Main(), row.Starts);
+        EXPECT_EQ(TakeBoxes(), row.Shown);
+        EXPECT_EQ(Downloads, Lines(row.Downloads, "Korvalin.lng"));
+    }
+}
+
+TEST_F(StartupTest, NotesANewVersion) {
+    struct {
+        const char* Stored;
+        ProgramVersion Version;
+        const char* Text;
+        bool StaysUnwanted, ChecksSoon;
+    } const rows[] = {
+        {"v2.1.7", {2, 1, 7}, "v2.1.7", true, false},     {"V2.1.5", {2, 1, 7}, "V2.1.7", true, true},
+        {"V2.0.5", {2, 1, 7}, "V2.1.7", false, true},     {"", {2, 1, 99}, "V2.1.99", false, true},
+        {"V2.1.12", {2, 1, 129}, "V2.1.12", true, false}, {"V2.1.1", {2, 1, 100}, "V2.1.10", true, true},
+    };
+    for (const auto& row : rows) {
+        Settings.SetReg("PrgVersion", row.Stored);
+        Settings.SetReg("msinetNotWanted", true);
+        Settings.SetReg("UpdateCheckLast", Clock.Now());
+        EXPECT_TRUE(Main(row.Version));
+        EXPECT_EQ(Settings.GetText("PrgVersion"), row.Text);
+        EXPECT_EQ(Settings.GetBool("msinetNotWanted"), row.StaysUnwanted) << row.Stored;
+        EXPECT_EQ(Settings.GetDate("UpdateCheckLast"),
+                  row.ChecksSoon ? DateSerial(2024, 1, 15) : Clock.Now());
+    }
+}
+
+TEST_F(StartupTest, PullsTheNextUpdateBackToNow) {
+    for (const Date days : {-1, 0, 1, 5000}) {
+        Settings.SetReg("UpdateNext", Clock.Now() + days);
+        EXPECT_TRUE(Main());
+        EXPECT_EQ(Settings.GetDate("UpdateNext"), Clock.Now() + std::min(days, Date{0}));
+    }
+}
+
+TEST_F(StartupTest, OffersMissingControls) {
+    const std::string inet = "The control msinet.ocx";
+    const std::string tabs = "The control tabctl32.ocx";
+    const auto yes = MessageAnswer::Yes;
+    struct {
+        const char* Missing;
+        MessageAnswer Answer;
+        const char* Download;
+        Lines Shown;
+        std::size_t Started, Pages;
+        bool NotWanted;
+    } const rows[] = {
+        {"tabctl32.ocx", yes, "setup", {tabs + " is needed. Install it?", "Loading"}, 1, 0, false},
+        {"tabctl32.ocx", yes, "", {tabs + " is needed. Install it?", "Loading", "Failed"}, 0, 1, false},
+        {"tabctl32.ocx",
+         MessageAnswer::No,
+         "",
+         {tabs + " is needed. Install it?", tabs + " is missing."},
+         0,
+         0,
+         false},
+        {"msinet.ocx",
+         MessageAnswer::No,
+         "",
+         {inet + " is useful. Install it?", inet + " is missing."},
+         0,
+         0,
+         true},
+        {"msinet.ocx", yes, "", {}, 0, 0, true}, // refused once, never asked again
+    };
+    for (const auto& row : rows) {
+        Shell.MissingComponents = {row.Missing};
+        Shell.Started.clear();
+        Shell.Pages.clear();
+        Download = row.Download;
+        Boxes.Answers = {row.Answer};
+        EXPECT_TRUE(Main());
+        EXPECT_EQ(TakeBoxes(), row.Shown);
+        EXPECT_EQ(Shell.Started.size(), row.Started);
+        EXPECT_EQ(Shell.Pages.size(), row.Pages);
+        EXPECT_EQ(Settings.GetBool("msinetNotWanted"), row.NotWanted);
+    }
+}
+
+TEST_F(StartupTest, EntersAndLeavesTheAutoStart) {
+    constexpr const char* runKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+    RegistryPrimitives registry(Registry);
+    AutoStartEntry entry(Settings, registry, Program / "Korvalin.exe");
+    for (const bool enable : {true, false}) {
+        entry.AutoStart(enable);
+        EXPECT_EQ(registry.RegReadString(runKey, "Korvalin"), enable ? (Program / "Korvalin").string() : "");
+        EXPECT_EQ(Settings.GetBool("AutoStart"), enable);
+    }
+}
+
+} // namespace
+} // namespace korvalin
