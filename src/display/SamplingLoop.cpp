@@ -65,11 +65,8 @@ void SamplingLoop::CheckForUpdate() {
     const Date now = clock_.Now();
     if (nextUpdateCheck_ + updateCheckOverdue < now) nextUpdateCheck_ = now + updateCheckDelay;
     if (nextUpdateCheck_ >= now) return;
-    if (hooks_.Check()) {
-        hooks_.Quit();
-    } else {
-        updateCheckPending_ = false;
-    }
+    updateCheckPending_ = false;
+    if (hooks_.Check()) hooks_.Quit();
 }
 
 void SamplingLoop::WatchScreenSize() {

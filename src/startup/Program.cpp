@@ -1,5 +1,6 @@
 #include "startup/Program.h"
 
+#include "platform/Shell.h"
 #include "startup/UserVariables.h"
 #include "startup/Version.h"
 

@@ -110,7 +110,8 @@ TEST(LineLabelText, CutsLongNamesAtALateBlank) {
                       {"sixteen letters.", "sixteen letters."},
                       {"seventeen letters", "seventeen letter"},
                       {"Provider Number 1234", "Provider Number"},
-                      {"Big Provider GmbH & Co", "Big Provider Gmb"},
+                      {"Big Provider GmbH & Co", "Big Provider"},
+                      {"Big Providr GmbH & Co", "Big Providr GmbH"},
                       {"Größenwahn Prov. Düsseldorf", "Größenwahn Prov."}};
     for (const auto& row : rows) EXPECT_EQ(ShortLineName(row.Name), row.Expected);
 }
