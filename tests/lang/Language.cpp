@@ -98,7 +98,7 @@ TEST_F(LanguageTest, SurvivesDamagedFiles) {
         {"", false},
         {"GER\ts\t1\theader only", false},
         {"h\nGER\ts", false},
-        {std::string("h\n\0G\0E\0R\0\t\0s\0\t\0001\0\n", 18), false},
+        {std::string("h\nGER\ts\t1\tx\0\n", 13), false},
         {std::string(3'000'000, '\0') + "\n" + good, true},
         {"h\n" + std::string(3'000'000, 'x') + "\n" + good, true},
         {"h\n" + std::string(64 * 1024 - 1, 'x') + "\n" + good, true},
@@ -175,6 +175,11 @@ TEST_F(LanguageTest, TellsAboutAFileThatCannotBeRead) {
 }
 
 TEST_F(LanguageTest, AsksForTheLanguageAtTheFirstStart) {
+    Language.PlugAskLanguage(
+        [this] { EXPECT_EQ(Language.FillLanguageChoices().Names, Lines{"GER - language"}); });
+    EXPECT_FALSE(Language.InitProgramTexts());
+    EXPECT_EQ(TakeBoxes().size(), 1U);
+    EXPECT_FALSE(std::filesystem::exists(Language.LanguageFilePath())); // it makes none of its own
     WriteTexts("GER\ts\t1\tx\nENG\ts\t1\ty\nFRA\ts\t1\tz\nLNG\tlngDefinition\tGER\tGER - Deutsch\n"
                "LNG\tlngDefinition\tFRA\tFRA - Français");
     Shell.Language = "fr";
@@ -194,11 +199,6 @@ TEST_F(LanguageTest, AsksForTheLanguageAtTheFirstStart) {
     EXPECT_EQ(Language.FillLanguageChoices().Selected, 2U);
     const std::string file = Folder.Read("program/Korvalin.lng");
     EXPECT_TRUE(file.ends_with("Français\r\nLNG\tlngDefinition\tENG\tENG - language\r\n")) << file;
-}
-
-TEST_F(LanguageTest, MakesNoLanguageFileOfItsOwn) {
-    EXPECT_EQ(Language.FillLanguageChoices().Names, Lines{"GER - language"});
-    EXPECT_FALSE(std::filesystem::exists(Language.LanguageFilePath()));
 }
 
 TEST(ParseLngNo, ReadsTheMark) {

@@ -176,7 +176,6 @@ TEST_F(DataFolderTest, ChangesTheFolderAsTheUserAnswers) {
     } const rows[] = {
         {false, true, false, {}, {}, oldMoved, "Korvalin_Stats.db=old "},
         {false, true, true, {}, {}, oldMoved, "Korvalin_Stats.db=old Korvalin_Stats.db" + suffix + "new "},
-        {false, false, true, {}, {}, "", "Korvalin_Stats.db=new "},
         {true, true, true, {yes}, {keep}, "Korvalin_Stats.db=old ", "Korvalin_Stats.db=new "},
         {true, true, true, {no, no}, {keep, move}, "Korvalin_Stats.db=old ", "Korvalin_Stats.db=new "},
         {true,
@@ -239,36 +238,29 @@ TEST_F(DataFolderTest, KeepsTheStatisticsWhenTheDiskIsFull) {
 }
 
 TEST_F(DataFolderTest, DeletesOldBackupsOnly) {
-    const auto age = [](const fs::path& file, int day, int hour, int second) {
+    const auto put = [this](const char* suffix, int day, int second) {
         std::tm local{};
-        local.tm_year = 2024 - 1900, local.tm_mon = 2, local.tm_mday = day, local.tm_hour = hour;
+        local.tm_year = 2024 - 1900, local.tm_mon = 2, local.tm_mday = day;
         local.tm_sec = second, local.tm_isdst = -1;
+        const fs::path file = Share / (std::string("Korvalin_Stats.") + suffix);
+        Put(file, "");
         const auto moment = std::chrono::system_clock::from_time_t(std::mktime(&local));
         fs::last_write_time(file, std::chrono::file_clock::from_sys(moment));
     };
-    const auto fill = [&] {
-        for (const char* name : {"db", "db_new", "db_old", "db_edge", "txt_old"}) {
-            const fs::path file = Share / ("Korvalin_Stats." + std::string(name));
-            Put(file, "x");
-            age(file, 1, 0, 0);
-        }
-        age(Share / "Korvalin_Stats.db_new", 8, 0, 0); // noon on the 15th less seven days is the 8th
-        age(Share / "Korvalin_Stats.db_edge", 7, 23, 59);
-        fs::create_directories(Share / "Korvalin_Stats.db_folder");
-    };
+    put("db", 1, 0);
+    put("txt_1", 1, 0);
+    put("db_1", 1, 0);
+    put("db_7", 8, -1);
+    put("db_8", 8, 0); // noon of the 15th less seven days is the beginning of the 8th
     Settings.SetReg("DataPath", Share.string());
-    struct {
-        int Days;
-        std::size_t Left;
-    } const rows[] = {{0, 6}, {-1, 6}, {30, 6}, {7, 4}};
-    for (const auto& row : rows) {
-        fill();
-        Settings.SetReg("DeleteStatistics", row.Days);
+    const std::string others = "Korvalin_Stats.db= ";
+    const std::string backups = "Korvalin_Stats.db_1= Korvalin_Stats.db_7= Korvalin_Stats.db_8= ";
+    for (const auto& [days, left] :
+         std::map<int, std::string>{{-1, backups}, {0, backups}, {7, "Korvalin_Stats.db_8= "}}) {
+        Settings.SetReg("DeleteStatistics", days);
         Data.DeleteStatistics();
-        EXPECT_EQ(std::distance(fs::directory_iterator(Share), {}), row.Left) << row.Days;
+        EXPECT_EQ(Contents(Share), others + left + "Korvalin_Stats.txt_1= ") << days;
     }
-    EXPECT_FALSE(fs::exists(Share / "Korvalin_Stats.db_edge"));
-    EXPECT_TRUE(fs::exists(Share / "Korvalin_Stats.db_new"));
 }
 
 TEST_F(DataFolderTest, WaitsForAFileToGo) {

@@ -63,14 +63,10 @@ TEST_F(StartupTest, RefusesASecondInstanceSilently) {
     EXPECT_TRUE(Main());
 }
 
-TEST_F(StartupTest, EndsWhereItCannotRun) {
+TEST_F(StartupTest, EndsForANewerProgramAndWhereItCannotRun) {
     Shell.Platform = 1;
     EXPECT_FALSE(Main());
-    EXPECT_EQ(Boxes.Take().Icon, MessageIcon::Critical);
-    EXPECT_TRUE(Calls.empty());
-}
-
-TEST_F(StartupTest, EndsForANewerProgram) {
+    EXPECT_EQ(TakeBoxes(), Lines{"Wrong system"});
     Folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
     EXPECT_FALSE(Main());
     EXPECT_EQ(Shell.Started.size(), 1U);

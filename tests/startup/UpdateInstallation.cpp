@@ -63,13 +63,13 @@ TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
 
 TEST_F(UpdateInstallationTest, InstallsItself) {
     Put("Korvalin.exe", 10);
-    Put("KORVALIN_NEW.EXE", 300, hours(5));
+    Put("KORVALIN_NEW.EXE", 200'000, hours(-5)); // a clock that was set back since
     Folder.Write("program/KorvalinLng_new.lng", "new texts");
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
     EXPECT_EQ(Boxes.Waiting, Lines{"Wait"});
     EXPECT_FALSE(Boxes.WaitingOpen);
     EXPECT_EQ(Shell.Started, std::vector<fs::path>{old_});
-    EXPECT_EQ(fs::file_size(old_), 300U);
+    EXPECT_EQ(fs::file_size(old_), 200'000U);
     EXPECT_EQ(Folder.Read("program/Korvalin.lng"), "new texts");
     EXPECT_FALSE(fs::exists(Program / "KorvalinLng_new.lng"));
     EXPECT_EQ(Settings.GetDate("UpdateLast"), Clock.Now());
