@@ -3,6 +3,7 @@
 #include "cli/NoScreen.h"
 #include "cli/PlainEvents.h"
 #include "cli/SettingsCommand.h"
+#include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxSystem.h"
 #include "startup/Program.h"
 

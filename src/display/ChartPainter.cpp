@@ -73,13 +73,13 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
     picture.SetDrawStyle(DrawStyle::Solid);
     const double scale = chartScale_[0];
     const double pictureHeight = picture.HeightTwips();
-    const double textHeight = picture.TextHeightTwips("T");
+    const double textHeight = picture.TextHeightTwips();
     // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale finite.
     const double area = std::max(1 - textHeight * textBands / pictureHeight, 0.01);
     picture.SetScaleLeft(1);
     picture.SetScaleWidth(static_cast<double>(visibleSamples_));
     picture.SetScaleHeight(-std::floor(scale / area));
-    picture.SetScaleTop(scale - picture.TextHeight("T") * upperBand);
+    picture.SetScaleTop(scale - picture.TextHeight() * upperBand);
     picture.SetBackColor(texts.ChartBackgroundColor);
 }
 
@@ -120,7 +120,7 @@ void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
     const std::string scaleText = FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.UserLocale);
 
     picture.SetCurrentX(2);
-    picture.SetCurrentY(chartScale_[0] - 0.75 * picture.TextHeight("T"));
+    picture.SetCurrentY(chartScale_[0] - 0.75 * picture.TextHeight());
     print(black, Text(6) + " " + scaleText + "   Avg. ");
     print(uploadColor, texts.AvgULText + " ");
     print(downloadColor, texts.AvgDLText + " ");

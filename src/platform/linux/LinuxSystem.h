@@ -19,6 +19,8 @@ class LinuxSystem {
     /// The ports of the program with the three that depend on how it is used.
     Ports PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen);
 
+    Clock& SystemTime();
+
     /// Writes to the error log what went wrong before there was one (a damaged settings store moved aside).
     void TellNotes(Errors& errors);
 

@@ -1,0 +1,76 @@
+#include "startup/Desktop.h"
+
+#include "display/frmMain.h"
+#include "lang/ApplyFormTexts.h"
+#include "lang/frmLanguage.h"
+#include "platform/linux/LinuxSystem.h"
+#include "platform/qt/QtEvents.h"
+#include "platform/qt/QtLocale.h"
+#include "platform/qt/QtMessageBoxes.h"
+#include "platform/qt/QtScreen.h"
+#include "startup/Program.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLocale>
+
+#include <cstdlib>
+
+namespace korvalin {
+namespace {
+
+// Before the toolkit starts: it reads these once.
+void ChoosePlatform() {
+    // Nothing here draws with OpenGL; looking for it costs a third of the start and ten megabytes.
+    setenv("QT_XCB_GL_INTEGRATION", "none", 0);
+    // A Wayland compositor lets no program place its window or keep it on top; XWayland does.
+    if (getenv("WAYLAND_DISPLAY") != nullptr && getenv("DISPLAY") != nullptr) setenv("QT_QPA_PLATFORM", "xcb", 0);
+}
+
+QIcon ProgramIcon() {
+    QIcon icon;
+    for (const char* size : {"16", "32", "48", "256"}) {
+        icon.addFile(QStringLiteral(":/icons/korvalin-%1.png").arg(QLatin1String(size)));
+    }
+    return icon;
+}
+
+void ApplyTextsToAllForms(Language& language) {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName().startsWith(QLatin1String("frm"))) ApplyFormTexts(*window, language);
+    }
+}
+
+} // namespace
+
+int RunDesktop(int argc, char** argv) {
+    ChoosePlatform();
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Korvalin"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("korvalin"));
+    QApplication::setWindowIcon(ProgramIcon());
+    QApplication::setQuitOnLastWindowClosed(false); // the window may be hidden and the program still wanted
+
+    QtMessageBoxes messageBoxes;
+    QtScreen screen;
+    QtEvents events;
+    LinuxSystem system;
+    Program program(system.PortsWith(events, messageBoxes, screen), ReadQtLocale(QLocale::system()));
+    system.TellNotes(program.errors);
+    program.language.PlugAskLanguage([&] {
+        frmLanguage dialog(program.language, [&] { ApplyTextsToAllForms(program.language); });
+        dialog.exec();
+    });
+    if (!program.Main()) return EXIT_SUCCESS;
+
+    frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
+                    program.rateHistory, program.infoTexts, program.liveTexts, program.errors, system.SystemTime(),
+                    program.locale});
+    program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
+    window.Form_Load();
+    const int exitCode = QApplication::exec();
+    system.TellNotes(program.errors);
+    return exitCode;
+}
+
+} // namespace korvalin
