@@ -26,6 +26,7 @@ constexpr int smallestPictureTwips = 500;
 // The picture is the drawing area plus this many text heights: a band above it and one below.
 constexpr double textBands = 1.7;
 constexpr double upperBand = 0.8;
+constexpr double gapPixels = 2; // between a rule and the digits
 
 } // namespace
 
@@ -120,7 +121,8 @@ void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
     const std::string scaleText = FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.UserLocale);
 
     picture.SetCurrentX(2);
-    picture.SetCurrentY(chartScale_[0] - 0.75 * picture.TextHeight());
+    // The digits stand on the rule, with a gap; the band is too low for a whole text cell.
+    picture.SetCurrentY(chartScale_[0] - picture.ScaleY(gapPixels + picture.AscentPixels()));
     print(black, Text(6) + " " + scaleText + "   Avg. ");
     print(uploadColor, texts.AvgULText + " ");
     print(downloadColor, texts.AvgDLText + " ");
@@ -143,7 +145,7 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
         picture.Print(text);
     };
     picture.SetCurrentX(2);
-    picture.SetCurrentY(0);
+    picture.SetCurrentY(picture.ScaleY(gapPixels + 1 + picture.CapitalPixels() - picture.AscentPixels()));
     print(black, Text(9) + " ");
     print(texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1)), texts.VolumeULText + " ");
     print(texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1)), texts.VolumeDLText);

@@ -21,12 +21,18 @@ constexpr int marginTwips = 10;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
 constexpr double opaque = 255.0;
 
+std::unique_ptr<Ui::frmMain> SetUp(frmMain& window) {
+    auto ui = std::make_unique<Ui::frmMain>();
+    ui->setupUi(&window);
+    return ui;
+}
+
 } // namespace
 
 frmMain::frmMain(const Parts& parts)
-    : parts_(parts), ui_(std::make_unique<Ui::frmMain>()), geometry_(parts.Setting, parts.Display), frame_(*this),
+    : parts_(parts), ui_(SetUp(*this)), geometry_(parts.Setting, parts.Display), frame_(*this),
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time, parts.UserLocale}),
-      linesMenu_((ui_->setupUi(this), *ui_->mnuTrayIcon), *ui_->mnuLines0,
+      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0,
                  [this](std::size_t line) { mnuLines_Click(line); }) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);

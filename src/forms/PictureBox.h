@@ -63,6 +63,10 @@ class PictureBox : public QWidget {
     double ScaleX(double pixels) const;
     double ScaleY(double pixels) const;
 
+    // In pixels: from the top of a text's cell to its base line, and the height of its capitals.
+    double AscentPixels() const { return metrics_.ascent(); }
+    double CapitalPixels() const { return metrics_.capHeight(); }
+
     double HeightTwips() const;
     double TextHeightTwips() const;
 
