@@ -113,7 +113,7 @@ void CurvePoints(const RateHistory& history, std::size_t line, std::size_t slot,
         if (sample.T == 0) break;
         const double x = RoundToEven(static_cast<double>(visible) - (newestTime - sample.T));
         if (x < 1) break;
-        const float rate = direction == Direction::Download ? sample.RateDL[slot] : sample.RateUL[slot];
+        const float rate = direction == Direction::Received ? sample.RateDL[slot] : sample.RateUL[slot];
         const double pixel = std::floor(x / unitsPerPixel);
         if (pixel != columnOfPoints) column.Flush();
         columnOfPoints = pixel;

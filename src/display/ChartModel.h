@@ -42,7 +42,7 @@ struct ChartPoint {
     double Y;
 };
 
-enum class Direction { Download, Upload };
+enum class Direction { Received, Sent };
 
 /// The curve of one rate slot from the newest sample backwards, placed by time stamps, clipped at `clip`.
 /// `unitsPerPixel` is the width of a pixel in samples: where several samples share a pixel column, its first, lowest,

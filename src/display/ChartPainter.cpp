@@ -74,6 +74,7 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
     picture.SetDrawStyle(DrawStyle::Solid);
     const double scale = chartScale_[0];
     const double pictureHeight = picture.HeightTwips();
+    if (pictureHeight < smallestPictureTwips) parts_.PictureTooLow();
     const double textHeight = picture.TextHeightTwips();
     // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale finite.
     const double area = std::max(1 - textHeight * textBands / pictureHeight, 0.01);
@@ -167,8 +168,8 @@ void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::si
             picture.Polyline(points_, color);
         };
         for (std::size_t c = 0; c < RateSlots; ++c) {
-            if (texts.LineDLShow[c]) draw(c, Direction::Download, texts.LineDLColor[c]);
-            if (texts.LineULShow[c]) draw(c, Direction::Upload, texts.LineULColor[c]);
+            if (texts.LineDLShow[c]) draw(c, Direction::Received, texts.LineDLColor[c]);
+            if (texts.LineULShow[c]) draw(c, Direction::Sent, texts.LineULColor[c]);
         }
     });
 }

@@ -4,6 +4,7 @@
 #include "display/ChartModel.h"
 
 #include <array>
+#include <functional>
 #include <string>
 
 namespace korvalin {
@@ -25,6 +26,8 @@ class ChartPainter {
         Errors& Error;
         Clock& Time;
         const Locale& UserLocale;
+        /// The picture is too low for its texts: makes the main window higher.
+        std::function<void()> PictureTooLow;
     };
     explicit ChartPainter(const Parts& parts);
 

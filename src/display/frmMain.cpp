@@ -18,6 +18,8 @@ namespace korvalin {
 namespace {
 
 constexpr int marginTwips = 10;
+constexpr int smallestChartTwips = 520; // what the chart needs for its texts, margins included
+constexpr int heightForTextsTwips = 850;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
 constexpr double opaque = 255.0;
 
@@ -31,7 +33,8 @@ std::unique_ptr<Ui::frmMain> SetUp(frmMain& window) {
 
 frmMain::frmMain(const Parts& parts)
     : parts_(parts), ui_(SetUp(*this)), geometry_(parts.Setting, parts.Display), frame_(*this),
-      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time, parts.UserLocale}),
+      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time, parts.UserLocale,
+                [this] { resize(width(), TwipsToPixels(heightForTextsTwips)); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0,
                  [this](std::size_t line) { mnuLines_Click(line); }) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
@@ -167,12 +170,13 @@ void frmMain::mnuNurTitel_Click() {
 void frmMain::SetTitleOnly() {
     parts_.Setting.SetReg("NurTitel", titleOnly_);
     ui_->PicChart->setVisible(!titleOnly_);
-    SetSmallestSize();
     if (titleOnly_) {
+        SetSmallestSize();
         if (!ui_->mnuTitelAnzeigen->isChecked()) ui_->mnuTitelAnzeigen->trigger();
         resize(width(), 1);
     } else {
-        RestoreGeometry();
+        RestoreGeometry(); // first: the smallest size alone would be taken for the user's
+        SetSmallestSize();
         DrawChart(true);
     }
 }
@@ -193,8 +197,8 @@ void frmMain::mnuLines_Click(std::size_t line) {
 // Window managers keep the edge that is not dragged in place when they know the smallest size.
 void frmMain::SetSmallestSize() {
     const int caption = frame_.CaptionShown() ? TwipsToPixels(frame_.CaptionHeight()) : 0;
-    const int height = titleOnly_ ? 1 : std::max(TwipsToPixels(SmallestHeightTwips) - caption, 1);
-    setMinimumSize(TwipsToPixels(SmallestWidthTwips), height);
+    const int height = std::max(TwipsToPixels(SmallestHeightTwips) - caption, TwipsToPixels(smallestChartTwips));
+    setMinimumSize(TwipsToPixels(SmallestWidthTwips), titleOnly_ ? 1 : height);
 }
 
 void frmMain::resizeEvent(QResizeEvent* event) {

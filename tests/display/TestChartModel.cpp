@@ -39,7 +39,7 @@ class Curves : public testing::Test {
     }
     std::vector<ChartPoint> Points(std::size_t visible, double clip = 1e9, double unitsPerPixel = 0.1) {
         std::vector<ChartPoint> points;
-        CurvePoints(history, 1, 0, Direction::Download, visible, clip, unitsPerPixel, points);
+        CurvePoints(history, 1, 0, Direction::Received, visible, clip, unitsPerPixel, points);
         return points;
     }
     RateHistory history{100, 1};

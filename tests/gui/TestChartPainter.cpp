@@ -1,0 +1,164 @@
+#include "ProgramFixture.h"
+#include "display/ChartPainter.h"
+#include "forms/Colors.h"
+#include "forms/PictureBox.h"
+
+namespace korvalin {
+namespace {
+
+constexpr std::int32_t downloadColor = 0x0000FF;
+constexpr std::int32_t uploadColor = 0x00B058;
+constexpr int width = 240; // a pixel a second
+constexpr int height = 120;
+
+class Chart : public ProgramFixture {
+  protected:
+    Chart() {
+        EXPECT_TRUE(program->Main());
+        for (auto* shows : {&texts().LineDLShow, &texts().LineULShow}) shows->fill(false);
+        texts().LineDLShow[0] = true;
+        texts().LineDLColor[0] = downloadColor;
+        texts().LineULColor[0] = uploadColor;
+        texts().LineDLColor[2] = 0x800000; // of the texts: another colour than the curves'
+        texts().ShowTimeLines = false;
+        texts().FontName = "DejaVu Sans";
+        picture.resize(width, height);
+    }
+    InfoTexts& texts() { return program->infoTexts; }
+
+    void Online(float rate, int seconds) {
+        LineState& lines = program->lines;
+        lines.LineCount = 1;
+        lines.AnyLineConnected = true;
+        lines.LineTable(1).Connected = true;
+        lines.LineTable(1).LineName = "eth0";
+        for (int t = 1; t <= seconds; ++t) {
+            HistorySample& sample = program->rateHistory.Append(1, t);
+            sample.RateDL[0] = rate;
+            sample.RateUL[0] = rate / 2;
+        }
+    }
+    void Draw() { painter.DrawChart(picture, texts(), true, true); }
+
+    // Without the precision that a palette's colours have and a pixel has not.
+    static QRgb Rgb(std::int32_t color) { return ToColor(color).rgb(); }
+    QRgb At(int x, int y) const { return picture.Picture().pixel(x, y); }
+    // The row of the first pixel of a colour in a column, from the top; -1 when there is none.
+    int RowOf(int x, std::int32_t color) const {
+        for (int y = 0; y < height; ++y) {
+            if (At(x, y) == Rgb(color)) return y;
+        }
+        return -1;
+    }
+    int RuleRow(bool top) const {
+        const int x = width / 2; // between the texts
+        const int begin = top ? 5 : height - 5;
+        for (int y = begin; y > 0 && y < height; y += top ? 1 : -1) {
+            if (At(x, y) == Rgb(ColorApplicationWorkspace)) return y;
+        }
+        return -1;
+    }
+    ChartPainter painter{{program->lines, program->rateHistory, program->liveTexts, program->language, program->errors,
+                          clock, program->locale, [] {}}};
+    PictureBox picture;
+};
+
+TEST_F(Chart, WithoutALineIsEmptyOnItsBackground) {
+    Draw();
+    EXPECT_EQ(painter.ScaleMaximum(), 10000);
+    EXPECT_EQ(At(width / 2, height / 2), Rgb(15323561));
+    EXPECT_GT(RuleRow(true), 0);
+    EXPECT_GT(RuleRow(false), RuleRow(true));
+    EXPECT_EQ(texts().RateDLText, "0.0");
+}
+
+TEST_F(Chart, ACurveStandsAtItsShareOfTheScale) {
+    Online(9000, 100);
+    Draw();
+    EXPECT_EQ(painter.ScaleMaximum(), 10000);
+    const int top = RuleRow(true);
+    const int bottom = RuleRow(false);
+    const double expected = bottom - 0.9 * (bottom - top);
+    EXPECT_NEAR(RowOf(width - 20, downloadColor), expected, 1.5);
+    EXPECT_EQ(RowOf(width - 20, uploadColor), -1) << "upload is switched off";
+    EXPECT_EQ(RowOf(20, downloadColor), -1) << "nothing was measured then";
+    texts().LineULShow[0] = true;
+    Draw();
+    EXPECT_NEAR(RowOf(width - 20, uploadColor), bottom - 0.45 * (bottom - top), 1.5);
+}
+
+TEST_F(Chart, BeyondAFixedScaleTheCurveRunsJustAboveTheRule) {
+    Online(90000, 100);
+    texts().ChartUseMax = true;
+    texts().ChartMax = 20;
+    Draw();
+    EXPECT_EQ(painter.ScaleMaximum(), 20000);
+    EXPECT_EQ(RowOf(width - 50, downloadColor), RuleRow(true) - 1);
+}
+
+TEST_F(Chart, TimeLinesCountFromTheRightEdge) {
+    texts().ShowTimeLines = true;
+    Draw();
+    const auto marked = [&](int x) {
+        int count = 0;
+        for (int y = RuleRow(true) + 1; y < RuleRow(false); ++y) count += At(x, y) != Rgb(15323561) ? 1 : 0;
+        return count > 10;
+    };
+    // x = 180 of 1 .. 240 stands in pixel column 179.
+    for (const int x : {179, 119, 59}) EXPECT_TRUE(marked(x)) << x;
+    for (const int x : {200, 150, 30}) EXPECT_FALSE(marked(x)) << x;
+}
+
+TEST_F(Chart, TextsAreWithinThePictureAndClearOfTheRules) {
+    Online(1234, 10);
+    texts().DisplayChoiceDL = 1;
+    texts().DisplayChoiceUL = 1;
+    Draw();
+    EXPECT_EQ(texts().RateDLText, "1.2");
+    int black = 0;
+    for (int y = RuleRow(false) + 1; y < height; ++y) {
+        for (int x = 0; x < width; ++x) black += qGray(At(x, y)) < 80 ? 1 : 0;
+    }
+    EXPECT_GT(black, 50) << "the volume row";
+}
+
+TEST_F(Chart, IsNotDrawnWhileNobodySeesIt) {
+    Draw();
+    painter.DrawChart(picture, texts(), false, true);
+    picture.SetBackColor(0x123456);
+    Online(9000, 10);
+    painter.DrawChart(picture, texts(), false, true);
+    EXPECT_EQ(At(100, 60), Rgb(0x123456)) << "not visible";
+    painter.DrawChart(picture, texts(), true, false);
+    EXPECT_EQ(At(100, 60), Rgb(0x123456)) << "the main window is hidden";
+    EXPECT_NE(texts().CaptionText.find("UL/DL"), std::string::npos) << "the texts are renewed all the same";
+}
+
+TEST_F(Chart, ShowsTheLastLineWhenItsOwnIsGone) {
+    Online(9000, 10);
+    texts().ChartLineNo = 3;
+    Draw();
+    EXPECT_EQ(texts().ChartLineNo, 1);
+}
+
+TEST_F(Chart, CarriesColoursOnFourDays) {
+    clock.SetWallClock(DateSerial(2010, 6, 13) + 0.5);
+    Draw();
+    const int top = RuleRow(true);
+    EXPECT_EQ(At(10, top + 3), Rgb(0x000000));
+    clock.SetWallClock(DateSerial(2010, 6, 14) + 0.5);
+    Draw();
+    EXPECT_EQ(At(10, top + 3), Rgb(15323561));
+}
+
+TEST_F(Chart, TheTinyPictureAsksForAHigherWindowAndStaysFinite) {
+    bool asked = false;
+    ChartPainter tiny({program->lines, program->rateHistory, program->liveTexts, program->language, program->errors,
+                       clock, program->locale, [&] { asked = true; }});
+    picture.resize(10, 3);
+    tiny.DrawChart(picture, texts(), true, true);
+    EXPECT_TRUE(asked);
+}
+
+} // namespace
+} // namespace korvalin

@@ -1,0 +1,247 @@
+#include "ProgramFixture.h"
+#include "display/frmMain.h"
+#include "forms/Colors.h"
+#include "forms/PictureBox.h"
+#include "forms/Twips.h"
+
+#include <QLabel>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace korvalin {
+namespace {
+
+class MainWindow : public ProgramFixture {
+  protected:
+    MainWindow() {
+        screen.Size = screen.Mode = ScreenSize{800, 800};
+        network.Add("eth0", 1000, 500);
+        program->settings.SetReg("Opacity", 255);
+    }
+
+    void Start() {
+        ASSERT_TRUE(program->Main());
+        window = std::make_unique<frmMain>(frmMain::Parts{program->settings, program->language, screen,
+                                                          program->samplingLoop, program->lines, program->rateHistory,
+                                                          program->infoTexts, program->liveTexts, program->errors, clock,
+                                                          program->locale});
+        window->Form_Load();
+    }
+    // Seconds pass, each with an update.
+    void Run(int seconds, std::uint64_t bytesPerSecond = 0) {
+        for (int i = 0; i < seconds; ++i) {
+            clock.Advance(1.001);
+            for (InterfaceRow& row : network.Rows) row.InOctets += bytesPerSecond;
+            program->samplingLoop.TimerMain_Timer();
+        }
+    }
+    QAction* Item(const char* name) {
+        auto* action = window->findChild<QAction*>(QString::fromLatin1(name));
+        if (action == nullptr) ADD_FAILURE() << "no menu item " << name;
+        return action;
+    }
+    // What the user can do: a hidden or disabled entry cannot be chosen.
+    void Choose(const char* name) {
+        QAction* action = Item(name);
+        ASSERT_TRUE(action->isVisible() && action->isEnabled()) << name;
+        action->trigger();
+    }
+    PictureBox* Picture() { return window->findChild<PictureBox*>(QStringLiteral("PicChart")); }
+    QLabel* Handle() { return window->findChild<QLabel*>(QStringLiteral("lblMove")); }
+    QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
+    int Setting(const char* name) { return program->settings.GetNumber(name); }
+
+    std::unique_ptr<frmMain> window;
+};
+
+TEST_F(MainWindow, StartsWithTheChartOfTheMachinesTraffic) {
+    Start();
+    EXPECT_TRUE(window->isVisible());
+    Run(30, 8000);
+    EXPECT_EQ(program->infoTexts.RateDLText, "8.0");
+    const QImage picture = Picture()->grab().toImage();
+    EXPECT_EQ(picture.pixelColor(picture.width() / 4, picture.height() / 2), ToColor(15323561));
+    bool curve = false;
+    for (int y = 0; y < picture.height(); ++y) {
+        curve = curve || picture.pixelColor(picture.width() - 15, y) == ToColor(255); // the five-second download
+    }
+    EXPECT_TRUE(curve);
+}
+
+TEST_F(MainWindow, TheMenuHoldsOnlyWhatWorksAndSpeaksBothLanguages) {
+    Start();
+    QStringList shown;
+    for (const QAction* action : Menu()->actions()) {
+        if (action->isVisible() && !action->isSeparator()) shown << action->text();
+    }
+    EXPECT_EQ(shown.join(QLatin1Char('|')).toStdString(), "Show title &bar|Title bar &only|Always on to&p|E&xit");
+    ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
+    window->ApplyTexts();
+    EXPECT_EQ(Item("mnuBeenden")->text(), QStringLiteral("&Beenden"));
+}
+
+TEST_F(MainWindow, TheCaptionIsSwitchedAndRemembered) {
+    Start();
+    EXPECT_FALSE(Item("mnuTitelAnzeigen")->isChecked());
+    EXPECT_TRUE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
+    EXPECT_EQ(window->windowTitle(), QString());
+    const QRect inner = window->geometry();
+    Choose("mnuTitelAnzeigen");
+    EXPECT_TRUE(program->settings.GetBool("ShowTitle"));
+    EXPECT_FALSE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
+    Run(1);
+    EXPECT_TRUE(window->windowTitle().startsWith(QLatin1String("Korvalin  UL/DL")));
+    Choose("mnuTitelAnzeigen");
+    EXPECT_FALSE(program->settings.GetBool("ShowTitle"));
+    EXPECT_EQ(window->geometry(), inner);
+}
+
+TEST_F(MainWindow, TitleOnlyHidesTheChartAndBringsItBack) {
+    Start();
+    const QSize size = window->size();
+    Choose("mnuNurTitel");
+    EXPECT_TRUE(program->settings.GetBool("NurTitel"));
+    EXPECT_TRUE(Item("mnuTitelAnzeigen")->isChecked()) << "a title is what is left";
+    EXPECT_FALSE(Picture()->isVisible());
+    EXPECT_LE(window->height(), 2);
+    const int stored = Setting("MON_Height");
+    Choose("mnuNurTitel");
+    EXPECT_TRUE(Picture()->isVisible());
+    EXPECT_EQ(window->width(), size.width());
+    EXPECT_NEAR(Setting("MON_Height"), stored, TwipsPerPixel);
+    EXPECT_GT(window->height(), 40);
+}
+
+TEST_F(MainWindow, AlwaysOnTopIsSwitchedAndRemembered) {
+    Start();
+    EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "by default";
+    Choose("mnuVordergrund");
+    EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_FALSE(program->settings.GetBool("ForeGround"));
+}
+
+TEST_F(MainWindow, StartsOutOfSightWhenItShallNotShowItself) {
+    program->settings.SetReg("AutoShow", false);
+    Start();
+    EXPECT_FALSE(window->WindowShown());
+    EXPECT_TRUE(window->isMinimized()) << "no tray would bring it back";
+    Run(3, 1000);
+    EXPECT_FALSE(window->WindowShown());
+    window->showNormal();
+    Run(1, 1000);
+    EXPECT_TRUE(window->WindowShown());
+}
+
+TEST_F(MainWindow, HidesWhenTheMachineGoesOfflineAndComesBack) {
+    Start();
+    Run(2);
+    const InterfaceRow row = network.Rows[0];
+    network.Rows.clear();
+    Run(1);
+    EXPECT_TRUE(window->isMinimized());
+    network.Rows = {row};
+    Run(2);
+    EXPECT_TRUE(window->isVisible() && !window->isMinimized());
+}
+
+TEST_F(MainWindow, FadesInToItsOpacity) {
+    program->settings.SetReg("Opacity", 102);
+    Start();
+    EXPECT_LT(window->windowOpacity(), 0.2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(window->windowOpacity() - 0.4) < 0.005; }));
+}
+
+TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
+    network.Add("wlan & co", 70000, 500);
+    Start();
+    Run(2);
+    ASSERT_NE(Item("mnuLines2"), nullptr);
+    EXPECT_TRUE(Item("mnuLines0")->isVisible());
+    EXPECT_TRUE(Item("mnuLines1")->isChecked());
+    EXPECT_EQ(Item("mnuLines2")->text(), QStringLiteral("wlan && co"));
+    Choose("mnuLines2");
+    EXPECT_TRUE(Item("mnuLines2")->isChecked());
+    EXPECT_FALSE(Item("mnuLines1")->isChecked());
+    EXPECT_EQ(Setting("ChartLineNo"), 2);
+    EXPECT_EQ(program->infoTexts.LineIndex, 2U);
+    network.Rows.pop_back();
+    Run(1);
+    EXPECT_FALSE(Item("mnuLines0")->isVisible());
+    EXPECT_EQ(window->findChild<QAction*>(QStringLiteral("mnuLines1")), nullptr);
+}
+
+TEST_F(MainWindow, TheMouseMovesItByItsHandleAndThePlaceIsKept) {
+    Start();
+    Run(1);
+    const QPoint before = window->pos();
+    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
+    QMouseEvent move(QEvent::MouseMove, QPointF(30, 25), Handle()->mapToGlobal(QPointF(30, 25)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QApplication::sendEvent(Handle(), &move);
+    QTest::mouseRelease(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
+    EXPECT_EQ(window->pos() - before, QPoint(-20, -15));
+    Run(1);
+    EXPECT_EQ(Setting("MON_Left_800"), PixelsToTwips(window->geometry().left()));
+    EXPECT_EQ(Setting("MON_Top_800"), PixelsToTwips(window->geometry().top()));
+}
+
+TEST_F(MainWindow, TheRightButtonOpensTheMenu) {
+    Start();
+    QTest::mousePress(Handle(), Qt::RightButton);
+    EXPECT_TRUE(Menu()->isVisible());
+    Menu()->close();
+}
+
+TEST_F(MainWindow, ADoubleClickPutsItAway) {
+    Start();
+    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(60, 40));
+    QTest::mouseRelease(Handle(), Qt::LeftButton, {}, QPoint(60, 40));
+    QTest::mouseDClick(Handle(), Qt::LeftButton, {}, QPoint(60, 40));
+    EXPECT_FALSE(window->WindowShown());
+}
+
+TEST_F(MainWindow, ItsSizeIsKeptAndNeverTooSmall) {
+    Start();
+    Run(1);
+    window->resize(250, 120);
+    EXPECT_EQ(Setting("MON_Width"), PixelsToTwips(250));
+    EXPECT_EQ(Picture()->geometry(), QRect(1, 1, 248, 118));
+    window->resize(1, 1);
+    EXPECT_EQ(window->width(), TwipsToPixels(SmallestWidthTwips));
+    EXPECT_EQ(window->height(), TwipsToPixels(SmallestHeightTwips));
+}
+
+TEST_F(MainWindow, OnAScreenThatIsGoneItComesBackIntoSight) {
+    program->settings.SetReg("MultiScreen", true);
+    program->settings.SetReg("MON_Left_800", 60000);
+    program->settings.SetReg("MON_Top_800", 3000);
+    Start();
+    EXPECT_TRUE(window->screen()->geometry().contains(window->geometry()));
+}
+
+TEST_F(MainWindow, ClosesForGoodFromTheMenuAndStaysInTheTrayWhenThereIsOne) {
+    Start();
+    bool tray = true;
+    int closings = 0;
+    window->Plug({[&] { return tray; }, [&] { ++closings; }});
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(window->WindowShown());
+    EXPECT_EQ(closings, 0) << "close box with CloseTrayOnly";
+    window->ShowMainWindow(true);
+    Choose("mnuBeenden");
+    EXPECT_EQ(closings, 1);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MainWindow, WithoutATrayItsCloseBoxEndsTheProgram) {
+    Start();
+    int closings = 0;
+    window->Plug({[] { return false; }, [&] { ++closings; }});
+    window->close();
+    EXPECT_EQ(closings, 1);
+}
+
+} // namespace
+} // namespace korvalin
