@@ -152,7 +152,7 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     print(texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1)), texts.VolumeDLText);
     print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
 
-    const std::string label = LineLabel(parts_.Lines, texts, Text(10));
+    const std::string label = LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, false, true));
     picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
     print(black, label);
 }

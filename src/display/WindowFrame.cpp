@@ -9,6 +9,7 @@ namespace korvalin {
 namespace {
 constexpr int checkMilliseconds = 30;
 constexpr int checksAfterAChange = 30; // a window manager that has not drawn a frame within a second draws none
+constexpr int checksUntilSettled = 3;
 } // namespace
 
 WindowFrame::WindowFrame(QWidget& window) : window_(window) {
@@ -30,7 +31,13 @@ TwipsRect WindowFrame::Place() const {
             PixelsToTwips(inner.height() + top)};
 }
 
+void WindowFrame::SetInnerHeight(int pixels) {
+    window_.resize(window_.width(), pixels);
+    if (innerToKeep_) innerToKeep_->setHeight(window_.height());
+}
+
 void WindowFrame::MoveTo(const TwipsRect& place) {
+    innerToKeep_.reset();
     const int top = TopMargin();
     window_.setGeometry(TwipsToPixels(place.Left), TwipsToPixels(place.Top) + top, TwipsToPixels(place.Width),
                         TwipsToPixels(place.Height) - top);
@@ -39,7 +46,7 @@ void WindowFrame::MoveTo(const TwipsRect& place) {
 void WindowFrame::ShowCaption(bool show) {
     if (show == captionShown_) return;
     if (captionPixels_ == 0) captionPixels_ = TopMargin();
-    innerToKeep_ = window_.geometry();
+    if (window_.isVisible()) innerToKeep_ = window_.geometry();
     captionShown_ = show;
     SetFlag(Qt::FramelessWindowHint, !show);
     AwaitFrame();
@@ -60,21 +67,23 @@ void WindowFrame::Raise() {
 
 void WindowFrame::AwaitFrame() {
     checksLeft_ = checksAfterAChange;
+    checksInPlace_ = 0;
     settle_.start();
 }
 
 void WindowFrame::CheckFrame() {
-    const bool drawn = !captionShown_ || TopMargin() > 0;
-    if (--checksLeft_ > 0 && (!drawn || innerToKeep_)) {
-        // Keep the inner area where it was for as long as the window manager may still move it.
-        if (innerToKeep_ && window_.geometry() != *innerToKeep_) window_.setGeometry(*innerToKeep_);
-        if (!innerToKeep_ || checksLeft_ > checksAfterAChange / 2) return;
-    }
+    const bool asWanted = captionShown_ ? TopMargin() > 0 : window_.geometry() == window_.frameGeometry();
+    const bool inPlace = !innerToKeep_ || window_.geometry() == *innerToKeep_;
+    // Drawing or removing a frame moves the window, a little later than the frame is reported.
+    if (asWanted && !inPlace) window_.setGeometry(*innerToKeep_);
+    checksInPlace_ = asWanted && inPlace ? checksInPlace_ + 1 : 0;
+    if (checksInPlace_ < checksUntilSettled && --checksLeft_ > 0) return;
+
     settle_.stop();
     const bool switched = innerToKeep_.has_value();
     innerToKeep_.reset();
     if (captionShown_) captionPixels_ = std::max(captionPixels_, TopMargin());
-    if (!switched && drawn && captionShown_) frameKnown_();
+    if (!switched && captionShown_ && asWanted) frameKnown_();
 }
 
 } // namespace korvalin

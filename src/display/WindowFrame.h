@@ -28,6 +28,9 @@ class WindowFrame {
     TwipsRect Place() const;
     void MoveTo(const TwipsRect& place);
 
+    /// Sets the height of the inner area, also while the caption is being switched.
+    void SetInnerHeight(int pixels);
+
     bool CaptionShown() const { return captionShown_; }
     /// Switches the caption on or off; the inner area stays where it is.
     void ShowCaption(bool show);
@@ -54,6 +57,7 @@ class WindowFrame {
     std::optional<QRect> innerToKeep_;
     QTimer settle_;
     int checksLeft_ = 0;
+    int checksInPlace_ = 0;
     std::function<void()> frameKnown_ = [] {};
 };
 

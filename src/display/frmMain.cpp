@@ -34,7 +34,7 @@ std::unique_ptr<Ui::frmMain> SetUp(frmMain& window) {
 frmMain::frmMain(const Parts& parts)
     : parts_(parts), ui_(SetUp(*this)), geometry_(parts.Setting, parts.Display), frame_(*this),
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time, parts.UserLocale,
-                [this] { resize(width(), TwipsToPixels(heightForTextsTwips)); }}),
+                [this] { frame_.SetInnerHeight(TwipsToPixels(heightForTextsTwips)); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0,
                  [this](std::size_t line) { mnuLines_Click(line); }) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
@@ -139,7 +139,7 @@ void frmMain::RestoreGeometry() {
         place.Top = PixelsToTwips(primary.bottom() - pixels.height());
     }
     frame_.MoveTo(place);
-    if (titleOnly_) resize(width(), 1);
+    if (titleOnly_) frame_.SetInnerHeight(1);
 }
 
 void frmMain::SaveGeometry() {
@@ -173,7 +173,7 @@ void frmMain::SetTitleOnly() {
     if (titleOnly_) {
         SetSmallestSize();
         if (!ui_->mnuTitelAnzeigen->isChecked()) ui_->mnuTitelAnzeigen->trigger();
-        resize(width(), 1);
+        frame_.SetInnerHeight(1);
     } else {
         RestoreGeometry(); // first: the smallest size alone would be taken for the user's
         SetSmallestSize();

@@ -35,6 +35,14 @@ QIcon ProgramIcon() {
     return icon;
 }
 
+QString ButtonCaption(Language& language, MessageAnswer answer) {
+    switch (answer) {
+    case MessageAnswer::Yes: return QString::fromStdString(language.Lng("frmMessageObj", 3));
+    case MessageAnswer::No: return QString::fromStdString(language.Lng("frmMessageObj", 4));
+    default: return QString::fromStdString(language.Lng("frmMessageObj", 2));
+    }
+}
+
 void ApplyTextsToAllForms(Language& language) {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window->objectName().startsWith(QLatin1String("frm"))) ApplyFormTexts(*window, language);
@@ -57,6 +65,7 @@ int RunDesktop(int argc, char** argv) {
     LinuxSystem system;
     Program program(system.PortsWith(events, messageBoxes, screen), ReadQtLocale(QLocale::system()));
     system.TellNotes(program.errors);
+    messageBoxes.Plug([&](MessageAnswer answer) { return ButtonCaption(program.language, answer); });
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToAllForms(program.language); });
         dialog.exec();

@@ -1,0 +1,82 @@
+#!/usr/bin/env python3
+"""Every text number that the sources use exists in every language, and no two texts of a section share an access key."""
+
+import pathlib
+import re
+import sys
+
+root = pathlib.Path(__file__).resolve().parents[2]
+faults = []
+
+
+def read_texts():
+    """{language: {(section, number): (text, tooltip)}}"""
+    texts, languages = {}, set()
+    raw = (root / "resources/lang/Korvalin.lng").read_bytes().decode("utf-8")
+    if "\n" in raw.replace("\r\n", ""):
+        faults.append("a line does not end with CR LF")
+    for line in raw.split("\r\n")[1:]:
+        if not line:
+            continue
+        fields = line.split("\t")
+        if not 4 <= len(fields) <= 5:
+            faults.append(f"{len(fields)} fields: {line}")
+            continue
+        language, section, number = fields[:3]
+        key = (language, section, number)
+        if key in texts:
+            faults.append(f"double entry {key}")
+        texts[key] = [field.removeprefix('"').removesuffix('"') for field in fields[3:]]
+        if language != "LNG":
+            languages.add(language)
+    return texts, sorted(languages)
+
+
+def uses():
+    """Every (section, number) in the sources, with the file that uses it."""
+    helper_sections = {"Errors.cpp": "modGlobal", "ConnectionState.cpp": "modConnInfo"}
+    for path in sorted((root / "src").rglob("*")):
+        if path.suffix not in (".cpp", ".h", ".ui"):
+            continue
+        source = path.read_text()
+        if path.suffix == ".ui":
+            window = re.search(r"<class>(\w+)</class>", source)[1]
+            for number in re.findall(r"#LngNo:(\d+)", source):
+                yield f"{window}Obj", number, path
+            continue
+        for section, number in re.findall(r'Lng\("(\w+)",\s*(\d+)', source):
+            yield section, number, path
+        for number in re.findall(r"\b[Tt]ext\((\d+)\)", source):
+            yield helper_sections.get(path.name, "modAllgemein"), number, path
+        for pieces in re.findall(r"ShowPieces\([^{;]*\{([^}]*)\}", source):
+            for number in re.findall(r"(?<![\w.])\d+(?![\w.])", pieces):
+                yield "modAllgemein", number, path
+        for number in re.findall(r"\{Internet\w+, (\d+),", source):
+            yield "modConnInfo", number, path
+
+
+texts, languages = read_texts()
+found = list(uses())
+if len(found) < 60 or len(languages) < 2:
+    faults.append(f"only {len(found)} uses in {languages}: this check no longer sees the sources")
+for section, number, path in found:
+    for language in languages:
+        if (language, section, number) not in texts:
+            faults.append(f"{path.relative_to(root)} uses {section} {number}, missing in {language}")
+
+every = {key[1:] for key in texts if key[0] != "LNG"}
+access_keys = {}
+for language in languages:
+    for section, number in sorted(every):
+        if (language, section, number) not in texts:
+            faults.append(f"{section} {number} is missing in {language}")
+            continue
+        text = texts[language, section, number][0]
+        if "&" in text:
+            place = (language, section, text[text.index("&") + 1].lower())
+            if place in access_keys:
+                faults.append(f"access key twice in {language} {section}: {text} and {access_keys[place]}")
+            access_keys[place] = text
+
+print("\n".join(faults) or f"{len(found)} uses, {len(every)} texts in {', '.join(languages)}")
+sys.exit(1 if faults else 0)

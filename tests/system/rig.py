@@ -1,0 +1,159 @@
+"""What the system tests share: folders of their own, network namespaces, a display."""
+
+import contextlib
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+BIN = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else None
+SKIPPED = 77
+
+
+def wait_for(condition, what, seconds=20):
+    """Polls until the condition holds; its value."""
+    deadline = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"waited in vain for: {what}")
+        time.sleep(0.02)
+
+
+class Home:
+    """A user's folders for one test."""
+
+    def __init__(self):
+        self.folder = tempfile.TemporaryDirectory(prefix="korvalin-")
+        self.path = pathlib.Path(self.folder.name)
+        self.env = dict(os.environ, HOME=str(self.path), XDG_CONFIG_HOME=str(self.path / "config"),
+                        XDG_DATA_HOME=str(self.path / "data"), XDG_RUNTIME_DIR=str(self.path), LANG="C.UTF-8")
+        for name in ("LC_ALL", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "http_proxy", "https_proxy"):
+            self.env.pop(name, None)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.folder.cleanup()
+
+    @property
+    def store(self):
+        return self.path / "config/korvalin/registry.db"
+
+    @property
+    def log(self):
+        path = self.path / "data/Korvalin/Korvalin_ErrorLog.txt"
+        return path.read_text() if path.exists() else ""
+
+    def cli(self, *arguments, check=True):
+        return subprocess.run([BIN / "korvalin-cli", *arguments], env=self.env, check=check, text=True,
+                              capture_output=True, timeout=30).stdout.strip()
+
+    def set(self, **settings):
+        for name, value in settings.items():
+            self.cli("settings", "set", name, str(value))
+
+
+class Network:
+    """Two network namespaces joined by a veth pair: "here" with a default route through "there". Nothing but the test's
+    own packets travels between them."""
+
+    def __init__(self):
+        if os.geteuid() != 0 or not shutil.which("ip"):
+            raise unittest.SkipTest("network namespaces need root and iproute2")
+        self.here, self.there = f"kv-here-{os.getpid()}", f"kv-there-{os.getpid()}"
+
+    def __enter__(self):
+        try:
+            for name in (self.here, self.there):
+                self.run("ip", "netns", "add", name)
+        except subprocess.CalledProcessError as error:
+            self.__exit__()
+            raise unittest.SkipTest(f"no network namespaces here: {error.stderr.strip()}")
+        for name in (self.here, self.there):
+            self.inside(name, "sysctl", "-qw", "net.ipv6.conf.all.disable_ipv6=1",
+                        "net.ipv6.conf.default.disable_ipv6=1")
+        self.run("ip", "link", "add", "wire0", "netns", self.here, "type", "veth", "peer", "name", "wire1", "netns",
+                 self.there)
+        for name, link, address in ((self.here, "wire0", "10.77.0.1/24"), (self.there, "wire1", "10.77.0.2/24")):
+            self.inside(name, "ip", "address", "add", address, "dev", link)
+            self.inside(name, "ip", "link", "set", link, "up")
+        for name, link, other, address in ((self.here, "wire0", (self.there, "wire1"), "10.77.0.2"),
+                                           (self.there, "wire1", (self.here, "wire0"), "10.77.0.1")):
+            shown = json.loads(self.inside(other[0], "ip", "-json", "link", "show", other[1]).stdout)
+            # A fixed neighbour: no ARP that would count as traffic.
+            self.inside(name, "ip", "neighbour", "replace", address, "lladdr", shown[0]["address"], "dev", link, "nud",
+                        "permanent")
+        self.inside(self.here, "ip", "route", "add", "default", "via", "10.77.0.2")
+        return self
+
+    def __exit__(self, *_):
+        for name in (self.here, self.there):
+            subprocess.run(["ip", "netns", "delete", name], stderr=subprocess.DEVNULL, check=False)
+
+    @staticmethod
+    def run(*command):
+        return subprocess.run(command, check=True, capture_output=True, text=True)
+
+    def inside(self, name, *command):
+        return self.run("ip", "netns", "exec", name, *command)
+
+    def start(self, name, command, **options):
+        return subprocess.Popen(["ip", "netns", "exec", name, *command], **options)
+
+    def counter(self, name, link, which):
+        return int(self.inside(name, "cat", f"/sys/class/net/{link}/statistics/{which}").stdout)
+
+
+class Display:
+    """An Xvfb with a window manager that is ready for windows."""
+
+    def __enter__(self):
+        for tool in ("Xvfb", "openbox", "xdotool", "xprop"):
+            if not shutil.which(tool):
+                raise unittest.SkipTest(f"{tool} is not installed")
+        self.stack = contextlib.ExitStack()
+        read, write = os.pipe()
+        server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
+                                  pass_fds=[write], stderr=subprocess.DEVNULL)
+        self.stack.callback(server.wait)
+        self.stack.callback(server.kill)
+        os.close(write)
+        with open(read) as announced:
+            self.name = ":" + announced.readline().strip()
+        manager = subprocess.Popen(["openbox"], env=dict(os.environ, DISPLAY=self.name), stderr=subprocess.DEVNULL)
+        self.stack.callback(manager.wait)
+        self.stack.callback(manager.kill)
+        wait_for(lambda: "window id" in self.tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        return self
+
+    def __exit__(self, *_):
+        self.stack.close()
+
+    def tool(self, *command):
+        return subprocess.run(command, env=dict(os.environ, DISPLAY=self.name), text=True, capture_output=True,
+                              check=False).stdout
+
+    def window(self, title):
+        """The identifier of the visible window of that title, or nothing."""
+        return self.tool("xdotool", "search", "--onlyvisible", "--name", title).strip().split("\n")[0]
+
+    def geometry(self, window):
+        lines = self.tool("xdotool", "getwindowgeometry", "--shell", window).split()
+        return {key: int(value) for key, value in (line.split("=") for line in lines)}
+
+
+def main():
+    """Runs the tests of the calling script; SKIPPED when none could run."""
+    result = unittest.main(argv=sys.argv[:1], verbosity=2, exit=False).result
+    if not result.wasSuccessful():
+        sys.exit(1)
+    sys.exit(SKIPPED if len(result.skipped) == result.testsRun else 0)
