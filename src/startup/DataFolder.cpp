@@ -186,7 +186,7 @@ void DataFolder::DeleteStatistics() {
     const int days = settings_.GetNumber("DeleteStatistics");
     if (days <= 0) return;
     const Date oldest = DayOf(clock_.Now()) - days;
-    const std::string prefix = std::string(StatFileName) + "_";
+    const std::string prefix = fmt::format("{}_", StatFileName);
     std::error_code ignored;
     for (fs::directory_iterator entry(GetDataPath(), ignored), end; entry != end; entry.increment(ignored)) {
         const bool isBackup = entry->path().filename().string().starts_with(prefix);

@@ -1,0 +1,151 @@
+// What runs every second, and what others do for the same.
+#include "base/Locale.h"
+#include "display/RateHistory.h"
+#include "errors/Errors.h"
+#include "platform/Internet.h"
+#include "platform/linux/LinuxSystem.h"
+#include "platform/linux/NetlinkNetworkTables.h"
+#include "platform/linux/PasswdUser.h"
+#include "platform/linux/SystemClock.h"
+#include "settings/Settings.h"
+#include "startup/Program.h"
+
+#include "cli/ConsoleMessageBoxes.h"
+#include "cli/NoScreen.h"
+#include "cli/PlainEvents.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <benchmark/benchmark.h>
+
+namespace korvalin {
+namespace {
+
+// A program on this machine's back ends, its settings in a folder of its own.
+class Bench {
+  public:
+    Bench() : folder_(std::filesystem::temp_directory_path() / "korvalin-bench") {
+        std::filesystem::remove_all(folder_);
+        setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
+        setenv("XDG_DATA_HOME", folder_.c_str(), 1);
+        system_ = std::make_unique<LinuxSystem>();
+        program = std::make_unique<Program>(system_->PortsWith(events_, boxes_, screen_), Locale());
+    }
+    ~Bench() {
+        program.reset();
+        system_.reset();
+        std::filesystem::remove_all(folder_);
+    }
+    Bench(const Bench&) = delete;
+    Bench& operator=(const Bench&) = delete;
+
+    std::unique_ptr<Program> program;
+
+  private:
+    std::filesystem::path folder_;
+    PlainEvents events_;
+    ConsoleMessageBoxes boxes_;
+    NoScreen screen_;
+    std::unique_ptr<LinuxSystem> system_;
+};
+
+// Adapters that count on, without the kernel.
+class ManyAdapters : public NetworkTables {
+  public:
+    explicit ManyAdapters(std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+            rows_.push_back({static_cast<std::uint32_t>(i + 1), IfTypeEthernet, OperationalStatus::Operational, 1000, 1000,
+                             true, "veth" + std::to_string(i)});
+        }
+    }
+    int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {
+        for (InterfaceRow& row : rows_) row.InOctets += 1234;
+        rows = rows_;
+        return 0;
+    }
+    int GetTcpStatistics(TcpStatistics&) override { return 0; }
+
+  private:
+    std::vector<InterfaceRow> rows_;
+};
+
+class Online : public Internet {
+  public:
+    ConnectedState GetConnectedState() override { return {true, InternetConnectionLan}; }
+};
+
+void GetReg(benchmark::State& state) {
+    const Bench bench;
+    bench.program->settings.SetReg("ChartMax", 50);
+    for (auto _ : state) benchmark::DoNotOptimize(bench.program->settings.GetNumber("ChartMax"));
+}
+BENCHMARK(GetReg);
+
+// Peer: a small text file of settings, read anew for one value.
+void GetRegPeer(benchmark::State& state) {
+    const auto path = std::filesystem::temp_directory_path() / "korvalin-bench.ini";
+    std::ofstream file(path);
+    for (int i = 0; i < 80; ++i) file << "Setting" << i << "=50\n";
+    file << "ChartMax=50\n";
+    file.close();
+    for (auto _ : state) {
+        std::ifstream lines(path);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("ChartMax=")) benchmark::DoNotOptimize(std::stoi(line.substr(9)));
+        }
+    }
+    std::filesystem::remove(path);
+}
+BENCHMARK(GetRegPeer);
+
+// The core's part of a tick: readers, table, history, rates.
+void TickWithAdapters(benchmark::State& state) {
+    Bench bench;
+    Program& program = *bench.program;
+    ManyAdapters adapters(static_cast<std::size_t>(state.range(0)));
+    Online internet;
+    SystemClock clock;
+    PasswdUser user;
+    NoScreen screen;
+    LanReader reader(adapters, program.lines, program.lineBook, program.trafficOptions, program.errors,
+                     clock);
+    LineMonitor monitor(program.lines, program.lineBook, program.rasReader, reader, program.trafficOptions, internet,
+                        user, program.errors);
+    SamplingLoop loop(clock, screen, program.settings, program.lines, monitor,
+                      program.rateHistory, program.infoTexts, program.errors);
+    program.lineBook.Plug({[](const std::string& name) { return name; }, [](int, std::size_t) {},
+                           [&] { loop.ResizeRateHistory(); }});
+    program.LoadRecords();
+    for (int i = 0; i < 70; ++i) loop.Get_TransferedData();
+    for (auto _ : state) loop.Get_TransferedData();
+}
+BENCHMARK(TickWithAdapters)->Arg(1)->Arg(1000);
+
+// The kernel's link table of this machine, in one dump.
+void LinkTable(benchmark::State& state) {
+    NetlinkNetworkTables tables;
+    std::vector<InterfaceRow> rows;
+    for (auto _ : state) benchmark::DoNotOptimize(tables.GetIfTable(rows, true));
+}
+BENCHMARK(LinkTable);
+
+// Peer: the text table that most monitors read.
+void LinkTablePeer(benchmark::State& state) {
+    for (auto _ : state) {
+        std::ifstream lines("/proc/net/dev");
+        std::uint64_t sum = 0;
+        for (std::string line; std::getline(lines, line);) {
+            const auto colon = line.find(':');
+            if (colon != std::string::npos) sum += std::strtoull(line.c_str() + colon + 1, nullptr, 10);
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+}
+BENCHMARK(LinkTablePeer);
+
+} // namespace
+} // namespace korvalin
+
+BENCHMARK_MAIN();
