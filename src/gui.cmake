@@ -2,14 +2,17 @@
 find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets)
 
 add_library(korvalin_gui STATIC
+  ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
   display/ChartPainter.cpp
   display/LinesMenu.cpp
   display/WindowFrame.cpp
   display/frmMain.cpp
   display/frmMain.ui
   forms/Colors.cpp
+  forms/CurveSpans.cpp
   forms/Loaded.cpp
   forms/PictureBox.cpp
+  forms/ProgramIcon.cpp
   lang/ApplyFormTexts.cpp
   lang/frmLanguage.cpp
   lang/frmLanguage.ui
@@ -17,16 +20,17 @@ add_library(korvalin_gui STATIC
   platform/qt/QtLocale.cpp
   platform/qt/QtMessageBoxes.cpp
   platform/qt/QtScreen.cpp
+  platform/qt/WaitingMessage.cpp
   startup/Desktop.cpp)
-set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTOUIC ON)
+set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTORCC ON AUTOUIC ON)
 target_compile_definitions(korvalin_gui PUBLIC QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
                                                QT_NO_URL_CAST_FROM_STRING QT_STRICT_ITERATORS)
-target_precompile_headers(korvalin_gui PRIVATE <QtWidgets>)
+target_precompile_headers(korvalin_gui PRIVATE <QtWidgets> ${PROJECT_SOURCE_DIR}/src/base/Precompiled.h)
 target_link_libraries(korvalin_gui PUBLIC korvalin_core korvalin_linux Qt6::Widgets)
 
 # The file name is the same on every system: an update replaces "Korvalin.exe". `korvalin` is what users type.
-add_executable(korvalin_program startup/main.cpp ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc)
-set_target_properties(korvalin_program PROPERTIES OUTPUT_NAME Korvalin SUFFIX .exe AUTORCC ON)
+add_executable(korvalin_program startup/main.cpp)
+set_target_properties(korvalin_program PROPERTIES OUTPUT_NAME Korvalin SUFFIX .exe)
 target_link_libraries(korvalin_program PRIVATE korvalin_gui)
 add_custom_command(TARGET korvalin_program POST_BUILD
   COMMAND ${CMAKE_COMMAND} -E create_symlink Korvalin.exe ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/korvalin

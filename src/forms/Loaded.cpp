@@ -1,35 +1,34 @@
 #include "forms/Loaded.h"
 
 #include <QApplication>
-#include <QWidget>
 
 #include <algorithm>
 
 namespace korvalin {
-namespace {
 
-// Windows are what the program named; menus and tooltips are top levels of the toolkit.
-bool IsForm(const QWidget* widget) { return widget->objectName().startsWith(QLatin1String("frm")); }
-
-} // namespace
+QList<QPointer<QWidget>> LoadedForms() {
+    QList<QPointer<QWidget>> forms;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (window->objectName().startsWith(QLatin1String("frm"), Qt::CaseInsensitive)) forms.append(window);
+    }
+    return forms;
+}
 
 bool IsFormLoaded(std::string_view name) {
     const QString wanted = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    return std::any_of(windows.begin(), windows.end(), [&](const QWidget* window) {
-        return window->objectName().compare(wanted, Qt::CaseInsensitive) == 0;
+    const auto forms = LoadedForms();
+    return std::any_of(forms.begin(), forms.end(), [&](const QPointer<QWidget>& form) {
+        return form->objectName().compare(wanted, Qt::CaseInsensitive) == 0;
     });
 }
 
 void UnloadOtherForms(const QWidget& form) {
-    for (;;) {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        const auto other = std::find_if(windows.begin(), windows.end(), [&](const QWidget* window) {
-            return window != &form && IsForm(window) && window->isVisible();
-        });
-        if (other == windows.end()) return;
-        if (!(*other)->close()) (*other)->hide(); // one that will not close does not hold up the end
-        QCoreApplication::processEvents();
+    const auto forms = LoadedForms();
+    for (const QPointer<QWidget>& other : forms) {
+        // Closing one may take others along.
+        if (!other || other == &form || !other->isVisible()) continue;
+        if (!other->close() && other) other->hide();
     }
 }
 

@@ -1,6 +1,7 @@
 #include "forms/PictureBox.h"
 
 #include "forms/Colors.h"
+#include "forms/CurveSpans.h"
 #include "forms/Twips.h"
 
 #include <QPaintEvent>
@@ -9,113 +10,226 @@
 #include <cmath>
 
 namespace korvalin {
+namespace {
+
+// Farther out nothing can be seen, and whole numbers still hold it.
+constexpr double farthest = 100000;
+
+// Also makes a number of what is none (a scale of zero width, for instance).
+double Bounded(double pixels) {
+    return std::fmin(std::fmax(pixels, -farthest), farthest);
+}
+
+QString ToText(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
 
 PictureBox::PictureBox(QWidget* parent) : QWidget(parent), metrics_(font_) {
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setAttribute(Qt::WA_NoSystemBackground);
+    EnsureImage();
 }
 
-void PictureBox::SetFont(const std::string& name, int points, bool bold) {
-    QFont font(QString::fromStdString(name), points);
-    font.setBold(bold);
-    if (font == font_) return;
-    font_ = font;
-    metrics_ = QFontMetricsF(font_, this);
-    if (painter_) painter_->setFont(font_);
+PictureBox::~PictureBox() {
+    EndPainting(); // the painter must go before its image
 }
 
-// The image follows the widget's size and the screen's pixel ratio, which changes when a window moves to another screen.
+// ---- the image
+
+// The image follows the widget's size and its screen's resolution, which changes when a window moves to
+// another screen.
 void PictureBox::EnsureImage() {
     const double ratio = devicePixelRatioF();
-    const QSize pixels(std::max(1, static_cast<int>(std::lround(width() * ratio))),
-                       std::max(1, static_cast<int>(std::lround(height() * ratio))));
-    if (image_.size() == pixels && image_.devicePixelRatio() == ratio) return;
-    painter_.reset();
-    image_ = QImage(pixels, QImage::Format_RGB32);
+    const auto pixels = [ratio](int length) {
+        return std::max(1, static_cast<int>(std::lround(length * ratio)));
+    };
+    const QSize size(pixels(width()), pixels(height()));
+    if (image_.size() == size && image_.devicePixelRatio() == ratio) return;
+    EndPainting();
+    image_ = QImage(size, QImage::Format_RGB32);
     image_.setDevicePixelRatio(ratio);
     image_.fill(ToColor(backColor_));
+    metrics_ = QFontMetricsF(font_, &image_);
 }
 
+// Shapes are drawn in device pixels, so that a thin line covers whole ones at every resolution.
 QPainter& PictureBox::Painter() {
     EnsureImage();
     if (!painter_) {
         painter_.emplace(&image_);
         painter_->setFont(font_);
+        painter_->scale(1 / image_.devicePixelRatio(), 1 / image_.devicePixelRatio());
     }
     return *painter_;
 }
 
+void PictureBox::EndPainting() {
+    painter_.reset();
+}
+
+void PictureBox::Cls() {
+    EnsureImage();
+    EndPainting();
+    image_.fill(ToColor(backColor_));
+    currentX_ = currentY_ = 0;
+}
+
 void PictureBox::SetBackColor(std::int32_t color) {
     backColor_ = color;
-    Painter().fillRect(rect(), ToColor(color));
-}
-
-QPointF PictureBox::ToPixels(double x, double y) const {
-    return {(x - scaleLeft_) / scaleWidth_ * width(), (y - scaleTop_) / scaleHeight_ * height()};
-}
-
-double PictureBox::ScaleX(double pixels) const { return pixels * scaleWidth_ / std::max(width(), 1); }
-double PictureBox::ScaleY(double pixels) const { return pixels * scaleHeight_ / std::max(height(), 1); }
-double PictureBox::TextWidth(const std::string& text) const {
-    return ScaleX(metrics_.horizontalAdvance(QString::fromStdString(text)));
-}
-double PictureBox::TextHeight() const { return ScaleY(metrics_.height()); }
-double PictureBox::HeightTwips() const { return PixelsToTwips(height()); }
-double PictureBox::TextHeightTwips() const { return metrics_.height() * TwipsPerPixel; }
-
-QPen PictureBox::Pen(std::int32_t color) const {
-    // Cosmetic: a line is as many pixels wide as it says, on any screen.
-    QPen pen(ToColor(color), drawWidth_, drawStyle_ == DrawStyle::Dotted ? Qt::DotLine : Qt::SolidLine, Qt::FlatCap);
-    pen.setCosmetic(true);
-    return pen;
-}
-
-void PictureBox::Line(double x1, double y1, double x2, double y2, std::int32_t color) {
-    QPainter& painter = Painter();
-    painter.setPen(Pen(color));
-    // From pixel centre to pixel centre: a rule is one crisp line, not two pale ones.
-    const auto onPixel = [](QPointF point) { return QPointF(std::floor(point.x()) + 0.5, std::floor(point.y()) + 0.5); };
-    painter.drawLine(onPixel(ToPixels(x1, y1)), onPixel(ToPixels(x2, y2)));
-}
-
-void PictureBox::Box(double x1, double y1, double x2, double y2, std::int32_t color) {
-    const QRectF box = QRectF(ToPixels(x1, y1), ToPixels(x2, y2)).normalized();
-    Painter().fillRect(box, ToColor(color));
-}
-
-void PictureBox::DrawPixels(std::int32_t color) {
-    if (pixels_.size() < 2) return;
-    QPainter& painter = Painter();
-    painter.setPen(Pen(color));
-    painter.drawPolyline(pixels_.data(), static_cast<int>(pixels_.size()));
-}
-
-void PictureBox::Print(const std::string& text) {
-    QPainter& painter = Painter();
-    painter.setPen(ToColor(foreColor_));
-    const QString shown = QString::fromStdString(text);
-    const QPointF corner = ToPixels(currentX_, currentY_);
-    painter.drawText(QPointF(corner.x(), std::round(corner.y() + metrics_.ascent())), shown);
-    currentX_ += ScaleX(metrics_.horizontalAdvance(shown));
+    Painter().fillRect(image_.rect(), ToColor(color));
 }
 
 void PictureBox::Refresh() {
-    painter_.reset();
+    EndPainting();
     update();
 }
 
+QImage PictureBox::Picture() const {
+    return image_.copy(); // the open painter goes on drawing into the original
+}
+
 void PictureBox::paintEvent(QPaintEvent* event) {
-    painter_.reset();
     EnsureImage();
+    EndPainting();
     QPainter painter(this);
-    const double ratio = image_.devicePixelRatio();
-    const QRectF part(event->rect());
-    painter.drawImage(part, image_, QRectF(part.topLeft() * ratio, part.size() * ratio));
+    painter.setClipRect(event->rect());
+    painter.drawImage(QPointF(0, 0), image_);
 }
 
 void PictureBox::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     EnsureImage();
+}
+
+// ---- the scale
+
+QPointF PictureBox::Scale::ToPixels(double x, double y) const {
+    return {Bounded((x - Left) * FactorX), Bounded((y - Top) * FactorY)};
+}
+
+PictureBox::Scale PictureBox::PixelScale() {
+    EnsureImage();
+    return {scaleLeft_, scaleTop_, image_.width() / scaleWidth_, image_.height() / scaleHeight_};
+}
+
+QPoint PictureBox::PixelAt(double x, double y) {
+    const QPointF point = PixelScale().ToPixels(x, y);
+    return {static_cast<int>(std::floor(point.x())), static_cast<int>(std::floor(point.y()))};
+}
+
+double PictureBox::ScaleX(double pixels) const {
+    return pixels * scaleWidth_ / std::max(width(), 1);
+}
+
+double PictureBox::ScaleY(double pixels) const {
+    return pixels * scaleHeight_ / std::max(height(), 1);
+}
+
+int PictureBox::WidthTwips() const {
+    return PixelsToTwips(width());
+}
+
+int PictureBox::HeightTwips() const {
+    return PixelsToTwips(height());
+}
+
+// ---- shapes
+
+int PictureBox::PenWidth() const {
+    return std::max(1, static_cast<int>(std::lround(drawWidth_ * image_.devicePixelRatio())));
+}
+
+QPen PictureBox::PenOf(std::int32_t color) const {
+    const Qt::PenStyle style = drawStyle_ == DrawStyle::Dotted ? Qt::DotLine : Qt::SolidLine;
+    QPen pen(ToColor(color), PenWidth(), style, Qt::FlatCap, Qt::BevelJoin);
+    pen.setCosmetic(true);
+    return pen;
+}
+
+void PictureBox::FillSpans(std::int32_t color) {
+    QPainter& painter = Painter();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ToColor(color));
+    painter.drawRects(spans_.data(), static_cast<int>(spans_.size()));
+}
+
+void PictureBox::Line(double x1, double y1, double x2, double y2, std::int32_t color) {
+    QPoint from = PixelAt(x1, y1);
+    QPoint to = PixelAt(x2, y2);
+    const bool straight = from.x() == to.x() || from.y() == to.y();
+    if (straight && drawStyle_ == DrawStyle::Solid) {
+        const int reach = (PenWidth() - 1) / 2;
+        const QSize pen(PenWidth(), PenWidth());
+        const QPoint corner(reach, reach);
+        spans_ = {QRect(from - corner, pen).united(QRect(to - corner, pen))};
+        FillSpans(color);
+        return;
+    }
+    QPainter& painter = Painter();
+    painter.setPen(PenOf(color));
+    const QPointF middle(0.5, 0.5);
+    painter.drawLine(from + middle, to + middle);
+}
+
+void PictureBox::Box(double x1, double y1, double x2, double y2, std::int32_t color) {
+    const QSize pixel(1, 1);
+    spans_ = {QRect(PixelAt(x1, y1), pixel).united(QRect(PixelAt(x2, y2), pixel))};
+    FillSpans(color);
+}
+
+void PictureBox::DrawPoints(std::int32_t color) {
+    if (points_.size() < 2) return;
+    if (drawStyle_ == DrawStyle::Solid && RunsRightward(points_)) {
+        FillCurveSpans(points_, PenWidth(), image_.size(), spans_);
+        FillSpans(color);
+        return;
+    }
+    QPainter& painter = Painter();
+    painter.setPen(PenOf(color));
+    painter.drawPolyline(points_.data(), static_cast<int>(points_.size()));
+}
+
+// ---- texts
+
+void PictureBox::SetFont(const std::string& name, double points, bool bold) {
+    QFont font(ToText(name));
+    font.setPointSizeF(std::max(points, 1.0));
+    font.setBold(bold);
+    if (font == font_) return;
+    font_ = font;
+    metrics_ = QFontMetricsF(font_, &image_);
+    if (painter_) painter_->setFont(font_);
+}
+
+void PictureBox::Print(std::string_view text) {
+    QPainter& painter = Painter();
+    const double ratio = image_.devicePixelRatio();
+    const QString shown = ToText(text);
+    const QPointF corner = PixelScale().ToPixels(currentX_, currentY_);
+    painter.setPen(ToColor(foreColor_));
+    painter.save();
+    painter.resetTransform(); // the font's size is in points
+    painter.drawText(QPointF(corner.x() / ratio, std::round(corner.y() + metrics_.ascent() * ratio) / ratio),
+                     shown);
+    painter.restore();
+    currentX_ += ScaleX(metrics_.horizontalAdvance(shown));
+}
+
+double PictureBox::TextWidth(std::string_view text) const {
+    return ScaleX(metrics_.horizontalAdvance(ToText(text)));
+}
+
+double PictureBox::TextHeightPixels(std::string_view text) const {
+    return metrics_.height() * static_cast<double>(1 + std::count(text.begin(), text.end(), '\n'));
+}
+
+double PictureBox::TextHeight(std::string_view text) const {
+    return ScaleY(TextHeightPixels(text));
+}
+
+double PictureBox::TextHeightTwips(std::string_view text) const {
+    return TextHeightPixels(text) * TwipsPerPixel;
 }
 
 } // namespace korvalin

@@ -10,87 +10,122 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace korvalin {
 
 enum class DrawStyle { Solid, Dotted };
 
-/// A picture with a scale of the user's: coordinates from ScaleLeft and ScaleTop over ScaleWidth and ScaleHeight, the
-/// height negative when the value axis points up. Everything is drawn into an image at the screen's own resolution and
-/// stays until the next SetBackColor; the widget only shows it, so a picture can be drawn without a window.
-/// Colours are values as in forms/Colors.h.
+/// A picture with a scale of its user's choice: ScaleLeft and ScaleTop are the coordinates of the upper left
+/// corner, the picture is ScaleWidth wide and ScaleHeight high; a negative height makes the value axis point
+/// upwards.
+///
+/// Drawing goes into an image at the screen's own resolution and stays there until the picture is cleared or
+/// resized; the widget only shows the image, so a picture can be drawn without a window. Colours are values
+/// as in forms/Colors.h, texts are UTF-8.
 class PictureBox : public QWidget {
     Q_OBJECT
 
   public:
     explicit PictureBox(QWidget* parent = nullptr);
+    ~PictureBox() override;
 
     void SetScaleLeft(double value) { scaleLeft_ = value; }
     void SetScaleTop(double value) { scaleTop_ = value; }
     void SetScaleWidth(double value) { scaleWidth_ = value; }
     void SetScaleHeight(double value) { scaleHeight_ = value; }
-
-    void SetFont(const std::string& name, int points, bool bold);
-    void SetDrawWidth(int pixels) { drawWidth_ = pixels; }
-    void SetDrawStyle(DrawStyle style) { drawStyle_ = style; }
-    void SetForeColor(std::int32_t color) { foreColor_ = color; }
-    /// Also clears the picture.
-    void SetBackColor(std::int32_t color);
+    double ScaleLeft() const { return scaleLeft_; }
+    double ScaleTop() const { return scaleTop_; }
+    double ScaleWidth() const { return scaleWidth_; }
+    double ScaleHeight() const { return scaleHeight_; }
 
     /// Where the next Print starts: the upper left corner of its text.
     void SetCurrentX(double x) { currentX_ = x; }
     void SetCurrentY(double y) { currentY_ = y; }
     double CurrentX() const { return currentX_; }
+    double CurrentY() const { return currentY_; }
+
+    void SetFont(const std::string& name, double points, bool bold);
+    void SetForeColor(std::int32_t color) { foreColor_ = color; }
+    /// Also clears the picture.
+    void SetBackColor(std::int32_t color);
+    /// In logical pixels, at least 1.
+    void SetDrawWidth(int pixels) { drawWidth_ = pixels; }
+    void SetDrawStyle(DrawStyle style) { drawStyle_ = style; }
 
     void Line(double x1, double y1, double x2, double y2, std::int32_t color);
-    /// A filled box between two corners, both included.
+
+    /// Fills the box between two corners; the pixels of both corners belong to it.
     void Box(double x1, double y1, double x2, double y2, std::int32_t color);
-    /// Straight segments from point to point; each has members X and Y.
+
+    /// Straight segments from point to point; a point has the members X and Y.
     template <typename Point>
     void Polyline(const std::vector<Point>& points, std::int32_t color) {
-        pixels_.clear();
-        pixels_.reserve(points.size());
-        for (const Point& point : points) pixels_.emplace_back(ToPixels(point.X, point.Y));
-        DrawPixels(color);
+        const Scale scale = PixelScale();
+        points_.clear();
+        points_.reserve(points.size());
+        for (const Point& point : points)
+            points_.push_back(scale.ToPixels(point.X, point.Y));
+        DrawPoints(color);
     }
-    /// Prints in the fore colour and moves CurrentX behind the text.
-    void Print(const std::string& text);
 
-    // In units of the scale; a height has the sign of the scale's.
-    double TextWidth(const std::string& text) const;
-    double TextHeight() const;
+    /// Prints in the fore colour and moves CurrentX behind the text.
+    void Print(std::string_view text);
+
+    // In units of the scale; a height is negative when the scale's is.
+    double TextWidth(std::string_view text) const;
+    /// Of all lines of the text.
+    double TextHeight(std::string_view text = {}) const;
     double ScaleX(double pixels) const;
     double ScaleY(double pixels) const;
 
-    // In pixels: from the top of a text's cell to its base line, and the height of its capitals.
+    // In logical pixels: from the top of a text's cell to its base line, and the height of its capitals.
     double AscentPixels() const { return metrics_.ascent(); }
     double CapitalPixels() const { return metrics_.capHeight(); }
 
-    double HeightTwips() const;
-    double TextHeightTwips() const;
+    int WidthTwips() const;
+    int HeightTwips() const;
+    double TextHeightTwips(std::string_view text = {}) const;
+
+    /// Clears the picture; the next text starts at 0, 0.
+    void Cls();
 
     /// Shows what was drawn.
     void Refresh();
 
-    const QImage& Picture() const { return image_; }
+    /// The picture as it is now, at the screen's own resolution.
+    QImage Picture() const;
 
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    QPointF ToPixels(double x, double y) const;
-    QPainter& Painter();
+    // From units of the scale to device pixels.
+    struct Scale {
+        double Left, Top, FactorX, FactorY;
+        QPointF ToPixels(double x, double y) const;
+    };
+    Scale PixelScale();
+    QPoint PixelAt(double x, double y);
+
     void EnsureImage();
-    void DrawPixels(std::int32_t color);
-    QPen Pen(std::int32_t color) const;
+    void EndPainting();
+    QPainter& Painter();
+    int PenWidth() const;
+    QPen PenOf(std::int32_t color) const;
+    void FillSpans(std::int32_t color);
+    void DrawPoints(std::int32_t color);
+    double TextHeightPixels(std::string_view text) const;
 
     QImage image_;
-    std::optional<QPainter> painter_; // open from the first drawing call to Refresh
+    std::optional<QPainter> painter_; // open from the first drawing call to the next showing
     QFont font_;
     QFontMetricsF metrics_;
-    std::vector<QPointF> pixels_; // kept for its storage
+    // Kept for their storage.
+    std::vector<QPointF> points_;
+    std::vector<QRect> spans_;
     double scaleLeft_ = 0;
     double scaleTop_ = 0;
     double scaleWidth_ = 1;

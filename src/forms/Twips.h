@@ -1,3 +1,5 @@
+// The one place where twips convert. Pixels are logical ones, 96 an inch, whatever the screen's own
+// resolution.
 #pragma once
 
 #include "platform/Screen.h"
@@ -6,8 +8,13 @@
 
 namespace korvalin {
 
-/// The one place where twips convert; pixels are logical ones.
-inline int TwipsToPixels(int twips) { return static_cast<int>(std::lround(static_cast<double>(twips) / TwipsPerPixel)); }
-inline int PixelsToTwips(int pixels) { return pixels * TwipsPerPixel; }
+/// The nearest whole number of pixels.
+inline int TwipsToPixels(double twips) {
+    return static_cast<int>(std::lround(twips / TwipsPerPixel));
+}
+
+constexpr int PixelsToTwips(int pixels) {
+    return pixels * TwipsPerPixel;
+}
 
 } // namespace korvalin

@@ -1,24 +1,24 @@
 #include "lang/frmLanguage.h"
 
+#include "errors/Errors.h"
+#include "forms/ProgramIcon.h"
+#include "lang/Language.h"
 #include "ui_frmLanguage.h"
 
-#include "errors/Errors.h"
-#include "lang/ApplyFormTexts.h"
-#include "lang/Language.h"
-
-#include <QIcon>
+#include <QPushButton>
 
 namespace korvalin {
 namespace {
-constexpr int iconPixels = 48;
-}
 
-frmLanguage::frmLanguage(Language& language, std::function<void()> textsChanged)
+constexpr int imagePixels = 48;
+
+} // namespace
+
+frmLanguage::frmLanguage(Language& language, TextsChanged textsChanged)
     : language_(language), textsChanged_(std::move(textsChanged)), ui_(std::make_unique<Ui::frmLanguage>()) {
     ui_->setupUi(this);
     Form_Load();
-    // Only what the user does chooses: the preselected entry is a proposal until it is confirmed.
-    connect(ui_->cboLanguage, &QComboBox::activated, this, [this] { ApplySelection(); });
+    connect(ui_->cboLanguage, &QComboBox::currentIndexChanged, this, [this] { ApplySelection(); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, [this] {
         ApplySelection();
         accept();
@@ -28,19 +28,20 @@ frmLanguage::frmLanguage(Language& language, std::function<void()> textsChanged)
 frmLanguage::~frmLanguage() = default;
 
 void frmLanguage::Form_Load() {
-    ui_->imgIcon->setPixmap(windowIcon().pixmap(iconPixels));
-    ui_->lblWelcome->setText(QStringLiteral("Welcome to %1.").arg(QString::fromLatin1(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size()))));
+    const std::string title(ProgramTitle);
+    setWindowIcon(ProgramIcon());
+    ui_->imgIcon->setPixmap(ProgramIcon().pixmap(imagePixels));
+    ui_->lblWelcome->setText(QString::fromStdString("Welcome to " + title + "."));
     const Language::Choices choices = language_.FillLanguageChoices();
-    for (const std::string& name : choices.Names) ui_->cboLanguage->addItem(QString::fromStdString(name));
+    for (const std::string& name : choices.Names)
+        ui_->cboLanguage->addItem(QString::fromStdString(name));
     ui_->cboLanguage->setCurrentIndex(static_cast<int>(choices.Selected));
-    ApplyFormTexts(*this, language_);
-    ui_->cboLanguage->setFocus();
+    // The first selection is one as well: the window is readable before the user has chosen anything.
+    ApplySelection();
 }
 
 void frmLanguage::ApplySelection() {
-    if (!language_.ChooseLanguage(ui_->cboLanguage->currentText().toStdString())) return;
-    ApplyFormTexts(*this, language_);
-    textsChanged_();
+    if (language_.ChooseLanguage(ui_->cboLanguage->currentText().toStdString())) textsChanged_();
 }
 
 } // namespace korvalin

@@ -13,13 +13,15 @@ namespace korvalin {
 
 class Language;
 
-/// Lets the user choose the language of all texts.
+/// Lets the user choose the language of all texts; a choice counts at once.
 class frmLanguage : public QDialog {
     Q_OBJECT
 
   public:
-    /// `textsChanged` gives every loaded window its texts again.
-    frmLanguage(Language& language, std::function<void()> textsChanged);
+    /// Gives every loaded window, this one included, its texts again.
+    using TextsChanged = std::function<void()>;
+
+    frmLanguage(Language& language, TextsChanged textsChanged);
     ~frmLanguage() override;
 
   private:
@@ -27,7 +29,7 @@ class frmLanguage : public QDialog {
     void ApplySelection();
 
     Language& language_;
-    std::function<void()> textsChanged_;
+    TextsChanged textsChanged_;
     std::unique_ptr<Ui::frmLanguage> ui_;
 };
 

@@ -1,6 +1,7 @@
 #include "startup/Desktop.h"
 
 #include "display/frmMain.h"
+#include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/frmLanguage.h"
 #include "platform/linux/LinuxSystem.h"
@@ -11,7 +12,6 @@
 #include "startup/Program.h"
 
 #include <QApplication>
-#include <QIcon>
 #include <QLocale>
 
 #include <cstdlib>
@@ -27,25 +27,11 @@ void ChoosePlatform() {
     if (getenv("WAYLAND_DISPLAY") != nullptr && getenv("DISPLAY") != nullptr) setenv("QT_QPA_PLATFORM", "xcb", 0);
 }
 
-QIcon ProgramIcon() {
-    QIcon icon;
-    for (const char* size : {"16", "32", "48", "256"}) {
-        icon.addFile(QStringLiteral(":/icons/korvalin-%1.png").arg(QLatin1String(size)));
-    }
-    return icon;
-}
-
-QString ButtonCaption(Language& language, MessageAnswer answer) {
+std::string ButtonCaption(Language& language, MessageAnswer answer) {
     switch (answer) {
-    case MessageAnswer::Yes: return QString::fromStdString(language.Lng("frmMessageObj", 3));
-    case MessageAnswer::No: return QString::fromStdString(language.Lng("frmMessageObj", 4));
-    default: return QString::fromStdString(language.Lng("frmMessageObj", 2));
-    }
-}
-
-void ApplyTextsToAllForms(Language& language) {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (window->objectName().startsWith(QLatin1String("frm"))) ApplyFormTexts(*window, language);
+    case MessageAnswer::Yes: return language.Lng("frmMessageObj", 3);
+    case MessageAnswer::No: return language.Lng("frmMessageObj", 4);
+    default: return language.Lng("frmMessageObj", 2);
     }
 }
 
@@ -67,7 +53,7 @@ int RunDesktop(int argc, char** argv) {
     system.TellNotes(program.errors);
     messageBoxes.Plug([&](MessageAnswer answer) { return ButtonCaption(program.language, answer); });
     program.language.PlugAskLanguage([&] {
-        frmLanguage dialog(program.language, [&] { ApplyTextsToAllForms(program.language); });
+        frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
         dialog.exec();
     });
     if (!program.Main()) return EXIT_SUCCESS;

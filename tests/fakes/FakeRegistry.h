@@ -26,7 +26,9 @@ class FakeRegistry : public Registry {
         if (OpenResult != ErrorSuccess) return OpenResult;
         return keys_.contains(ToLower(keyPath)) ? Hand(keyPath, key) : ErrorFileNotFound;
     }
-    int QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize, std::string& text) override {
+    int QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize,
+                     std::string& text) override {
+        if (!opened_.contains(key)) return ErrorInvalidHandle;
         const auto& values = keys_[opened_.at(key)];
         const auto found = values.find(ToLower(valueName));
         if (found == values.end()) return ErrorFileNotFound;
@@ -35,6 +37,7 @@ class FakeRegistry : public Registry {
         return ErrorSuccess;
     }
     int SetValueEx(RegistryKey key, std::string_view valueName, std::string_view text) override {
+        if (!opened_.contains(key)) return ErrorInvalidHandle;
         ++Writes;
         auto& value = keys_[opened_.at(key)][ToLower(valueName)];
         if (value.Name.empty()) value.Name = valueName;
@@ -42,11 +45,14 @@ class FakeRegistry : public Registry {
         return ErrorSuccess;
     }
     int DeleteValue(RegistryKey key, std::string_view valueName) override {
+        if (!opened_.contains(key)) return ErrorInvalidHandle;
         return keys_[opened_.at(key)].erase(ToLower(valueName)) == 1 ? ErrorSuccess : ErrorFileNotFound;
     }
     int EnumValues(RegistryKey key, std::vector<std::string>& valueNames) override {
+        if (!opened_.contains(key)) return ErrorInvalidHandle;
         valueNames.clear();
-        for (const auto& [lower, value] : keys_[opened_.at(key)]) valueNames.push_back(value.Name);
+        for (const auto& [lower, value] : keys_[opened_.at(key)])
+            valueNames.push_back(value.Name);
         return ErrorSuccess;
     }
     void CloseKey(RegistryKey key) override { OpenKeys -= static_cast<int>(opened_.erase(key)); }

@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
+    QApplication::setStyle(QStringLiteral("fusion"));
     QApplication::setQuitOnLastWindowClosed(false);
     testing::UnitTest::GetInstance()->listeners().Append(new FocusReporter);
     return RUN_ALL_TESTS();

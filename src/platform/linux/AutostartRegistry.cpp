@@ -1,124 +1,146 @@
 #include "platform/linux/AutostartRegistry.h"
 
 #include "base/Text.h"
+#include "platform/Files.h"
+#include "platform/linux/DesktopEntry.h"
+#include "platform/linux/WholeFile.h"
 
-#include <fstream>
-#include <system_error>
+#include <cerrno>
+#include <exception>
+#include <unistd.h>
 
 namespace korvalin {
 namespace {
 
-namespace fs = std::filesystem;
+constexpr std::string_view programValue = "Korvalin";
 
-constexpr std::string_view runKeyPath = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr RegistryKey runKey = -1; // the inner registry's keys are positive
-constexpr std::string_view programField = "X-Korvalin-Program=";
+// The handle of the Run key, one for all who open it; the inner registry's count upwards from 1.
+constexpr RegistryKey runKey = -1;
 
-// A value names a program without its extension; what can be started is the launcher beside it, or the program itself.
-fs::path Startable(const fs::path& program) {
-    std::error_code ignored;
-    const fs::path launcher = program.parent_path() / ToLower(program.filename().string());
-    if (fs::exists(launcher, ignored)) return launcher;
-    return fs::exists(program, ignored) ? program : fs::path(program.string() + ".exe");
+bool IsProgramValue(std::string_view valueName) {
+    return EqualsNoCase(valueName, programValue);
 }
 
-// Quoting of the Desktop Entry rules: inside double quotes ", `, $ and \ are escaped; as the value of a string key every
-// backslash is doubled once more, and a percent sign would start a field code.
-std::string QuoteForExec(const std::string& argument) {
-    std::string quoted = "\"";
-    for (const char c : argument) {
-        if (c == '\\') {
-            quoted += "\\\\\\\\";
-        } else if (c == '"' || c == '`' || c == '$') {
-            quoted += std::string("\\\\") + c;
-        } else if (c == '%') {
-            quoted += "%%";
-        } else {
-            quoted += c;
-        }
+bool IsExecutableFile(const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && access(path.c_str(), X_OK) == 0;
+}
+
+// The program registers "<folder>/Korvalin", its name without ".exe". What can be started is that file if it
+// exists, else the launcher beside it, else the program file itself.
+std::filesystem::path StartableFile(const std::filesystem::path& registered) {
+    if (IsExecutableFile(registered)) return registered;
+    const std::filesystem::path launcher = registered.parent_path() / "korvalin";
+    return IsExecutableFile(launcher) ? launcher : std::filesystem::path(registered.string() + ".exe");
+}
+
+int CodeOf(int error) {
+    switch (error) {
+    case 0: return ErrorSuccess;
+    case ENOENT:
+    case ENOTDIR: return ErrorFileNotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS: return ErrorAccessDenied;
+    default: return ErrorWriteFault;
     }
-    return quoted + "\"";
 }
 
-std::string EscapeLine(std::string_view text) {
-    return ReplaceAll(ReplaceAll(ReplaceAll(text, "\\", "\\\\"), "\n", "\\n"), "\t", "\\t");
-}
-
-std::string UnescapeLine(std::string_view text) {
-    std::string plain;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\' || i + 1 == text.size()) {
-            plain += text[i];
-            continue;
-        }
-        ++i;
-        plain += text[i] == 'n' ? '\n' : text[i] == 't' ? '\t' : text[i];
+// The port throws nothing; what can be thrown here is that the memory is full.
+template <typename Call>
+int Guarded(Call&& call) {
+    try {
+        return call();
+    } catch (const std::exception&) {
+        return ErrorWriteFault;
     }
-    return plain;
 }
 
 } // namespace
 
-AutostartRegistry::AutostartRegistry(Registry& inner, Files& files, fs::path autostartFolder)
-    : inner_(inner), files_(files), folder_(std::move(autostartFolder)) {}
+AutostartRegistry::AutostartRegistry(Registry& inner, Files& files,
+                                     const std::filesystem::path& autostartFolder)
+    : inner_(inner), files_(files), entryFile_(autostartFolder / "korvalin.desktop") {}
 
-fs::path AutostartRegistry::EntryFile(std::string_view valueName) const {
-    return folder_ / (ReplaceAll(ToLower(valueName), "/", "-") + ".desktop");
+bool AutostartRegistry::IsRunKey(RegistryKey key) const {
+    return key == runKey;
 }
 
-int AutostartRegistry::CreateKeyEx(RegistryHive hive, std::string_view keyPath, RegistryAccess access, RegistryKey& key,
-                                   RegistryDisposition& disposition) {
-    if (!EqualsNoCase(keyPath, runKeyPath)) return inner_.CreateKeyEx(hive, keyPath, access, key, disposition);
-    key = runKey;
-    disposition = RegistryDisposition::OpenedExistingKey; // the folder is made with its first entry
-    return ErrorSuccess;
+std::optional<std::string> AutostartRegistry::ReadEntry() const {
+    const std::optional<std::string> entry = ReadWholeFile(entryFile_);
+    return entry ? ReadAutostartEntry(*entry) : std::nullopt;
 }
 
-int AutostartRegistry::OpenKeyEx(RegistryHive hive, std::string_view keyPath, RegistryAccess access, RegistryKey& key) {
-    if (!EqualsNoCase(keyPath, runKeyPath)) return inner_.OpenKeyEx(hive, keyPath, access, key);
-    key = runKey;
-    return ErrorSuccess;
+int AutostartRegistry::WriteEntry(std::string_view text) {
+    if (const int error = files_.CreateFolders(entryFile_.parent_path()); error != 0) {
+        return error == ENOTDIR ? ErrorAccessDenied : CodeOf(error);
+    }
+    const std::string executable = StartableFile(std::filesystem::path(text)).string();
+    return files_.Replace(entryFile_, WriteAutostartEntry(programValue, executable, text)) ? ErrorSuccess
+                                                                                           : ErrorWriteFault;
+}
+
+int AutostartRegistry::RemoveEntry() {
+    return CodeOf(unlink(entryFile_.c_str()) == 0 ? 0 : errno);
+}
+
+int AutostartRegistry::CreateKeyEx(RegistryHive hive, std::string_view keyPath, RegistryAccess access,
+                                   RegistryKey& key, RegistryDisposition& disposition) {
+    return Guarded([&] {
+        if (!EqualsNoCase(keyPath, RunKeyPath))
+            return inner_.CreateKeyEx(hive, keyPath, access, key, disposition);
+        key = runKey;
+        disposition = RegistryDisposition::OpenedExistingKey;
+        return ErrorSuccess;
+    });
+}
+
+int AutostartRegistry::OpenKeyEx(RegistryHive hive, std::string_view keyPath, RegistryAccess access,
+                                 RegistryKey& key) {
+    return Guarded([&] {
+        if (!EqualsNoCase(keyPath, RunKeyPath)) return inner_.OpenKeyEx(hive, keyPath, access, key);
+        key = runKey;
+        return ErrorSuccess;
+    });
 }
 
 int AutostartRegistry::QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize,
                                     std::string& text) {
-    if (key != runKey) return inner_.QueryValueEx(key, valueName, bufferSize, text);
-    std::ifstream file(EntryFile(valueName));
-    for (std::string line; std::getline(file, line);) {
-        if (!line.starts_with(programField)) continue;
-        const std::string stored = UnescapeLine(line.substr(programField.size()));
-        if (stored.size() + 1 > bufferSize) return ErrorMoreData;
-        text = stored;
+    return Guarded([&] {
+        if (!IsRunKey(key)) return inner_.QueryValueEx(key, valueName, bufferSize, text);
+        const std::optional<std::string> path = IsProgramValue(valueName) ? ReadEntry() : std::nullopt;
+        if (!path) return ErrorFileNotFound;
+        if (path->size() + 1 > bufferSize) return ErrorMoreData;
+        text = *path;
         return ErrorSuccess;
-    }
-    return ErrorFileNotFound;
+    });
 }
 
 int AutostartRegistry::SetValueEx(RegistryKey key, std::string_view valueName, std::string_view text) {
-    if (key != runKey) return inner_.SetValueEx(key, valueName, text);
-    if (files_.CreateFolders(folder_) != 0) return ErrorAccessDenied;
-    const std::string entry = "[Desktop Entry]\nType=Application\nName=" + EscapeLine(valueName) +
-                              "\nExec=" + QuoteForExec(Startable(fs::path(text)).string()) +
-                              "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n" + std::string(programField) +
-                              EscapeLine(text) + "\n";
-    return files_.Replace(EntryFile(valueName), entry) ? ErrorSuccess : ErrorWriteFault;
+    return Guarded([&] {
+        if (!IsRunKey(key)) return inner_.SetValueEx(key, valueName, text);
+        return IsProgramValue(valueName) ? WriteEntry(text) : ErrorAccessDenied;
+    });
 }
 
 int AutostartRegistry::DeleteValue(RegistryKey key, std::string_view valueName) {
-    if (key != runKey) return inner_.DeleteValue(key, valueName);
-    std::error_code error;
-    if (fs::remove(EntryFile(valueName), error)) return ErrorSuccess;
-    return error ? ErrorAccessDenied : ErrorFileNotFound;
+    return Guarded([&] {
+        if (!IsRunKey(key)) return inner_.DeleteValue(key, valueName);
+        return IsProgramValue(valueName) ? RemoveEntry() : ErrorFileNotFound;
+    });
 }
 
 int AutostartRegistry::EnumValues(RegistryKey key, std::vector<std::string>& valueNames) {
-    if (key != runKey) return inner_.EnumValues(key, valueNames);
-    valueNames.clear(); // what else starts with the system is none of this program's business
-    return ErrorSuccess;
+    return Guarded([&] {
+        if (!IsRunKey(key)) return inner_.EnumValues(key, valueNames);
+        valueNames.clear();
+        if (ReadEntry()) valueNames.emplace_back(programValue);
+        return ErrorSuccess;
+    });
 }
 
 void AutostartRegistry::CloseKey(RegistryKey key) {
-    if (key != runKey) inner_.CloseKey(key);
+    if (!IsRunKey(key)) inner_.CloseKey(key);
 }
 
 } // namespace korvalin

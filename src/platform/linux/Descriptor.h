@@ -1,8 +1,7 @@
 #pragma once
 
-#include <utility>
-
 #include <unistd.h>
+#include <utility>
 
 namespace korvalin {
 

@@ -1,20 +1,24 @@
 #include "platform/linux/FlockInstanceLock.h"
 
-#include <cerrno>
+#include "platform/linux/PosixFiles.h"
 
+#include <cerrno>
 #include <fcntl.h>
+#include <string>
 #include <sys/file.h>
 
 namespace korvalin {
 
-FlockInstanceLock::FlockInstanceLock(std::filesystem::path lockFile) : lockFile_(std::move(lockFile)) {}
+FlockInstanceLock::FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName)
+    : file_(folder / ("instance-" + std::string(executableName) + ".lock")) {}
 
 bool FlockInstanceLock::PreviousInstanceRunning() {
-    if (descriptor_) return false; // this process holds it already
-    Descriptor descriptor(open(lockFile_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    if (!descriptor) return false;
-    if (flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0) return errno == EWOULDBLOCK;
-    descriptor_ = std::move(descriptor);
+    if (held_) return false;
+    if (PosixFiles().CreateFolders(file_.parent_path()) != 0) return false;
+    Descriptor file(open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!file) return false;
+    if (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) return errno == EWOULDBLOCK;
+    held_ = std::move(file);
     return false;
 }
 

@@ -4,19 +4,21 @@
 #include "platform/linux/Descriptor.h"
 
 #include <filesystem>
+#include <string_view>
 
 namespace korvalin {
 
-/// A lock on a file, which the kernel frees when its owner ends in whatever way.
+/// A lock on a file of the settings folder, which the kernel frees when its owner ends, however that happens.
+/// The file itself stays: removing it would let two processes hold locks on two files of the same name.
 class FlockInstanceLock : public InstanceLock {
   public:
-    explicit FlockInstanceLock(std::filesystem::path lockFile);
+    FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName);
 
     bool PreviousInstanceRunning() override;
 
   private:
-    std::filesystem::path lockFile_;
-    Descriptor descriptor_;
+    std::filesystem::path file_;
+    Descriptor held_;
 };
 
 } // namespace korvalin

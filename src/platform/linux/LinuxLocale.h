@@ -2,15 +2,18 @@
 
 #include "base/Locale.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace korvalin {
 
-/// The user's regional formats as the C library knows them (LC_NUMERIC, LC_TIME); the defaults of Locale where it does
-/// not.
+/// The user's regional formats as the C library knows them (LC_NUMERIC, LC_TIME of the environment). What the
+/// system does not tell, the C locale included, keeps the defaults of Locale.
 Locale ReadSystemLocale();
 
-/// Translates a pattern of strftime (%d.%m.%Y) into one of Locale's; "" when it holds what Locale has no letter for.
-std::string TranslateTimePattern(const std::string& pattern);
+/// Translates a pattern of strftime ("%d.%m.%Y") into one of Locale's ("dd.mm.yyyy"). The time zone is left
+/// out; nullopt for a pattern that Locale cannot express (names of months, letters between the fields).
+std::optional<std::string> PatternFromStrftime(std::string_view format);
 
 } // namespace korvalin

@@ -1,69 +1,75 @@
 #include "platform/linux/LinuxShell.h"
 
 #include "base/Text.h"
+#include "platform/linux/DetachedProgram.h"
 #include "platform/linux/XdgFolders.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <vector>
-
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <string_view>
 
 namespace korvalin {
 namespace {
 
-// Starts a program as a child of init: nothing to wait for later. A failing exec comes back through the pipe, which a
-// successful one closes.
-bool StartDetached(const std::vector<std::string>& command) {
-    std::vector<char*> arguments;
-    for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    int report[2];
-    if (pipe2(report, O_CLOEXEC) != 0) return false;
-    const pid_t child = fork();
-    if (child == 0) {
-        setsid();
-        if (fork() == 0) {
-            execvp(arguments[0], arguments.data());
-            static_cast<void>(!write(report[1], "!", 1));
-        }
-        _exit(0);
-    }
-    close(report[1]);
-    char failed = 0;
-    const bool started = child > 0 && read(report[0], &failed, 1) == 0;
-    close(report[0]);
-    if (child > 0) waitpid(child, nullptr, 0);
-    return started;
+// "de_DE.UTF-8" gives "de"; empty for "C", "POSIX" and languages without a two-letter code.
+std::string LanguageOf(std::string_view localeName) {
+    const std::string language = ToLower(localeName.substr(0, localeName.find_first_of("_.@")));
+    const bool letters =
+        std::all_of(language.begin(), language.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+    return language.size() == 2 && letters ? language : std::string();
+}
+
+// A page's address as it may be handed to another program: of the web, in one piece.
+bool IsWebAddress(std::string_view address) {
+    const bool web = StartsWithNoCase(address, "http://") || StartsWithNoCase(address, "https://");
+    return web && std::none_of(address.begin(), address.end(), [](char c) { return c >= 0 && c <= ' '; });
 }
 
 } // namespace
+
+LinuxShell::LinuxShell(std::string pageOpener) : pageOpener_(std::move(pageOpener)) {}
 
 std::filesystem::path LinuxShell::SpecialFolder(int id) {
     return id == SpecialFolderCommonAppData ? XdgDataHome() : std::filesystem::path();
 }
 
+std::filesystem::path LinuxShell::SystemDirectory() {
+    return "/usr/lib/";
+}
+
+bool LinuxShell::ComponentPresent(const std::string&) {
+    return true;
+}
+
 std::filesystem::path LinuxShell::ExecutablePath() {
     std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::string path = std::filesystem::read_symlink("/proc/self/exe", error).string();
+    // The kernel marks a file that was replaced by an update while the program runs.
+    constexpr std::string_view mark = " (deleted)";
+    return path.ends_with(mark) ? path.substr(0, path.size() - mark.size()) : path;
+}
+
+int LinuxShell::PlatformId() {
+    return PlatformSupported;
 }
 
 std::string LinuxShell::UserLanguage() {
+    std::string language;
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value == nullptr || *value == 0) continue;
-        const std::string language = ToLower(std::string(value).substr(0, 2));
-        return language.size() == 2 && language != "c." && std::string(value) != "POSIX" ? language : "en";
+        const char* name = std::getenv(variable);
+        if (name == nullptr || *name == 0) continue;
+        language = LanguageOf(name);
+        break; // the first one that is set decides, whatever it says
     }
-    return "en";
+    return language.empty() ? "en" : language;
 }
 
-bool LinuxShell::StartProgram(const std::filesystem::path& program) { return StartDetached({program.string()}); }
+bool LinuxShell::StartProgram(const std::filesystem::path& program) {
+    return StartDetached({program.string()});
+}
 
 bool LinuxShell::OpenPage(const std::string& address) {
-    if (!StartsWithNoCase(address, "https://") && !StartsWithNoCase(address, "http://")) return false;
-    return StartDetached({"xdg-open", address});
+    return IsWebAddress(address) && StartDetached({pageOpener_, address});
 }
 
 } // namespace korvalin

@@ -13,24 +13,20 @@
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/XdgFolders.h"
 
-#include <vector>
-
 namespace korvalin {
 
 struct LinuxSystem::BackEnds {
-    std::vector<std::string> Notes;
-    std::filesystem::path ConfigFolder = XdgConfigHome() / "korvalin";
+    SystemClock Clock;
     LinuxShell Shell;
     PosixFiles Files;
-    SqliteRegistry Store{ConfigFolder / "registry.db", [this](const std::string& note) { Notes.push_back(note); }};
-    AutostartRegistry Registry{Store, Files, XdgConfigHome() / "autostart"};
+    SqliteRegistry Store{ConfigFolder() / "registry.db", Clock};
+    AutostartRegistry Registry{Store, Files, AutostartFolder()};
     NetlinkNetworkTables NetworkTables;
     RouteInternet Internet;
     NoRas Ras;
-    SystemClock Clock;
     PasswdUser User;
     // An update hands over from one executable to another: each name has a lock of its own.
-    FlockInstanceLock InstanceLock{ConfigFolder / ("instance-" + Shell.ExecutablePath().filename().string() + ".lock")};
+    FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
 };
 
 LinuxSystem::LinuxSystem() : backEnds_(std::make_unique<BackEnds>()) {}
@@ -45,8 +41,7 @@ Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen&
 Clock& LinuxSystem::SystemTime() { return backEnds_->Clock; }
 
 void LinuxSystem::TellNotes(Errors& errors) {
-    for (const std::string& note : backEnds_->Notes) errors.WriteErrorLog(note, "settings store");
-    backEnds_->Notes.clear();
+    for (const std::string& note : backEnds_->Store.TakeNotes()) errors.WriteErrorLog(note, "settings store");
 }
 
 } // namespace korvalin

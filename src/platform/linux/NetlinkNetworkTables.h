@@ -1,23 +1,30 @@
 #pragma once
 
 #include "platform/NetworkTables.h"
+#include "platform/linux/LinkWatch.h"
 #include "platform/linux/NetlinkSocket.h"
 
 #include <filesystem>
 
 namespace korvalin {
 
-/// Adapters from the kernel's link table, one dump a call, with 64-bit counters; TCP figures from /proc/net.
+/// The kernel's adapters by one dump per call: of the counters alone as long as no link is announced to have
+/// changed, a fifth of the cost of the whole link table. TCP figures come from /proc/net.
 class NetlinkNetworkTables : public NetworkTables {
   public:
-    /// `procNet` is the folder that holds snmp, sockstat and sockstat6.
     explicit NetlinkNetworkTables(std::filesystem::path procNet = "/proc/net");
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
     int GetTcpStatistics(TcpStatistics& statistics) override;
 
   private:
+    int ReadLinks();
+    bool ReadCounters();
+
     NetlinkSocket socket_;
+    LinkWatch watch_;
+    std::vector<InterfaceRow> links_; // by ascending index
+    bool countersAlone_ = true;       // the kernel dumps counters without the rest
     std::filesystem::path procNet_;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -10,7 +11,7 @@ struct nlmsghdr;
 
 namespace korvalin {
 
-/// A route netlink socket (rtnetlink(7)) that stays open from dump to dump.
+/// A routing socket to the kernel that stays open between requests.
 class NetlinkSocket {
   public:
     NetlinkSocket();
@@ -18,25 +19,29 @@ class NetlinkSocket {
     NetlinkSocket(const NetlinkSocket&) = delete;
     NetlinkSocket& operator=(const NetlinkSocket&) = delete;
 
-    /// Writes the request's fixed header and attributes behind the message header it is given.
-    using FillRequest = std::function<void(nlmsghdr& message)>;
-    using Receive = std::function<void(const nlmsghdr& message)>;
-
-    /// Asks for a dump of `type` and hands every message of the answer to `receive`. A dump that the kernel marks as
-    /// inconsistent, or that fails half-way, begins again once, after `restart`. 0, or the errno.
-    int Dump(std::uint16_t type, const FillRequest& fill, const std::function<void()>& restart, const Receive& receive);
+    /// Sends a dump request (its flags and sequence number are filled in) and hands each message of the
+    /// answer to `take`; `restart` is called before each attempt, as a table that changed meanwhile is asked
+    /// for again. A socket that has failed is opened anew once. 0 or the system's error number.
+    int Dump(nlmsghdr& request, const std::function<void()>& restart,
+             const std::function<void(const nlmsghdr&)>& take);
 
   private:
     struct Closer {
         void operator()(mnl_socket* socket) const;
     };
-    int DumpOnce(std::uint16_t type, const FillRequest& fill, const Receive& receive);
-    bool Open();
+    struct Answer {
+        int Error = 0;
+        bool Changed = false;
+    };
+
+    int Open();
+    int DumpUntilSteady(nlmsghdr& request, const std::function<void()>& restart,
+                        const std::function<void(const nlmsghdr&)>& take);
+    Answer DumpOnce(nlmsghdr& request, const std::function<void(const nlmsghdr&)>& take);
 
     std::unique_ptr<mnl_socket, Closer> socket_;
-    unsigned portId_ = 0;
-    std::uint32_t sequence_ = 0;
     std::vector<char> buffer_;
+    std::uint32_t sequence_ = 0;
 };
 
 } // namespace korvalin

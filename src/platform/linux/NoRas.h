@@ -1,25 +1,15 @@
 #pragma once
 
 #include "platform/Ras.h"
-#include "platform/Registry.h"
 
 namespace korvalin {
 
-/// The back end of systems without dial-up connections.
+/// The back end of systems without remote access: there is never a connection, and no handle is known.
 class NoRas : public Ras {
   public:
-    int EnumConnections(std::vector<RasConnection>&, std::uint32_t& count) override {
-        count = 0;
-        return 0;
-    }
-    int GetConnectionStatistics(std::int32_t, RasStatistics& statistics) override {
-        statistics = {};
-        return ErrorInvalidHandle;
-    }
-    int GetConnectStatus(std::int32_t, std::uint32_t& state) override {
-        state = 0;
-        return ErrorInvalidHandle;
-    }
+    int EnumConnections(std::vector<RasConnection>& connections, std::uint32_t& count) override;
+    int GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) override;
+    int GetConnectStatus(std::int32_t handle, std::uint32_t& state) override;
 };
 
 } // namespace korvalin

@@ -4,13 +4,14 @@
 
 namespace korvalin {
 
+/// The name in the user database, else $USER. Looked up once: a directory server may take its time, and the
+/// name does not change while the program runs.
 class PasswdUser : public User {
   public:
-    /// The name of the process's user in the passwd database, else of $USER.
     std::string Name() override;
 
   private:
-    std::string name_; // it does not change while the program runs, and is asked for every second
+    std::string name_;
 };
 
 } // namespace korvalin

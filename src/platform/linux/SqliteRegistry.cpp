@@ -1,232 +1,228 @@
 #include "platform/linux/SqliteRegistry.h"
 
-#include "base/Date.h"
 #include "base/Text.h"
-#include "platform/linux/PosixFiles.h"
-#include "platform/linux/SystemClock.h"
-
-#include <array>
-#include <system_error>
+#include "platform/Clock.h"
 
 #include <sqlite3.h>
-#include <sys/stat.h>
+
+#include <cstring>
+#include <exception>
+#include <utility>
 
 namespace korvalin {
 namespace {
 
-constexpr int busyMilliseconds = 3000;
+using Source = RegistryDatabase::Source;
 
-// Names are compared by their lower-case form, which knows more letters than SQLite's own comparison; the name as it was
-// first written is kept for lists.
-constexpr const char* schema = R"(
-    PRAGMA journal_mode = WAL;
-    PRAGMA synchronous = NORMAL;
-    CREATE TABLE IF NOT EXISTS registry_keys (path TEXT PRIMARY KEY) WITHOUT ROWID;
-    CREATE TABLE IF NOT EXISTS registry_values (path TEXT, name TEXT, display TEXT NOT NULL, text TEXT NOT NULL,
-                                                PRIMARY KEY (path, name)) WITHOUT ROWID;
-)";
+// What cannot be read is not there, for a reader; the defaults serve.
+int ReadCode(int code) {
+    switch (code) {
+    case SQLITE_OK: return ErrorSuccess;
+    case SQLITE_TOOBIG: return ErrorMoreData;
+    default: return ErrorFileNotFound;
+    }
+}
 
-// In the order of SqliteRegistry::Query.
-constexpr std::array<const char*, 6> queryTexts = {
-    "SELECT 1 FROM registry_keys WHERE path = ?1",
-    "INSERT OR IGNORE INTO registry_keys (path) VALUES (?1)",
-    "SELECT text FROM registry_values WHERE path = ?1 AND name = ?2",
-    "INSERT INTO registry_values (path, name, display, text) VALUES (?1, ?2, ?3, ?4) "
-    "ON CONFLICT (path, name) DO UPDATE SET text = excluded.text",
-    "DELETE FROM registry_values WHERE path = ?1 AND name = ?2",
-    "SELECT display FROM registry_values WHERE path = ?1 ORDER BY name"};
-
-bool IsDamage(int sqliteCode) { return (sqliteCode & 0xFF) == SQLITE_CORRUPT || (sqliteCode & 0xFF) == SQLITE_NOTADB; }
-
-int CodeOf(int sqliteCode) {
-    switch (sqliteCode & 0xFF) {
-    case SQLITE_OK:
-    case SQLITE_DONE:
-    case SQLITE_ROW: return ErrorSuccess;
+int WriteCode(int code) {
+    switch (code) {
+    case SQLITE_OK: return ErrorSuccess;
+    case SQLITE_NOTFOUND: return ErrorFileNotFound;
     case SQLITE_READONLY:
-    case SQLITE_PERM:
-    case SQLITE_AUTH:
-    case SQLITE_CANTOPEN: return ErrorAccessDenied;
+    case SQLITE_PERM: return ErrorAccessDenied;
     default: return ErrorWriteFault;
     }
 }
 
 } // namespace
 
-void SqliteRegistry::Closer::operator()(sqlite3* database) const { sqlite3_close_v2(database); }
-void SqliteRegistry::Closer::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-
-// A prepared query in use: binds, steps, and is ready for the next use when it goes out of scope.
-class SqliteRegistry::Statement {
-  public:
-    Statement(SqliteRegistry& registry, Query query) : statement_(registry.queries_[query].get()) {}
-    ~Statement() {
-        sqlite3_reset(statement_);
-        sqlite3_clear_bindings(statement_);
+SqliteRegistry::SqliteRegistry(const std::filesystem::path& file, Clock& clock) : file_(file), clock_(clock) {
+    try {
+        OpenAny();
+    } catch (const std::exception& error) {
+        Note(std::string("The settings store could not be opened: ") + error.what());
     }
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-
-    Statement& Bind(std::string_view text) {
-        sqlite3_bind_text(statement_, ++bound_, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
-        return *this;
-    }
-    int Step() { return sqlite3_step(statement_); }
-    std::string_view Text() {
-        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, 0));
-        return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement_, 0))};
-    }
-
-  private:
-    sqlite3_stmt* statement_;
-    int bound_ = 0;
-};
-
-SqliteRegistry::SqliteRegistry(std::filesystem::path file, Note note) : file_(std::move(file)), note_(std::move(note)) {
-    static_cast<void>(PosixFiles().CreateFolders(file_.parent_path()));
-    Open();
 }
 
-SqliteRegistry::~SqliteRegistry() = default;
-
-void SqliteRegistry::Open() {
-    if (OpenFile(file_.string())) return;
-    if (database_ != nullptr && IsDamage(sqlite3_errcode(database_.get()))) {
-        MoveAside();
-        if (OpenFile(file_.string())) return;
+void SqliteRegistry::OpenAny() {
+    if (OpenFile()) return;
+    auto database = std::make_unique<RegistryDatabase>();
+    if (database->Open(file_.Path(), Source::ReadOnlyFile) == SQLITE_OK) {
+        Note("The settings store can only be read");
+        return Use(std::move(database), Source::ReadOnlyFile);
     }
-    note_("The settings store " + file_.string() + " cannot be used; settings are kept for this run only.");
-    OpenFile(":memory:");
+    database = std::make_unique<RegistryDatabase>();
+    if (database->Open({}, Source::Memory) != SQLITE_OK) return;
+    Note("Settings are kept in memory for this run");
+    Use(std::move(database), Source::Memory);
 }
 
-bool SqliteRegistry::OpenFile(const std::string& name) {
-    queries_.clear();
-    // The file and the two that go with it take the mode that is in force when they are made.
-    const mode_t mask = umask(0077);
-    sqlite3* database = nullptr;
-    const int opened = sqlite3_open_v2(name.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-    database_.reset(database);
-    bool usable = opened == SQLITE_OK;
-    if (usable) {
-        sqlite3_busy_timeout(database, busyMilliseconds);
-        usable = sqlite3_exec(database, schema, nullptr, nullptr, nullptr) == SQLITE_OK && Prepare();
+// Opens the file of the store's name, a new one if need be. False leaves the present database in use.
+bool SqliteRegistry::OpenFile() {
+    int error = file_.Prepare();
+    const Descriptor lock = file_.LockFolder();
+    if (error == 0) error = file_.Prepare(); // the file may have been moved aside before the lock was given
+    if (error != 0) {
+        Note("The settings store " + file_.Path().string() + " could not be made: " + std::strerror(error));
+        return false;
     }
-    umask(mask);
-    // A store that may only be read still gives the settings it holds.
-    if (!usable && opened == SQLITE_OK && (sqlite3_errcode(database) & 0xFF) == SQLITE_READONLY) return Prepare();
-    return usable;
-}
-
-bool SqliteRegistry::Prepare() {
-    queries_.clear();
-    for (const char* text : queryTexts) {
-        sqlite3_stmt* statement = nullptr;
-        if (sqlite3_prepare_v3(database_.get(), text, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK) {
-            return false;
-        }
-        queries_.emplace_back(statement);
+    auto database = std::make_unique<RegistryDatabase>();
+    const int code = OpenOrMoveAside(*database);
+    if (code != SQLITE_OK) {
+        Note("The settings store " + file_.Path().string() + " could not be opened: " + sqlite3_errstr(code));
+        return false;
     }
+    Use(std::move(database), Source::File);
     return true;
 }
 
-void SqliteRegistry::MoveAside() {
-    queries_.clear();
-    database_.reset();
-    const std::string aside = file_.string() + ".damaged" + FormatDateSuffix(SystemClock().Now());
-    std::error_code ignored;
-    for (const char* part : {"", "-wal", "-shm"}) std::filesystem::rename(file_.string() + part, aside + part, ignored);
-    note_("The settings store was damaged and is now " + aside + "; the defaults apply.");
+int SqliteRegistry::OpenOrMoveAside(RegistryDatabase& database) {
+    const int code = database.Open(file_.Path(), Source::File);
+    if (!RegistryDatabase::IsDamage(code)) return code;
+    // Moved before it is closed: closing would write its log into it.
+    const std::optional<std::filesystem::path> aside = file_.MoveAside(clock_.Now());
+    if (!aside) return code;
+    Note("The settings store was damaged and moved aside: " + aside->string());
+    if (file_.Prepare() != 0) return SQLITE_CANTOPEN;
+    database = RegistryDatabase();
+    return database.Open(file_.Path(), Source::File);
 }
 
-// Runs one access. A store found damaged is moved aside and the access tried again on the new one.
-template <typename Work>
-int SqliteRegistry::Guarded(Work&& work) {
-    if (queries_.size() != QueryCount) return ErrorWriteFault;
-    const int result = work();
-    if (!IsDamage(sqlite3_errcode(database_.get()))) return result;
-    MoveAside();
-    if (!OpenFile(file_.string())) OpenFile(":memory:");
-    return queries_.size() == QueryCount ? work() : ErrorWriteFault;
+void SqliteRegistry::Use(std::unique_ptr<RegistryDatabase> database, Source source) {
+    database_ = std::move(database);
+    source_ = source;
+    fileLost_ = false;
+    knownKeys_.clear();
+    identity_ = source == Source::File ? file_.CurrentIdentity() : std::nullopt;
+    // Handles stay good: a key that was open in the old store exists in the new one.
+    if (source == Source::ReadOnlyFile) return;
+    for (const auto& [handle, key] : opened_) {
+        if (database_->FindKey(key.LowerPath) == SQLITE_NOTFOUND) {
+            static_cast<void>(database_->AddKey(key.LowerPath, key.Path));
+        }
+    }
 }
 
-int SqliteRegistry::HandOut(std::string_view keyPath, RegistryKey& key) {
-    key = ++lastKey_;
-    openKeys_[key] = ToLower(keyPath);
-    return ErrorSuccess;
+// SQLite goes on with a file that was renamed or removed; this one is then nobody else's any more.
+void SqliteRegistry::FollowFile(Purpose purpose) {
+    if (source_ == Source::File) {
+        const auto present = file_.CurrentIdentity();
+        fileLost_ = !(present && present == identity_) && !OpenFile();
+    } else if (source_ == Source::ReadOnlyFile && purpose == Purpose::Write) {
+        OpenFile(); // the disk may have room again
+    }
 }
 
-const std::string* SqliteRegistry::PathOf(RegistryKey key) const {
-    const auto found = openKeys_.find(key);
-    return found == openKeys_.end() ? nullptr : &found->second;
+void SqliteRegistry::ReplaceDamaged() {
+    if (source_ != Source::File) return;
+    {
+        const Descriptor lock = file_.LockFolder();
+        if (file_.CurrentIdentity() == identity_) {
+            const std::optional<std::filesystem::path> aside = file_.MoveAside(clock_.Now());
+            if (!aside) return;
+            Note("The settings store was damaged and moved aside: " + aside->string());
+        } // else another instance has moved it already
+    }
+    OpenFile();
+}
+
+// Runs one operation. Damage that comes to light is moved aside, and the operation runs once more on the new
+// store.
+template <typename Operation>
+int SqliteRegistry::Run(Purpose purpose, Operation&& operation) {
+    try {
+        FollowFile(purpose);
+        if (!database_) return SQLITE_NOMEM;
+        if (fileLost_ && purpose == Purpose::Write) return SQLITE_IOERR;
+        const int code = operation(*database_);
+        if (!RegistryDatabase::IsDamage(code)) return code;
+        ReplaceDamaged();
+        return operation(*database_);
+    } catch (const std::exception&) {
+        return SQLITE_NOMEM;
+    }
+}
+
+template <typename Operation>
+int SqliteRegistry::RunOnKey(RegistryKey key, Purpose purpose, Operation&& operation) {
+    const auto found = opened_.find(key);
+    if (found == opened_.end()) return ErrorInvalidHandle;
+    const std::string_view lowerPath = found->second.LowerPath;
+    const int code = Run(purpose, [&](RegistryDatabase& database) { return operation(database, lowerPath); });
+    return purpose == Purpose::Read ? ReadCode(code) : WriteCode(code);
+}
+
+RegistryKey SqliteRegistry::Hand(std::string_view keyPath, std::string lowerPath) {
+    opened_.emplace(++lastKey_, OpenedKey{std::string(keyPath), std::move(lowerPath)});
+    return lastKey_;
 }
 
 int SqliteRegistry::CreateKeyEx(RegistryHive, std::string_view keyPath, RegistryAccess, RegistryKey& key,
                                 RegistryDisposition& disposition) {
-    return Guarded([&] {
-        const int code = CodeOf(Statement(*this, AddKey).Bind(ToLower(keyPath)).Step());
-        if (code != ErrorSuccess) return code;
-        disposition = sqlite3_changes(database_.get()) > 0 ? RegistryDisposition::CreatedNewKey
-                                                           : RegistryDisposition::OpenedExistingKey;
-        return HandOut(keyPath, key);
+    const int code = Run(Purpose::Write, [&](RegistryDatabase& database) {
+        std::string lowerPath = ToLower(keyPath);
+        int result = database.FindKey(lowerPath);
+        disposition = RegistryDisposition::OpenedExistingKey;
+        if (result == SQLITE_NOTFOUND) {
+            disposition = RegistryDisposition::CreatedNewKey;
+            result = database.AddKey(lowerPath, keyPath);
+        }
+        if (result == SQLITE_OK) key = Hand(keyPath, std::move(lowerPath));
+        return result;
     });
+    if (code != SQLITE_OK) disposition = RegistryDisposition::None;
+    return WriteCode(code);
 }
 
 int SqliteRegistry::OpenKeyEx(RegistryHive, std::string_view keyPath, RegistryAccess, RegistryKey& key) {
-    return Guarded([&] {
-        const int step = Statement(*this, FindKey).Bind(ToLower(keyPath)).Step();
-        if (step == SQLITE_DONE) return ErrorFileNotFound;
-        return step == SQLITE_ROW ? HandOut(keyPath, key) : CodeOf(step);
-    });
+    return ReadCode(Run(Purpose::Read, [&](RegistryDatabase& database) {
+        std::string lowerPath = ToLower(keyPath);
+        const int result = knownKeys_.contains(lowerPath) ? SQLITE_OK : database.FindKey(lowerPath);
+        if (result != SQLITE_OK) return result;
+        knownKeys_.insert(lowerPath);
+        key = Hand(keyPath, std::move(lowerPath));
+        return result;
+    }));
 }
 
 int SqliteRegistry::QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize,
                                  std::string& text) {
-    return Guarded([&] {
-        const std::string* path = PathOf(key);
-        if (path == nullptr) return ErrorInvalidHandle;
-        Statement statement(*this, ReadValue);
-        const int step = statement.Bind(*path).Bind(ToLower(valueName)).Step();
-        if (step == SQLITE_DONE) return ErrorFileNotFound;
-        if (step != SQLITE_ROW) return CodeOf(step);
-        const std::string_view stored = statement.Text();
-        if (stored.size() + 1 > bufferSize) return ErrorMoreData;
-        text = stored;
-        return ErrorSuccess;
+    if (bufferSize == 0) return ErrorMoreData; // no room for the terminating zero
+    return RunOnKey(key, Purpose::Read, [&](RegistryDatabase& database, std::string_view lowerPath) {
+        return database.FindValue(lowerPath, ToLower(valueName), bufferSize - 1, text);
     });
 }
 
 int SqliteRegistry::SetValueEx(RegistryKey key, std::string_view valueName, std::string_view text) {
-    return Guarded([&] {
-        const std::string* path = PathOf(key);
-        if (path == nullptr) return ErrorInvalidHandle;
-        return CodeOf(
-            Statement(*this, WriteValue).Bind(*path).Bind(ToLower(valueName)).Bind(valueName).Bind(text).Step());
+    return RunOnKey(key, Purpose::Write, [&](RegistryDatabase& database, std::string_view lowerPath) {
+        return database.PutValue(lowerPath, ToLower(valueName), valueName, text);
     });
 }
 
 int SqliteRegistry::DeleteValue(RegistryKey key, std::string_view valueName) {
-    return Guarded([&] {
-        const std::string* path = PathOf(key);
-        if (path == nullptr) return ErrorInvalidHandle;
-        const int code = CodeOf(Statement(*this, RemoveValue).Bind(*path).Bind(ToLower(valueName)).Step());
-        if (code != ErrorSuccess) return code;
-        return sqlite3_changes(database_.get()) > 0 ? ErrorSuccess : ErrorFileNotFound;
+    return RunOnKey(key, Purpose::Write, [&](RegistryDatabase& database, std::string_view lowerPath) {
+        return database.RemoveValue(lowerPath, ToLower(valueName));
     });
 }
 
 int SqliteRegistry::EnumValues(RegistryKey key, std::vector<std::string>& valueNames) {
-    return Guarded([&] {
-        valueNames.clear();
-        const std::string* path = PathOf(key);
-        if (path == nullptr) return ErrorInvalidHandle;
-        Statement statement(*this, ListValues);
-        statement.Bind(*path);
-        int step = 0;
-        while ((step = statement.Step()) == SQLITE_ROW) valueNames.emplace_back(statement.Text());
-        return CodeOf(step);
+    return RunOnKey(key, Purpose::Read, [&](RegistryDatabase& database, std::string_view lowerPath) {
+        return database.ListValues(lowerPath, valueNames);
     });
 }
 
-void SqliteRegistry::CloseKey(RegistryKey key) { openKeys_.erase(key); }
+void SqliteRegistry::CloseKey(RegistryKey key) {
+    opened_.erase(key);
+}
+
+// The same failure again and again, at every call, is told once.
+void SqliteRegistry::Note(std::string text) {
+    if (text == lastNote_) return;
+    lastNote_ = text;
+    notes_.push_back(std::move(text));
+}
+
+std::vector<std::string> SqliteRegistry::TakeNotes() {
+    return std::exchange(notes_, {});
+}
 
 } // namespace korvalin

@@ -5,35 +5,40 @@
 namespace korvalin {
 namespace {
 
-// 1 January 1970 as a day number.
-constexpr Date unixEpoch = 25569;
+constexpr double nanosecond = 1e-9;
 
-constexpr double secondsBetweenZoneChecks = 5;
-
-double Seconds(clockid_t id) {
+timespec Read(clockid_t clock) {
     timespec time{};
-    clock_gettime(id, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    clock_gettime(clock, &time);
+    return time;
+}
+
+double ReadSeconds(clockid_t clock) {
+    const timespec time = Read(clock);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
 }
 
 } // namespace
 
 Date SystemClock::Now() {
-    timespec time{};
-    clock_gettime(CLOCK_REALTIME, &time);
-    // localtime_r alone keeps the zone of the program's start; the user may travel. Looking for a new one is a system
-    // call, and this routine is called for every line.
-    if (const double awake = AwakeSeconds(); awake >= nextZoneCheck_) {
-        tzset();
-        nextZoneCheck_ = awake + secondsBetweenZoneChecks;
-    }
+    const timespec now = Read(CLOCK_REALTIME);
+    // localtime_r keeps the zone of its first use; tzset looks whether TZ or /etc/localtime has changed (one
+    // stat).
+    tzset();
     tm local{};
-    localtime_r(&time.tv_sec, &local);
-    const double localSeconds = static_cast<double>(time.tv_sec + local.tm_gmtoff) + static_cast<double>(time.tv_nsec) * 1e-9;
-    return unixEpoch + localSeconds / SecondsPerDay;
+    localtime_r(&now.tv_sec, &local);
+    const double seconds = local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec +
+                           static_cast<double>(now.tv_nsec) * nanosecond;
+    // Day and time of day are added last: a sum of seconds since 1899 would lose the microseconds.
+    return DateSerial(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday) + seconds / SecondsPerDay;
 }
 
-double SystemClock::BootSeconds() { return Seconds(CLOCK_BOOTTIME); }
-double SystemClock::AwakeSeconds() { return Seconds(CLOCK_MONOTONIC); }
+// CLOCK_MONOTONIC stands still in suspend, CLOCK_BOOTTIME does not.
+double SystemClock::BootSeconds() {
+    return ReadSeconds(CLOCK_BOOTTIME);
+}
+double SystemClock::AwakeSeconds() {
+    return ReadSeconds(CLOCK_MONOTONIC);
+}
 
 } // namespace korvalin

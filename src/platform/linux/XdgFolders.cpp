@@ -1,27 +1,37 @@
 #include "platform/linux/XdgFolders.h"
 
-#include <cstdlib>
+#include "platform/linux/PasswdEntry.h"
 
-#include <pwd.h>
-#include <unistd.h>
+#include <cstdlib>
+#include <string_view>
 
 namespace korvalin {
 namespace {
 
-std::filesystem::path Home() {
+std::filesystem::path HomeFolder() {
     if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') return home;
-    const passwd* entry = getpwuid(getuid());
-    return entry != nullptr ? entry->pw_dir : "/";
+    const std::string home = FindPasswdEntry().HomeFolder;
+    return home.empty() ? "/" : home;
 }
 
-std::filesystem::path FolderOf(const char* variable, const char* belowHome) {
+std::filesystem::path BaseFolder(const char* variable, std::string_view belowHome) {
     if (const char* value = std::getenv(variable); value != nullptr && *value == '/') return value;
-    return Home() / belowHome;
+    return HomeFolder() / belowHome;
 }
 
 } // namespace
 
-std::filesystem::path XdgConfigHome() { return FolderOf("XDG_CONFIG_HOME", ".config"); }
-std::filesystem::path XdgDataHome() { return FolderOf("XDG_DATA_HOME", ".local/share"); }
+std::filesystem::path XdgConfigHome() {
+    return BaseFolder("XDG_CONFIG_HOME", ".config");
+}
+std::filesystem::path XdgDataHome() {
+    return BaseFolder("XDG_DATA_HOME", ".local/share");
+}
+std::filesystem::path ConfigFolder() {
+    return XdgConfigHome() / "korvalin";
+}
+std::filesystem::path AutostartFolder() {
+    return XdgConfigHome() / "autostart";
+}
 
 } // namespace korvalin

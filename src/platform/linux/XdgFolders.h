@@ -1,12 +1,21 @@
+// The user's folders by the XDG base directory rules: a variable counts only when it holds an absolute path;
+// otherwise the default below the home folder serves.
 #pragma once
 
 #include <filesystem>
 
 namespace korvalin {
 
-// The user's folders by the XDG base directory rules: the variable when it holds an absolute path, else the default below
-// the home folder.
+/// $XDG_CONFIG_HOME, else ~/.config.
 std::filesystem::path XdgConfigHome();
+
+/// $XDG_DATA_HOME, else ~/.local/share.
 std::filesystem::path XdgDataHome();
+
+/// The folder of this program's settings store and locks.
+std::filesystem::path ConfigFolder();
+
+/// The folder of the programs that start with the user's desktop.
+std::filesystem::path AutostartFolder();
 
 } // namespace korvalin

@@ -4,6 +4,7 @@
 
 namespace korvalin {
 
+/// The toolkit's event loop.
 class QtEvents : public Events {
   public:
     void ProcessPending() override;

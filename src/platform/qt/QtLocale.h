@@ -6,7 +6,7 @@ class QLocale;
 
 namespace korvalin {
 
-/// The user's regional formats as the toolkit knows them; years get four digits.
+/// The user's regional formats as the toolkit knows them. Years get four digits, times get seconds.
 Locale ReadQtLocale(const QLocale& locale);
 
 } // namespace korvalin

@@ -1,63 +1,84 @@
 #include "platform/qt/QtMessageBoxes.h"
 
+#include "forms/ProgramIcon.h"
+#include "platform/qt/WaitingMessage.h"
+
+#include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace korvalin {
 namespace {
 
 QMessageBox::Icon IconOf(MessageIcon icon) {
     switch (icon) {
+    case MessageIcon::Information: return QMessageBox::Information;
     case MessageIcon::Warning: return QMessageBox::Warning;
     case MessageIcon::Critical: return QMessageBox::Critical;
     case MessageIcon::Question: return QMessageBox::Question;
-    default: return QMessageBox::Information;
     }
+    return QMessageBox::NoIcon;
 }
 
-void Fill(QMessageBox& box, const std::string& text, const std::string& title) {
-    box.setObjectName(QStringLiteral("frmMessage"));
-    box.setTextFormat(Qt::PlainText); // file names and server texts are no markup
-    box.setText(QString::fromStdString(text));
-    box.setWindowTitle(QString::fromStdString(title));
-    box.setWindowFlag(Qt::WindowStaysOnTopHint); // the main window may be on top of everything itself
+QString ToText(const std::string& text) {
+    return QString::fromStdString(text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+// A box below a window that stays on top would block the program unseen.
+bool SomethingStaysOnTop() {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.begin(), windows.end(), [](const QWidget* window) {
+        return window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+    });
+}
+
+void AddButtons(QMessageBox& box, MessageButtons buttons, const QtMessageBoxes::CaptionOf& captionOf) {
+    const auto add = [&](QMessageBox::StandardButton button, MessageAnswer answer, const char* english) {
+        const std::string caption = captionOf(answer);
+        box.addButton(button)->setText(QString::fromStdString(caption.empty() ? english : caption));
+    };
+    if (buttons == MessageButtons::Ok) return add(QMessageBox::Ok, MessageAnswer::Ok, "OK");
+    add(QMessageBox::Yes, MessageAnswer::Yes, "&Yes");
+    add(QMessageBox::No, MessageAnswer::No, "&No");
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
 }
 
 } // namespace
 
-QtMessageBoxes::QtMessageBoxes() : captionOf_([](MessageAnswer) { return QString(); }) {}
+QtMessageBoxes::QtMessageBoxes() : captionOf_([](MessageAnswer) { return std::string(); }) {}
+
 QtMessageBoxes::~QtMessageBoxes() = default;
 
 MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& title, MessageIcon icon,
                                    MessageButtons buttons) {
-    QMessageBox box;
-    Fill(box, text, title);
-    box.setIcon(IconOf(icon));
-    const auto add = [&](QMessageBox::StandardButton button, MessageAnswer answer) {
-        QPushButton* added = box.addButton(button);
-        const QString caption = captionOf_(answer);
-        if (!caption.isEmpty()) added->setText(caption);
-    };
-    if (buttons == MessageButtons::YesNo) {
-        add(QMessageBox::Yes, MessageAnswer::Yes);
-        add(QMessageBox::No, MessageAnswer::No);
-        box.setEscapeButton(QMessageBox::No);
-        return box.exec() == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
-    }
-    add(QMessageBox::Ok, MessageAnswer::Ok);
-    box.exec();
-    return MessageAnswer::Ok;
+    // The window above which the box stands may be deleted, and the box with it, while the box waits.
+    QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    box->setTextFormat(Qt::PlainText);
+    box->setText(ToText(text));
+    box->setWindowTitle(ToText(title));
+    box->setWindowIcon(ProgramIcon());
+    box->setIcon(IconOf(icon));
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse); // error texts want to be passed on
+    if (SomethingStaysOnTop()) box->setWindowFlag(Qt::WindowStaysOnTopHint);
+    AddButtons(*box, buttons, captionOf_);
+    const int answer = box->exec();
+    delete box;
+    if (buttons == MessageButtons::Ok) return MessageAnswer::Ok;
+    return answer == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
 }
 
 void QtMessageBoxes::ShowWaiting(const std::string& text, const std::string& title) {
-    waiting_ = std::make_unique<QMessageBox>();
-    Fill(*waiting_, text, title);
-    waiting_->setIcon(QMessageBox::Information);
-    waiting_->setStandardButtons(QMessageBox::NoButton);
-    waiting_->setModal(false);
+    waiting_ = std::make_unique<WaitingMessage>(ToText(text), ToText(title));
+    waiting_->setWindowIcon(ProgramIcon());
     waiting_->show();
 }
 
-void QtMessageBoxes::CloseWaiting() { waiting_.reset(); }
+void QtMessageBoxes::CloseWaiting() {
+    waiting_.reset();
+}
 
 } // namespace korvalin

@@ -2,26 +2,23 @@
 
 #include "platform/MessageBoxes.h"
 
-#include <QPointer>
-#include <QString>
-
 #include <functional>
 #include <memory>
 
-class QMessageBox;
-class QWidget;
-
 namespace korvalin {
 
-/// Message windows of the desktop, with captions in the program's language.
+class WaitingMessage;
+
+/// Message windows of the desktop. Texts are shown as they are, never as rich text.
 class QtMessageBoxes : public MessageBoxes {
   public:
-    /// Caption of a button; empty for the toolkit's own.
-    using CaptionOf = std::function<QString(MessageAnswer answer)>;
+    /// Caption of a button in the program's language; empty while there are no texts.
+    using CaptionOf = std::function<std::string(MessageAnswer answer)>;
 
     QtMessageBoxes();
     ~QtMessageBoxes() override;
 
+    /// Until then, and where a caption is empty, the buttons are English.
     void Plug(CaptionOf captionOf) { captionOf_ = std::move(captionOf); }
 
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
@@ -31,7 +28,7 @@ class QtMessageBoxes : public MessageBoxes {
 
   private:
     CaptionOf captionOf_;
-    std::unique_ptr<QMessageBox> waiting_;
+    std::unique_ptr<WaitingMessage> waiting_;
 };
 
 } // namespace korvalin

@@ -4,10 +4,11 @@
 
 namespace korvalin {
 
+/// The primary screen as the toolkit sees it. Places of windows are kept in logical pixels, so both sizes
+/// are.
 class QtScreen : public Screen {
   public:
     std::optional<ScreenSize> Primary() override;
-    /// The same as Primary: the places of windows are kept in logical pixels, whatever the mode's resolution.
     std::optional<ScreenSize> CurrentDisplayMode() override { return Primary(); }
 };
 

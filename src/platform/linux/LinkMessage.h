@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/NetworkTables.h"
+
+struct nlmsghdr;
+
+namespace korvalin {
+
+/// Reads one message of the kernel's link table into a row, whose text's memory is used again. False for any
+/// other message.
+bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row);
+
+/// The index of the link that a message of the counter table is about; 0 for any other message.
+std::uint32_t LinkOfCounters(const nlmsghdr& message);
+
+/// Takes the 64-bit counters of such a message into the link's row; false when it has none.
+bool ReadCountersMessage(const nlmsghdr& message, InterfaceRow& row);
+
+/// The interface type of one of the kernel's hardware types (ARPHRD).
+std::uint32_t InterfaceTypeOf(unsigned hardwareType);
+
+/// The operational status of one of the kernel's states (IF_OPER); `flags` are the interface's (IFF), which
+/// decide where a driver does not tell its state.
+OperationalStatus OperationalStatusOf(unsigned state, unsigned flags);
+
+} // namespace korvalin

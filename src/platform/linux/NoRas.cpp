@@ -1,0 +1,22 @@
+#include "platform/linux/NoRas.h"
+
+#include "platform/Registry.h" // ErrorInvalidHandle
+
+namespace korvalin {
+
+int NoRas::EnumConnections(std::vector<RasConnection>&, std::uint32_t& count) {
+    count = 0;
+    return ErrorSuccess;
+}
+
+int NoRas::GetConnectionStatistics(std::int32_t, RasStatistics& statistics) {
+    statistics = {};
+    return ErrorInvalidHandle;
+}
+
+int NoRas::GetConnectStatus(std::int32_t, std::uint32_t& state) {
+    state = 0;
+    return ErrorInvalidHandle;
+}
+
+} // namespace korvalin

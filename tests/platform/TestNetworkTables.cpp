@@ -1,0 +1,223 @@
+#include "fakes/ChildProcess.h"
+#include "fakes/TemporaryFolder.h"
+#include "platform/linux/LinkMessage.h"
+#include "platform/linux/NetlinkNetworkTables.h"
+
+#include <linux/if_arp.h>
+#include <linux/if_link.h>
+#include <linux/rtnetlink.h>
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <cstdlib>
+#include <cstring>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
+
+namespace korvalin {
+namespace {
+
+namespace fs = std::filesystem;
+
+const InterfaceRow* Find(const std::vector<InterfaceRow>& rows, const std::string& name) {
+    const auto found =
+        std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.Description == name; });
+    return found == rows.end() ? nullptr : &*found;
+}
+
+std::uint64_t SysCounter(const fs::path& sys, const std::string& name, const char* counter) {
+    std::uint64_t value = 0;
+    std::ifstream(sys / "class/net" / name / "statistics" / counter) >> value;
+    return value;
+}
+
+bool RunCommand(const std::string& command) {
+    return std::system((command + " 2>/dev/null").c_str()) == 0;
+}
+
+void SendToSelf(std::size_t bytes) {
+    const int socket = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in self{};
+    self.sin_family = AF_INET;
+    self.sin_port = htons(9);
+    self.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const std::string payload(bytes, 'x');
+    EXPECT_EQ(sendto(socket, payload.data(), bytes, 0, reinterpret_cast<sockaddr*>(&self), sizeof self),
+              static_cast<ssize_t>(bytes));
+    close(socket);
+}
+
+TEST(NetworkTables, ListsTheLoopbackAdapterInOrderOfTheIndex) {
+    NetlinkNetworkTables tables;
+    std::vector<InterfaceRow> rows(100); // more than there are: what is left over must go
+    ASSERT_EQ(tables.GetIfTable(rows, true), 0);
+    const InterfaceRow* loopback = Find(rows, "lo");
+    ASSERT_NE(loopback, nullptr);
+    EXPECT_EQ(loopback->Type, IfTypeSoftwareLoopback);
+    EXPECT_TRUE(loopback->Counts64Bits);
+    EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.Index < b.Index; }));
+    const auto adapters = std::distance(fs::directory_iterator("/sys/class/net"), fs::directory_iterator());
+    EXPECT_EQ(rows.size(), static_cast<std::size_t>(adapters));
+}
+
+TEST(NetworkTables, FollowsAdaptersOfTheKernel) {
+    Signal permitted;
+    const TemporaryFolder sys;
+    ChildProcess apart([&] {
+        const bool own = unshare(CLONE_NEWNET | CLONE_NEWNS) == 0 &&
+                         mount("", "/", "", MS_REC | MS_PRIVATE, "") == 0 &&
+                         mount("sysfs", sys.Path().c_str(), "sysfs", 0, "") == 0 &&
+                         RunCommand("ip link set lo up && ip link add east type veth peer name west");
+        permitted.Send(own ? 1 : 0);
+        if (!own) return;
+        NetlinkNetworkTables tables;
+        std::vector<InterfaceRow> rows;
+        const auto status = [&](const char* name) {
+            EXPECT_EQ(tables.GetIfTable(rows, true), 0);
+            const InterfaceRow* row = Find(rows, name);
+            return row != nullptr ? row->OperStatus : OperationalStatus::Unreachable;
+        };
+        EXPECT_EQ(status("east"), OperationalStatus::Disconnected);
+        EXPECT_EQ(Find(rows, "east")->Type, IfTypeEthernet);
+        RunCommand("ip link set east up");
+        EXPECT_EQ(status("east"), OperationalStatus::Disconnected); // no carrier: its peer is down
+        RunCommand("ip link set west up");
+        EXPECT_EQ(status("east"), OperationalStatus::Operational);
+        EXPECT_EQ(status("lo"), OperationalStatus::Operational);
+
+        EXPECT_EQ(tables.GetIfTable(rows, true), 0); // from here on no link changes: counters alone
+        const std::uint64_t before = Find(rows, "lo")->InOctets;
+        SendToSelf(1000);
+        EXPECT_EQ(tables.GetIfTable(rows, true), 0);
+        EXPECT_GT(Find(rows, "lo")->InOctets, before + 1000);
+        EXPECT_EQ(Find(rows, "lo")->InOctets, SysCounter(sys.Path(), "lo", "rx_bytes"));
+        EXPECT_EQ(Find(rows, "lo")->OutOctets, SysCounter(sys.Path(), "lo", "tx_bytes"));
+
+        RunCommand("ip link set west name wild");
+        EXPECT_EQ(status("wild"), OperationalStatus::Operational);
+        RunCommand("ip link set wild down");
+        EXPECT_EQ(status("wild"), OperationalStatus::Disconnected);
+        RunCommand("ip link del east");
+        EXPECT_EQ(status("wild"), OperationalStatus::Unreachable);
+    });
+    if (permitted.Await() == 0) GTEST_SKIP() << "no network namespace or veth pair may be made here";
+    apart.Finish();
+}
+
+// A message of the link table as an older kernel, or none at all, would send it.
+class LinkMessage {
+  public:
+    explicit LinkMessage(std::uint16_t hardwareType, unsigned flags = 0) {
+        bytes_.resize(NLMSG_SPACE(sizeof(ifinfomsg)));
+        auto* link = static_cast<ifinfomsg*>(NLMSG_DATA(Header()));
+        link->ifi_index = 7;
+        link->ifi_type = hardwareType;
+        link->ifi_flags = flags;
+    }
+    LinkMessage& Add(std::uint16_t type, const void* data, std::size_t size) {
+        rtattr attribute{static_cast<std::uint16_t>(RTA_LENGTH(size)), type};
+        const std::size_t begin = bytes_.size();
+        bytes_.resize(begin + RTA_SPACE(size));
+        std::memcpy(bytes_.data() + begin, &attribute, sizeof attribute);
+        std::memcpy(bytes_.data() + begin + RTA_LENGTH(0), data, size);
+        return *this;
+    }
+    InterfaceRow Read() {
+        Header()->nlmsg_len = static_cast<std::uint32_t>(bytes_.size());
+        Header()->nlmsg_type = RTM_NEWLINK;
+        InterfaceRow row;
+        EXPECT_TRUE(ReadLinkMessage(*Header(), row));
+        return row;
+    }
+
+  private:
+    nlmsghdr* Header() { return reinterpret_cast<nlmsghdr*>(bytes_.data()); }
+    std::vector<char> bytes_;
+};
+
+TEST(NetworkTables, TakesTheWideCountersWhereThereAreAny) {
+    rtnl_link_stats64 wide{};
+    wide.rx_bytes = 5'000'000'000;
+    wide.tx_bytes = 6'000'000'000;
+    rtnl_link_stats narrow{};
+    narrow.rx_bytes = 705'032'704;
+    narrow.tx_bytes = 1'705'032'704;
+    for (const bool wideFirst : {true, false}) {
+        LinkMessage message(ARPHRD_ETHER);
+        if (wideFirst) message.Add(IFLA_STATS64, &wide, sizeof wide);
+        message.Add(IFLA_STATS, &narrow, sizeof narrow);
+        if (!wideFirst) message.Add(IFLA_STATS64, &wide, sizeof wide);
+        const InterfaceRow row = message.Read();
+        EXPECT_TRUE(row.Counts64Bits);
+        EXPECT_EQ(row.InOctets, wide.rx_bytes);
+        EXPECT_EQ(row.OutOctets, wide.tx_bytes);
+    }
+    const InterfaceRow old = LinkMessage(ARPHRD_ETHER).Add(IFLA_STATS, &narrow, sizeof narrow).Read();
+    EXPECT_FALSE(old.Counts64Bits);
+    EXPECT_EQ(old.InOctets, narrow.rx_bytes);
+    EXPECT_EQ(old.OutOctets, narrow.tx_bytes);
+    // cut short: no figures, and nothing read beyond the end
+    EXPECT_EQ(LinkMessage(ARPHRD_ETHER).Add(IFLA_STATS64, &wide, 24).Read().InOctets, 0U);
+}
+
+TEST(NetworkTables, ALineWithoutAStateIsUpWhileItRuns) {
+    constexpr unsigned up = 1;
+    constexpr unsigned running = 0x40;
+    struct {
+        std::uint16_t HardwareType;
+        unsigned Flags;
+        std::uint32_t Type;
+        OperationalStatus Status;
+    } const rows[] = {{ARPHRD_PPP, up | running, IfTypePpp, OperationalStatus::Operational},
+                      {ARPHRD_PPP, up, IfTypePpp, OperationalStatus::Disconnected},
+                      {ARPHRD_NONE, up | running, IfTypeTunnel, OperationalStatus::Operational},
+                      {ARPHRD_SIT, 0, IfTypeTunnel, OperationalStatus::Disconnected},
+                      {ARPHRD_CAN, up | running, IfTypeOther, OperationalStatus::Operational}};
+    for (const auto& row : rows) {
+        const InterfaceRow read =
+            LinkMessage(row.HardwareType, row.Flags).Add(IFLA_IFNAME, "line7", 6).Read();
+        EXPECT_EQ(read.Type, row.Type) << row.HardwareType;
+        EXPECT_EQ(read.OperStatus, row.Status) << row.HardwareType;
+        EXPECT_EQ(read.Description, "line7");
+        EXPECT_EQ(read.Index, 7U);
+    }
+}
+
+TEST(TcpStatistics, AreFoundByTheNamesOfTheirColumns) {
+    const TemporaryFolder proc;
+    NetlinkNetworkTables tables(proc.Path());
+    TcpStatistics tcp{1, 2, 3, 4};
+    EXPECT_EQ(tables.GetTcpStatistics(tcp), ENOENT);
+    EXPECT_EQ(tcp.CurrEstab + tcp.InSegs + tcp.OutSegs + tcp.NumConns, 0U);
+
+    struct {
+        const char* Snmp;
+        int Code;
+        std::uint32_t CurrEstab, InSegs, OutSegs;
+    } const rows[] = {{"Ip: InSegs\nIp: 77\nTcp: MaxConn CurrEstab InSegs OutSegs RetransSegs\nTcp: -1 12 "
+                       "5000000000 34 9\n",
+                       0, 12, 705'032'704, 34},
+                      {"Tcp: OutSegs NewOne CurrEstab\nTcp: 5 6 7\nUdp: InSegs\nUdp: 1\n", 0, 7, 0, 5},
+                      {"Tcp: CurrEstab InSegs OutSegs\nTcp: 8\n", 0, 8, 0, 0},
+                      {"Tcp: CurrEstab\n", ENOTSUP, 0, 0, 0},
+                      {"", ENOTSUP, 0, 0, 0}};
+    for (const auto& row : rows) {
+        proc.Write("snmp", row.Snmp);
+        EXPECT_EQ(tables.GetTcpStatistics(tcp), row.Code) << row.Snmp;
+        EXPECT_EQ(tcp.CurrEstab, row.CurrEstab) << row.Snmp;
+        EXPECT_EQ(tcp.InSegs, row.InSegs) << row.Snmp;
+        EXPECT_EQ(tcp.OutSegs, row.OutSegs) << row.Snmp;
+    }
+    proc.Write("snmp", "Tcp: CurrEstab\nTcp: 1\n");
+    proc.Write("sockstat", "sockets: used 310\nTCP: inuse 5 orphan 0 tw 2\nUDP: inuse 99\n");
+    EXPECT_EQ(tables.GetTcpStatistics(tcp), 0);
+    EXPECT_EQ(tcp.NumConns, 5U); // a kernel without IPv6
+    proc.Write("sockstat6", "TCP6: inuse 3\nUDP6: inuse 99\n");
+    EXPECT_EQ(tables.GetTcpStatistics(tcp), 0);
+    EXPECT_EQ(tcp.NumConns, 8U);
+    EXPECT_EQ(NetlinkNetworkTables().GetTcpStatistics(tcp), 0);
+}
+
+} // namespace
+} // namespace korvalin
