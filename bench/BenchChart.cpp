@@ -56,7 +56,7 @@ void ChartOf16CurvesWith3600Samples(benchmark::State& state) {
         Scale(picture, maximum);
         for (std::size_t slot = 0; slot < RateSlots; ++slot) {
             for (const Direction direction : {Direction::Received, Direction::Sent}) {
-                CurvePoints(history, 1, slot, direction, samples, maximum, picture.ScaleX(1), points);
+                CurvePoints(history, 1, slot, direction, samples, maximum, points);
                 picture.Polyline(points, 0xFF);
             }
         }

@@ -12,36 +12,6 @@ namespace {
 constexpr std::size_t longestName = 16;
 constexpr std::size_t earliestCut = 12;
 
-// The samples of one pixel column, newest first.
-class PixelColumn {
-  public:
-    explicit PixelColumn(std::vector<ChartPoint>& points) : points_(points) {}
-
-    void Add(const ChartPoint& point) {
-        if (count_++ == 0) {
-            first_ = lowest_ = highest_ = last_ = point;
-            return;
-        }
-        if (point.Y < lowest_.Y) lowest_ = point;
-        if (point.Y > highest_.Y) highest_ = point;
-        last_ = point;
-    }
-    void Flush() {
-        if (count_ > 0) points_.push_back(first_);
-        if (count_ > 2) {
-            points_.push_back(lowest_);
-            points_.push_back(highest_);
-        }
-        if (count_ > 1) points_.push_back(last_);
-        count_ = 0;
-    }
-
-  private:
-    std::vector<ChartPoint>& points_;
-    std::size_t count_ = 0;
-    ChartPoint first_{}, lowest_{}, highest_{}, last_{};
-};
-
 } // namespace
 
 std::size_t VisibleSamplesFor(int widthMinutes) {
@@ -102,24 +72,19 @@ std::string LineLabel(const LineState& lines, const InfoTexts& texts, std::strin
 }
 
 void CurvePoints(const RateHistory& history, std::size_t line, std::size_t slot, Direction direction,
-                 std::size_t visible, double clip, double unitsPerPixel, std::vector<ChartPoint>& points) {
+                 std::size_t visible, double clip, std::vector<ChartPoint>& points) {
     points.clear();
     const std::size_t newest = history.Samples();
     const double newestTime = history.At(newest, line).T;
-    PixelColumn column(points);
-    double columnOfPoints = -1;
     for (std::size_t n = newest; n >= 1; --n) {
         const HistorySample& sample = history.At(n, line);
         if (sample.T == 0) break;
         const double x = RoundToEven(static_cast<double>(visible) - (newestTime - sample.T));
         if (x < 1) break;
         const float rate = direction == Direction::Received ? sample.RateDL[slot] : sample.RateUL[slot];
-        const double pixel = std::floor(x / unitsPerPixel);
-        if (pixel != columnOfPoints) column.Flush();
-        columnOfPoints = pixel;
-        column.Add({x, std::min<double>(rate, clip)});
+        points.push_back({x, std::min<double>(rate, clip)});
     }
-    column.Flush();
+    std::reverse(points.begin(), points.end());
 }
 
 } // namespace korvalin

@@ -44,10 +44,9 @@ struct ChartPoint {
 
 enum class Direction { Received, Sent };
 
-/// The curve of one rate slot from the newest sample backwards, placed by time stamps, clipped at `clip`.
-/// `unitsPerPixel` is the width of a pixel in samples: where several samples share a pixel column, its first, lowest,
-/// highest and last are kept, which draws the same picture with fewer points.
+/// The curve of one rate slot, placed by time stamps and clipped at `clip`, from left to right: it reaches back from the
+/// newest sample at the right edge to the first empty one or the left edge.
 void CurvePoints(const RateHistory& history, std::size_t line, std::size_t slot, Direction direction,
-                 std::size_t visible, double clip, double unitsPerPixel, std::vector<ChartPoint>& points);
+                 std::size_t visible, double clip, std::vector<ChartPoint>& points);
 
 } // namespace korvalin

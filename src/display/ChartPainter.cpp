@@ -161,10 +161,9 @@ void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::si
     parts_.Error.Step("DrawLine", [&] {
         // A value beyond the scale is drawn one pixel above the top rule.
         chartScale_.at(slot) = chartScale_[0] + std::abs(picture.ScaleY(1));
-        const double unitsPerPixel = picture.ScaleX(1);
         const auto draw = [&](std::size_t rateSlot, Direction direction, std::int32_t color) {
             CurvePoints(parts_.History, texts.LineIndex, rateSlot, direction, visibleSamples_, chartScale_.at(slot),
-                        unitsPerPixel, points_);
+                        points_);
             picture.Polyline(points_, color);
         };
         for (std::size_t c = 0; c < RateSlots; ++c) {
