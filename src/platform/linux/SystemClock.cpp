@@ -6,6 +6,7 @@ namespace korvalin {
 namespace {
 
 constexpr double nanosecond = 1e-9;
+constexpr double secondsBetweenZoneChecks = 1;
 
 timespec Read(clockid_t clock) {
     timespec time{};
@@ -22,9 +23,12 @@ double ReadSeconds(clockid_t clock) {
 
 Date SystemClock::Now() {
     const timespec now = Read(CLOCK_REALTIME);
-    // localtime_r keeps the zone of its first use; tzset looks whether TZ or /etc/localtime has changed (one
-    // stat).
-    tzset();
+    // localtime_r keeps the zone of its first use; tzset looks whether TZ or /etc/localtime has changed. That is a
+    // system call, and this is called for every line.
+    if (const double awake = AwakeSeconds(); awake >= nextZoneCheck_) {
+        tzset();
+        nextZoneCheck_ = awake + secondsBetweenZoneChecks;
+    }
     tm local{};
     localtime_r(&now.tv_sec, &local);
     const double seconds = local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec +
