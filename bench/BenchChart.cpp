@@ -2,12 +2,11 @@
 #include "display/ChartModel.h"
 #include "forms/PictureBox.h"
 
-#include <cmath>
-
 #include <QApplication>
 #include <QPainter>
-
 #include <benchmark/benchmark.h>
+
+#include <cmath>
 
 namespace korvalin {
 namespace {

@@ -1,5 +1,8 @@
 // What runs every second, and what others do for the same.
 #include "base/Locale.h"
+#include "cli/ConsoleMessageBoxes.h"
+#include "cli/NoScreen.h"
+#include "cli/PlainEvents.h"
 #include "display/RateHistory.h"
 #include "errors/Errors.h"
 #include "platform/Internet.h"
@@ -10,15 +13,11 @@
 #include "settings/Settings.h"
 #include "startup/Program.h"
 
-#include "cli/ConsoleMessageBoxes.h"
-#include "cli/NoScreen.h"
-#include "cli/PlainEvents.h"
+#include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-
-#include <benchmark/benchmark.h>
 
 namespace korvalin {
 namespace {
@@ -56,12 +55,13 @@ class ManyAdapters : public NetworkTables {
   public:
     explicit ManyAdapters(std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
-            rows_.push_back({static_cast<std::uint32_t>(i + 1), IfTypeEthernet, OperationalStatus::Operational, 1000, 1000,
-                             true, "veth" + std::to_string(i)});
+            rows_.push_back({static_cast<std::uint32_t>(i + 1), IfTypeEthernet,
+                             OperationalStatus::Operational, 1000, 1000, true, "veth" + std::to_string(i)});
         }
     }
     int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {
-        for (InterfaceRow& row : rows_) row.InOctets += 1234;
+        for (InterfaceRow& row : rows_)
+            row.InOctets += 1234;
         rows = rows_;
         return 0;
     }
@@ -79,7 +79,8 @@ class Online : public Internet {
 void GetReg(benchmark::State& state) {
     const Bench bench;
     bench.program->settings.SetReg("ChartMax", 50);
-    for (auto _ : state) benchmark::DoNotOptimize(bench.program->settings.GetNumber("ChartMax"));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench.program->settings.GetNumber("ChartMax"));
 }
 BENCHMARK(GetReg);
 
@@ -87,7 +88,8 @@ BENCHMARK(GetReg);
 void GetRegPeer(benchmark::State& state) {
     const auto path = std::filesystem::temp_directory_path() / "korvalin-bench.ini";
     std::ofstream file(path);
-    for (int i = 0; i < 80; ++i) file << "Setting" << i << "=50\n";
+    for (int i = 0; i < 80; ++i)
+        file << "Setting" << i << "=50\n";
     file << "ChartMax=50\n";
     file.close();
     for (auto _ : state) {
@@ -111,15 +113,17 @@ void TickWithAdapters(benchmark::State& state) {
     NoScreen screen;
     LanReader reader(adapters, program.lines, program.lineBook, program.trafficOptions, program.errors,
                      clock);
-    LineMonitor monitor(program.lines, program.lineBook, program.rasReader, reader, program.trafficOptions, internet,
-                        user, program.errors);
-    SamplingLoop loop(clock, screen, program.settings, program.lines, monitor,
-                      program.rateHistory, program.infoTexts, program.errors);
+    LineMonitor monitor(program.lines, program.lineBook, program.rasReader, reader, program.trafficOptions,
+                        internet, user, program.errors);
+    SamplingLoop loop(clock, screen, program.settings, program.lines, monitor, program.rateHistory,
+                      program.infoTexts, program.errors);
     program.lineBook.Plug({[](const std::string& name) { return name; }, [](int, std::size_t) {},
                            [&] { loop.ResizeRateHistory(); }});
     program.LoadRecords();
-    for (int i = 0; i < 70; ++i) loop.Get_TransferedData();
-    for (auto _ : state) loop.Get_TransferedData();
+    for (int i = 0; i < 70; ++i)
+        loop.Get_TransferedData();
+    for (auto _ : state)
+        loop.Get_TransferedData();
 }
 BENCHMARK(TickWithAdapters)->Arg(1)->Arg(1000);
 
@@ -127,7 +131,8 @@ BENCHMARK(TickWithAdapters)->Arg(1)->Arg(1000);
 void LinkTable(benchmark::State& state) {
     NetlinkNetworkTables tables;
     std::vector<InterfaceRow> rows;
-    for (auto _ : state) benchmark::DoNotOptimize(tables.GetIfTable(rows, true));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(tables.GetIfTable(rows, true));
 }
 BENCHMARK(LinkTable);
 

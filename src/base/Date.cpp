@@ -3,13 +3,13 @@
 #include "base/Locale.h"
 #include "base/Text.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
 #include <vector>
-
-#include <fmt/format.h>
 
 namespace korvalin {
 namespace {
@@ -37,8 +37,10 @@ std::optional<std::vector<Token>> Tokenize(std::string_view text) {
         i = next;
         if (i < text.size()) {
             token.SeparatorAfter = text[i++];
-            if (std::string_view(".:-/T ").find(token.SeparatorAfter) == std::string_view::npos) return std::nullopt;
-            while (i < text.size() && text[i] == ' ') ++i;
+            if (std::string_view(".:-/T ").find(token.SeparatorAfter) == std::string_view::npos)
+                return std::nullopt;
+            while (i < text.size() && text[i] == ' ')
+                ++i;
         }
         tokens.push_back(token);
     }
@@ -83,7 +85,8 @@ std::optional<bool> TakeAfternoonMark(std::string_view& text) {
     return std::nullopt;
 }
 
-std::optional<Date> TimeFromTokens(const std::vector<Token>& tokens, std::size_t first, std::optional<bool> afternoon) {
+std::optional<Date> TimeFromTokens(const std::vector<Token>& tokens, std::size_t first,
+                                   std::optional<bool> afternoon) {
     std::array<int, 3> time{};
     const std::size_t count = tokens.size() - first;
     if (count < 2 || count > 3) return std::nullopt;
@@ -118,22 +121,32 @@ DateParts SplitDate(Date date) {
     const double dayNumber = std::floor(seconds / SecondsPerDay);
     const auto rest = static_cast<int>(seconds - dayNumber * SecondsPerDay);
     const chrono::year_month_day day{dayZero + chrono::days{static_cast<int>(dayNumber)}};
-    return {static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
-            static_cast<int>(static_cast<unsigned>(day.day())), rest / 3600, rest / 60 % 60, rest % 60};
+    return {static_cast<int>(day.year()),
+            static_cast<int>(static_cast<unsigned>(day.month())),
+            static_cast<int>(static_cast<unsigned>(day.day())),
+            rest / 3600,
+            rest / 60 % 60,
+            rest % 60};
 }
 
-Date DayOf(Date date) { return std::floor(date); }
+Date DayOf(Date date) {
+    return std::floor(date);
+}
 
-double SecondsOfDay(Date date) { return (date - std::floor(date)) * SecondsPerDay; }
+double SecondsOfDay(Date date) {
+    return (date - std::floor(date)) * SecondsPerDay;
+}
 
 std::string FormatDateIso(Date date) {
     const DateParts p = SplitDate(date);
-    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second);
+    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute,
+                       p.Second);
 }
 
 std::string FormatDateSuffix(Date date) {
     const DateParts p = SplitDate(date);
-    return fmt::format("_{:04}{:02}{:02}-{:02}{:02}{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute, p.Second);
+    return fmt::format("_{:04}{:02}{:02}-{:02}{:02}{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute,
+                       p.Second);
 }
 
 std::string FormatDateGeneral(Date date, const Locale& locale) {

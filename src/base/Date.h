@@ -20,7 +20,8 @@ struct DateParts {
 };
 
 /// The day number of a calendar date. Months and days outside their range spill into the neighbouring ones:
-/// month 13 is January of the next year, day 0 the last day of the month before. Proleptic Gregorian calendar.
+/// month 13 is January of the next year, day 0 the last day of the month before. Proleptic Gregorian
+/// calendar.
 Date DateSerial(int year, int month, int day);
 
 /// The fraction of a day; hours, minutes and seconds outside their range spill, also over midnight.

@@ -2,16 +2,18 @@
 
 #include "base/Date.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace korvalin {
 namespace {
 
 // One run of the same pattern letter, for instance "yyyy".
 std::string FormatField(const DateParts& parts, char letter, std::size_t length, bool twelveHours) {
-    const auto number = [&](int value) { return fmt::format("{:0{}}", value, std::min<std::size_t>(length, 2)); };
+    const auto number = [&](int value) {
+        return fmt::format("{:0{}}", value, std::min<std::size_t>(length, 2));
+    };
     const int hour = twelveHours ? (parts.Hour + 11) % 12 + 1 : parts.Hour;
     switch (letter) {
     case 'd': return number(parts.Day);

@@ -1,4 +1,5 @@
-// The user's regional formats, read once from the system and handed to whoever formats or reads numbers and dates.
+// The user's regional formats, read once from the system and handed to whoever formats or reads numbers and
+// dates.
 #pragma once
 
 #include <array>
@@ -12,8 +13,9 @@ struct Locale {
     /// Patterns of d, dd, m, mm, yy, yyyy and of h, hh, n, nn, s, ss, AMPM with literal characters between.
     std::string ShortDate = "yyyy-mm-dd";
     std::string Time = "hh:nn:ss";
-    std::array<std::string, 12> MonthNames = {"January", "February", "March",     "April",   "May",      "June",
-                                              "July",    "August",   "September", "October", "November", "December"};
+    std::array<std::string, 12> MonthNames = {"January",   "February", "March",    "April",
+                                              "May",       "June",     "July",     "August",
+                                              "September", "October",  "November", "December"};
     /// From Sunday, as in struct tm.
     std::array<std::string, 7> DayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                            "Thursday", "Friday", "Saturday"};

@@ -3,12 +3,12 @@
 #include "base/Locale.h"
 #include "base/Text.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
-
-#include <fmt/format.h>
 
 namespace korvalin {
 namespace {
@@ -27,17 +27,21 @@ std::optional<double> ParseNumber(std::string_view text) {
     if (text.starts_with('+')) text.remove_prefix(1);
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
+        return std::nullopt;
     return value;
 }
 
-double RoundToEven(double value) { return std::nearbyint(value); }
+double RoundToEven(double value) {
+    return std::nearbyint(value);
+}
 
 std::optional<std::int32_t> ParseWholeNumber(std::string_view text) {
     const std::optional<double> value = ParseNumber(text);
     if (!value) return std::nullopt;
     const double rounded = RoundToEven(*value);
-    if (rounded < std::numeric_limits<std::int32_t>::min() || rounded > std::numeric_limits<std::int32_t>::max()) {
+    if (rounded < std::numeric_limits<std::int32_t>::min() ||
+        rounded > std::numeric_limits<std::int32_t>::max()) {
         return std::nullopt;
     }
     return static_cast<std::int32_t>(rounded);
@@ -57,6 +61,8 @@ std::string FormatNumber(double value, std::string_view pattern, const Locale& l
     return negative ? "-" + text : text;
 }
 
-double UnsignedToDouble(std::int32_t value) { return static_cast<double>(static_cast<std::uint32_t>(value)); }
+double UnsignedToDouble(std::int32_t value) {
+    return static_cast<double>(static_cast<std::uint32_t>(value));
+}
 
 } // namespace korvalin

@@ -1,6 +1,8 @@
 // Headers that nearly every source of the core uses; compiled once per folder.
 #pragma once
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -15,5 +17,3 @@
 #include <utility>
 #include <variant>
 #include <vector>
-
-#include <fmt/format.h>

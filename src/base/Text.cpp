@@ -13,9 +13,13 @@ constexpr std::array<char16_t, 32> windows1252High = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-std::uint8_t Byte(char c) { return static_cast<std::uint8_t>(c); }
+std::uint8_t Byte(char c) {
+    return static_cast<std::uint8_t>(c);
+}
 
-bool IsContinuation(char c) { return (Byte(c) & 0xC0) == 0x80; }
+bool IsContinuation(char c) {
+    return (Byte(c) & 0xC0) == 0x80;
+}
 
 // Length of the sequence that starts with this byte; 0 when no sequence can start with it.
 std::size_t SequenceLength(std::uint8_t lead) {
@@ -95,7 +99,8 @@ std::string ToLower(std::string_view text) {
         } else if (code == 0xC3 && i + 1 < lower.size()) {
             // U+00C0..U+00DE without the multiplication sign U+00D7
             const std::uint8_t second = Byte(lower[++i]);
-            if (second >= 0x80 && second <= 0x9E && second != 0x97) lower[i] = static_cast<char>(second + 0x20);
+            if (second >= 0x80 && second <= 0x9E && second != 0x97)
+                lower[i] = static_cast<char>(second + 0x20);
         }
     }
     return lower;
@@ -126,7 +131,8 @@ std::string_view FirstCharacters(std::string_view text, std::size_t count) {
     std::size_t end = 0;
     while (end < text.size() && count > 0) {
         ++end;
-        while (end < text.size() && IsContinuation(text[end])) ++end;
+        while (end < text.size() && IsContinuation(text[end]))
+            ++end;
         --count;
     }
     return text.substr(0, end);
@@ -155,7 +161,9 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
     }
 }
 
-std::string_view TrimAtNul(std::string_view text) { return text.substr(0, text.find('\0')); }
+std::string_view TrimAtNul(std::string_view text) {
+    return text.substr(0, text.find('\0'));
+}
 
 std::string AnsiBytesToString(std::string_view bytes) {
     if (bytes.empty()) return {};

@@ -10,7 +10,8 @@ namespace korvalin {
 /// True when the bytes are well-formed UTF-8 (RFC 3629: no overlong forms, no surrogates, at most U+10FFFF).
 bool IsValidUtf8(std::string_view bytes);
 
-/// Converts Windows-1252 to UTF-8. The five codes that 1252 leaves undefined become the C1 control of the same number.
+/// Converts Windows-1252 to UTF-8. The five codes that 1252 leaves undefined become the C1 control of the
+/// same number.
 std::string FromWindows1252(std::string_view bytes);
 
 /// A line read from a file as UTF-8: valid UTF-8 is taken as it is, anything else as Windows-1252.
@@ -49,8 +50,8 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
 /// The text up to its first zero byte.
 std::string_view TrimAtNul(std::string_view text);
 
-/// The characters of a fixed byte buffer up to the first zero byte. The last byte counts as the terminator and is
-/// never copied, so a full buffer without a zero yields all but its last byte.
+/// The characters of a fixed byte buffer up to the first zero byte. The last byte counts as the terminator
+/// and is never copied, so a full buffer without a zero yields all but its last byte.
 std::string AnsiBytesToString(std::string_view bytes);
 
 } // namespace korvalin

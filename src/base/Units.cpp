@@ -5,8 +5,8 @@
 namespace korvalin {
 
 std::optional<std::int32_t> FindUnitFactor(std::string_view unitName) {
-    const auto* const found = std::find_if(Units.begin(), Units.end(),
-                                           [&](const Unit& unit) { return unit.Name == unitName; });
+    const auto* const found =
+        std::find_if(Units.begin(), Units.end(), [&](const Unit& unit) { return unit.Name == unitName; });
     if (found == Units.end()) return std::nullopt;
     return found->Bytes;
 }

@@ -28,7 +28,8 @@ inline constexpr std::array<Unit, 10> Units = {{{"Byte", 1},
 /// Bytes per unit; names are compared with exact letter case. nullopt for a name that is no unit.
 std::optional<std::int32_t> FindUnitFactor(std::string_view unitName);
 
-/// Index of the unit option in the settings dialog: binary 0, decimal 1, Kbit 2, Mbit 3 among the rate options
+/// Index of the unit option in the settings dialog: binary 0, decimal 1, Kbit 2, Mbit 3 among the rate
+/// options
 /// (`forRateUnits`) and 2 among the volume options; 0 for any other name.
 int UnitOptionIndex(std::string_view unitName, bool forRateUnits);
 

@@ -1,8 +1,8 @@
 #include "cli/ConsoleMessageBoxes.h"
 
-#include <cstdio>
-
 #include <fmt/format.h>
+
+#include <cstdio>
 
 namespace korvalin {
 

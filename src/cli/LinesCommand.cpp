@@ -2,12 +2,12 @@
 
 #include "startup/Program.h"
 
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
 #include <chrono>
 #include <cstdio>
 #include <thread>
-
-#include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 namespace korvalin {
 namespace {
@@ -39,7 +39,8 @@ nlohmann::json LineAsJson(const Program& program, std::size_t i) {
 
 void PrintJson(const Program& program) {
     nlohmann::json lines = nlohmann::json::array();
-    for (std::size_t i = 1; i <= program.lines.LineCount; ++i) lines.push_back(LineAsJson(program, i));
+    for (std::size_t i = 1; i <= program.lines.LineCount; ++i)
+        lines.push_back(LineAsJson(program, i));
     // A name may hold any bytes; one that is no UTF-8 must not end the output.
     fmt::print("{}\n", lines.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
 }

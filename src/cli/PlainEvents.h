@@ -11,7 +11,9 @@ namespace korvalin {
 class PlainEvents : public Events {
   public:
     void ProcessPending() override {}
-    void Sleep(int milliseconds) override { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
+    void Sleep(int milliseconds) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    }
 };
 
 } // namespace korvalin

@@ -3,10 +3,10 @@
 #include "base/Text.h"
 #include "settings/Settings.h"
 
+#include <fmt/format.h>
+
 #include <map>
 #include <string_view>
-
-#include <fmt/format.h>
 
 namespace korvalin {
 namespace {
@@ -25,8 +25,10 @@ std::string_view KindName(const SettingValue& value) {
 
 void ListSettings(Settings& settings) {
     std::map<std::string, std::string> names; // by lower-case name, so each comes once
-    for (const std::string_view name : SettingsTable::Names()) names.emplace(ToLower(name), name);
-    for (const std::string& name : settings.StoredNames()) names.emplace(ToLower(name), name);
+    for (const std::string_view name : SettingsTable::Names())
+        names.emplace(ToLower(name), name);
+    for (const std::string& name : settings.StoredNames())
+        names.emplace(ToLower(name), name);
     for (const auto& [lower, name] : names) {
         const SettingValue value = settings.GetReg(name);
         fmt::print("{:<28} {:<8} {}\n", name, KindName(value), Settings::TextForm(value));

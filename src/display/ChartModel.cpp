@@ -25,7 +25,8 @@ double RoundUpToStep(double maximum, std::int32_t unitFactor) {
     return (std::floor(units / step) * step + step) * unitFactor;
 }
 
-double LargestRate(const RateHistory& history, std::size_t line, const InfoTexts& texts, std::size_t visible) {
+double LargestRate(const RateHistory& history, std::size_t line, const InfoTexts& texts,
+                   std::size_t visible) {
     const std::size_t newest = history.Samples();
     const std::size_t first = newest > visible ? newest - visible + 1 : 1;
     float largest = 0;
@@ -48,7 +49,8 @@ double ScaleMaximum(double roundedMaximum, const InfoTexts& texts) {
 std::vector<int> TimeLinePositions(std::size_t visible, int spacingSeconds) {
     std::vector<int> positions;
     if (spacingSeconds <= 0) return positions;
-    for (int x = static_cast<int>(visible) - spacingSeconds; x >= 1; x -= spacingSeconds) positions.push_back(x);
+    for (int x = static_cast<int>(visible) - spacingSeconds; x >= 1; x -= spacingSeconds)
+        positions.push_back(x);
     return positions;
 }
 

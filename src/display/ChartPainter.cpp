@@ -32,7 +32,9 @@ constexpr double gapPixels = 2; // between a rule and the digits
 
 ChartPainter::ChartPainter(const Parts& parts) : parts_(parts) {}
 
-std::string ChartPainter::Text(int number) const { return parts_.Texts.Lng("modAllgemein", number); }
+std::string ChartPainter::Text(int number) const {
+    return parts_.Texts.Lng("modAllgemein", number);
+}
 
 void ChartPainter::DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable) {
     // The blank at the end belongs to the name by which this routine reports.
@@ -63,7 +65,8 @@ void ChartPainter::PrepareTexts(InfoTexts& texts) {
 void ChartPainter::FindScale(const InfoTexts& texts) {
     double rounded = 0;
     if (parts_.Lines.LineCount > 0) {
-        rounded = RoundUpToStep(LargestRate(parts_.History, texts.LineIndex, texts, visibleSamples_), texts.KBFactor);
+        rounded = RoundUpToStep(LargestRate(parts_.History, texts.LineIndex, texts, visibleSamples_),
+                                texts.KBFactor);
     }
     chartScale_[0] = korvalin::ScaleMaximum(rounded, texts);
 }
@@ -76,7 +79,8 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
     const double pictureHeight = picture.HeightTwips();
     if (pictureHeight < smallestPictureTwips) parts_.PictureTooLow();
     const double textHeight = picture.TextHeightTwips();
-    // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale finite.
+    // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale
+    // finite.
     const double area = std::max(1 - textHeight * textBands / pictureHeight, 0.01);
     picture.SetScaleLeft(1);
     picture.SetScaleWidth(static_cast<double>(visibleSamples_));
@@ -119,7 +123,8 @@ void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
         picture.Print(text);
     };
     const double scaleUnits = chartScale_[0] / texts.KBFactor;
-    const std::string scaleText = FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.UserLocale);
+    const std::string scaleText =
+        FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.UserLocale);
 
     picture.SetCurrentX(2);
     // The digits stand on the rule, with a gap; the band is too low for a whole text cell.
@@ -131,7 +136,8 @@ void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
     const std::string label = Text(8) + " ";
     const std::string unit = " " + texts.RateUnitText + "/s";
     const double rightEdge = static_cast<double>(visibleSamples_) + 1;
-    picture.SetCurrentX(rightEdge - picture.TextWidth(label + texts.RateULText + " " + texts.RateDLText + unit));
+    picture.SetCurrentX(rightEdge -
+                        picture.TextWidth(label + texts.RateULText + " " + texts.RateDLText + unit));
     print(black, label);
     print(uploadColor, texts.RateULText + " ");
     print(downloadColor, texts.RateDLText);
@@ -148,11 +154,13 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     picture.SetCurrentX(2);
     picture.SetCurrentY(picture.ScaleY(gapPixels + 1 + picture.CapitalPixels() - picture.AscentPixels()));
     print(black, Text(9) + " ");
-    print(texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1)), texts.VolumeULText + " ");
+    print(texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1)),
+          texts.VolumeULText + " ");
     print(texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1)), texts.VolumeDLText);
     print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
 
-    const std::string label = LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, false, true));
+    const std::string label =
+        LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, false, true));
     picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
     print(black, label);
 }
@@ -162,8 +170,8 @@ void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::si
         // A value beyond the scale is drawn one pixel above the top rule.
         chartScale_.at(slot) = chartScale_[0] + std::abs(picture.ScaleY(1));
         const auto draw = [&](std::size_t rateSlot, Direction direction, std::int32_t color) {
-            CurvePoints(parts_.History, texts.LineIndex, rateSlot, direction, visibleSamples_, chartScale_.at(slot),
-                        points_);
+            CurvePoints(parts_.History, texts.LineIndex, rateSlot, direction, visibleSamples_,
+                        chartScale_.at(slot), points_);
             picture.Polyline(points_, color);
         };
         for (std::size_t c = 0; c < RateSlots; ++c) {

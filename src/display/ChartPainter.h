@@ -31,8 +31,8 @@ class ChartPainter {
     };
     explicit ChartPainter(const Parts& parts);
 
-    /// Renews the texts and draws the whole chart. Nothing is drawn while the picture is not visible, unless forced,
-    /// nor while the main window does not show its chart (`drawable` false).
+    /// Renews the texts and draws the whole chart. Nothing is drawn while the picture is not visible, unless
+    /// forced, nor while the main window does not show its chart (`drawable` false).
     void DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable);
 
     std::size_t VisibleSamples() const { return visibleSamples_; }

@@ -12,9 +12,9 @@ inline constexpr std::size_t RateSlots = RateSpans.size();
 
 /// One sample of one line.
 struct HistorySample {
-    double T = 0; ///< seconds on the continuous time base; 0 = empty sample
+    double T = 0;                    ///< seconds on the continuous time base; 0 = empty sample
     std::uint32_t CounterSource = 0; ///< whose counters these are
-    double Received = 0; ///< cumulative bytes
+    double Received = 0;             ///< cumulative bytes
     double Transmitted = 0;
     std::array<float, RateSlots> RateDL{}; ///< bytes per second averaged over the spans
     std::array<float, RateSlots> RateUL{};

@@ -23,12 +23,12 @@ struct InfoTexts {
     int FontSize = 9; ///< points
     int TimeLinesSec = 60;
     float UpdateIntervalChart = 0; ///< chart redraw interval in seconds
-    int picWidthMin = 4; ///< width of the chart in minutes
-    int ConnDataMax = 240; ///< samples of history
+    int picWidthMin = 4;           ///< width of the chart in minutes
+    int ConnDataMax = 240;         ///< samples of history
     int Opacity = 255;
-    int ChartLineNo = 0; ///< the line in the chart; 0 = not yet read
-    int ChartMax = 100; ///< fixed scale in thousands of bytes per second
-    int ChartMinMax = 5; ///< floor of the scale in thousands of bytes per second
+    int ChartLineNo = 0;                          ///< the line in the chart; 0 = not yet read
+    int ChartMax = 100;                           ///< fixed scale in thousands of bytes per second
+    int ChartMinMax = 5;                          ///< floor of the scale in thousands of bytes per second
     std::int32_t ChartBackgroundColor = 15323561; ///< red + 256 green + 65536 blue, as all colours here
     int TrayMaxRate = 30;
     int TrayMaxVol = 1000;
@@ -42,7 +42,7 @@ struct InfoTexts {
     bool ShowDuration = true; ///< the online time also for an adapter
 
     // What is shown
-    std::size_t LineIndex = 0; ///< in the line table; 0 = none
+    std::size_t LineIndex = 0;   ///< in the line table; 0 = none
     std::size_t SampleIndex = 0; ///< of the current sample
     std::string RateUnitText = "KB";
     std::string VolumeUnitText = "MB";

@@ -43,7 +43,8 @@ QAction& LinesMenu::Load(std::size_t line) {
 }
 
 void LinesMenu::Check(std::size_t line) {
-    for (std::size_t i = 0; i < items_.size(); ++i) items_[i]->setChecked(i + 1 == line);
+    for (std::size_t i = 0; i < items_.size(); ++i)
+        items_[i]->setChecked(i + 1 == line);
 }
 
 void LinesMenu::Clear() {

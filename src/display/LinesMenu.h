@@ -12,7 +12,8 @@ class QMenu;
 
 namespace korvalin {
 
-/// The menu array mnuLines: item 0 is a separator, item i chooses line i for the chart. Shown with several lines only.
+/// The menu array mnuLines: item 0 is a separator, item i chooses line i for the chart. Shown with several
+/// lines only.
 class LinesMenu {
   public:
     /// `separator` is item 0 and stands in `menu`; the items follow it.

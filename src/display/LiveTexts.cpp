@@ -20,14 +20,20 @@ enum TrayText {
 
 } // namespace
 
-LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, UnitFormat& units, Language& language,
-                     Errors& errors)
-    : lines_(lines), history_(history), units_(units), language_(language), errors_(errors),
+LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, UnitFormat& units,
+                     Language& language, Errors& errors)
+    : lines_(lines),
+      history_(history),
+      units_(units),
+      language_(language),
+      errors_(errors),
       periodVolumeOf_([](const LineRecord& line) {
           return PeriodVolume{line.BytesReceived + line.BytesTransmitted, 0};
       }) {}
 
-std::string LiveTexts::Text(int number) const { return language_.Lng("modAllgemein", number, false, true, true); }
+std::string LiveTexts::Text(int number) const {
+    return language_.Lng("modAllgemein", number, false, true, true);
+}
 
 void LiveTexts::FillInfoStrings(InfoTexts& texts) {
     errors_.Step("FillInfoStrings", [&] {
@@ -55,7 +61,8 @@ void LiveTexts::FillInfoStrings(InfoTexts& texts) {
             const PeriodVolume period = periodVolumeOf_(line);
             freeBytes = period.FreeBytes;
             texts.PeriodVolumeText = units_.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
-            texts.FreeVolumeText = units_.FormatMB(period.FreeBytes - period.UsedBytes, texts.MBFactor, "#,##0");
+            texts.FreeVolumeText =
+                units_.FormatMB(period.FreeBytes - period.UsedBytes, texts.MBFactor, "#,##0");
         }
         if (!lines_.AnyLineConnected) return FillOffline(texts);
         texts.CaptionText = std::string(ProgramTitle) + "  " + Text(22) + " " + texts.RateULText + " " +
@@ -73,8 +80,8 @@ void LiveTexts::FillAverages(InfoTexts& texts, const LineRecord& line) const {
     double received = 0;
     double transmitted = 0;
     if (lines_.AnyLineConnected) {
-        const double seconds =
-            line.IsRas ? units_.SecondsSince(line.Duration, false) : units_.SecondsSince(texts.LanStartTime, true);
+        const double seconds = line.IsRas ? units_.SecondsSince(line.Duration, false)
+                                          : units_.SecondsSince(texts.LanStartTime, true);
         if (seconds > 0) {
             // An adapter has counted since the system's start, not only since this program's.
             received = (line.BytesReceived - (line.IsRas ? 0 : line.StartReceived)) / seconds;
@@ -108,7 +115,8 @@ std::string LiveTexts::TrayTip(const InfoTexts& texts, const LineRecord& line, d
         if (shows(TrayVolumeDL)) tip += " " + Text(13) + " " + texts.VolumeDLText;
         tip += " " + texts.VolumeUnitText + "\n";
     }
-    if (shows(TrayVolumeTotal)) tip += Text(9) + " " + texts.VolumeTotalText + " " + texts.VolumeUnitText + " ";
+    if (shows(TrayVolumeTotal))
+        tip += Text(9) + " " + texts.VolumeTotalText + " " + texts.VolumeUnitText + " ";
     if (shows(TrayDuration) && (lines_.MonitoredLineType == "RAS" || texts.ShowDuration)) {
         tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatTimeOfDay(line.Duration) + "\n";
     }

@@ -14,7 +14,9 @@ float Rate(double newer, double older, double seconds) {
 
 } // namespace
 
-RateHistory::RateHistory(std::size_t samples, std::size_t lines) : samples_(samples) { GrowLines(lines); }
+RateHistory::RateHistory(std::size_t samples, std::size_t lines) : samples_(samples) {
+    GrowLines(lines);
+}
 
 const HistorySample& RateHistory::At(std::size_t sample, std::size_t line) const {
     if (sample == 0) return emptySample;
@@ -36,8 +38,8 @@ void RateHistory::ComputeRates(std::size_t line) {
     HistorySample& newest = column.Ring[column.Newest];
     std::size_t j = samples_;
     for (std::size_t slot = 0; slot < RateSlots; ++slot) {
-        // Back to the first sample at least the span (less half a second) old, or to the oldest there is from the
-        // same connection: its counters say nothing about another one's.
+        // Back to the first sample at least the span (less half a second) old, or to the oldest there is from
+        // the same connection: its counters say nothing about another one's.
         for (;;) {
             --j;
             if (At(j, line).T <= 0 || At(j, line).CounterSource != newest.CounterSource) {
@@ -57,7 +59,8 @@ void RateHistory::ComputeRates(std::size_t line) {
 }
 
 void RateHistory::GrowLines(std::size_t lines) {
-    if (lines > columns_.size()) columns_.resize(lines, Column{std::vector<HistorySample>(samples_), samples_ - 1});
+    if (lines > columns_.size())
+        columns_.resize(lines, Column{std::vector<HistorySample>(samples_), samples_ - 1});
 }
 
 void RateHistory::ResizeSamples(std::size_t samples) {
@@ -65,7 +68,8 @@ void RateHistory::ResizeSamples(std::size_t samples) {
     for (std::size_t line = 1; line <= columns_.size(); ++line) {
         std::vector<HistorySample> kept(samples);
         const std::size_t overlap = std::min(samples, samples_);
-        for (std::size_t k = 0; k < overlap; ++k) kept[samples - 1 - k] = At(samples_ - k, line);
+        for (std::size_t k = 0; k < overlap; ++k)
+            kept[samples - 1 - k] = At(samples_ - k, line);
         columns_[line - 1] = {std::move(kept), samples - 1};
     }
     samples_ = samples;

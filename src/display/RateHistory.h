@@ -6,8 +6,8 @@
 
 namespace korvalin {
 
-/// The samples of every line. Samples count from 1 (oldest) to Samples() (newest); sample 0 is always empty and ends
-/// every backward search. Lines count from 1. Each line is a ring, so a new sample moves nothing.
+/// The samples of every line. Samples count from 1 (oldest) to Samples() (newest); sample 0 is always empty
+/// and ends every backward search. Lines count from 1. Each line is a ring, so a new sample moves nothing.
 class RateHistory {
   public:
     explicit RateHistory(std::size_t samples = 1, std::size_t lines = 1);
@@ -36,7 +36,8 @@ class RateHistory {
         std::size_t Newest = 0;
     };
     static std::size_t Index(const Column& column, std::size_t sample) {
-        // The oldest follows the newest in the ring. Conditional instead of a division: this is the inner loop.
+        // The oldest follows the newest in the ring. Conditional instead of a division: this is the inner
+        // loop.
         const std::size_t index = column.Newest + sample;
         return index >= column.Ring.size() ? index - column.Ring.size() : index;
     }

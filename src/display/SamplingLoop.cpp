@@ -28,16 +28,24 @@ class FlagGuard {
 
 } // namespace
 
-SamplingLoop::SamplingLoop(Clock& clock, Screen& screen, Settings& settings, LineState& lines, LineMonitor& monitor,
-                           RateHistory& history, InfoTexts& texts, Errors& errors)
-    : clock_(clock), screen_(screen), settings_(settings), lines_(lines), monitor_(monitor), history_(history),
-      texts_(texts), errors_(errors), watch_(clock) {
+SamplingLoop::SamplingLoop(Clock& clock, Screen& screen, Settings& settings, LineState& lines,
+                           LineMonitor& monitor, RateHistory& history, InfoTexts& texts, Errors& errors)
+    : clock_(clock),
+      screen_(screen),
+      settings_(settings),
+      lines_(lines),
+      monitor_(monitor),
+      history_(history),
+      texts_(texts),
+      errors_(errors),
+      watch_(clock) {
     hooks_.Schedule = [] {};
     hooks_.Check = [] { return false; };
     hooks_.Quit = [] {};
 }
 
-// Steps are counted in seconds awake: midnight, a wall clock that is set and a suspend neither skip one nor add any.
+// Steps are counted in seconds awake: midnight, a wall clock that is set and a suspend neither skip one nor
+// add any.
 void SamplingLoop::TimerMain_Timer() {
     const double t = clock_.AwakeSeconds();
     if (t - lastStep_ <= stepSeconds) return;
@@ -71,7 +79,8 @@ void SamplingLoop::CheckForUpdate() {
 
 void SamplingLoop::WatchScreenSize() {
     const std::optional<ScreenSize> size = screen_.Primary();
-    if (!size || (size->WidthPixels == lastScreen_.WidthPixels && size->HeightPixels == lastScreen_.HeightPixels)) {
+    if (!size ||
+        (size->WidthPixels == lastScreen_.WidthPixels && size->HeightPixels == lastScreen_.HeightPixels)) {
         return;
     }
     const bool remembered = lastScreen_.WidthPixels != 0;
@@ -100,7 +109,8 @@ void SamplingLoop::Get_TransferedData() {
     monitor_.Get_Bytes_Transmitted();
     HandleOnlineChange(RefreshMenus());
     const double jumpedSeconds = watch_.JumpedSeconds();
-    for (std::size_t line = 1; line <= lines_.LineCount; ++line) AppendSample(line, jumpedSeconds);
+    for (std::size_t line = 1; line <= lines_.LineCount; ++line)
+        AppendSample(line, jumpedSeconds);
     if (lines_.LineCount == 0 || window_ == nullptr) return;
     // Once for all lines: the picture after the last line's sample is the one that stays.
     window_->DrawChart(false);
@@ -122,7 +132,8 @@ bool SamplingLoop::RefreshMenus() {
     if (window_ == nullptr) return false;
     const bool hangUpVisible = window_->HangUpItemVisible();
     const bool hangUpNeeded = lines_.MonitoredLineType == "RAS" && lines_.AnyLineConnected;
-    if ((hangUpVisible && !lines_.AnyLineConnected) || (!hangUpVisible && hangUpNeeded)) window_->RefreshDialMenus();
+    if ((hangUpVisible && !lines_.AnyLineConnected) || (!hangUpVisible && hangUpNeeded))
+        window_->RefreshDialMenus();
     return hangUpVisible;
 }
 

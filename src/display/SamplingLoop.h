@@ -62,7 +62,8 @@ class SamplingLoop {
     /// The update routine; returns at once when it is already running.
     void Get_TransferedData();
 
-    /// Fits the history to the number of lines and to ConnDataMax; a chart that shows more raises ConnDataMax.
+    /// Fits the history to the number of lines and to ConnDataMax; a chart that shows more raises
+    /// ConnDataMax.
     void ResizeRateHistory();
 
     /// Number of samples across the chart, as last drawn.
@@ -95,7 +96,7 @@ class SamplingLoop {
     bool updateBusy_ = false;
     bool lastOnline_ = false;
     bool firstUpdateDone_ = false;
-    Date startDate_ = 0; ///< day of the first update; origin of the continuous time base
+    Date startDate_ = 0;  ///< day of the first update; origin of the continuous time base
     double lastStep_ = 0; ///< seconds awake at the last one-second step
     bool updateCheckPending_ = false;
     Date nextUpdateCheck_ = 0;

@@ -23,12 +23,14 @@ class UnitFormat {
     /// Takes the program-wide units, by name.
     void SetUnits(std::string_view rateUnit, std::string_view volumeUnit);
 
-    /// `value` bytes divided by `factor` and formatted ("0.0", "#,##0" ...); a factor of 0 becomes the rate unit's.
+    /// `value` bytes divided by `factor` and formatted ("0.0", "#,##0" ...); a factor of 0 becomes the rate
+    /// unit's.
     std::string FormatKB(double value, std::int32_t& factor, std::string_view format) const;
     /// The same with the volume unit's factor.
     std::string FormatMB(double value, std::int32_t& factor, std::string_view format) const;
 
-    /// With `toNow` the whole seconds from `date` to now, otherwise `date` itself as a time span in whole seconds.
+    /// With `toNow` the whole seconds from `date` to now, otherwise `date` itself as a time span in whole
+    /// seconds.
     std::int32_t SecondsSince(Date date, bool toNow) const;
 
   private:

@@ -8,7 +8,8 @@
 namespace korvalin {
 namespace {
 constexpr int checkMilliseconds = 30;
-constexpr int checksAfterAChange = 30; // a window manager that has not drawn a frame within a second draws none
+constexpr int checksAfterAChange =
+    30; // a window manager that has not drawn a frame within a second draws none
 constexpr int checksUntilSettled = 3;
 } // namespace
 
@@ -22,7 +23,9 @@ int WindowFrame::TopMargin() const {
     return window_.geometry().top() - window_.frameGeometry().top();
 }
 
-int WindowFrame::CaptionHeight() const { return PixelsToTwips(captionPixels_); }
+int WindowFrame::CaptionHeight() const {
+    return PixelsToTwips(captionPixels_);
+}
 
 TwipsRect WindowFrame::Place() const {
     const QRect inner = window_.geometry();
@@ -52,7 +55,9 @@ void WindowFrame::ShowCaption(bool show) {
     AwaitFrame();
 }
 
-void WindowFrame::SetTopmost(bool topmost) { SetFlag(Qt::WindowStaysOnTopHint, topmost); }
+void WindowFrame::SetTopmost(bool topmost) {
+    SetFlag(Qt::WindowStaysOnTopHint, topmost);
+}
 
 // Qt's own way to change a flag hides the window; the platform window takes it while it stays visible.
 void WindowFrame::SetFlag(Qt::WindowType flag, bool on) {

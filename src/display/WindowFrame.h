@@ -13,9 +13,9 @@ class QWidget;
 
 namespace korvalin {
 
-/// The frame that the window manager draws around a window: caption on and off, always on top, and the window's place
-/// with its caption. A window manager decorates some time after it was asked to, so places are put right when the
-/// caption's height becomes known.
+/// The frame that the window manager draws around a window: caption on and off, always on top, and the
+/// window's place with its caption. A window manager decorates some time after it was asked to, so places are
+/// put right when the caption's height becomes known.
 class WindowFrame {
   public:
     explicit WindowFrame(QWidget& window);
@@ -23,8 +23,8 @@ class WindowFrame {
     /// Called when the caption's height became known after the window was shown with a caption.
     void PlugFrameKnown(std::function<void()> frameKnown) { frameKnown_ = std::move(frameKnown); }
 
-    /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with the
-    /// caption, and the place must not change with it.
+    /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with
+    /// the caption, and the place must not change with it.
     TwipsRect Place() const;
     void MoveTo(const TwipsRect& place);
 
@@ -35,7 +35,8 @@ class WindowFrame {
     /// Switches the caption on or off; the inner area stays where it is.
     void ShowCaption(bool show);
 
-    /// Height of the caption in twips, also while it is switched off; 0 until the window manager has drawn one.
+    /// Height of the caption in twips, also while it is switched off; 0 until the window manager has drawn
+    /// one.
     int CaptionHeight() const;
 
     void SetTopmost(bool topmost);
@@ -43,7 +44,8 @@ class WindowFrame {
     /// Brings the window to the front, without keeping it there.
     void Raise();
 
-    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was shown.
+    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was
+    /// shown.
     void AwaitFrame();
 
   private:

@@ -18,13 +18,14 @@ struct TwipsRect {
 inline constexpr int SmallestHeightTwips = 700;
 inline constexpr int SmallestWidthTwips = 500;
 
-/// The main window's place as the settings keep it: left and top per screen resolution, width and height shared. What is
-/// stored always describes the window with its caption.
+/// The main window's place as the settings keep it: left and top per screen resolution, width and height
+/// shared. What is stored always describes the window with its caption.
 class WindowGeometry {
   public:
     WindowGeometry(Settings& settings, Screen& screen);
 
-    /// The stored place for a window whose caption is switched off and would be `captionHeight` high (0: it is shown).
+    /// The stored place for a window whose caption is switched off and would be `captionHeight` high (0: it
+    /// is shown).
     TwipsRect Restore(int captionHeight);
 
     /// Stores the window's place. In title-only mode the height is the caption's and not worth keeping.

@@ -1,12 +1,11 @@
 #include "display/frmMain.h"
 
-#include "ui_frmMain.h"
-
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
 #include "forms/Twips.h"
 #include "lang/ApplyFormTexts.h"
 #include "settings/Settings.h"
+#include "ui_frmMain.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -32,11 +31,13 @@ std::unique_ptr<Ui::frmMain> SetUp(frmMain& window) {
 } // namespace
 
 frmMain::frmMain(const Parts& parts)
-    : parts_(parts), ui_(SetUp(*this)), geometry_(parts.Setting, parts.Display), frame_(*this),
-      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time, parts.UserLocale,
-                [this] { frame_.SetInnerHeight(TwipsToPixels(heightForTextsTwips)); }}),
-      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0,
-                 [this](std::size_t line) { mnuLines_Click(line); }) {
+    : parts_(parts),
+      ui_(SetUp(*this)),
+      geometry_(parts.Setting, parts.Display),
+      frame_(*this),
+      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
+                parts.UserLocale, [this] { frame_.SetInnerHeight(TwipsToPixels(heightForTextsTwips)); }}),
+      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
     ConnectMenu();
@@ -48,7 +49,9 @@ frmMain::frmMain(const Parts& parts)
     frame_.PlugFrameKnown([this] { RestoreGeometry(); });
 }
 
-frmMain::~frmMain() { parts_.Loop.Attach(nullptr); }
+frmMain::~frmMain() {
+    parts_.Loop.Attach(nullptr);
+}
 
 void frmMain::ConnectMenu() {
     connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
@@ -76,7 +79,9 @@ void frmMain::Form_Load() {
     TimerMain_Timer();
 }
 
-void frmMain::ApplyTexts() { ApplyFormTexts(*this, parts_.Texts); }
+void frmMain::ApplyTexts() {
+    ApplyFormTexts(*this, parts_.Texts);
+}
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
@@ -117,12 +122,18 @@ void frmMain::ShowMainWindow(bool show) {
     }
 }
 
-bool frmMain::HangUpItemVisible() { return ui_->mnuLogOut->isVisible(); }
+bool frmMain::HangUpItemVisible() {
+    return ui_->mnuLogOut->isVisible();
+}
 
 // Dialling is not there yet: its items stay hidden.
-void frmMain::RefreshDialMenus() { ui_->mnuLogIn->menuAction()->setVisible(false); }
+void frmMain::RefreshDialMenus() {
+    ui_->mnuLogIn->menuAction()->setVisible(false);
+}
 
-void frmMain::RefreshLinesMenu() { linesMenu_.Refresh(parts_.Lines, parts_.Info); }
+void frmMain::RefreshLinesMenu() {
+    linesMenu_.Refresh(parts_.Lines, parts_.Info);
+}
 
 void frmMain::RestoreGeometry() {
     TwipsRect place = geometry_.Restore(frame_.CaptionShown() ? 0 : frame_.CaptionHeight());
@@ -143,14 +154,17 @@ void frmMain::RestoreGeometry() {
 }
 
 void frmMain::SaveGeometry() {
-    if (!loaded_ || !isVisible() || (windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen))) {
+    if (!loaded_ || !isVisible() ||
+        (windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen))) {
         return;
     }
     const int hiddenCaption = ui_->mnuTitelAnzeigen->isChecked() ? 0 : frame_.CaptionHeight();
     geometry_.Save(frame_.Place(), hiddenCaption, titleOnly_);
 }
 
-int frmMain::LeftEdge() { return frame_.Place().Left; }
+int frmMain::LeftEdge() {
+    return frame_.Place().Left;
+}
 
 void frmMain::mnuTitelAnzeigen_Click() {
     const bool show = ui_->mnuTitelAnzeigen->isChecked();
@@ -197,7 +211,8 @@ void frmMain::mnuLines_Click(std::size_t line) {
 // Window managers keep the edge that is not dragged in place when they know the smallest size.
 void frmMain::SetSmallestSize() {
     const int caption = frame_.CaptionShown() ? TwipsToPixels(frame_.CaptionHeight()) : 0;
-    const int height = std::max(TwipsToPixels(SmallestHeightTwips) - caption, TwipsToPixels(smallestChartTwips));
+    const int height =
+        std::max(TwipsToPixels(SmallestHeightTwips) - caption, TwipsToPixels(smallestChartTwips));
     setMinimumSize(TwipsToPixels(SmallestWidthTwips), titleOnly_ ? 1 : height);
 }
 
@@ -256,7 +271,9 @@ void frmMain::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Keyboard) OpenPopupMenu(mapToGlobal(rect().center()));
 }
 
-void frmMain::OpenPopupMenu(const QPoint& at) { ui_->mnuTrayIcon->popup(at); }
+void frmMain::OpenPopupMenu(const QPoint& at) {
+    ui_->mnuTrayIcon->popup(at);
+}
 
 // Without a frame there is nothing else to size the window by.
 Qt::Edges frmMain::EdgesAt(const QPoint& at) const {
@@ -283,13 +300,15 @@ void frmMain::lblMove_MouseMove(const QMouseEvent& event) {
         return;
     }
     const Qt::Edges edges = EdgesAt(ui_->lblMove->mapToParent(event.pos()));
-    const bool leftToRight = edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge);
-    const bool rightToLeft = edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge);
-    ui_->lblMove->setCursor(leftToRight                                    ? Qt::SizeFDiagCursor
-                            : rightToLeft                                  ? Qt::SizeBDiagCursor
+    const bool leftToRight =
+        edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge);
+    const bool rightToLeft =
+        edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge);
+    ui_->lblMove->setCursor(leftToRight                                     ? Qt::SizeFDiagCursor
+                            : rightToLeft                                   ? Qt::SizeBDiagCursor
                             : (edges & (Qt::LeftEdge | Qt::RightEdge)) != 0 ? Qt::SizeHorCursor
-                            : edges                                        ? Qt::SizeVerCursor
-                                                                           : Qt::ArrowCursor);
+                            : edges                                         ? Qt::SizeVerCursor
+                                                                            : Qt::ArrowCursor);
 }
 
 void frmMain::lblMove_DblClick() {

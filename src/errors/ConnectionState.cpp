@@ -5,7 +5,9 @@
 namespace korvalin {
 namespace {
 
-bool HasFlag(Internet& internet, std::uint32_t flag) { return (internet.GetConnectedState().Flags & flag) != 0; }
+bool HasFlag(Internet& internet, std::uint32_t flag) {
+    return (internet.GetConnectedState().Flags & flag) != 0;
+}
 
 struct InfoLine {
     std::uint32_t Flag;
@@ -24,11 +26,21 @@ constexpr std::array<InfoLine, 7> infoLines = {{{InternetConnectionConfigured, 1
 
 } // namespace
 
-bool IsInternetViaModem(Internet& internet) { return HasFlag(internet, InternetConnectionModem); }
-bool IsInternetViaLan(Internet& internet) { return HasFlag(internet, InternetConnectionLan); }
-bool IsInternetViaProxy(Internet& internet) { return HasFlag(internet, InternetConnectionProxy); }
-bool IsRasInstalled(Internet& internet) { return HasFlag(internet, InternetRasInstalled); }
-bool IsOnline(Internet& internet) { return internet.GetConnectedState().Online; }
+bool IsInternetViaModem(Internet& internet) {
+    return HasFlag(internet, InternetConnectionModem);
+}
+bool IsInternetViaLan(Internet& internet) {
+    return HasFlag(internet, InternetConnectionLan);
+}
+bool IsInternetViaProxy(Internet& internet) {
+    return HasFlag(internet, InternetConnectionProxy);
+}
+bool IsRasInstalled(Internet& internet) {
+    return HasFlag(internet, InternetRasInstalled);
+}
+bool IsOnline(Internet& internet) {
+    return internet.GetConnectedState().Online;
+}
 
 std::string ConnectionInfoText(Internet& internet, const std::function<std::string(int number)>& text) {
     const ConnectedState state = internet.GetConnectedState();

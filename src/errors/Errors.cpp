@@ -2,9 +2,9 @@
 
 #include "base/Text.h"
 
-#include <system_error>
-
 #include <fmt/format.h>
+
+#include <system_error>
 
 namespace korvalin {
 namespace {
@@ -13,9 +13,13 @@ constexpr std::uintmax_t logLimitBytes = 1'000'000;
 constexpr Date quietSpan = 2 * OneSecond;
 
 // "text@@internal@more" as some system calls report it: the part for people, without the marks.
-std::string CleanErrorText(std::string_view text) { return ReplaceAll(text.substr(0, text.find("@@")), "@", " "); }
+std::string CleanErrorText(std::string_view text) {
+    return ReplaceAll(text.substr(0, text.find("@@")), "@", " ");
+}
 
-std::string OneLine(std::string_view text) { return ReplaceAll(ReplaceAll(text, "\r", ""), "\n", " "); }
+std::string OneLine(std::string_view text) {
+    return ReplaceAll(ReplaceAll(text, "\r", ""), "\n", " ");
+}
 
 } // namespace
 
@@ -27,7 +31,10 @@ int ErrorNumber(const std::exception& error) {
 
 Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
                std::string executableName)
-    : clock_(clock), files_(files), messageBoxes_(messageBoxes), locale_(locale),
+    : clock_(clock),
+      files_(files),
+      messageBoxes_(messageBoxes),
+      locale_(locale),
       executableName_(std::move(executableName)) {
     callables_.Text = [](int) { return std::string(); };
     callables_.DataFolder = [] { return std::filesystem::path(); };
@@ -42,8 +49,9 @@ void Errors::DisplayError(std::string_view procName, int errNumber, std::string 
         lastErrorTime_ = now;
 
         const auto text = callables_.Text;
-        const std::string body = text(203) + "\n\n" + text(204) + ": " + std::string(procName) + "\n" + text(205) +
-                                 ": " + std::to_string(errNumber) + "\n" + text(206) + ": " + CleanErrorText(errText);
+        const std::string body = text(203) + "\n\n" + text(204) + ": " + std::string(procName) + "\n" +
+                                 text(205) + ": " + std::to_string(errNumber) + "\n" + text(206) + ": " +
+                                 CleanErrorText(errText);
         messageBoxes_.Show(body, std::string(ProgramTitle) + " " + text(207), MessageIcon::Critical,
                            MessageButtons::Ok);
     } catch (const std::exception& error) {

@@ -32,8 +32,8 @@ int ErrorNumber(const std::exception& error);
 
 /// The one way of telling the user about an unexpected error, and the diagnostic log.
 ///
-/// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are callables
-/// that the program plugs in. Until then the lookup gives empty texts and there is no log.
+/// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are
+/// callables that the program plugs in. Until then the lookup gives empty texts and there is no log.
 class Errors {
   public:
     struct Callables {
@@ -50,15 +50,17 @@ class Errors {
 
     void Plug(Callables callables) { callables_ = std::move(callables); }
 
-    /// Shows an error in the program's words: `procName` is the routine it happened in. A second report within two
-    /// seconds asks first whether to end the program.
+    /// Shows an error in the program's words: `procName` is the routine it happened in. A second report
+    /// within two seconds asks first whether to end the program.
     void DisplayError(std::string_view procName, int errNumber, std::string errText);
 
-    /// Appends one line (date and time, group, message) to the error log; a line that cannot be written is lost.
-    /// Line breaks inside the message become blanks. The log is moved to "..._ErrorLog.old.txt" before it reaches 1 MB.
+    /// Appends one line (date and time, group, message) to the error log; a line that cannot be written is
+    /// lost. Line breaks inside the message become blanks. The log is moved to "..._ErrorLog.old.txt" before
+    /// it reaches 1 MB.
     void WriteErrorLog(std::string_view message, std::string_view group);
 
-    /// Runs one step; an exception is reported with DisplayError and ends only this step. True when it went through.
+    /// Runs one step; an exception is reported with DisplayError and ends only this step. True when it went
+    /// through.
     template <typename F>
     bool Step(std::string_view procName, F&& step) {
         try {

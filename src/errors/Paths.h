@@ -6,8 +6,8 @@
 
 namespace korvalin {
 
-/// The path with a separator appended unless it already ends with one ("C:\" and "/data/" stay). A path written with
-/// backslashes gets a backslash, any other the system's separator.
+/// The path with a separator appended unless it already ends with one ("C:\" and "/data/" stay). A path
+/// written with backslashes gets a backslash, any other the system's separator.
 std::string AddBackslash(std::string_view path);
 
 /// True when the path exists, as file or folder.

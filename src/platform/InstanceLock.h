@@ -7,8 +7,8 @@ class InstanceLock {
   public:
     virtual ~InstanceLock() = default;
 
-    /// Whether an earlier process of the same executable name and the same settings store is running. When none is,
-    /// this process is the earlier one from now on. False also when the lock cannot be used at all.
+    /// Whether an earlier process of the same executable name and the same settings store is running. When
+    /// none is, this process is the earlier one from now on. False also when the lock cannot be used at all.
     [[nodiscard]] virtual bool PreviousInstanceRunning() = 0;
 };
 

@@ -48,7 +48,8 @@ class NetworkTables {
   public:
     virtual ~NetworkTables() = default;
 
-    /// All adapters, in ascending order of their index when `sorted`. 0, or the system's error number with `rows` empty.
+    /// All adapters, in ascending order of their index when `sorted`. 0, or the system's error number with
+    /// `rows` empty.
     [[nodiscard]] virtual int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) = 0;
 
     /// 0, or the system's error number with `statistics` zeroed.

@@ -1,4 +1,5 @@
-// Dial-up connections, in the shape of the Remote Access Service calls (ras.h), typed instead of byte records.
+// Dial-up connections, in the shape of the Remote Access Service calls (ras.h), typed instead of byte
+// records.
 #pragma once
 
 #include <cstdint>
@@ -33,9 +34,11 @@ class Ras {
   public:
     virtual ~Ras() = default;
 
-    /// Fills `connections`, whose size is the room the caller offers, and sets `count` to the number of active
-    /// connections. ErrorBufferTooSmall when there is not enough room; otherwise 0 or a RAS error number.
-    [[nodiscard]] virtual int EnumConnections(std::vector<RasConnection>& connections, std::uint32_t& count) = 0;
+    /// Fills `connections`, whose size is the room the caller offers, and sets `count` to the number of
+    /// active connections. ErrorBufferTooSmall when there is not enough room; otherwise 0 or a RAS error
+    /// number.
+    [[nodiscard]] virtual int EnumConnections(std::vector<RasConnection>& connections,
+                                              std::uint32_t& count) = 0;
 
     /// 0, or a RAS error number with `statistics` zeroed.
     [[nodiscard]] virtual int GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) = 0;

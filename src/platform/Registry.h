@@ -23,9 +23,10 @@ enum class RegistryDisposition { None = 0, CreatedNewKey = 1, OpenedExistingKey 
 
 using RegistryKey = std::int32_t;
 
-/// Text values under key paths. Key paths and value names are compared without regard to letter case; any character
-/// may occur in a name or value. Every call returns ErrorSuccess or a code above and throws nothing; a key that was
-/// opened must be closed. Every query sees what any other program instance has written before.
+/// Text values under key paths. Key paths and value names are compared without regard to letter case; any
+/// character may occur in a name or value. Every call returns ErrorSuccess or a code above and throws
+/// nothing; a key that was opened must be closed. Every query sees what any other program instance has
+/// written before.
 class Registry {
   public:
     virtual ~Registry() = default;
@@ -40,11 +41,12 @@ class Registry {
 
     /// Reads a text value. `bufferSize` is the room in bytes, terminating zero included: a longer value gives
     /// ErrorMoreData, a missing one ErrorFileNotFound; `text` is then left alone.
-    [[nodiscard]] virtual int QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize,
-                                           std::string& text) = 0;
+    [[nodiscard]] virtual int QueryValueEx(RegistryKey key, std::string_view valueName,
+                                           std::size_t bufferSize, std::string& text) = 0;
 
     /// Writes a text value, creating it when missing.
-    [[nodiscard]] virtual int SetValueEx(RegistryKey key, std::string_view valueName, std::string_view text) = 0;
+    [[nodiscard]] virtual int SetValueEx(RegistryKey key, std::string_view valueName,
+                                         std::string_view text) = 0;
 
     /// Deletes a value; ErrorFileNotFound when there is none.
     [[nodiscard]] virtual int DeleteValue(RegistryKey key, std::string_view valueName) = 0;

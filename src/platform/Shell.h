@@ -31,7 +31,8 @@ class Shell {
     /// PlatformSupported, or another identifier where the program cannot run.
     [[nodiscard]] virtual int PlatformId() = 0;
 
-    /// Primary language of the user's locale as a two-letter ISO 639 code in lower case ("de"), "en" when unknown.
+    /// Primary language of the user's locale as a two-letter ISO 639 code in lower case ("de"), "en" when
+    /// unknown.
     [[nodiscard]] virtual std::string UserLanguage() = 0;
 
     /// Starts a program without waiting for it; false when it cannot be started.

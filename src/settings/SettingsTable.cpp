@@ -189,7 +189,8 @@ SettingsTable::SettingsTable() {
 
 std::vector<std::string_view> SettingsTable::Names() {
     std::vector<std::string_view> names;
-    for (const SettingRow& row : settingRows) names.push_back(row.Name);
+    for (const SettingRow& row : settingRows)
+        names.push_back(row.Name);
     return names;
 }
 

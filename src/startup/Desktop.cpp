@@ -24,7 +24,8 @@ void ChoosePlatform() {
     // Nothing here draws with OpenGL; looking for it costs a third of the start and ten megabytes.
     setenv("QT_XCB_GL_INTEGRATION", "none", 0);
     // A Wayland compositor lets no program place its window or keep it on top; XWayland does.
-    if (getenv("WAYLAND_DISPLAY") != nullptr && getenv("DISPLAY") != nullptr) setenv("QT_QPA_PLATFORM", "xcb", 0);
+    if (getenv("WAYLAND_DISPLAY") != nullptr && getenv("DISPLAY") != nullptr)
+        setenv("QT_QPA_PLATFORM", "xcb", 0);
 }
 
 std::string ButtonCaption(Language& language, MessageAnswer answer) {
@@ -59,8 +60,8 @@ int RunDesktop(int argc, char** argv) {
     if (!program.Main()) return EXIT_SUCCESS;
 
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
-                    program.rateHistory, program.infoTexts, program.liveTexts, program.errors, system.SystemTime(),
-                    program.locale});
+                    program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
+                    system.SystemTime(), program.locale});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     window.Form_Load();
     const int exitCode = QApplication::exec();

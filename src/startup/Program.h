@@ -15,8 +15,8 @@
 
 namespace korvalin {
 
-/// The composition root: owns every module of the core, builds them from the ground up and plugs what stands above into
-/// what stands below. Runs with windows and without.
+/// The composition root: owns every module of the core, builds them from the ground up and plugs what stands
+/// above into what stands below. Runs with windows and without.
 class Program {
     // Before everything that is built from it.
     Ports ports_;

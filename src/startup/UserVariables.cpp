@@ -4,9 +4,9 @@
 #include "settings/Settings.h"
 #include "traffic/LineRecord.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace korvalin {
 

@@ -1,3 +1,5 @@
 #include "startup/Desktop.h"
 
-int main(int argc, char** argv) { return korvalin::RunDesktop(argc, argv); }
+int main(int argc, char** argv) {
+    return korvalin::RunDesktop(argc, argv);
+}

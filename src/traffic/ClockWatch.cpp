@@ -8,10 +8,13 @@ constexpr double smallestStepSeconds = 0.5;
 }
 
 ClockWatch::ClockWatch(Clock& clock)
-    : clock_(clock), bootOffset_(WallSeconds() - clock.BootSeconds()),
+    : clock_(clock),
+      bootOffset_(WallSeconds() - clock.BootSeconds()),
       awakeOffset_(WallSeconds() - clock.AwakeSeconds()) {}
 
-double ClockWatch::WallSeconds() const { return clock_.Now() * SecondsPerDay; }
+double ClockWatch::WallSeconds() const {
+    return clock_.Now() * SecondsPerDay;
+}
 
 Date ClockWatch::TakeStep() {
     const double step = WallSeconds() - clock_.BootSeconds() - bootOffset_;
@@ -21,7 +24,8 @@ Date ClockWatch::TakeStep() {
 }
 
 double ClockWatch::JumpedSeconds() const {
-    // Losing the processor between the two readings would look like a jump: read again until it did not happen.
+    // Losing the processor between the two readings would look like a jump: read again until it did not
+    // happen.
     constexpr int attempts = 5;
     constexpr double longestReading = 50e-6;
     double jumped = 0;

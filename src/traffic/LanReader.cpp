@@ -14,7 +14,8 @@ void LanReader::Step(F&& step) {
     try {
         std::forward<F>(step)();
     } catch (const std::exception&) {
-        errors_.DisplayError(fmt::format("Get_Bytes_Transmitted_LAN - interne Fehlernummer: {}", progress_), 0, "");
+        errors_.DisplayError(fmt::format("Get_Bytes_Transmitted_LAN - interne Fehlernummer: {}", progress_),
+                             0, "");
     }
 }
 

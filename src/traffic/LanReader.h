@@ -5,11 +5,12 @@
 
 namespace korvalin {
 
-/// Fills the line table from the active network adapters, packed from line 1 in the order of the interface table.
+/// Fills the line table from the active network adapters, packed from line 1 in the order of the interface
+/// table.
 class LanReader {
   public:
-    LanReader(NetworkTables& network, LineState& state, LineBook& book, const TrafficOptions& options, Errors& errors,
-              Clock& clock);
+    LanReader(NetworkTables& network, LineState& state, LineBook& book, const TrafficOptions& options,
+              Errors& errors, Clock& clock);
 
     void Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines);
 
@@ -28,7 +29,7 @@ class LanReader {
     Errors& errors_;
     Clock& clock_;
     std::vector<InterfaceRow> rows_; // kept for its storage
-    int progress_ = 0; // which step failed, for the report
+    int progress_ = 0;               // which step failed, for the report
 };
 
 } // namespace korvalin

@@ -10,7 +10,8 @@ constexpr double counterRange = 4294967296.0; // 2^32
 constexpr double halfCounterRange = 2147483648.0;
 } // namespace
 
-LineBook::LineBook(LineState& state, Errors& errors, Clock& clock) : state_(state), errors_(errors), clock_(clock) {
+LineBook::LineBook(LineState& state, Errors& errors, Clock& clock)
+    : state_(state), errors_(errors), clock_(clock) {
     hooks_.GetAlias = [](const std::string& entryName) { return entryName; };
     hooks_.SaveStatsLine = [](int, std::size_t) {};
     hooks_.ResizeRateHistory = [] {};
@@ -31,8 +32,8 @@ bool LineBook::LogInIsPlausible(LineRecord& line) {
     return true;
 }
 
-void LineBook::CountWrap(const LineRecord& line, double raw, double last, std::int32_t& wraps, const char* maximumName,
-                         const char* currentName) {
+void LineBook::CountWrap(const LineRecord& line, double raw, double last, std::int32_t& wraps,
+                         const char* maximumName, const char* currentName) {
     if (raw >= last) return;
     if (!line.Counts64Bits && last - halfCounterRange > raw) {
         ++wraps;
@@ -51,7 +52,8 @@ void LineBook::CheckVolume(LineRecord& line) {
     errors_.Step("CheckVolume", [&] {
         if (!LogInIsPlausible(line)) return;
         CountWrap(line, received, line.LastRawReceived, line.WrapsReceived, "MaxRcved", "BytesRecvd");
-        CountWrap(line, transmitted, line.LastRawTransmitted, line.WrapsTransmitted, "MaxXmited", "BytesXmited");
+        CountWrap(line, transmitted, line.LastRawTransmitted, line.WrapsTransmitted, "MaxXmited",
+                  "BytesXmited");
     });
     line.LastRawReceived = received;
     line.LastRawTransmitted = transmitted;

@@ -30,14 +30,15 @@ class LineBook {
 
     void Plug(TrafficHooks hooks) { hooks_ = std::move(hooks); }
 
-    /// Continues the counters of a line whose raw counters were just stored in BytesReceived and BytesTransmitted, and
-    /// corrects an implausible log-in time.
+    /// Continues the counters of a line whose raw counters were just stored in BytesReceived and
+    /// BytesTransmitted, and corrects an implausible log-in time.
     void CheckVolume(LineRecord& line);
 
     /// Clears the fields that belong to one pass.
     void ResetLineSamples(TableFromOne<LineRecord>& lines);
 
-    /// Records every line of the previous pass that is not in this one, and resizes the table to `newCount` lines.
+    /// Records every line of the previous pass that is not in this one, and resizes the table to `newCount`
+    /// lines.
     void RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount);
 
     /// Makes room for line number `count`, keeping the lines there are.
@@ -47,8 +48,8 @@ class LineBook {
 
   private:
     bool LogInIsPlausible(LineRecord& line);
-    void CountWrap(const LineRecord& line, double raw, double last, std::int32_t& wraps, const char* maximumName,
-                   const char* currentName);
+    void CountWrap(const LineRecord& line, double raw, double last, std::int32_t& wraps,
+                   const char* maximumName, const char* currentName);
 
     LineState& state_;
     Errors& errors_;

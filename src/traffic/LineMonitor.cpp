@@ -8,7 +8,13 @@ namespace korvalin {
 
 LineMonitor::LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan,
                          const TrafficOptions& options, Internet& internet, User& user, Errors& errors)
-    : state_(state), book_(book), ras_(ras), lan_(lan), options_(options), internet_(internet), user_(user),
+    : state_(state),
+      book_(book),
+      ras_(ras),
+      lan_(lan),
+      options_(options),
+      internet_(internet),
+      user_(user),
       errors_(errors) {}
 
 void LineMonitor::Get_Bytes_Transmitted() {

@@ -11,13 +11,14 @@ class User;
 /// Decides once per pass what is monitored, dial-up lines or adapters, and has the line table filled.
 class LineMonitor {
   public:
-    LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan, const TrafficOptions& options,
-                Internet& internet, User& user, Errors& errors);
+    LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan,
+                const TrafficOptions& options, Internet& internet, User& user, Errors& errors);
 
     /// One pass; called at the start of every update.
     void Get_Bytes_Transmitted();
 
-    /// The wall clock was set by `days`: moves every moment remembered here with it, so that durations stay true.
+    /// The wall clock was set by `days`: moves every moment remembered here with it, so that durations stay
+    /// true.
     void ShiftMoments(Date days);
 
   private:

@@ -10,14 +10,15 @@ namespace korvalin {
 
 /// One monitored line: an active dial-up connection or an active network adapter.
 struct LineRecord {
-    std::string LineName; ///< for display: the alias of EntryName
+    std::string LineName;     ///< for display: the alias of EntryName
     double BytesReceived = 0; ///< cumulative, extended beyond 32 bits
     double BytesTransmitted = 0;
     bool IsRas = false;
     double StartReceived = 0; ///< adapters: the first counter seen in this table slot; 0 = not yet set
     double StartTransmitted = 0;
     std::string User; ///< filled in the snapshot of the previous pass only
-    double SampleTimer = 0; ///< seconds since midnight at this pass, later seconds on the continuous time base
+    double SampleTimer =
+        0; ///< seconds since midnight at this pass, later seconds on the continuous time base
     std::int32_t WrapsReceived = 0; ///< how often the 32-bit counter started again at 0
     std::int32_t WrapsTransmitted = 0;
     double LastRawReceived = 0; ///< as the system reported it at the previous pass
@@ -25,15 +26,16 @@ struct LineRecord {
     Date LogIn = 0; ///< 0 = not yet known
     bool Connected = false;
     bool Counts64Bits = false; ///< the system's counters of this line never wrap
-    std::uint32_t CounterSource = 0; ///< changes when other counters take this slot; rates never span two sources
+    std::uint32_t CounterSource =
+        0; ///< changes when other counters take this slot; rates never span two sources
     std::uint32_t OperStatus = 0; ///< adapters: operational status
     Date Duration = 0;
     Date SampleTime = 0;
     std::string DeviceName;
-    std::string EntryName; ///< phone-book entry or adapter description
+    std::string EntryName;   ///< phone-book entry or adapter description
     std::int32_t Handle = 0; ///< of a dial-up connection; 0 for adapters
-    std::uint32_t Bps = 0; ///< dial-up line speed in bits per second
-    Date TcpTime = 0; ///< when the TCP figures were read
+    std::uint32_t Bps = 0;   ///< dial-up line speed in bits per second
+    Date TcpTime = 0;        ///< when the TCP figures were read
     std::uint32_t TcpConnections = 0;
     std::uint32_t TcpInSegments = 0;
     std::uint32_t TcpOutSegments = 0;

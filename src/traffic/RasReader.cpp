@@ -5,15 +5,21 @@
 #include "platform/NetworkTables.h"
 #include "settings/Settings.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace korvalin {
 
 RasReader::RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, Settings& settings,
                      Errors& errors, Clock& clock)
-    : ras_(ras), network_(network), state_(state), book_(book), settings_(settings), errors_(errors), clock_(clock) {}
+    : ras_(ras),
+      network_(network),
+      state_(state),
+      book_(book),
+      settings_(settings),
+      errors_(errors),
+      clock_(clock) {}
 
 // A failure is reported, switches the reader off for later passes, and ends only this step.
 bool RasReader::Step(const std::function<void()>& step) {

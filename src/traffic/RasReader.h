@@ -13,8 +13,8 @@ class Settings;
 /// Fills the line table from the active dial-up connections.
 class RasReader {
   public:
-    RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, Settings& settings, Errors& errors,
-              Clock& clock);
+    RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, Settings& settings,
+              Errors& errors, Clock& clock);
 
     /// One pass. After one failure the reader stays off until the program is started again.
     void Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines);

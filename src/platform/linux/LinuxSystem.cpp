@@ -34,14 +34,17 @@ LinuxSystem::~LinuxSystem() = default;
 
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
-    return {b.Registry, b.NetworkTables, b.Internet, b.Ras,          b.Clock, events,
-            messageBoxes, screen,        b.Shell,    b.User, b.InstanceLock, b.Files};
+    return {b.Registry,   b.NetworkTables, b.Internet, b.Ras,  b.Clock,        events,
+            messageBoxes, screen,          b.Shell,    b.User, b.InstanceLock, b.Files};
 }
 
-Clock& LinuxSystem::SystemTime() { return backEnds_->Clock; }
+Clock& LinuxSystem::SystemTime() {
+    return backEnds_->Clock;
+}
 
 void LinuxSystem::TellNotes(Errors& errors) {
-    for (const std::string& note : backEnds_->Store.TakeNotes()) errors.WriteErrorLog(note, "settings store");
+    for (const std::string& note : backEnds_->Store.TakeNotes())
+        errors.WriteErrorLog(note, "settings store");
 }
 
 } // namespace korvalin

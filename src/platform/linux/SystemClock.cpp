@@ -23,8 +23,8 @@ double ReadSeconds(clockid_t clock) {
 
 Date SystemClock::Now() {
     const timespec now = Read(CLOCK_REALTIME);
-    // localtime_r keeps the zone of its first use; tzset looks whether TZ or /etc/localtime has changed. That is a
-    // system call, and this is called for every line.
+    // localtime_r keeps the zone of its first use; tzset looks whether TZ or /etc/localtime has changed. That
+    // is a system call, and this is called for every line.
     if (const double awake = AwakeSeconds(); awake >= nextZoneCheck_) {
         tzset();
         nextZoneCheck_ = awake + secondsBetweenZoneChecks;
