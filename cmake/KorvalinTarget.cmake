@@ -10,7 +10,8 @@ target_include_directories(korvalin_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(korvalin_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # GCC 12 takes the move of a short std::string for an overlapping or overlong copy (its bug 105651).
-  target_compile_options(korvalin_options INTERFACE -Wno-restrict -Wno-array-bounds)
+  target_compile_options(korvalin_options INTERFACE -Wno-restrict -Wno-array-bounds
+                                                   -Wno-stringop-overflow)
 endif()
 if(KORVALIN_WERROR)
   target_compile_options(korvalin_options INTERFACE -Werror)

@@ -18,7 +18,7 @@ int main(int argc, char** argv) {
     std::string value;
     CLI::App* settings = app.add_subcommand("settings", "Read and change settings");
     settings->require_subcommand(1);
-    CLI::App* list = settings->add_subcommand("list", "All settings with their kind and value");
+    CLI::App* list = settings->add_subcommand("list", "All settings with their kind and value (stores missing defaults)");
     CLI::App* get = settings->add_subcommand("get", "One setting, with its default and range applied");
     get->add_option("NAME", name, "Name of the setting")->required();
     CLI::App* set = settings->add_subcommand("set", "Store a setting in its corrected form; \"\" deletes it");
@@ -39,6 +39,11 @@ int main(int argc, char** argv) {
     PlainEvents events;
     LinuxSystem system;
     Program program(system.PortsWith(events, messageBoxes, screen), ReadSystemLocale());
+    // Messages need words; without a choice of language they are English.
+    if (program.language.LoadLanguageChoices()) {
+        const std::string chosen = program.settings.GetText("Language");
+        program.language.UseLanguage(chosen.empty() ? "ENG" : chosen);
+    }
     system.TellNotes(program.errors);
 
     if (list->parsed()) ListSettings(program.settings);

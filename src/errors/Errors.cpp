@@ -46,7 +46,7 @@ void Errors::DisplayError(std::string_view procName, int errNumber, std::string 
         const Date now = clock_.Now();
         const bool repeated = DayOf(lastErrorTime_) == DayOf(now) && lastErrorTime_ + quietSpan > now;
         if (repeated && UserEndsProgram()) return callables_.EndProgram();
-        lastErrorTime_ = now;
+        lastErrorTime_ = clock_.Now(); // the question may have stood open for a while
 
         const auto text = callables_.Text;
         const std::string body = text(203) + "\n\n" + text(204) + ": " + std::string(procName) + "\n" +

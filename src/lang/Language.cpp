@@ -281,11 +281,15 @@ Language::Choices Language::FillLanguageChoices() {
 
 bool Language::ChooseLanguage(std::string_view entry) {
     const std::string_view code = FirstCharacters(entry, codeLength);
-    if (code == languageCode_ || !IsKnown(code)) return false;
-    languageCode_ = code;
+    if (code == languageCode_ || !UseLanguage(code)) return false;
     SetLanguageCode(languageCode_);
-    LoadLanguageTexts();
     return true;
+}
+
+bool Language::UseLanguage(std::string_view code) {
+    if (!IsKnown(code)) return false;
+    languageCode_ = code;
+    return LoadLanguageTexts();
 }
 
 int Language::ParseLngNo(std::string_view tag) {

@@ -67,6 +67,9 @@ class Language {
     /// changed.
     bool ChooseLanguage(std::string_view entry);
 
+    /// Loads the texts of a language of the file without storing the choice; false when there are none.
+    bool UseLanguage(std::string_view code);
+
     /// Three letters; "LNG" while only the language names are loaded, empty before that.
     const std::string& LanguageCode() const;
     const std::vector<std::string>& LanguageCodes() const;

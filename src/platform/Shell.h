@@ -19,6 +19,9 @@ class Shell {
     /// Path of a special folder; empty when the system has none for this identifier.
     [[nodiscard]] virtual std::filesystem::path SpecialFolder(int id) = 0;
 
+    /// The folder of the program's settings.
+    [[nodiscard]] virtual std::filesystem::path SettingsFolder() = 0;
+
     /// The folder of the system's components.
     [[nodiscard]] virtual std::filesystem::path SystemDirectory() = 0;
 

@@ -176,8 +176,14 @@ bool Matches(const PatternRow& pattern, std::string_view lowerName) {
 
 // These hold what the user typed for a line, and the line's name is the user's or the system's choice too:
 // the alias of a line named "Showroom" or "Salmon_2" must stay a text although "show" and "mon_" occur in it.
+// A line may itself be named "Phone_1": its tariff is none of these.
 bool IsTextOfLine(std::string_view lowerName) {
-    return lowerName.ends_with("_alias") || lowerName.starts_with("phone_");
+    if (lowerName.ends_with("_alias")) return true;
+    const auto isLineSuffix = [&](const PatternRow& pattern) {
+        return pattern.Part.starts_with('_') && lowerName.ends_with(pattern.Part);
+    };
+    return lowerName.starts_with("phone_") &&
+           std::none_of(std::begin(patternRows), std::end(patternRows), isLineSuffix);
 }
 
 } // namespace

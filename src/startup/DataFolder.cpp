@@ -16,7 +16,6 @@
 
 #include <fmt/format.h>
 
-#include <random>
 #include <system_error>
 
 namespace korvalin {
@@ -89,7 +88,7 @@ fs::path DataFolder::DefaultFolder() {
     const fs::path common = shell_.SpecialFolder(SpecialFolderCommonAppData);
     const fs::path folder = common / ProgramTitle;
     if (!common.empty() && CreateFolderPath(folder)) return folder;
-    ShowPieces(messageBoxes_, language_, {43, folder.string(), 44}, MessageIcon::Warning);
+    if (HasTexts()) ShowPieces(messageBoxes_, language_, {43, folder.string(), 44}, MessageIcon::Warning);
     return programFolder_;
 }
 
@@ -97,10 +96,13 @@ fs::path DataFolder::DefaultFolder() {
 void DataFolder::UseAnyWritable() {
     runFolder_ = programFolder_;
     if (CanCreateFileIn(programFolder_)) return;
-    // A name that nobody can guess: the place is open to other users.
-    const fs::path folder =
-        fs::temp_directory_path() / fmt::format("{}-{:08x}", ProgramTitle, std::random_device()());
-    if (CreateFolderPath(folder)) runFolder_ = folder;
+    // A place that the next start finds again, should it need one too.
+    if (const fs::path folder = shell_.SettingsFolder(); CreateFolderPath(folder)) runFolder_ = folder;
+}
+
+// A log line may need the folder before the texts are there; a message without words would tell nothing.
+bool DataFolder::HasTexts() {
+    return !language_.Lng("modAllgemein", 29).empty();
 }
 
 bool DataFolder::CreateFolderPath(const fs::path& folder) {
@@ -110,6 +112,7 @@ bool DataFolder::CreateFolderPath(const fs::path& folder) {
 bool DataFolder::CheckDataFolder(const fs::path& folder) {
     if (folder.empty()) return false;
     if (!FileExists(folder)) {
+        if (!HasTexts()) return CreateFolderPath(folder) && CanCreateFileIn(folder);
         const std::string question = folder.string() + "\n\n" + language_.Lng("modAllgemein", 29);
         const auto answer = messageBoxes_.Show(question, std::string(ProgramTitle), MessageIcon::Question,
                                                MessageButtons::YesNo);
@@ -117,11 +120,11 @@ bool DataFolder::CheckDataFolder(const fs::path& folder) {
         static_cast<void>(CreateFolderPath(folder));
     }
     if (!IsFolder(folder)) {
-        ShowPieces(messageBoxes_, language_, {32, folder.string(), 33}, MessageIcon::Warning);
+        if (HasTexts()) ShowPieces(messageBoxes_, language_, {32, folder.string(), 33}, MessageIcon::Warning);
         return false;
     }
     if (CanCreateFileIn(folder)) return true;
-    ShowPieces(messageBoxes_, language_, {30, folder.string(), 31}, MessageIcon::Warning);
+    if (HasTexts()) ShowPieces(messageBoxes_, language_, {30, folder.string(), 31}, MessageIcon::Warning);
     return false;
 }
 
@@ -139,8 +142,10 @@ bool DataFolder::CanCreateFileIn(const fs::path& folder) {
 // ---- moving the statistics
 
 bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFolder, bool ask) {
-    return errors_.Step("ChangeDataPath", [&] {
-        if (oldFolder.empty() || newFolder.empty() || !CheckDataFolder(newFolder)) return;
+    bool refused = false;
+    const bool done = errors_.Step("ChangeDataPath", [&] {
+        refused = oldFolder.empty() || newFolder.empty() || !CheckDataFolder(newFolder);
+        if (refused) return;
         if (SameFolder(oldFolder, newFolder)) return;
         const fs::path newFile = newFolder / StatFileName;
         const fs::path oldFile = oldFolder / StatFileName;
@@ -148,6 +153,7 @@ bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFo
         if (!FileExists(oldFile) || (ask && !UserMovesStatistics())) return;
         MoveStatistics(oldFile, newFile);
     });
+    return done && !refused;
 }
 
 bool DataFolder::UserKeepsNewStatistics() {

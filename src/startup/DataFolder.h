@@ -31,8 +31,8 @@ class DataFolder {
     bool CreateFolderPath(const std::filesystem::path& folder);
 
     /// Moves the statistics file to a new data folder; `ask` lets the user decide. What is there already is
-    /// renamed, never overwritten, and a copy that fails leaves both folders as they were. False when the
-    /// statistics could not be moved, true also when there was nothing to move.
+    /// renamed, never overwritten, and a copy that fails leaves both folders as they were. False when the new
+    /// folder was refused or the statistics could not be moved, true also when there was nothing to move.
     bool ChangeDataPath(const std::filesystem::path& oldFolder, const std::filesystem::path& newFolder,
                         bool ask);
 
@@ -43,6 +43,7 @@ class DataFolder {
     void DecideFolder(const std::filesystem::path& stored);
     std::filesystem::path DefaultFolder();
     void UseAnyWritable();
+    bool HasTexts();
     bool CanCreateFileIn(const std::filesystem::path& folder);
     bool UserKeepsNewStatistics();
     bool UserMovesStatistics();

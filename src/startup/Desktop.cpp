@@ -51,13 +51,13 @@ int RunDesktop(int argc, char** argv) {
     QtEvents events;
     LinuxSystem system;
     Program program(system.PortsWith(events, messageBoxes, screen), ReadQtLocale(QLocale::system()));
-    system.TellNotes(program.errors);
     messageBoxes.Plug([&](MessageAnswer answer) { return ButtonCaption(program.language, answer); });
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
         dialog.exec();
     });
     if (!program.Main()) return EXIT_SUCCESS;
+    system.TellNotes(program.errors);
 
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,

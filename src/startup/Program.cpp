@@ -52,15 +52,15 @@ void Program::PlugErrors() {
 }
 
 void Program::LoadRecords() {
-    LoadDisplaySettings(settings, units, infoTexts);
-    LoadTrafficOptions(settings, trafficOptions);
     lines.ProgramStart = ports_.Clock.Now();
     infoTexts.LanStartTime = lines.ProgramStart;
-    samplingLoop.ResizeRateHistory();
+    errors.Step("LoadUserVar", [this] { LoadDisplaySettings(settings, units, infoTexts); });
+    errors.Step("LoadUserVar", [this] { LoadTrafficOptions(settings, trafficOptions); });
+    errors.Step("LoadUserVar", [this] { samplingLoop.ResizeRateHistory(); });
 }
 
 void Program::LoadUserVar() {
-    errors.Step("LoadUserVar", [this] { LoadRecords(); });
+    LoadRecords();
     errors.Step("LoadUserVar", [this] { autoStart.AutoStart(settings.GetBool("AutoStart")); });
 }
 

@@ -48,6 +48,7 @@ class FakeShell : public Shell {
     int Platform = PlatformSupported;
 
     std::filesystem::path SpecialFolder(int id) override { return Folders[id]; }
+    std::filesystem::path SettingsFolder() override { return Executable.parent_path() / "settings"; }
     std::filesystem::path SystemDirectory() override { return "/usr/lib/"; }
     bool ComponentPresent(const std::string& fileName) override {
         return std::find(MissingComponents.begin(), MissingComponents.end(), fileName) == MissingComponents.end();

@@ -76,8 +76,13 @@ int AutostartRegistry::WriteEntry(std::string_view text) {
         return error == ENOTDIR ? ErrorAccessDenied : CodeOf(error);
     }
     const std::string executable = StartableFile(std::filesystem::path(text)).string();
-    return files_.Replace(entryFile_, WriteAutostartEntry(programValue, executable, text)) ? ErrorSuccess
-                                                                                           : ErrorWriteFault;
+    const std::string entry = WriteAutostartEntry(programValue, executable, text);
+    // Asked for at every start: what the user has switched off in the desktop's own list stays off.
+    if (const std::optional<std::string> existing = ReadWholeFile(entryFile_)) {
+        if (IsSwitchedOff(*existing)) return ErrorAccessDenied;
+        if (*existing == entry) return ErrorSuccess;
+    }
+    return files_.Replace(entryFile_, entry) ? ErrorSuccess : ErrorWriteFault;
 }
 
 int AutostartRegistry::RemoveEntry() {

@@ -110,14 +110,22 @@ std::string WriteAutostartEntry(std::string_view name, std::string_view executab
     return entry + "\n";
 }
 
+bool IsSwitchedOff(std::string_view entry) {
+    const auto keys = ReadKeys(entry);
+    const auto is = [&keys](std::string_view key, std::string_view value) {
+        const auto found = keys.find(key);
+        return found != keys.end() && found->second == value;
+    };
+    return is("Hidden", "true") || is(enabledKey, "false");
+}
+
 std::optional<std::string> ReadAutostartEntry(std::string_view entry) {
     const auto keys = ReadKeys(entry);
     const auto value = [&keys](std::string_view key) {
         const auto found = keys.find(key);
         return found == keys.end() ? std::string() : found->second;
     };
-    if (value("Hidden") == "true" || value(enabledKey) == "false" || value("Exec").empty())
-        return std::nullopt;
+    if (IsSwitchedOff(entry) || value("Exec").empty()) return std::nullopt;
     const std::string registered = value(registeredKey);
     return registered.empty() ? FirstArgument(value("Exec")) : registered;
 }

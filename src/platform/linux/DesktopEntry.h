@@ -17,4 +17,7 @@ std::string WriteAutostartEntry(std::string_view name, std::string_view executab
 /// starts nothing: it is damaged, or the user has switched it off in the desktop's own list.
 std::optional<std::string> ReadAutostartEntry(std::string_view entry);
 
+/// Whether the user has switched the entry off in the desktop's own list.
+bool IsSwitchedOff(std::string_view entry);
+
 } // namespace korvalin

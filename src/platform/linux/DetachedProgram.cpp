@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/wait.h>
 
@@ -20,7 +21,12 @@ namespace {
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL); // an ignored signal would stay ignored in the new program
     close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-    execvp(arguments[0], arguments);
+    // A path is executed as it is: execvp would hand a file that is no program to the shell as a script.
+    if (strchr(arguments[0], '/') != nullptr) {
+        execv(arguments[0], arguments);
+    } else {
+        execvp(arguments[0], arguments);
+    }
     const char failed = 1;
     static_cast<void>(!write(report, &failed, 1));
     _exit(127);

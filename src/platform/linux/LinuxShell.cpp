@@ -29,6 +29,10 @@ bool IsWebAddress(std::string_view address) {
 
 LinuxShell::LinuxShell(std::string pageOpener) : pageOpener_(std::move(pageOpener)) {}
 
+std::filesystem::path LinuxShell::SettingsFolder() {
+    return ConfigFolder();
+}
+
 std::filesystem::path LinuxShell::SpecialFolder(int id) {
     return id == SpecialFolderCommonAppData ? XdgDataHome() : std::filesystem::path();
 }

@@ -10,6 +10,7 @@ class LinuxShell : public Shell {
     explicit LinuxShell(std::string pageOpener = "xdg-open");
 
     std::filesystem::path SpecialFolder(int id) override;
+    std::filesystem::path SettingsFolder() override;
     std::filesystem::path SystemDirectory() override;
     bool ComponentPresent(const std::string& fileName) override;
     std::filesystem::path ExecutablePath() override;
