@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -158,6 +159,11 @@ std::string FormatDateGeneral(Date date, const Locale& locale) {
 std::string FormatTimeOfDay(Date span) {
     const DateParts p = SplitDate(span);
     return fmt::format("{:02}:{:02}:{:02}", p.Hour, p.Minute, p.Second);
+}
+
+std::string FormatDuration(Date span) {
+    const auto seconds = static_cast<long long>(std::max(std::round(span * SecondsPerDay), 0.0));
+    return fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }
 
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {

@@ -48,6 +48,9 @@ std::string FormatDateGeneral(Date date, const Locale& locale);
 /// "hh:mm:ss" of a time span's fraction of a day; hours above 23 start again at 0.
 std::string FormatTimeOfDay(Date span);
 
+/// "hh:mm:ss" of a time span in whole seconds; the hours count on beyond a day. A negative span is 0.
+std::string FormatDuration(Date span);
+
 /// Reads a date, a time, or both: ISO ("2024-03-15 14:05:09", also with 'T'), the locale's short date,
 /// "15.03.2024 14:05" or "3/15/2024 2:05:09 PM". Two-digit years 00..29 are 20xx, others 19xx.
 /// nullopt for anything that is no date; impossible ones such as 31.02.2024 are none.

@@ -53,7 +53,7 @@ void PrintTable(const Program& program) {
         const HistorySample& sample = Newest(program, i);
         fmt::print("{:<4} {:<20} {:>16.0f} {:>16.0f} {:>14.0f} {:>14.0f} {:>9}\n", i, line.LineName,
                    line.BytesReceived, line.BytesTransmitted, sample.RateDL[0], sample.RateUL[0],
-                   FormatTimeOfDay(line.Duration));
+                   FormatDuration(line.Duration));
     }
 }
 

@@ -12,6 +12,11 @@ namespace {
 constexpr std::size_t longestName = 16;
 constexpr std::size_t earliestCut = 12;
 
+// Where a sample stands, counted in samples from the left edge; below 1 it is out of sight.
+double Position(const HistorySample& sample, double newestTime, std::size_t visible) {
+    return RoundToEven(static_cast<double>(visible) - (newestTime - sample.T));
+}
+
 } // namespace
 
 std::size_t VisibleSamplesFor(int widthMinutes) {
@@ -28,10 +33,11 @@ double RoundUpToStep(double maximum, std::int32_t unitFactor) {
 double LargestRate(const RateHistory& history, std::size_t line, const InfoTexts& texts,
                    std::size_t visible) {
     const std::size_t newest = history.Samples();
-    const std::size_t first = newest > visible ? newest - visible + 1 : 1;
+    const double newestTime = history.At(newest, line).T;
     float largest = 0;
-    for (std::size_t n = first; n <= newest; ++n) {
+    for (std::size_t n = newest; n >= 1; --n) {
         const HistorySample& sample = history.At(n, line);
+        if (sample.T == 0 || Position(sample, newestTime, visible) < 1) break;
         for (std::size_t slot = 0; slot < RateSlots; ++slot) {
             if (texts.LineDLShow[slot]) largest = std::max(largest, sample.RateDL[slot]);
             if (texts.LineULShow[slot]) largest = std::max(largest, sample.RateUL[slot]);
@@ -66,7 +72,7 @@ std::string LineLabel(const LineState& lines, const InfoTexts& texts, std::strin
     if (lines.LineCount == 0 || texts.LineIndex == 0) return {};
     const LineRecord& line = lines.LineTable(texts.LineIndex);
     std::string label = texts.ShowLineName ? ShortLineName(line.LineName) : "On";
-    if (line.Connected && (line.IsRas || texts.ShowDuration)) label += " " + FormatTimeOfDay(line.Duration);
+    if (line.Connected && (line.IsRas || texts.ShowDuration)) label += " " + FormatDuration(line.Duration);
     const auto online = std::count_if(lines.LineTable.begin(), lines.LineTable.end(),
                                       [](const LineRecord& record) { return record.Connected; });
     if (lines.LineCount >= 2 && online > 1) label = std::string(onlinePrefix) + " " + label;
@@ -81,7 +87,7 @@ void CurvePoints(const RateHistory& history, std::size_t line, std::size_t slot,
     for (std::size_t n = newest; n >= 1; --n) {
         const HistorySample& sample = history.At(n, line);
         if (sample.T == 0) break;
-        const double x = RoundToEven(static_cast<double>(visible) - (newestTime - sample.T));
+        const double x = Position(sample, newestTime, visible);
         if (x < 1) break;
         const float rate = direction == Direction::Received ? sample.RateDL[slot] : sample.RateUL[slot];
         points.push_back({x, std::min<double>(rate, clip)});

@@ -2,6 +2,8 @@
 
 #include <QMenu>
 
+#include <algorithm>
+
 namespace korvalin {
 
 LinesMenu::LinesMenu(QMenu& menu, QAction& separator, std::function<void(std::size_t line)> chosen)
@@ -9,24 +11,26 @@ LinesMenu::LinesMenu(QMenu& menu, QAction& separator, std::function<void(std::si
 
 void LinesMenu::Refresh(const LineState& lines, const InfoTexts& texts) {
     if (lines.LineCount <= 1) return Clear();
-    if (items_.size() == lines.LineCount) return;
     separator_.setVisible(true);
     while (items_.size() > lines.LineCount) {
-        delete items_.back();
+        delete items_.back().Action;
         items_.pop_back();
     }
     for (std::size_t line = 1; line <= lines.LineCount; ++line) {
         const std::string& entry = lines.LineTable(line).EntryName;
         if (entry.empty()) continue;
-        QAction& item = Load(line);
+        Item& item = Load(line);
+        if (item.Entry == entry) continue;
+        item.Entry = entry;
         // A line's name is no caption: its ampersands are no access keys.
-        item.setText(QString::fromStdString(entry).replace(QLatin1Char('&'), QLatin1String("&&")));
-        item.setVisible(true);
-        item.setChecked(line == static_cast<std::size_t>(texts.ChartLineNo));
+        item.Action->setText(QString::fromStdString(entry).replace(QLatin1Char('&'), QLatin1String("&&")));
+        item.Action->setVisible(true);
     }
+    // The chart shows the last line when its own is gone.
+    Check(std::min(static_cast<std::size_t>(std::max(texts.ChartLineNo, 1)), lines.LineCount));
 }
 
-QAction& LinesMenu::Load(std::size_t line) {
+LinesMenu::Item& LinesMenu::Load(std::size_t line) {
     while (items_.size() < line) {
         const std::size_t number = items_.size() + 1;
         auto* item = new QAction(&menu_);
@@ -35,23 +39,22 @@ QAction& LinesMenu::Load(std::size_t line) {
         item->setVisible(false);
         QObject::connect(item, &QAction::triggered, &menu_, [this, number] { chosen_(number); });
         const QList<QAction*> all = menu_.actions();
-        QAction* last = items_.empty() ? &separator_ : items_.back();
+        QAction* last = items_.empty() ? &separator_ : items_.back().Action;
         menu_.insertAction(all.value(all.indexOf(last) + 1), item);
-        items_.push_back(item);
+        items_.push_back({item, {}});
     }
-    return *items_[line - 1];
+    return items_[line - 1];
 }
 
 void LinesMenu::Check(std::size_t line) {
     for (std::size_t i = 0; i < items_.size(); ++i)
-        items_[i]->setChecked(i + 1 == line);
+        items_[i].Action->setChecked(i + 1 == line);
 }
 
 void LinesMenu::Clear() {
-    while (!items_.empty()) {
-        delete items_.back();
-        items_.pop_back();
-    }
+    for (const Item& item : items_)
+        delete item.Action;
+    items_.clear();
     separator_.setVisible(false);
 }
 

@@ -6,6 +6,7 @@
 #include <QAction>
 
 #include <functional>
+#include <string>
 #include <vector>
 
 class QMenu;
@@ -27,12 +28,16 @@ class LinesMenu {
 
   private:
     void Clear();
-    QAction& Load(std::size_t line);
+    struct Item {
+        QAction* Action; // owned by the menu
+        std::string Entry;
+    };
+    Item& Load(std::size_t line);
 
     QMenu& menu_;
     QAction& separator_;
     std::function<void(std::size_t line)> chosen_;
-    std::vector<QAction*> items_; // item i at i - 1; owned by the menu
+    std::vector<Item> items_; // item i at i - 1
 };
 
 } // namespace korvalin

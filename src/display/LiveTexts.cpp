@@ -84,8 +84,9 @@ void LiveTexts::FillAverages(InfoTexts& texts, const LineRecord& line) const {
                                           : units_.SecondsSince(texts.LanStartTime, true);
         if (seconds > 0) {
             // An adapter has counted since the system's start, not only since this program's.
-            received = (line.BytesReceived - (line.IsRas ? 0 : line.StartReceived)) / seconds;
-            transmitted = (line.BytesTransmitted - (line.IsRas ? 0 : line.StartTransmitted)) / seconds;
+            // One that was reset since counts from below its start.
+            received = std::max(line.BytesReceived - (line.IsRas ? 0 : line.StartReceived), 0.0) / seconds;
+            transmitted = std::max(line.BytesTransmitted - (line.IsRas ? 0 : line.StartTransmitted), 0.0) / seconds;
         }
     }
     texts.AvgDLText = units_.FormatKB(received, texts.KBFactor, "0.0");
@@ -118,7 +119,7 @@ std::string LiveTexts::TrayTip(const InfoTexts& texts, const LineRecord& line, d
     if (shows(TrayVolumeTotal))
         tip += Text(9) + " " + texts.VolumeTotalText + " " + texts.VolumeUnitText + " ";
     if (shows(TrayDuration) && (lines_.MonitoredLineType == "RAS" || texts.ShowDuration)) {
-        tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatTimeOfDay(line.Duration) + "\n";
+        tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatDuration(line.Duration) + "\n";
     }
     if (shows(TrayPeriod)) {
         tip += Text(16) + " " + texts.PeriodVolumeText + " " + texts.VolumeUnitText;

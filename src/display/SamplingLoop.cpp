@@ -86,31 +86,29 @@ void SamplingLoop::WatchScreenSize() {
     const bool remembered = lastScreen_.WidthPixels != 0;
     lastScreen_ = *size;
     if (!remembered) return;
-    lastWindowPos_ = 0;
+    lastWindowPos_.reset();
     if (window_ != nullptr) window_->RestoreGeometry();
 }
 
 void SamplingLoop::WatchWindowPosition() {
     if (window_ == nullptr) return;
-    const int left = window_->LeftEdge();
-    if (left == lastWindowPos_) return;
-    const bool remembered = lastWindowPos_ != 0;
-    lastWindowPos_ = left;
-    if (remembered) window_->SaveGeometry();
+    const WindowPosition position = window_->Position();
+    const bool moved = lastWindowPos_ && *lastWindowPos_ != position;
+    lastWindowPos_ = position;
+    if (moved) window_->SaveGeometry();
 }
 
 void SamplingLoop::Get_TransferedData() {
     if (updateBusy_) return;
     const FlagGuard busy(updateBusy_);
     FollowWallClock();
-    if (startDate_ == 0) startDate_ = DayOf(clock_.Now());
+    if (!timeBase_) timeBase_ = SecondsOfDay(clock_.Now()) - clock_.AwakeSeconds();
     if (texts_.ChartLineNo == 0) texts_.ChartLineNo = std::max(settings_.GetNumber("ChartLineNo"), 1);
 
     monitor_.Get_Bytes_Transmitted();
     HandleOnlineChange(RefreshMenus());
-    const double jumpedSeconds = watch_.JumpedSeconds();
     for (std::size_t line = 1; line <= lines_.LineCount; ++line)
-        AppendSample(line, jumpedSeconds);
+        AppendSample(line);
     if (lines_.LineCount == 0 || window_ == nullptr) return;
     // Once for all lines: the picture after the last line's sample is the one that stays.
     window_->DrawChart(false);
@@ -146,6 +144,7 @@ void SamplingLoop::HandleOnlineChange(bool hangUpWasVisible) {
         } else if (window_ != nullptr) {
             window_->DrawChart(hangUpWasVisible);
             window_->IconDraw();
+            window_->ShowCaption();
             if (texts_.AutoShow) window_->ShowMainWindow(false);
         }
         lastOnline_ = online;
@@ -154,11 +153,9 @@ void SamplingLoop::HandleOnlineChange(bool hangUpWasVisible) {
     if (window_ != nullptr) window_->RefreshLinesMenu();
 }
 
-void SamplingLoop::AppendSample(std::size_t line, double jumpedSeconds) {
+void SamplingLoop::AppendSample(std::size_t line) {
     LineRecord& record = lines_.LineTable(line);
-    // The day of the reading itself, not of this moment: midnight may lie between the two.
-    const double days = DayOf(record.SampleTime) - startDate_;
-    record.SampleTimer += days * SecondsPerDay - jumpedSeconds;
+    record.SampleTimer = *timeBase_ + record.SampleAwake;
     HistorySample& newest = history_.Append(line, record.SampleTimer);
     if (!record.Connected) return;
     newest.CounterSource = record.CounterSource;

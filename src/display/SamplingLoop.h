@@ -7,12 +7,19 @@
 #include "traffic/LineRecord.h"
 
 #include <functional>
+#include <optional>
 
 namespace korvalin {
 
 class Errors;
 class LineMonitor;
 class Settings;
+
+/// Left and top edge of a window in twips.
+struct WindowPosition {
+    int Left = 0, Top = 0;
+    bool operator==(const WindowPosition&) const = default;
+};
 
 /// What the sampling loop asks of the main window.
 class MonitorWindow {
@@ -30,8 +37,7 @@ class MonitorWindow {
     virtual void RefreshLinesMenu() = 0;
     virtual void RestoreGeometry() = 0;
     virtual void SaveGeometry() = 0;
-    /// The window's left edge in twips.
-    virtual int LeftEdge() = 0;
+    virtual WindowPosition Position() = 0;
 };
 
 /// The automatic update check, plugged in by the program.
@@ -66,6 +72,9 @@ class SamplingLoop {
     /// ConnDataMax.
     void ResizeRateHistory();
 
+    /// The moments that a set wall clock moves were taken just now.
+    void RestartClockWatch() { watch_.Restart(); }
+
     /// Number of samples across the chart, as last drawn.
     void SetVisibleSamples(std::size_t visible) { visibleSamples_ = visible; }
 
@@ -79,7 +88,7 @@ class SamplingLoop {
     void WatchWindowPosition();
     bool RefreshMenus();
     void HandleOnlineChange(bool hangUpWasVisible);
-    void AppendSample(std::size_t line, double jumpedSeconds);
+    void AppendSample(std::size_t line);
 
     Clock& clock_;
     Screen& screen_;
@@ -96,12 +105,13 @@ class SamplingLoop {
     bool updateBusy_ = false;
     bool lastOnline_ = false;
     bool firstUpdateDone_ = false;
-    Date startDate_ = 0;  ///< day of the first update; origin of the continuous time base
+    // From seconds awake to seconds since midnight of the first update's day.
+    std::optional<double> timeBase_;
     double lastStep_ = 0; ///< seconds awake at the last one-second step
     bool updateCheckPending_ = false;
     Date nextUpdateCheck_ = 0;
     ScreenSize lastScreen_;
-    int lastWindowPos_ = 0;
+    std::optional<WindowPosition> lastWindowPos_;
     std::size_t visibleSamples_ = 0;
 };
 

@@ -5,7 +5,9 @@
 #include "errors/Errors.h"
 #include "platform/Clock.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace korvalin {
 
@@ -36,7 +38,8 @@ std::string UnitFormat::FormatMB(double value, std::int32_t& factor, std::string
 std::int32_t UnitFormat::SecondsSince(Date date, bool toNow) const {
     const Date span = toNow ? clock_.Now() - date : date;
     // A span built from whole seconds may fall short of them by the last bit.
-    return static_cast<std::int32_t>(std::floor(span * SecondsPerDay + 1e-4));
+    constexpr double most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::clamp(std::floor(span * SecondsPerDay + 1e-4), -most, most));
 }
 
 } // namespace korvalin

@@ -18,13 +18,10 @@ WindowFrame::WindowFrame(QWidget& window) : window_(window) {
     QObject::connect(&settle_, &QTimer::timeout, [this] { CheckFrame(); });
 }
 
+// The platform window's own figure: the widget keeps the one of its first frame.
 int WindowFrame::TopMargin() const {
-    if (!captionShown_ || window_.windowHandle() == nullptr) return 0;
-    return window_.geometry().top() - window_.frameGeometry().top();
-}
-
-int WindowFrame::CaptionHeight() const {
-    return PixelsToTwips(captionPixels_);
+    const QWindow* handle = window_.windowHandle();
+    return captionShown_ && handle != nullptr ? handle->frameMargins().top() : 0;
 }
 
 TwipsRect WindowFrame::Place() const {
@@ -48,9 +45,9 @@ void WindowFrame::MoveTo(const TwipsRect& place) {
 
 void WindowFrame::ShowCaption(bool show) {
     if (show == captionShown_) return;
-    if (captionPixels_ == 0) captionPixels_ = TopMargin();
     if (window_.isVisible()) innerToKeep_ = window_.geometry();
     captionShown_ = show;
+    measured_ = gaveUp_ = false;
     SetFlag(Qt::FramelessWindowHint, !show);
     AwaitFrame();
 }
@@ -77,7 +74,7 @@ void WindowFrame::AwaitFrame() {
 }
 
 void WindowFrame::CheckFrame() {
-    const bool asWanted = captionShown_ ? TopMargin() > 0 : window_.geometry() == window_.frameGeometry();
+    const bool asWanted = !captionShown_ || TopMargin() > 0;
     const bool inPlace = !innerToKeep_ || window_.geometry() == *innerToKeep_;
     // Drawing or removing a frame moves the window, a little later than the frame is reported.
     if (asWanted && !inPlace) window_.setGeometry(*innerToKeep_);
@@ -87,8 +84,20 @@ void WindowFrame::CheckFrame() {
     settle_.stop();
     const bool switched = innerToKeep_.has_value();
     innerToKeep_.reset();
-    if (captionShown_) captionPixels_ = std::max(captionPixels_, TopMargin());
-    if (!switched && captionShown_ && asWanted) frameKnown_();
+    gaveUp_ = !asWanted;
+    if (!measured_) Measure(!switched);
+}
+
+void WindowFrame::LookForFrame() {
+    if (!measured_ && !settle_.isActive()) Measure(true);
+}
+
+void WindowFrame::Measure(bool placeAgain) {
+    if (TopMargin() == 0) return;
+    measured_ = true;
+    captionHeight_ = PixelsToTwips(TopMargin());
+    hooks_.CaptionMeasured(captionHeight_);
+    if (placeAgain) hooks_.PlaceAgain();
 }
 
 } // namespace korvalin

@@ -13,18 +13,24 @@ class QWidget;
 
 namespace korvalin {
 
-/// The frame that the window manager draws around a window: caption on and off, always on top, and the
-/// window's place with its caption. A window manager decorates some time after it was asked to, so places are
-/// put right when the caption's height becomes known.
+/// The frame that the window manager draws around a window: caption on and off, always on top, and the window's place
+/// with its caption. A window manager decorates some time after it was asked to, or after the program started, so places
+/// are put right when the caption's height becomes known.
 class WindowFrame {
   public:
+    struct Hooks {
+        /// The window manager has drawn a caption of this height (twips).
+        std::function<void(int height)> CaptionMeasured = [](int) {};
+        /// ... around a window that was placed without knowing it.
+        std::function<void()> PlaceAgain = [] {};
+    };
+
     explicit WindowFrame(QWidget& window);
 
-    /// Called when the caption's height became known after the window was shown with a caption.
-    void PlugFrameKnown(std::function<void()> frameKnown) { frameKnown_ = std::move(frameKnown); }
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
-    /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with
-    /// the caption, and the place must not change with it.
+    /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with the
+    /// caption, and the place must not change with it.
     TwipsRect Place() const;
     void MoveTo(const TwipsRect& place);
 
@@ -35,32 +41,41 @@ class WindowFrame {
     /// Switches the caption on or off; the inner area stays where it is.
     void ShowCaption(bool show);
 
-    /// Height of the caption in twips, also while it is switched off; 0 until the window manager has drawn
-    /// one.
-    int CaptionHeight() const;
+    /// Height of the caption in twips, also while it is switched off; 0 until one was measured.
+    int CaptionHeight() const { return captionHeight_; }
+    /// The height that was measured when the program ran before.
+    void SetCaptionHeight(int twips) { captionHeight_ = twips; }
+
+    /// Whether Place can be trusted: without a caption, with a measured one, or when none was drawn in good time.
+    bool IsSettled() const { return !captionShown_ || measured_ || gaveUp_; }
 
     void SetTopmost(bool topmost);
 
     /// Brings the window to the front, without keeping it there.
     void Raise();
 
-    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was
-    /// shown.
+    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was shown.
     void AwaitFrame();
+
+    /// Looks once, for a window manager that came late. To be called now and then.
+    void LookForFrame();
 
   private:
     int TopMargin() const;
     void SetFlag(Qt::WindowType flag, bool on);
     void CheckFrame();
+    void Measure(bool placeAgain);
 
     QWidget& window_;
+    Hooks hooks_;
     bool captionShown_ = true;
-    int captionPixels_ = 0;
+    int captionHeight_ = 0;
+    bool measured_ = false; // since the caption is shown
+    bool gaveUp_ = false;
     std::optional<QRect> innerToKeep_;
     QTimer settle_;
     int checksLeft_ = 0;
     int checksInPlace_ = 0;
-    std::function<void()> frameKnown_ = [] {};
 };
 
 } // namespace korvalin

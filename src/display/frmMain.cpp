@@ -17,8 +17,11 @@ namespace korvalin {
 namespace {
 
 constexpr int marginTwips = 10;
-constexpr int smallestChartTwips = 520; // what the chart needs for its texts, margins included
+constexpr int smallestChartTwips = 540; // what the chart needs for its texts, margins included
 constexpr int heightForTextsTwips = 850;
+constexpr std::string_view captionHeightSetting = "MON_CaptionHeight";
+// As much of the window must be on a screen for the user to get hold of it.
+constexpr int smallestPartInSight = 30;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
 constexpr double opaque = 255.0;
 
@@ -36,7 +39,7 @@ frmMain::frmMain(const Parts& parts)
       geometry_(parts.Setting, parts.Display),
       frame_(*this),
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
-                parts.UserLocale, [this] { frame_.SetInnerHeight(TwipsToPixels(heightForTextsTwips)); }}),
+                parts.UserLocale, [this] { SetWindowHeight(heightForTextsTwips); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
@@ -46,7 +49,15 @@ frmMain::frmMain(const Parts& parts)
     timerFade_.setInterval(Fade::StepMilliseconds);
     connect(&timerMain_, &QTimer::timeout, this, [this] { TimerMain_Timer(); });
     connect(&timerFade_, &QTimer::timeout, this, [this] { TimerFade_Timer(); });
-    frame_.PlugFrameKnown([this] { RestoreGeometry(); });
+    frame_.Plug({[this](int height) {
+                     // A start without a caption has none to measure.
+                     parts_.Setting.SetReg(captionHeightSetting, height);
+                     SetSmallestSize();
+                 },
+                 [this] { RestoreGeometry(); }});
+    connect(qApp, &QGuiApplication::screenRemoved, this, [this] {
+        if (isVisible() && !isMinimized()) RestoreGeometry();
+    });
 }
 
 frmMain::~frmMain() {
@@ -63,6 +74,7 @@ void frmMain::ConnectMenu() {
 
 void frmMain::Form_Load() {
     ApplyTexts();
+    frame_.SetCaptionHeight(parts_.Setting.GetNumber(captionHeightSetting));
     SetSmallestSize();
     ui_->mnuTest->setVisible(parts_.Setting.GetBool("Test"));
     if (parts_.Setting.GetBool("ForeGround")) ui_->mnuVordergrund->trigger();
@@ -75,7 +87,9 @@ void frmMain::Form_Load() {
     parts_.Loop.Attach(this);
     if (parts_.Info.AutoShow) StartFade(3);
     loaded_ = true;
-    ShowMainWindow(parts_.Info.AutoShow);
+    if (!parts_.Info.AutoShow) ShowMainWindow(false);
+    // The first update shows the window, or puts it aside when the machine is offline: a window manager that was just
+    // asked to map a window would not iconify it.
     TimerMain_Timer();
 }
 
@@ -85,7 +99,7 @@ void frmMain::ApplyTexts() {
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
-    timerMain_.start(parts_.Loop.MillisecondsToNextStep());
+    if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
 }
 
 void frmMain::DrawChart(bool force) {
@@ -105,12 +119,12 @@ void frmMain::ShowMainWindow(bool show) {
     if (show) {
         const bool wasHidden = !isVisible() || isMinimized();
         windowShown_ = true;
-        setWindowState(windowState() & ~Qt::WindowMinimized);
+        setWindowState(Qt::WindowNoState);
         DrawChart(true);
         QWidget::show();
         frame_.Raise();
         RestoreGeometry();
-        if (wasHidden && frame_.CaptionShown()) frame_.AwaitFrame();
+        if (wasHidden && !frame_.IsSettled()) frame_.AwaitFrame();
     } else if (!IsFormLoaded("frmEinstellungen")) {
         windowShown_ = false;
         // Without an icon in the tray nothing would bring a hidden window back; the taskbar does.
@@ -136,15 +150,17 @@ void frmMain::RefreshLinesMenu() {
 }
 
 void frmMain::RestoreGeometry() {
+    if (QGuiApplication::primaryScreen() == nullptr) return;
     TwipsRect place = geometry_.Restore(frame_.CaptionShown() ? 0 : frame_.CaptionHeight());
     const QRect pixels(TwipsToPixels(place.Left), TwipsToPixels(place.Top), TwipsToPixels(place.Width),
                        TwipsToPixels(place.Height));
     // The screen it lay on may be gone.
     const auto screens = QGuiApplication::screens();
     const bool seen = std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
-        return screen->geometry().intersects(pixels);
+        const QRect part = screen->geometry() & pixels;
+        return part.width() >= smallestPartInSight && part.height() >= smallestPartInSight;
     });
-    if (!seen && !screens.isEmpty()) {
+    if (!seen) {
         const QRect primary = QGuiApplication::primaryScreen()->availableGeometry();
         place.Left = PixelsToTwips(primary.right() - pixels.width());
         place.Top = PixelsToTwips(primary.bottom() - pixels.height());
@@ -154,16 +170,21 @@ void frmMain::RestoreGeometry() {
 }
 
 void frmMain::SaveGeometry() {
-    if (!loaded_ || !isVisible() ||
-        (windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen))) {
-        return;
-    }
+    const auto otherStates = Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen;
+    if (!loaded_ || !isVisible() || (windowState() & otherStates) || !frame_.IsSettled()) return;
+    if (QGuiApplication::primaryScreen() == nullptr) return;
     const int hiddenCaption = ui_->mnuTitelAnzeigen->isChecked() ? 0 : frame_.CaptionHeight();
     geometry_.Save(frame_.Place(), hiddenCaption, titleOnly_);
 }
 
-int frmMain::LeftEdge() {
-    return frame_.Place().Left;
+WindowPosition frmMain::Position() {
+    frame_.LookForFrame();
+    const TwipsRect place = frame_.Place();
+    return {place.Left, place.Top};
+}
+
+void frmMain::SetWindowHeight(int twips) {
+    frame_.SetInnerHeight(TwipsToPixels(twips - (frame_.CaptionShown() ? frame_.CaptionHeight() : 0)));
 }
 
 void frmMain::mnuTitelAnzeigen_Click() {
@@ -187,8 +208,10 @@ void frmMain::SetTitleOnly() {
     if (titleOnly_) {
         SetSmallestSize();
         if (!ui_->mnuTitelAnzeigen->isChecked()) ui_->mnuTitelAnzeigen->trigger();
+        ui_->mnuTitelAnzeigen->setEnabled(false); // a title is all there is to see
         frame_.SetInnerHeight(1);
     } else {
+        ui_->mnuTitelAnzeigen->setEnabled(true);
         RestoreGeometry(); // first: the smallest size alone would be taken for the user's
         SetSmallestSize();
         DrawChart(true);
@@ -230,8 +253,9 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 void frmMain::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange || !loaded_ || isMinimized() || !isVisible()) return;
-    // Brought back from the taskbar.
+    // Brought back from the taskbar, perhaps for the first time.
     windowShown_ = true;
+    if (!frame_.IsSettled()) frame_.AwaitFrame();
     DrawChart(true);
 }
 
@@ -244,11 +268,13 @@ void frmMain::closeEvent(QCloseEvent* event) {
     }
     hooks_.Closing();
     SaveGeometry();
+    closed_ = true;
     timerMain_.stop();
     timerFade_.stop();
     event->accept();
     UnloadOtherForms(*this);
-    QCoreApplication::quit();
+    // Queued: the event loop may not have begun yet.
+    QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
 void frmMain::Quit() {

@@ -77,7 +77,7 @@ class frmMain : public QWidget, public MonitorWindow {
     void RefreshLinesMenu() override;
     void RestoreGeometry() override;
     void SaveGeometry() override;
-    int LeftEdge() override;
+    WindowPosition Position() override;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -100,6 +100,7 @@ class frmMain : public QWidget, public MonitorWindow {
     void TimerFade_Timer();
     void OpenPopupMenu(const QPoint& at);
     void SetSmallestSize();
+    void SetWindowHeight(int twips);
     Qt::Edges EdgesAt(const QPoint& at) const;
 
     Parts parts_;
@@ -116,6 +117,7 @@ class frmMain : public QWidget, public MonitorWindow {
     bool windowShown_ = false;
     bool titleOnly_ = false;
     bool quitFlag_ = false;
+    bool closed_ = false;
     bool leftButtonDown_ = false;
     QPoint grabPoint_;
 };

@@ -5,6 +5,7 @@
 #include "lang/ApplyFormTexts.h"
 #include "lang/frmLanguage.h"
 #include "platform/linux/LinuxSystem.h"
+#include "platform/linux/TerminationSignals.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtMessageBoxes.h"
@@ -13,6 +14,7 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QSocketNotifier>
 
 #include <cstdlib>
 
@@ -39,6 +41,7 @@ std::string ButtonCaption(Language& language, MessageAnswer answer) {
 } // namespace
 
 int RunDesktop(int argc, char** argv) {
+    const TerminationSignals termination;
     ChoosePlatform();
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Korvalin"));
@@ -63,6 +66,12 @@ int RunDesktop(int argc, char** argv) {
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
+    // Logging out ends a session's programs by a signal: the window closes as by its menu.
+    QSocketNotifier terminated(termination.Get(), QSocketNotifier::Read);
+    QObject::connect(&terminated, &QSocketNotifier::activated, &window, [&] {
+        terminated.setEnabled(false);
+        window.Quit();
+    });
     window.Form_Load();
     const int exitCode = QApplication::exec();
     system.TellNotes(program.errors);

@@ -52,8 +52,11 @@ void Program::PlugErrors() {
 }
 
 void Program::LoadRecords() {
-    lines.ProgramStart = ports_.Clock.Now();
-    infoTexts.LanStartTime = lines.ProgramStart;
+    if (lines.ProgramStart == 0) {
+        samplingLoop.RestartClockWatch();
+        lines.ProgramStart = ports_.Clock.Now();
+        infoTexts.LanStartTime = lines.ProgramStart;
+    }
     errors.Step("LoadUserVar", [this] { LoadDisplaySettings(settings, units, infoTexts); });
     errors.Step("LoadUserVar", [this] { LoadTrafficOptions(settings, trafficOptions); });
     errors.Step("LoadUserVar", [this] { samplingLoop.ResizeRateHistory(); });

@@ -40,7 +40,7 @@ bool LanReader::ReadTable() {
 
 void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted) {
     // One time for all rows, taken right after the dump: the rates divide by the time between two dumps.
-    const Date now = clock_.Now();
+    const Reading reading = {clock_.Now(), clock_.AwakeSeconds()};
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         progress_ = static_cast<int>(i) + 501;
         Step([&] {
@@ -51,7 +51,7 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
                 state_.MonitoredLineType.clear();
             }
             progress_ = static_cast<int>(i * 10 + 6100 + accepted);
-            FillLine(rows_[i], now, lines(accepted));
+            FillLine(rows_[i], reading, lines(accepted));
             progress_ = static_cast<int>(i * 10 + 6500 + accepted);
             book_.CheckVolume(lines(accepted));
         });
@@ -63,7 +63,18 @@ bool LanReader::IsActive(const InterfaceRow& row) const {
            static_cast<double>(row.InOctets) > static_cast<double>(options_.LanActive);
 }
 
-void LanReader::FillLine(const InterfaceRow& row, Date now, LineRecord& line) {
+// An adapter that was renamed, or moved up into the slot of one that dropped out, counts on its own: nothing measured
+// on the other's counters may meet its own.
+void LanReader::TakeSource(const InterfaceRow& row, LineRecord& line) {
+    if (line.CounterSource != 0 && line.EntryName == Trim(row.Description)) return;
+    line.CounterSource = ++state_.LastCounterSource;
+    line.StartReceived = line.StartTransmitted = 0;
+    line.LastRawReceived = line.LastRawTransmitted = 0;
+    line.WrapsReceived = line.WrapsTransmitted = 0;
+}
+
+void LanReader::FillLine(const InterfaceRow& row, const Reading& reading, LineRecord& line) {
+    TakeSource(row, line);
     line.IsRas = false;
     line.OperStatus = static_cast<std::uint32_t>(row.OperStatus);
     line.Counts64Bits = row.Counts64Bits;
@@ -71,15 +82,12 @@ void LanReader::FillLine(const InterfaceRow& row, Date now, LineRecord& line) {
     line.BytesTransmitted = static_cast<double>(row.OutOctets);
     if (line.StartReceived == 0) line.StartReceived = line.BytesReceived;
     if (line.StartTransmitted == 0) line.StartTransmitted = line.BytesTransmitted;
-    line.SampleTimer = SecondsOfDay(now);
-    line.SampleTime = now;
+    line.SampleTimer = SecondsOfDay(reading.Time);
+    line.SampleTime = reading.Time;
+    line.SampleAwake = reading.Awake;
     line.Connected = true;
     state_.AnyLineConnected = true;
-    line.Duration = now - state_.ProgramStart;
-    // An adapter that moved up into the slot of one that dropped out counts on its own.
-    if (line.CounterSource == 0 || line.EntryName != Trim(row.Description)) {
-        line.CounterSource = ++state_.LastCounterSource;
-    }
+    line.Duration = reading.Time - state_.ProgramStart;
     line.DeviceName = Trim(row.Description);
     line.EntryName = line.DeviceName;
     line.LineName = book_.GetAlias(line.EntryName);

@@ -20,7 +20,13 @@ class LanReader {
     bool ReadTable();
     void ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted);
     bool IsActive(const InterfaceRow& row) const;
-    void FillLine(const InterfaceRow& row, Date now, LineRecord& line);
+    // When the table was read.
+    struct Reading {
+        Date Time;
+        double Awake;
+    };
+    void TakeSource(const InterfaceRow& row, LineRecord& line);
+    void FillLine(const InterfaceRow& row, const Reading& reading, LineRecord& line);
 
     NetworkTables& network_;
     LineState& state_;

@@ -63,11 +63,13 @@ void LineBook::CheckVolume(LineRecord& line) {
 
 void LineBook::ResetLineSamples(TableFromOne<LineRecord>& lines) {
     const Date now = clock_.Now();
+    const double awake = clock_.AwakeSeconds();
     for (LineRecord& line : lines) {
         line.BytesReceived = 0;
         line.BytesTransmitted = 0;
         line.SampleTimer = SecondsOfDay(now);
         line.SampleTime = now;
+        line.SampleAwake = awake;
         line.Bps = 0;
         line.Connected = false;
         line.Duration = 0;

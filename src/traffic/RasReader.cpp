@@ -75,6 +75,7 @@ void RasReader::ReadConnection(const RasConnection& connection, std::size_t i, L
     line.IsRas = true;
     line.SampleTime = now;
     line.SampleTimer = SecondsOfDay(now);
+    line.SampleAwake = clock_.AwakeSeconds();
     if (line.LogIn == 0) {
         line.LogIn = now - OneSecond;
         line.CounterSource = ++state_.LastCounterSource;

@@ -34,7 +34,9 @@ TEST(Date, RoundsToTheSecondAndCarriesIntoTheNextDay) {
     const Date almostMidnight = DateSerial(2024, 12, 31) + TimeSerial(23, 59, 59) + 0.6 * OneSecond;
     EXPECT_EQ(FormatDateIso(almostMidnight), "2025-01-01 00:00:00");
     EXPECT_EQ(FormatDateSuffix(DateSerial(2024, 3, 5) + TimeSerial(7, 8, 9)), "_20240305-070809");
-    EXPECT_EQ(FormatTimeOfDay(0.0625), "01:30:00");
+    EXPECT_EQ(FormatTimeOfDay(1.0625), "01:30:00");
+    EXPECT_EQ(FormatDuration(1.0625), "25:30:00");
+    EXPECT_EQ(FormatDuration(-1), "00:00:00");
 }
 
 TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {

@@ -54,6 +54,8 @@ TEST_F(Curves, TheLargestRateCountsOnlyWhatIsShownAndVisible) {
     texts.LineDLShow[0] = true;
     EXPECT_EQ(LargestRate(history, 1, texts, 100), 900);
     EXPECT_EQ(LargestRate(history, 1, texts, 3), 30);
+    history.Append(1, 5000).RateDL[0] = 7; // an hour without samples: what was before is out of sight
+    EXPECT_EQ(LargestRate(history, 1, texts, 100), 7);
 }
 
 TEST_F(Curves, TheNewestStandsAtTheRightEdgeAndTimeStampsPlaceTheRest) {

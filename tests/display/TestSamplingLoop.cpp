@@ -10,6 +10,7 @@ class FakeWindow : public MonitorWindow {
   public:
     std::vector<std::string> Calls;
     int ChartDrawings = 0;
+    int CaptionsShown = 0;
     bool HangUpVisible = false;
     int Left = 150;
     std::function<void()> OnDraw = [] {};
@@ -20,14 +21,14 @@ class FakeWindow : public MonitorWindow {
         OnDraw();
     }
     void IconDraw() override {}
-    void ShowCaption() override {}
+    void ShowCaption() override { ++CaptionsShown; }
     void ShowMainWindow(bool show) override { Calls.emplace_back(show ? "show" : "hide"); }
     bool HangUpItemVisible() override { return HangUpVisible; }
     void RefreshDialMenus() override { Calls.emplace_back("dial menus"); }
     void RefreshLinesMenu() override {}
     void RestoreGeometry() override { Calls.emplace_back("restore"); }
     void SaveGeometry() override { Calls.emplace_back("save"); }
-    int LeftEdge() override { return Left; }
+    WindowPosition Position() override { return {Left, 0}; }
 };
 
 class Sampling : public TrafficFixture {
@@ -138,6 +139,34 @@ TEST_F(Sampling, ASuspendLeavesNeitherGapNorSpike) {
     EXPECT_NEAR(lines.LineTable(1).Duration, (8 * 3600 + 110) * OneSecond, 2 * OneSecond) << "asleep is online time";
 }
 
+TEST_F(Sampling, WhatHappenedBeforeTheFirstUpdateLeavesNoTrace) {
+    struct {
+        const char* What;
+        std::function<void()> Happens;
+    } const rows[] = {{"set two days ahead", [&] { clock.SetWallClock(clock.Now() + 2); }},
+                      {"set back a day", [&] { clock.SetWallClock(clock.Now() - 1); }},
+                      {"asleep over midnight", [&] { clock.Suspend(20 * 3600); }}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.What);
+        SamplingLoop fresh{clock, screen, settings, lines, monitor, history, texts, errors};
+        lines = LineState();
+        fresh.RestartClockWatch();
+        lines.ProgramStart = clock.Now();
+        row.Happens();
+        const double awake = clock.AwakeSeconds();
+        for (int i = 0; i < 5; ++i) {
+            clock.Advance(1);
+            network.Rows[0].InOctets += 1000;
+            fresh.Get_TransferedData();
+            EXPECT_GT(Newest().T, 0);
+            EXPECT_GE(lines.LineTable(1).Duration, 0);
+            EXPECT_LT(lines.LineTable(1).LogIn, clock.Now());
+        }
+        EXPECT_NEAR(clock.AwakeSeconds() - awake, 5, 0.01);
+        EXPECT_NEAR(Newest().RateDL[0], 1000, 1);
+    }
+}
+
 TEST_F(Sampling, AnUpdateWithinAnUpdateDoesNothing) {
     int inner = 0;
     window.OnDraw = [&] {
@@ -174,6 +203,7 @@ TEST_F(Sampling, StartingOfflineDrawsOnceAndHides) {
     network.Rows.clear();
     loop.Get_TransferedData();
     EXPECT_EQ(window.ChartDrawings, 1);
+    EXPECT_EQ(window.CaptionsShown, 1) << "the old rates must not stay in the title";
     EXPECT_EQ(window.Calls, std::vector<std::string>{"hide"});
 }
 

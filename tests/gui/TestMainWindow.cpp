@@ -165,6 +165,14 @@ TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
     EXPECT_FALSE(Item("mnuLines1")->isChecked());
     EXPECT_EQ(Setting("ChartLineNo"), 2);
     EXPECT_EQ(program->infoTexts.LineIndex, 2U);
+    network.Rows[0].Description = "lan0";
+    network.Add("eth2", 5000, 0);
+    Run(2);
+    Choose("mnuLines3");
+    network.Rows.pop_back();
+    Run(1);
+    EXPECT_EQ(Item("mnuLines1")->text(), QStringLiteral("lan0"));
+    EXPECT_TRUE(Item("mnuLines2")->isChecked()) << "the last line, when the chosen one is gone";
     network.Rows.pop_back();
     Run(1);
     EXPECT_FALSE(Item("mnuLines0")->isVisible());

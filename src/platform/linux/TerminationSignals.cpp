@@ -1,0 +1,17 @@
+#include "platform/linux/TerminationSignals.h"
+
+#include <csignal>
+#include <sys/signalfd.h>
+
+namespace korvalin {
+
+TerminationSignals::TerminationSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&signals, signal);
+    descriptor_ = Descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+    if (descriptor_) sigprocmask(SIG_BLOCK, &signals, nullptr);
+}
+
+} // namespace korvalin
