@@ -127,6 +127,75 @@ class Desktop(unittest.TestCase):
         window = self.main_window()
         rig.wait_for(lambda: self.display.geometry(window)["X"] == 123, "the place")
 
+    def end(self, process):
+        """Ends the program as a session's end does."""
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=10), 0)
+
+    def place(self):
+        return {name: self.home.cli("settings", "get", name)
+                for name in ("MON_Left_1024", "MON_Top_768", "MON_Width", "MON_Height")}
+
+    def test_the_place_is_the_same_at_every_start(self):
+        process, window = self.started(ShowTitle="True", MultiScreen="True", MON_Left_1024=3000, MON_Top_768=3000)
+        rig.wait_for(lambda: self.home.cli("settings", "get", "MON_CaptionHeight") not in ("", "0"), "the caption's height")
+        rig.wait_for(lambda: self.display.geometry(window)["Y"] > 200, "the place")
+        inner = self.display.geometry(window)
+        self.end(process)
+        stored = self.place()
+        for _ in range(2):
+            process = self.start()
+            window = self.main_window()
+            rig.wait_for(lambda: self.without_id(self.display.geometry(window)) == self.without_id(inner), "the same place")
+            self.end(process)
+            self.assertEqual(self.place(), stored)
+        # Without its caption the inner area stays, also at the next start.
+        process = self.start()
+        window = self.main_window()
+        rig.wait_for(lambda: self.without_id(self.display.geometry(window)) == self.without_id(inner), "the same place")
+        self.choose(window, "b")
+        self.setting("ShowTitle", "False")
+        rig.wait_for(lambda: self.display.geometry(window)["HEIGHT"] == inner["HEIGHT"], "the inner area")
+        self.end(process)
+        process = self.start()
+        window = self.main_window()
+        rig.wait_for(lambda: self.display.geometry(window)["HEIGHT"] == inner["HEIGHT"], "the inner area again")
+
+    @staticmethod
+    def without_id(geometry):
+        return {key: value for key, value in geometry.items() if key != "WINDOW"}
+
+    def test_out_of_sight_at_the_start_it_keeps_its_size(self):
+        self.home.set(Language="ENG", ShowTitle="True", AutoShow="False", MultiScreen="True", MON_Top_768=3000)
+        sizes = []
+        for _ in range(3):
+            process = self.start()
+            window = rig.wait_for(lambda: self.any_window(), "the window in the taskbar")
+            self.display.tool("xdotool", "windowactivate", window)
+            self.main_window()
+            rig.wait_for(lambda: self.home.cli("settings", "get", "MON_CaptionHeight") not in ("", "0"), "the caption")
+            self.end(process)
+            sizes.append(self.place())
+        self.assertEqual(sizes[1], sizes[0])
+        self.assertEqual(sizes[2], sizes[0])
+
+    def any_window(self):
+        """The main window, also while it is iconified."""
+        found = self.display.tool("xdotool", "search", "--class", "korvalin").split()
+        return next((window for window in found if self.display.geometry(window).get("WIDTH", 0) > 100), None)
+
+    def test_a_machine_without_network_has_the_window_out_of_sight(self):
+        network = rig.Network()
+        network.__enter__()
+        self.addCleanup(network.__exit__)
+        network.inside(network.here, "ip", "route", "delete", "default")
+        self.home.set(Language="ENG")
+        process = network.start(network.here, [rig.BIN / "korvalin"], env=self.home.env)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        window = rig.wait_for(lambda: self.any_window(), "the window")
+        rig.wait_for(lambda: "Iconic" in self.display.tool("xprop", "-id", window, "WM_STATE"), "the taskbar")
+
     def test_a_second_instance_ends_silently_and_a_killed_one_is_no_hindrance(self):
         process, _ = self.started()
         second = self.start()
