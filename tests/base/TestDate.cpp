@@ -1,7 +1,8 @@
 #include "base/Date.h"
 #include "base/Locale.h"
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
 Locale German() {
@@ -26,7 +27,8 @@ TEST(Date, SerialSpillsOverMonthAndYearEnds) {
     } const rows[] = {{1899, 12, 30, "1899-12-30 00:00:00"}, {2024, 13, 1, "2025-01-01 00:00:00"},
                       {2024, 3, 0, "2024-02-29 00:00:00"},   {2023, 2, 29, "2023-03-01 00:00:00"},
                       {2024, 1, -1, "2023-12-30 00:00:00"},  {2024, 0, 15, "2023-12-15 00:00:00"}};
-    for (const auto& row : rows) EXPECT_EQ(FormatDateIso(DateSerial(row.Year, row.Month, row.Day)), row.Expected);
+    for (const auto& row : rows)
+        EXPECT_EQ(FormatDateIso(DateSerial(row.Year, row.Month, row.Day)), row.Expected);
     EXPECT_EQ(DateSerial(2010, 6, 13), 40342);
 }
 
@@ -46,16 +48,24 @@ TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {
         const char* Text;
         Locale UserLocale;
         std::optional<Date> Expected;
-    } const rows[] = {
-        {"2024-03-15 14:05:09", German(), dayTime}, {"2024-03-15T14:05:09", American(), dayTime},
-        {"15.03.2024 14:05:09", German(), dayTime}, {"15.3.24", German(), day},
-        {"3/15/2024 2:05:09 PM", American(), dayTime}, {"15.03.2024", American(), day},
-        {"14:05", German(), TimeSerial(14, 5, 0)}, {"12:00:00 AM", American(), 0.0},
-        {"31.02.2024", German(), std::nullopt}, {"2024-13-01", German(), std::nullopt},
-        {"2024-03-15 25:00", German(), std::nullopt}, {"13:00 PM", American(), std::nullopt},
-        {"2024-03/15", German(), std::nullopt}, {"15", German(), std::nullopt},
-        {"", German(), std::nullopt}, {"today", German(), std::nullopt},
-        {"2024-03-15 14:05:09 junk", German(), std::nullopt}, {"999999999999-01-01", German(), std::nullopt}};
+    } const rows[] = {{"2024-03-15 14:05:09", German(), dayTime},
+                      {"2024-03-15T14:05:09", American(), dayTime},
+                      {"15.03.2024 14:05:09", German(), dayTime},
+                      {"15.3.24", German(), day},
+                      {"3/15/2024 2:05:09 PM", American(), dayTime},
+                      {"15.03.2024", American(), day},
+                      {"14:05", German(), TimeSerial(14, 5, 0)},
+                      {"12:00:00 AM", American(), 0.0},
+                      {"31.02.2024", German(), std::nullopt},
+                      {"2024-13-01", German(), std::nullopt},
+                      {"2024-03-15 25:00", German(), std::nullopt},
+                      {"13:00 PM", American(), std::nullopt},
+                      {"2024-03/15", German(), std::nullopt},
+                      {"15", German(), std::nullopt},
+                      {"", German(), std::nullopt},
+                      {"today", German(), std::nullopt},
+                      {"2024-03-15 14:05:09 junk", German(), std::nullopt},
+                      {"999999999999-01-01", German(), std::nullopt}};
     for (const auto& row : rows) {
         const std::optional<Date> date = ParseDate(row.Text, row.UserLocale);
         ASSERT_EQ(date.has_value(), row.Expected.has_value()) << row.Text;
@@ -77,4 +87,3 @@ TEST(Date, GeneralFormatReadsBackInEveryLocale) {
 }
 
 } // namespace
-} // namespace korvalin

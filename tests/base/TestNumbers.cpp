@@ -1,9 +1,7 @@
 #include "base/Locale.h"
 #include "base/Numbers.h"
-#include "base/Units.h"
 
-namespace korvalin {
-namespace {
+using namespace korvalin;
 
 TEST(Numbers, FormatsWithGroupingDecimalsAndSign) {
     Locale german;
@@ -14,10 +12,14 @@ TEST(Numbers, FormatsWithGroupingDecimalsAndSign) {
         const char* Pattern;
         const char* English;
         const char* German;
-    } const rows[] = {{1500000, "#,##0", "1,500,000", "1.500.000"}, {999, "#,##0", "999", "999"},
-                      {1.048576, "0.0", "1.0", "1,0"},              {1234567.85, "#,##0.0", "1,234,567.9", "1.234.567,9"},
-                      {0.05, "0.0", "0.1", "0,1"},                  {-0.04, "0.0", "0.0", "0,0"},
-                      {-1234.5, "#,##0.0", "-1,234.5", "-1.234,5"}, {0, "0", "0", "0"}};
+    } const rows[] = {{1500000, "#,##0", "1,500,000", "1.500.000"},
+                      {999, "#,##0", "999", "999"},
+                      {1.048576, "0.0", "1.0", "1,0"},
+                      {1234567.85, "#,##0.0", "1,234,567.9", "1.234.567,9"},
+                      {0.05, "0.0", "0.1", "0,1"},
+                      {-0.04, "0.0", "0.0", "0,0"},
+                      {-1234.5, "#,##0.0", "-1,234.5", "-1.234,5"},
+                      {0, "0", "0", "0"}};
     for (const auto& row : rows) {
         EXPECT_EQ(FormatNumber(row.Value, row.Pattern, Locale()), row.English);
         EXPECT_EQ(FormatNumber(row.Value, row.Pattern, german), row.German);
@@ -28,27 +30,21 @@ TEST(Numbers, WholeNumbersRoundToEvenAndRefuseWhatIsNone) {
     struct {
         const char* Text;
         std::optional<std::int32_t> Expected;
-    } const rows[] = {{"42", 42},          {" 7 ", 7},          {"+3", 3},           {"2.5", 2},
-                      {"3.5", 4},          {"-2147483648", INT32_MIN}, {"2147483648", std::nullopt},
-                      {"1e3", 1000},       {"abc", std::nullopt}, {"", std::nullopt}, {"12x", std::nullopt},
-                      {"nan", std::nullopt}, {"inf", std::nullopt}, {"0x10", std::nullopt}};
-    for (const auto& row : rows) EXPECT_EQ(ParseWholeNumber(row.Text), row.Expected) << row.Text;
+    } const rows[] = {{"42", 42},
+                      {" 7 ", 7},
+                      {"+3", 3},
+                      {"2.5", 2},
+                      {"3.5", 4},
+                      {"-2147483648", INT32_MIN},
+                      {"2147483648", std::nullopt},
+                      {"1e3", 1000},
+                      {"abc", std::nullopt},
+                      {"", std::nullopt},
+                      {"12x", std::nullopt},
+                      {"nan", std::nullopt},
+                      {"inf", std::nullopt},
+                      {"0x10", std::nullopt}};
+    for (const auto& row : rows)
+        EXPECT_EQ(ParseWholeNumber(row.Text), row.Expected) << row.Text;
     EXPECT_EQ(UnsignedToDouble(-1), 4294967295.0);
 }
-
-TEST(Units, FactorsAndOptionIndexes) {
-    EXPECT_EQ(FindUnitFactor("KiB"), 1024);
-    EXPECT_EQ(FindUnitFactor("Kbit"), 125);
-    EXPECT_EQ(FindUnitFactor("kb"), std::nullopt);
-    struct {
-        const char* Name;
-        int Rate, Volume;
-    } const rows[] = {{"KiB", 0, 0}, {"MB", 1, 1}, {"Kbit", 2, 2}, {"Mbit", 3, 2}, {"GB", 0, 0}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(UnitOptionIndex(row.Name, true), row.Rate) << row.Name;
-        EXPECT_EQ(UnitOptionIndex(row.Name, false), row.Volume) << row.Name;
-    }
-}
-
-} // namespace
-} // namespace korvalin

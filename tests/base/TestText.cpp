@@ -1,10 +1,10 @@
 #include "base/Text.h"
 
-namespace korvalin {
-namespace {
+using namespace korvalin;
 
 TEST(Text, TellsUtf8FromTheRest) {
-    for (const char* valid : {"", "plain", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF"}) {
+    for (const char* valid :
+         {"", "plain", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF"}) {
         EXPECT_TRUE(IsValidUtf8(valid)) << valid;
     }
     for (const char* broken : {"\xE4", "\xC3", "\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
@@ -27,24 +27,8 @@ TEST(Text, ComparesWithoutCaseAlsoUmlauts) {
     EXPECT_FALSE(EndsWithNoCase("s", "_Alias"));
 }
 
-TEST(Text, CountsAndCutsCharactersNotBytes) {
-    EXPECT_EQ(CharacterCount("Größe €"), 7U);
-    EXPECT_EQ(FirstCharacters("Größe", 3), "Grö");
-    EXPECT_EQ(FirstCharacters("ab", 9), "ab");
-}
-
-TEST(Text, SplitsIntoAtMostTheGivenFields) {
-    using Fields = std::vector<std::string_view>;
-    EXPECT_EQ(Split("a\tb\tc\td", '\t', 3), (Fields{"a", "b", "c\td"}));
-    EXPECT_EQ(Split("", '\t', 3), (Fields{""}));
-    EXPECT_EQ(Split("a\t\t", '\t', 5), (Fields{"a", "", ""}));
-}
-
 TEST(Text, AFullBufferWithoutZeroLosesItsLastByte) {
     EXPECT_EQ(AnsiBytesToString("abcd"), "abc");
     EXPECT_EQ(AnsiBytesToString(std::string_view("ab\0cd", 5)), "ab");
     EXPECT_EQ(AnsiBytesToString(""), "");
 }
-
-} // namespace
-} // namespace korvalin

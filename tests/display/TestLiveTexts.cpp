@@ -1,19 +1,18 @@
 #include "display/LiveTexts.h"
-
 #include "fakes/CoreFixture.h"
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
 class LiveTextsTest : public CoreFixture {
   protected:
     LiveTextsTest() {
-        std::string file = "header\r\n";
+        std::string file = "ENG\tfrmStatistik\t14\tOnline\r\n";
         for (const int n : {9, 10, 11, 12, 13, 14, 16, 17, 22}) {
             file += "ENG\tmodAllgemein\t" + std::to_string(n) + "\t t" + std::to_string(n) + " \r\n";
         }
-        file += "ENG\tfrmStatistik\t14\tOnline\r\n";
-        folder.Write("Korvalin.lng", file);
+        WriteTexts(file);
         settings.SetReg("Language", "ENG");
         EXPECT_TRUE(language.InitProgramTexts());
         texts.LineIndex = 1;
@@ -36,7 +35,6 @@ class LiveTextsTest : public CoreFixture {
         texts.DisplayChoiceUL = 1;
     }
 
-    Language language{folder.Path(), settings, errors, files, boxes, shell};
     LineState lines;
     RateHistory history{10, 1};
     UnitFormat units{errors, locale, clock};
@@ -64,32 +62,21 @@ TEST_F(LiveTextsTest, RatesAveragesAndVolumesOfAnAdapter) {
     EXPECT_EQ(texts.KBFactor, 1000) << "the program-wide factor is filled in";
 }
 
-TEST_F(LiveTextsTest, ADialUpLineAveragesOverItsOnlineTime) {
-    lines.LineTable(1).IsRas = true;
-    lines.LineTable(1).Duration = 10 * OneSecond;
-    live.FillInfoStrings(texts);
-    EXPECT_EQ(texts.AvgDLText, "550.0");
-    lines.LineTable(1).Duration = 0;
-    live.FillInfoStrings(texts);
-    EXPECT_EQ(texts.AvgDLText, "0.0");
-}
-
 TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
     live.Plug([](const LineRecord&) { return PeriodVolume{250e6, 1000e6}; });
     struct {
         int Flags;
         const char* Expected;
-    } const rows[] = {
-        {0, ""},
-        {1, "eth0"},
-        {2, "t11 t12 1.0 KB"},
-        {6, "t11 t12 1.0 t13 12.3 KB"},
-        {16, "t14 t13 5.5 MB"},
-        {32, "t9 6.8 MB "},
-        {128, " Online 00:01:40"},
-        {64, "t16 250 MB t17 750 MB"},
-        {255, "eth0\nt11 t12 1.0 t13 12.3 KB\nt14 t12 1.3 t13 5.5 MB\nt9 6.8 MB  Online 00:01:40\n"
-              "t16 250 MB t17 750 MB"}};
+    } const rows[] = {{0, ""},
+                      {1, "eth0"},
+                      {2, "t11 t12 1.0 KB"},
+                      {16, "t14 t13 5.5 MB"},
+                      {32, "t9 6.8 MB "},
+                      {128, " Online 00:01:40"},
+                      {64, "t16 250 MB t17 750 MB"},
+                      {255,
+                       "eth0\nt11 t12 1.0 t13 12.3 KB\nt14 t12 1.3 t13 5.5 MB\nt9 6.8 MB  Online 00:01:40\n"
+                       "t16 250 MB t17 750 MB"}};
     for (const auto& row : rows) {
         texts.TrayTextFlags = row.Flags;
         live.FillInfoStrings(texts);
@@ -117,4 +104,3 @@ TEST_F(LiveTextsTest, AnUnknownUnitCountsAsAThousandAndIsNoted) {
 }
 
 } // namespace
-} // namespace korvalin

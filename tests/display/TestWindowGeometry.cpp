@@ -1,9 +1,9 @@
 #include "display/Fade.h"
 #include "display/WindowGeometry.h"
-
 #include "fakes/CoreFixture.h"
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
 class WindowGeometryTest : public CoreFixture {
@@ -58,14 +58,4 @@ TEST(Fade, ReachesTheOpacityInStepsOfATwentieth) {
     }
 }
 
-TEST(Fade, FadingOutEndsWithTheWindow) {
-    Fade fade;
-    fade.Start(Fade::Direction::Out);
-    Fade::Tick tick = fade.Next(255);
-    EXPECT_EQ(tick.Alpha, 256 - 13);
-    while (!tick.Finished) tick = fade.Next(255);
-    EXPECT_TRUE(tick.Unload);
-}
-
 } // namespace
-} // namespace korvalin

@@ -1,31 +1,13 @@
 #include "errors/ConnectionState.h"
 #include "errors/Errors.h"
 #include "errors/Paths.h"
+#include "fakes/CoreFixture.h"
 
-#include "fakes/FakeClock.h"
-#include "fakes/FakeFiles.h"
-#include "fakes/FakeMessageBoxes.h"
-#include "fakes/FakeNetwork.h"
-#include "fakes/TemporaryFolder.h"
+using namespace korvalin;
 
-namespace korvalin {
 namespace {
 
-class ErrorsTest : public testing::Test {
-  protected:
-    ErrorsTest() {
-        errors.Plug({[](int number) { return "t" + std::to_string(number); }, [this] { return folder.Path(); },
-                     [this] { ended = true; }});
-    }
-
-    TemporaryFolder folder;
-    FakeClock clock;
-    FakeFiles files;
-    FakeMessageBoxes boxes;
-    Locale locale;
-    Errors errors{clock, files, boxes, locale, "Korvalin"};
-    bool ended = false;
-};
+using ErrorsTest = CoreFixture;
 
 TEST_F(ErrorsTest, ShowsNumberTextAndProcedure) {
     errors.DisplayError("Main", 53, "Datei nicht gefunden@@intern");
@@ -33,9 +15,7 @@ TEST_F(ErrorsTest, ShowsNumberTextAndProcedure) {
     EXPECT_EQ(box.Title, "Korvalin t207");
     EXPECT_EQ(box.Text, "t203\n\nt204: Main\nt205: 53\nt206: Datei nicht gefunden");
     EXPECT_EQ(box.Icon, MessageIcon::Critical);
-}
-
-TEST_F(ErrorsTest, MarksInsideTheTextBecomeBlanks) {
+    clock.Advance(3);
     errors.DisplayError("p", 1, "a@b");
     EXPECT_TRUE(boxes.Take().Text.ends_with("t206: a b"));
 }
@@ -47,76 +27,55 @@ TEST_F(ErrorsTest, AStepThatThrowsIsReportedWithItsNumberAndEndsAlone) {
 }
 
 TEST_F(ErrorsTest, ASecondErrorWithinTwoSecondsAsksWhetherToEnd) {
+    const Date noon = clock.Now();
     struct {
+        Date Start;
         double SecondsLater;
-        bool Asks;
-    } const rows[] = {{1, true}, {3, false}};
+        std::deque<MessageAnswer> Answers;
+        std::size_t Boxes;
+    } const rows[] = {{noon, 1, {MessageAnswer::No}, 2},
+                      {noon, 3, {}, 1},
+                      {DateSerial(2024, 3, 15) + TimeSerial(23, 59, 59), 2, {}, 1}, // another day
+                      {noon, 1, {MessageAnswer::Yes}, 1}};
     for (const auto& row : rows) {
+        clock.SetWallClock(row.Start);
         clock.Advance(100);
+        clock.SetWallClock(row.Start);
         errors.DisplayError("p", 1, "first");
-        boxes.Take();
+        TakeBoxes();
+        EXPECT_FALSE(ended);
         clock.Advance(row.SecondsLater);
+        boxes.Answers = row.Answers;
         errors.DisplayError("p", 1, "second");
-        if (row.Asks) {
-            EXPECT_EQ(boxes.Take().Text, "t201\nt202");
-        }
-        EXPECT_NE(boxes.Take().Text.find("second"), std::string::npos) << "No goes on with the report";
+        const Lines shown = TakeBoxes();
+        ASSERT_EQ(shown.size(), row.Boxes);
+        EXPECT_EQ(shown.front() == "t201\nt202", !row.Answers.empty());
+        EXPECT_EQ(shown.back().find("second") == std::string::npos, ended) << "No goes on with the report";
     }
-    EXPECT_FALSE(ended);
-}
-
-TEST_F(ErrorsTest, YesEndsTheProgramWithoutAnotherReport) {
-    errors.DisplayError("p", 1, "first");
-    boxes.Take();
-    boxes.Answers = {MessageAnswer::Yes};
-    errors.DisplayError("p", 1, "second");
-    EXPECT_EQ(boxes.Take().Buttons, MessageButtons::YesNo);
     EXPECT_TRUE(ended);
 }
 
-TEST_F(ErrorsTest, AReportBeforeMidnightDoesNotCountAfterIt) {
-    clock.SetWallClock(DateSerial(2024, 3, 15) + TimeSerial(23, 59, 59));
-    errors.DisplayError("p", 1, "first");
-    boxes.Take();
-    clock.Advance(2);
-    errors.DisplayError("p", 1, "second");
-    EXPECT_NE(boxes.Take().Text.find("second"), std::string::npos);
-}
-
-TEST_F(ErrorsTest, LogLinesAreWholeAndOnOneLineEach) {
-    errors.WriteErrorLog("first\r\nsecond", "Info");
-    EXPECT_EQ(folder.Read("Korvalin_ErrorLog.txt"), "2024-03-15 12:00:00\tInfo\tfirst second\r\n");
-}
-
-TEST_F(ErrorsTest, TheLogStaysBelowOneMegabyte) {
+TEST_F(ErrorsTest, TheLogHasWholeLinesAndStaysBelowOneMegabyte) {
     folder.Write("Korvalin_ErrorLog.txt", std::string(999'990, 'x'));
     folder.Write("Korvalin_ErrorLog.old.txt", "older");
-    errors.WriteErrorLog("new", "Info");
-    EXPECT_EQ(folder.Read("Korvalin_ErrorLog.txt"), "2024-03-15 12:00:00\tInfo\tnew\r\n");
+    errors.WriteErrorLog("new\r\nline", "Info");
+    EXPECT_EQ(Log(), "2024-03-15 12:00:00\tInfo\tnew line\r\n");
     EXPECT_EQ(folder.Read("Korvalin_ErrorLog.old.txt").size(), 999'990U);
 }
 
 TEST_F(ErrorsTest, ALineThatCannotBeWrittenIsLostSilently) {
     files.DiskFull = true;
     errors.WriteErrorLog("lost", "Info");
-    errors.Plug({[](int) { return ""; }, []() -> std::filesystem::path { throw std::runtime_error("gone"); }, [] {}});
+    errors.Plug(
+        {[](int) { return ""; }, []() -> std::filesystem::path { throw std::runtime_error("gone"); }, [] {}});
     errors.WriteErrorLog("lost", "Info");
-    EXPECT_EQ(folder.Read("Korvalin_ErrorLog.txt"), "");
+    EXPECT_EQ(Log(), "");
 }
 
 TEST(Paths, AddBackslashEndsAPathOnce) {
-    EXPECT_EQ(AddBackslash("C:\\"), "C:\\");
-    EXPECT_EQ(AddBackslash("C:\\Data"), "C:\\Data\\");
-    EXPECT_EQ(AddBackslash("/data"), "/data/");
-    EXPECT_EQ(AddBackslash("/data/"), "/data/");
-}
-
-TEST(Paths, AFolderExistsButIsNoFile) {
-    const TemporaryFolder folder;
-    EXPECT_TRUE(FileExists(folder.Path()));
-    EXPECT_FALSE(IsFileNotFolder(folder.Path()));
-    EXPECT_TRUE(IsFileNotFolder(folder.Write("f", "")));
-    EXPECT_FALSE(FileExists(folder / "none"));
+    for (const auto& [path, ended] : std::map<std::string, std::string>{
+             {"C:\\", "C:\\"}, {"C:\\Data", "C:\\Data\\"}, {"/data", "/data/"}, {"/data/", "/data/"}})
+        EXPECT_EQ(AddBackslash(path), ended);
 }
 
 TEST(ConnectionState, DescribesEveryFlagInItsOrder) {
@@ -134,4 +93,3 @@ TEST(ConnectionState, DescribesEveryFlagInItsOrder) {
 }
 
 } // namespace
-} // namespace korvalin

@@ -1,9 +1,5 @@
 #pragma once
 
-#include "errors/Errors.h"
-#include "lang/Language.h"
-#include "settings/Settings.h"
-
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFiles.h"
 #include "fakes/FakeMessageBoxes.h"
@@ -12,19 +8,48 @@
 #include "fakes/FakeScreen.h"
 #include "fakes/FakeSystem.h"
 #include "fakes/TemporaryFolder.h"
+#include "startup/Program.h"
 
 namespace korvalin {
 
-/// The ground floor of the core over fake ports: clock, errors with a log in a temporary folder, settings.
+using Lines = std::vector<std::string>;
+
+/// The core over fake ports, with its log in `folder` and its program in `programFolder`.
 class CoreFixture : public testing::Test {
   protected:
     CoreFixture() {
-        errors.Plug({[](int number) { return std::to_string(number); }, [this] { return folder.Path(); }, [] {}});
+        std::filesystem::create_directories(programFolder);
+        shell.Executable = programFolder / "Korvalin.exe";
+        shell.Folders[SpecialFolderCommonAppData] = folder / "data";
+        errors.Plug({[](int number) { return "t" + std::to_string(number); },
+                     [this] { return folder.Path(); }, [this] { ended = true; }});
+    }
+    ~CoreFixture() override { EXPECT_EQ(registry.OpenKeys, 0) << "a key was left open"; }
+
+    /// Writes the language file: a header and these lines.
+    void WriteTexts(std::string_view lines) {
+        folder.Write("program/Korvalin.lng", "header\r\n" + std::string(lines));
+    }
+    /// Starts the whole program with the product's texts, in English.
+    bool StartProgram() {
+        std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng", programFolder / "Korvalin.lng");
+        settings.SetReg("Language", "ENG");
+        program = std::make_unique<Program>(
+            Ports{registry, network, internet, ras, clock, events, boxes, screen, shell, user, lock, files},
+            Locale());
+        return program->Main();
+    }
+    std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
+    /// The texts of the boxes shown since the last call.
+    Lines TakeBoxes() {
+        Lines texts;
+        while (!boxes.Shown.empty())
+            texts.push_back(boxes.Take().Text);
+        return texts;
     }
 
-    std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
-
     TemporaryFolder folder;
+    std::filesystem::path programFolder = folder / "program";
     FakeClock clock;
     FakeFiles files;
     FakeMessageBoxes boxes;
@@ -35,9 +60,14 @@ class CoreFixture : public testing::Test {
     FakeInternet internet;
     FakeNetworkTables network;
     FakeRas ras;
+    FakeEvents events{clock};
+    FakeInstanceLock lock;
     Locale locale;
     Errors errors{clock, files, boxes, locale, "Korvalin"};
     Settings settings{registry, errors, screen, clock, locale};
+    Language language{programFolder, settings, errors, files, boxes, shell};
+    std::unique_ptr<Program> program;
+    bool ended = false;
 };
 
 } // namespace korvalin

@@ -2,15 +2,15 @@
 
 #include "platform/MessageBoxes.h"
 
+#include <gtest/gtest.h>
+
 #include <deque>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 namespace korvalin {
 
-/// Records what is shown and gives the answers laid out before, then Ok or No. A test must have looked at every box: one
-/// that it did not take from `Shown` fails it at the end.
+/// Records what is shown and gives the answers laid out before, then Ok or No. A test must have looked at
+/// every box: one that it did not take from `Shown` fails it at the end.
 class FakeMessageBoxes : public MessageBoxes {
   public:
     struct Box {
@@ -24,7 +24,8 @@ class FakeMessageBoxes : public MessageBoxes {
     bool WaitingOpen = false;
 
     ~FakeMessageBoxes() override {
-        for (const Box& box : Shown) ADD_FAILURE() << "a message that the test did not announce: " << box.Text;
+        for (const Box& box : Shown)
+            ADD_FAILURE() << "a message that the test did not announce: " << box.Text;
     }
 
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,

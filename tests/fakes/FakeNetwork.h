@@ -28,8 +28,8 @@ class FakeNetworkTables : public NetworkTables {
 
     /// Adds an Ethernet adapter that counts in 64 bits.
     InterfaceRow& Add(const std::string& description, std::uint64_t in, std::uint64_t out) {
-        Rows.push_back({static_cast<std::uint32_t>(Rows.size() + 1), IfTypeEthernet, OperationalStatus::Operational, in,
-                        out, true, description});
+        Rows.push_back({static_cast<std::uint32_t>(Rows.size() + 1), IfTypeEthernet,
+                        OperationalStatus::Operational, in, out, true, description});
         return Rows.back();
     }
 };
@@ -55,7 +55,8 @@ class FakeRas : public Ras {
         if (Throws) throw std::runtime_error("the remote access service is gone");
         count = static_cast<std::uint32_t>(Lines.size());
         if (Lines.size() > connections.size()) return ErrorBufferTooSmall;
-        for (std::size_t i = 0; i < Lines.size(); ++i) connections[i] = Lines[i].Connection;
+        for (std::size_t i = 0; i < Lines.size(); ++i)
+            connections[i] = Lines[i].Connection;
         return 0;
     }
     int GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) override {

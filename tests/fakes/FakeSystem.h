@@ -1,11 +1,10 @@
 #pragma once
 
+#include "fakes/FakeClock.h"
 #include "platform/Events.h"
 #include "platform/InstanceLock.h"
 #include "platform/Shell.h"
 #include "platform/User.h"
-
-#include "fakes/FakeClock.h"
 
 #include <functional>
 #include <map>
@@ -51,7 +50,8 @@ class FakeShell : public Shell {
     std::filesystem::path SettingsFolder() override { return Executable.parent_path() / "settings"; }
     std::filesystem::path SystemDirectory() override { return "/usr/lib/"; }
     bool ComponentPresent(const std::string& fileName) override {
-        return std::find(MissingComponents.begin(), MissingComponents.end(), fileName) == MissingComponents.end();
+        return std::find(MissingComponents.begin(), MissingComponents.end(), fileName) ==
+               MissingComponents.end();
     }
     std::filesystem::path ExecutablePath() override { return Executable; }
     int PlatformId() override { return Platform; }

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-
 #include <unistd.h>
 
 namespace korvalin {

@@ -1,22 +1,23 @@
-#include "fakes/Ground.h"
+#include "fakes/CoreFixture.h"
 #include "lang/ApplyFormTexts.h"
 
-namespace korvalin {
+#include <fmt/format.h>
+
+using namespace korvalin;
+
 namespace {
 
-class ApplyFormTextsTest : public ::testing::Test, protected Ground {
+class ApplyFormTextsTest : public CoreFixture {
   protected:
     ApplyFormTextsTest() {
-        form_.setObjectName(QStringLiteral("frmTest"));
-        std::string lines;
-        for (int n = 1; n <= 20; ++n) {
-            lines += "ENG\tfrmTestObj\t" + std::to_string(n) + "\t\"&Text " + std::to_string(n) +
-                     "\"\t\"Tip " + std::to_string(n) + "\"\r\n";
-        }
-        WriteTexts(lines +
-                   "ENG\tfrmTestObj\t21\t\"\"\t\"Only a tip\"\r\nENG\tfrmTestObj\t22\t\"Up && down\"\r\n");
-        Settings.SetReg("Language", "ENG");
-        EXPECT_TRUE(Language.InitProgramTexts());
+        form.setObjectName(QStringLiteral("frmTest"));
+        std::string texts =
+            "ENG\tfrmTestObj\t21\t\"\"\t\"Only a tip\"\r\nENG\tfrmTestObj\t22\t\"Up && down\"\r\n";
+        for (const auto& n : {"1", "2", "3", "4", "5", "6", "7", "8"})
+            texts += fmt::format("ENG\tfrmTestObj\t{0}\t\"&Text {0}\"\t\"Tip {0}\"\r\n", n);
+        WriteTexts(texts);
+        settings.SetReg("Language", "ENG");
+        EXPECT_TRUE(language.InitProgramTexts());
     }
 
     template <typename T>
@@ -25,78 +26,49 @@ class ApplyFormTextsTest : public ::testing::Test, protected Ground {
         return *element;
     }
 
-    QWidget form_;
+    QWidget form;
 };
 
 TEST_F(ApplyFormTextsTest, PutsCaptionAndToolTipOnEveryKindOfElement) {
-    Tagged(&form_, "1");
-    auto& button = Tagged(new QPushButton(&form_), "2");
-    auto& group = Tagged(new QGroupBox(&form_), "3");
-    auto& inner = Tagged(new QCheckBox(&group), "4");
-    auto& label = Tagged(new QLabel(&form_), "5");
-    auto& buddyLabel = Tagged(new QLabel(&form_), "6");
-    buddyLabel.setBuddy(&button);
-    auto& edit = Tagged(new QLineEdit(QStringLiteral("typed"), &form_), "7");
-    auto& menu = Tagged(new QMenu(&form_), "8");
-    auto& action = Tagged(new QAction(&form_), "9");
+    Tagged(&form, "1");
+    auto& group = Tagged(new QGroupBox(&form), "2");
+    auto& inner = Tagged(new QCheckBox(&group), "3");
+    auto& label = Tagged(new QLabel(&form), "4");
+    auto& buddy = Tagged(new QLabel(&form), "5");
+    buddy.setBuddy(&inner);
+    auto& edit = Tagged(new QLineEdit(QStringLiteral("typed"), &form), "6");
+    auto& menu = Tagged(new QMenu(&form), "7");
+    auto& action = Tagged(new QAction(&form), "8");
     menu.addAction(&action);
-    auto& submenu = Tagged(new QMenu(&menu), "10");
-    menu.addMenu(&submenu);
-    QTabWidget tabs(&form_);
-    auto& page = Tagged(new QWidget, "11");
+    QTabWidget tabs(&form);
+    auto& page = Tagged(new QWidget, "3");
     tabs.addTab(&page, QStringLiteral("first"));
-    auto& ampersand = Tagged(new QLabel(&form_), "22");
-    ApplyFormTexts(form_, Language);
-
-    const struct {
-        QString Shown;
-        const char* Expected;
-    } rows[] = {
-        {form_.windowTitle(), "Text 1"},
-        {form_.toolTip(), "Tip 1"},
-        {button.text(), "&Text 2"},
-        {button.toolTip(), "Tip 2"},
-        {group.title(), "&Text 3"},
-        {inner.text(), "&Text 4"},
-        {label.text(), "Text 5"},
-        {buddyLabel.text(), "&Text 6"},
-        {edit.text(), "typed"},
-        {edit.toolTip(), "Tip 7"},
-        {menu.title(), "&Text 8"},
-        {action.text(), "&Text 9"},
-        {action.toolTip(), "Tip 9"},
-        {submenu.title(), "&Text 10"},
-        {tabs.tabText(0), "&Text 11"},
-        {tabs.tabToolTip(0), "Tip 11"},
-        {page.toolTip(), ""},
-        {ampersand.text(), "Up & down"},
-        {submenu.menuAction()->toolTip(), "Tip 10"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(row.Shown, QString::fromUtf8(row.Expected));
+    auto& ampersand = Tagged(new QLabel(&form), "22");
+    ApplyFormTexts(form, language);
+    const std::pair<QString, const char*> rows[] = {
+        {form.windowTitle(), "Text 1"}, {form.toolTip(), "Tip 1"},     {group.title(), "&Text 2"},
+        {inner.text(), "&Text 3"},      {inner.toolTip(), "Tip 3"},    {label.text(), "Text 4"},
+        {buddy.text(), "&Text 5"},      {edit.text(), "typed"},        {edit.toolTip(), "Tip 6"},
+        {menu.title(), "&Text 7"},      {action.text(), "&Text 8"},    {action.toolTip(), "Tip 8"},
+        {tabs.tabText(0), "&Text 3"},   {tabs.tabToolTip(0), "Tip 3"}, {page.toolTip(), ""},
+        {ampersand.text(), "Up & down"}};
+    for (const auto& [shown, expected] : rows)
+        EXPECT_EQ(shown, QLatin1String(expected));
     EXPECT_TRUE(menu.toolTipsVisible());
 }
 
 TEST_F(ApplyFormTextsTest, LeavesTheRestAlone) {
-    const auto designed = [&](const char* number) {
-        auto& button = Tagged(new QPushButton(QStringLiteral("designed"), &form_), number);
+    QDialog dialog(&form); // it has texts of its own
+    const std::pair<const char*, QWidget*> rows[] = {
+        {"-", &form}, {"0", &form}, {"99", &form}, {"21", &form}, {"2", &dialog}};
+    for (const auto& [number, parent] : rows) {
+        auto& button = Tagged(new QPushButton(QStringLiteral("designed"), parent), number);
         button.setToolTip(QStringLiteral("old tip"));
-        return &button;
-    };
-    QPushButton* const unmarked = designed("-");
-    QPushButton* const zero = designed("0");
-    QPushButton* const missing = designed("99");
-    QPushButton* const tipOnly = designed("21");
-    auto plain = std::make_unique<QPushButton>(QStringLiteral("designed"), &form_);
-    // A dialog of this window has texts of its own.
-    QDialog dialog(&form_);
-    auto& inDialog = Tagged(new QPushButton(QStringLiteral("designed"), &dialog), "2");
-    ApplyFormTexts(form_, Language);
-    for (const QPushButton* button : {unmarked, zero, missing, tipOnly, plain.get(), &inDialog}) {
-        EXPECT_EQ(button->text(), QStringLiteral("designed"));
+        ApplyFormTexts(form, language);
+        EXPECT_EQ(button.text(), QStringLiteral("designed")) << number;
+        EXPECT_EQ(button.toolTip(), QLatin1String(number == std::string("21") ? "Only a tip" : "old tip"))
+            << number;
     }
-    EXPECT_EQ(missing->toolTip(), QStringLiteral("old tip"));
-    EXPECT_EQ(tipOnly->toolTip(), QStringLiteral("Only a tip"));
 }
 
 TEST_F(ApplyFormTextsTest, ReachesEveryLoadedWindowAndTellsIt) {
@@ -108,11 +80,10 @@ TEST_F(ApplyFormTextsTest, ReachesEveryLoadedWindowAndTellsIt) {
     } listening;
     listening.setObjectName(QStringLiteral("frmTest"));
     Tagged(&listening, "3");
-    Tagged(&form_, "1");
-    ApplyTextsToLoadedForms(Language);
-    EXPECT_EQ(form_.windowTitle(), QStringLiteral("Text 1"));
+    Tagged(&form, "1");
+    ApplyTextsToLoadedForms(language);
+    EXPECT_EQ(form.windowTitle(), QStringLiteral("Text 1"));
     EXPECT_EQ(listening.TitleWhenTold, QStringLiteral("Text 3"));
 }
 
 } // namespace
-} // namespace korvalin

@@ -1,9 +1,10 @@
-#include "ProgramFixture.h"
 #include "display/ChartPainter.h"
+#include "fakes/CoreFixture.h"
 #include "forms/Colors.h"
 #include "forms/PictureBox.h"
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
 constexpr std::int32_t downloadColor = 0x0000FF;
@@ -11,11 +12,11 @@ constexpr std::int32_t uploadColor = 0x00B058;
 constexpr int width = 240; // a pixel a second
 constexpr int height = 120;
 
-class Chart : public ProgramFixture {
+class Chart : public CoreFixture {
   protected:
     Chart() {
-        EXPECT_TRUE(program->Main());
-        for (auto* shows : {&texts().LineDLShow, &texts().LineULShow}) shows->fill(false);
+        for (auto* shows : {&texts().LineDLShow, &texts().LineULShow})
+            shows->fill(false);
         texts().LineDLShow[0] = true;
         texts().LineDLColor[0] = downloadColor;
         texts().LineULColor[0] = uploadColor;
@@ -58,8 +59,9 @@ class Chart : public ProgramFixture {
         }
         return -1;
     }
-    ChartPainter painter{{program->lines, program->rateHistory, program->liveTexts, program->language, program->errors,
-                          clock, program->locale, [] {}}};
+    bool started = StartProgram();
+    ChartPainter painter{{program->lines, program->rateHistory, program->liveTexts, program->language,
+                          program->errors, clock, program->locale, [] {}}};
     PictureBox picture;
 };
 
@@ -101,12 +103,15 @@ TEST_F(Chart, TimeLinesCountFromTheRightEdge) {
     Draw();
     const auto marked = [&](int x) {
         int count = 0;
-        for (int y = RuleRow(true) + 1; y < RuleRow(false); ++y) count += At(x, y) != Rgb(15323561) ? 1 : 0;
+        for (int y = RuleRow(true) + 1; y < RuleRow(false); ++y)
+            count += At(x, y) != Rgb(15323561) ? 1 : 0;
         return count > 10;
     };
     // x = 180 of 1 .. 240 stands in pixel column 179.
-    for (const int x : {179, 119, 59}) EXPECT_TRUE(marked(x)) << x;
-    for (const int x : {200, 150, 30}) EXPECT_FALSE(marked(x)) << x;
+    for (const int x : {179, 119, 59})
+        EXPECT_TRUE(marked(x)) << x;
+    for (const int x : {200, 150, 30})
+        EXPECT_FALSE(marked(x)) << x;
 }
 
 TEST_F(Chart, TextsAreWithinThePictureAndClearOfTheRules) {
@@ -117,7 +122,8 @@ TEST_F(Chart, TextsAreWithinThePictureAndClearOfTheRules) {
     EXPECT_EQ(texts().RateDLText, "1.2");
     int black = 0;
     for (int y = RuleRow(false) + 1; y < height; ++y) {
-        for (int x = 0; x < width; ++x) black += qGray(At(x, y)) < 80 ? 1 : 0;
+        for (int x = 0; x < width; ++x)
+            black += qGray(At(x, y)) < 80 ? 1 : 0;
     }
     EXPECT_GT(black, 50) << "the volume row";
 }
@@ -134,13 +140,6 @@ TEST_F(Chart, IsNotDrawnWhileNobodySeesIt) {
     EXPECT_NE(texts().CaptionText.find("UL/DL"), std::string::npos) << "the texts are renewed all the same";
 }
 
-TEST_F(Chart, ShowsTheLastLineWhenItsOwnIsGone) {
-    Online(9000, 10);
-    texts().ChartLineNo = 3;
-    Draw();
-    EXPECT_EQ(texts().ChartLineNo, 1);
-}
-
 TEST_F(Chart, CarriesColoursOnFourDays) {
     clock.SetWallClock(DateSerial(2010, 6, 13) + 0.5);
     Draw();
@@ -151,14 +150,4 @@ TEST_F(Chart, CarriesColoursOnFourDays) {
     EXPECT_EQ(At(10, top + 3), Rgb(15323561));
 }
 
-TEST_F(Chart, TheTinyPictureAsksForAHigherWindowAndStaysFinite) {
-    bool asked = false;
-    ChartPainter tiny({program->lines, program->rateHistory, program->liveTexts, program->language, program->errors,
-                       clock, program->locale, [&] { asked = true; }});
-    picture.resize(10, 3);
-    tiny.DrawChart(picture, texts(), true, true);
-    EXPECT_TRUE(asked);
-}
-
 } // namespace
-} // namespace korvalin

@@ -1,9 +1,8 @@
 #include <QApplication>
 #include <QWidget>
+#include <gtest/gtest.h>
 
 #include <cstdio>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -12,7 +11,8 @@ class FocusReporter : public testing::EmptyTestEventListener {
     void OnTestPartResult(const testing::TestPartResult& result) override {
         if (!result.failed()) return;
         std::string path;
-        for (const QObject* object = QApplication::focusWidget(); object != nullptr; object = object->parent()) {
+        for (const QObject* object = QApplication::focusWidget(); object != nullptr;
+             object = object->parent()) {
             path = "/" + object->objectName().toStdString() + path;
         }
         std::printf("focus: %s\n", path.empty() ? "none" : path.c_str());

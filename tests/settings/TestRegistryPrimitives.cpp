@@ -1,6 +1,5 @@
-#include "settings/RegistryPrimitives.h"
-
 #include "fakes/FakeRegistry.h"
+#include "settings/RegistryPrimitives.h"
 
 #include <deque>
 
@@ -43,30 +42,21 @@ class RegistryPrimitivesTest : public testing::Test {
 
 } // namespace
 
-TEST_F(RegistryPrimitivesTest, EnsureKeyTellsWhetherTheKeyWasCreated) {
-    EXPECT_EQ(primitives.RegEnsureKey(path), 1);
-    EXPECT_EQ(primitives.RegEnsureKey(path), 2);
-    registry.CreateResult = ErrorAccessDenied;
-    EXPECT_EQ(primitives.RegEnsureKey(path), 0);
-}
-
 TEST_F(RegistryPrimitivesTest, WriteCreatesTheKeyAsLongAsThatHelps) {
-    struct Row {
+    struct {
         std::deque<int> OpenResults;
         int CreateResult;
         bool Written;
         int Creates;
-    };
-    const Row rows[] = {
-        {{}, ErrorSuccess, true, 0},
-        {{ErrorFileNotFound}, ErrorSuccess, true, 1},
-        {{ErrorBadKey, ErrorFileNotFound, ErrorBadKey}, ErrorSuccess, true, 3},
-        {{ErrorAccessDenied}, ErrorSuccess, false, 0},
-        {{ErrorFileNotFound, ErrorAccessDenied}, ErrorSuccess, false, 1},
-        {{ErrorFileNotFound}, ErrorAccessDenied, false, 1},
-    };
-    primitives.RegEnsureKey(path);
-    for (const Row& row : rows) {
+    } const rows[] = {{{}, ErrorSuccess, true, 0},
+                      {{ErrorFileNotFound}, ErrorSuccess, true, 1},
+                      {{ErrorBadKey, ErrorFileNotFound, ErrorBadKey}, ErrorSuccess, true, 3},
+                      {{ErrorAccessDenied}, ErrorSuccess, false, 0},
+                      {{ErrorFileNotFound, ErrorAccessDenied}, ErrorSuccess, false, 1},
+                      {{ErrorFileNotFound}, ErrorAccessDenied, false, 1}};
+    EXPECT_EQ(primitives.RegEnsureKey(path), 1) << "created";
+    EXPECT_EQ(primitives.RegEnsureKey(path), 2) << "found";
+    for (const auto& row : rows) {
         primitives.RegWriteString(path, "name", "");
         registry.OpenResults = row.OpenResults;
         registry.CreateResult = row.CreateResult;
@@ -75,11 +65,6 @@ TEST_F(RegistryPrimitivesTest, WriteCreatesTheKeyAsLongAsThatHelps) {
         EXPECT_EQ(registry.Creates, row.Creates);
         EXPECT_EQ(primitives.RegReadString(path, "Name"), row.Written ? " text " : "");
     }
-}
-
-TEST_F(RegistryPrimitivesTest, WriteGivesUpOnAKeyThatIsCreatedButNeverFound) {
-    registry.OpenResult = ErrorFileNotFound;
-    EXPECT_FALSE(primitives.RegWriteString(path, "name", "text"));
 }
 
 TEST_F(RegistryPrimitivesTest, BlankTextDeletesTheValue) {
@@ -101,6 +86,8 @@ TEST_F(RegistryPrimitivesTest, FailuresReadAsNothing) {
 
     registry.SetResult = ErrorWriteFault;
     EXPECT_FALSE(primitives.RegWriteString(path, "fits", "new"));
+    registry.OpenResult = ErrorFileNotFound;
+    EXPECT_FALSE(primitives.RegWriteString(path, "fits", "new")) << "created but never found";
     registry.OpenResult = ErrorAccessDenied;
     EXPECT_EQ(primitives.RegReadString(path, "fits"), "");
     EXPECT_TRUE(primitives.RegValueNames(path).empty());

@@ -1,22 +1,22 @@
+#include "fakes/CoreFixture.h"
 #include "startup/DataFolder.h"
-
-#include "fakes/Ground.h"
 #include "startup/FileWait.h"
 
 #include <chrono>
 #include <ctime>
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* texts =
-    "GER\tmodAllgemein\t29\tCreate it?\nGER\tmodAllgemein\t30\tNo files in\n"
-    "GER\tmodAllgemein\t31\t.\nGER\tmodAllgemein\t32\tNo folder\n"
-    "GER\tmodAllgemein\t34\tThere are statistics.\nGER\tmodAllgemein\t35\tReally?\n"
-    "GER\tmodAllgemein\t36\tMove\nGER\tmodAllgemein\t37\tthem?\nGER\tmodAllgemein\t38\tOk\n"
-    "GER\tmodAllgemein\t43\tCannot create\nGER\tmodAllgemein\t44\t, sorry.\n";
+constexpr const char* texts = "GER\tmodAllgemein\t29\tCreate it?\nGER\tmodAllgemein\t30\tNo files in\n"
+                              "GER\tmodAllgemein\t31\t.\nGER\tmodAllgemein\t32\tNo folder\n"
+                              "GER\tmodAllgemein\t34\tThere are statistics.\nGER\tmodAllgemein\t35\tReally?\n"
+                              "GER\tmodAllgemein\t36\tMove\nGER\tmodAllgemein\t37\tthem?\n"
+                              "GER\tmodAllgemein\t38\tOk\nGER\tmodAllgemein\t43\tCannot create\n"
+                              "GER\tmodAllgemein\t44\t, sorry.\n";
 
 // A shell whose answer can be watched, and files that refuse some folders.
 class WatchedShell : public FakeShell {
@@ -36,128 +36,129 @@ class ReadOnlyFiles : public FakeFiles {
     }
 };
 
-class DataFolderTest : public ::testing::Test, protected Ground {
+class DataFolderTest : public CoreFixture {
   protected:
     DataFolderTest() {
         WriteTexts(texts);
-        Settings.SetReg("Language", "GER");
-        Language.InitProgramTexts();
-        Places.Folders[SpecialFolderCommonAppData] = Folder / "share";
+        settings.SetReg("Language", "GER");
+        language.InitProgramTexts();
+        places.Folders[SpecialFolderCommonAppData] = folder / "share";
     }
 
-    void Put(const fs::path& file, std::string_view content) {
+    static void Put(const fs::path& file, std::string_view content) {
         fs::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << content;
     }
-
-    /// "name=content" of all files of a folder, in order.
-    std::string Contents(const fs::path& folder) const {
-        std::map<std::string, std::string> files;
-        if (fs::exists(folder)) {
-            for (const auto& entry : fs::directory_iterator(folder)) {
+    /// "name=content" of all files of a folder but the texts, in order, without "Korvalin_Stats.".
+    static std::string Contents(const fs::path& place) {
+        std::map<std::string, std::string> found;
+        if (fs::exists(place)) {
+            for (const auto& entry : fs::directory_iterator(place)) {
                 std::ifstream file(entry.path());
-                files[entry.path().filename().string()] = {std::istreambuf_iterator<char>(file), {}};
+                found[entry.path().filename().string()] = {std::istreambuf_iterator<char>(file), {}};
             }
         }
         std::string all;
-        for (const auto& [name, content] : files) {
-            if (!name.ends_with(".lng")) all += name + "=" + content + " ";
+        for (const auto& [name, content] : found) {
+            if (!name.ends_with(".lng"))
+                all += (name.starts_with("Korvalin_Stats.") ? name.substr(15) : name) + "=" + content + " ";
         }
         return all;
     }
 
-    WatchedShell Places;
-    ReadOnlyFiles Disk;
-    fs::path Share = Folder / "share/Korvalin";
-    DataFolder Data{Settings, Language, Errors, Boxes, Disk, Places, Clock, Program};
+    WatchedShell places;
+    ReadOnlyFiles disk;
+    fs::path share = folder / "share/Korvalin";
+    DataFolder data{settings, language, errors, boxes, disk, places, clock, programFolder};
 };
 
-TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStart) {
-    Put(Program / "Korvalin_Stats.db", "old");
-    EXPECT_EQ(Data.GetDataPath().string(), (Share / "").string());
-    EXPECT_EQ(Settings.GetText("DataPath"), Share.string());
-    EXPECT_EQ(Contents(Share), "Korvalin_Stats.db=old ");
-    EXPECT_EQ(Contents(Program), "Korvalin_Stats.db_20240315-120000=old ");
+TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
+    Put(programFolder / "Korvalin_Stats.db", "old");
+    Put(share / "Korvalin_Stats.db", "new");
+    disk.CopyFails = true;
+    EXPECT_EQ(data.GetDataPath(), programFolder / "");
+    EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
+    EXPECT_EQ(Contents(programFolder), "db=old ");
+    EXPECT_EQ(Contents(share), "db=new ");
+    EXPECT_EQ(settings.GetText("DataPath"), "");
+    disk.CopyFails = false;
+    DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
+    EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
+    EXPECT_EQ(settings.GetText("DataPath"), share.string());
+    EXPECT_TRUE(Contents(share).starts_with("db=old "));
+    EXPECT_EQ(Contents(programFolder), "db_20240315-120000=old ");
 }
 
 TEST_F(DataFolderTest, TakesTheDefaultForAFolderThatIsGoneWithoutMoving) {
-    Put(Program / "Korvalin_Stats.db", "old");
-    Settings.SetReg("DataPath", (Folder / "gone").string());
-    EXPECT_EQ(Data.GetDataPath(), Share / "");
-    EXPECT_EQ(Contents(Program), "Korvalin_Stats.db=old ");
-    fs::create_directories(Folder / "other");
-    Settings.SetReg("DataPath", (Folder / "other/").string());
-    EXPECT_EQ(Data.GetDataPath().string(), (Folder / "other/").string());
+    Put(programFolder / "Korvalin_Stats.db", "old");
+    settings.SetReg("DataPath", (folder / "gone").string());
+    EXPECT_EQ(data.GetDataPath(), share / "");
+    EXPECT_EQ(Contents(programFolder), "db=old ");
 }
 
 TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
-    const std::string cannotCreate = "Cannot create " + Share.string() + ", sorry.";
+    const std::string cannotCreate = "Cannot create " + share.string() + ", sorry.";
     const std::string noFiles = "No files in ";
     enum class Ends { Stored, ProgramForThisRun, Elsewhere };
     struct {
         int CreateResult;
-        bool ShareReadOnly;
-        bool ProgramReadOnly;
+        std::vector<fs::path> ReadOnly;
         Lines Shown;
         Ends End;
-    } const rows[] = {
-        {13, false, false, {cannotCreate}, Ends::Stored},
-        {13, false, true, {cannotCreate, noFiles + Program.string() + "."}, Ends::ProgramForThisRun},
-        {0, true, false, {noFiles + Share.string() + "."}, Ends::ProgramForThisRun},
-        {0, true, true, {noFiles + Share.string() + "."}, Ends::Elsewhere},
-    };
+    } const rows[] = {{13, {}, {cannotCreate}, Ends::Stored},
+                      {13,
+                       {programFolder},
+                       {cannotCreate, noFiles + programFolder.string() + "."},
+                       Ends::ProgramForThisRun},
+                      {0, {share}, {noFiles + share.string() + "."}, Ends::ProgramForThisRun},
+                      {0, {share, programFolder}, {noFiles + share.string() + "."}, Ends::Elsewhere}};
     for (const auto& row : rows) {
-        Settings.SetReg("DataPath", "");
-        Disk.CreateFoldersResult = row.CreateResult;
-        Disk.Folders.clear();
-        if (row.ShareReadOnly) Disk.Folders.push_back(Share);
-        if (row.ProgramReadOnly) Disk.Folders.push_back(Program);
-        DataFolder data(Settings, Language, Errors, Boxes, Disk, Places, Clock, Program);
-        const fs::path folder = data.GetDataPath();
+        settings.SetReg("DataPath", "");
+        disk.CreateFoldersResult = row.CreateResult;
+        disk.Folders = row.ReadOnly;
+        DataFolder fresh(settings, language, errors, boxes, disk, places, clock, programFolder);
+        const fs::path found = fresh.GetDataPath();
         EXPECT_EQ(TakeBoxes(), row.Shown);
-        EXPECT_EQ(data.GetDataPath(), folder);
-        EXPECT_EQ(Settings.GetText("DataPath"), row.End == Ends::Stored ? Program.string() : "");
-        EXPECT_EQ(folder == Program / "", row.End != Ends::Elsewhere) << folder;
-        EXPECT_TRUE(fs::is_directory(folder));
-        if (row.End == Ends::Elsewhere) fs::remove_all(folder);
+        EXPECT_EQ(fresh.GetDataPath(), found);
+        EXPECT_EQ(settings.GetText("DataPath"), row.End == Ends::Stored ? programFolder.string() : "");
+        EXPECT_EQ(found == programFolder / "", row.End != Ends::Elsewhere) << found;
+        EXPECT_TRUE(fs::is_directory(found));
+        if (row.End == Ends::Elsewhere) fs::remove_all(found);
     }
 }
 
 TEST_F(DataFolderTest, AnswersALogLineFromInsideItself) {
-    Errors.Plug({[](int) { return ""; }, [this] { return Data.GetDataPath(); }, [] {}});
-    Places.OnFolder = [this] {
-        Errors.WriteErrorLog("inside", "test");
+    errors.Plug({[](int) { return ""; }, [this] { return data.GetDataPath(); }, [] {}});
+    places.OnFolder = [this] {
+        errors.WriteErrorLog("inside", "test");
         throw NumberedError(5, "no shell");
     };
-    EXPECT_EQ(Data.GetDataPath(), Program / "");
-    EXPECT_NE(Boxes.Take().Text.find("GetDataPath"), std::string::npos);
-    EXPECT_NE(Folder.Read("program/Korvalin_ErrorLog.txt").find("inside"), std::string::npos);
+    EXPECT_EQ(data.GetDataPath(), programFolder / "");
+    EXPECT_NE(boxes.Take().Text.find("GetDataPath"), std::string::npos);
+    EXPECT_NE(folder.Read("program/Korvalin_ErrorLog.txt").find("inside"), std::string::npos);
 }
 
 TEST_F(DataFolderTest, ChecksAFolder) {
-    const fs::path missing = Folder / "new/deep";
+    const fs::path missing = folder / "new/deep";
+    const fs::path file = programFolder / "Korvalin.lng";
+    const std::string create = missing.string() + "\n\nCreate it?";
     struct {
         fs::path Name;
         MessageAnswer Answer;
         bool Accepted;
         Lines Shown;
-    } const rows[] = {
-        {"", MessageAnswer::Yes, false, {}},
-        {Program, MessageAnswer::No, true, {}},
-        {missing, MessageAnswer::No, false, {missing.string() + "\n\nCreate it?"}},
-        {missing, MessageAnswer::Yes, true, {missing.string() + "\n\nCreate it?"}},
-        {Program / "Korvalin.lng",
-         MessageAnswer::Yes,
-         false,
-         {"No folder " + (Program / "Korvalin.lng").string()}},
-    };
+    } const rows[] = {{"", MessageAnswer::Yes, false, {}},
+                      {programFolder, MessageAnswer::No, true, {}},
+                      {missing, MessageAnswer::No, false, {create}},
+                      {missing, MessageAnswer::Yes, true, {create}},
+                      {file, MessageAnswer::Yes, false, {"No folder " + file.string()}}};
     for (const auto& row : rows) {
-        Boxes.Answers = {row.Answer};
-        EXPECT_EQ(Data.CheckDataFolder(row.Name), row.Accepted) << row.Name;
+        boxes.Answers = {row.Answer};
+        EXPECT_EQ(data.CheckDataFolder(row.Name), row.Accepted) << row.Name;
         EXPECT_EQ(TakeBoxes(), row.Shown);
     }
     Put(missing / "Test.txt", "the user's own");
-    EXPECT_TRUE(Data.CheckDataFolder(missing));
+    EXPECT_TRUE(data.CheckDataFolder(missing));
     EXPECT_EQ(Contents(missing), "Test.txt=the user's own ");
 }
 
@@ -166,75 +167,46 @@ TEST_F(DataFolderTest, ChangesTheFolderAsTheUserAnswers) {
     const auto no = MessageAnswer::No;
     const std::string keep = "There are statistics. Really?";
     const std::string move = "Move them? Really? Ok";
-    const std::string suffix = "_20240315-120000=";
-    const std::string oldMoved = "Korvalin_Stats.db" + suffix + "old ";
+    const std::string moved = "db_20240315-120000=old ";
+    const std::string both = "db=old db_20240315-120000=new ";
     struct {
-        bool Ask, HasOld, HasNew;
+        bool Ask, HasNew;
         std::deque<MessageAnswer> Answers;
         Lines Shown;
         std::string Old, New;
-    } const rows[] = {
-        {false, true, false, {}, {}, oldMoved, "Korvalin_Stats.db=old "},
-        {false, true, true, {}, {}, oldMoved, "Korvalin_Stats.db=old Korvalin_Stats.db" + suffix + "new "},
-        {true, true, true, {yes}, {keep}, "Korvalin_Stats.db=old ", "Korvalin_Stats.db=new "},
-        {true, true, true, {no, no}, {keep, move}, "Korvalin_Stats.db=old ", "Korvalin_Stats.db=new "},
-        {true,
-         true,
-         true,
-         {no, yes},
-         {keep, move},
-         oldMoved,
-         "Korvalin_Stats.db=old Korvalin_Stats.db" + suffix + "new "},
-        {true, true, false, {yes}, {move}, oldMoved, "Korvalin_Stats.db=old "},
-        {true, true, false, {no}, {move}, "Korvalin_Stats.db=old ", ""},
-    };
+    } const rows[] = {{false, false, {}, {}, moved, "db=old "},
+                      {false, true, {}, {}, moved, both},
+                      {true, true, {yes}, {keep}, "db=old ", "db=new "},
+                      {true, true, {no, no}, {keep, move}, "db=old ", "db=new "},
+                      {true, true, {no, yes}, {keep, move}, moved, both},
+                      {true, false, {yes}, {move}, moved, "db=old "},
+                      {true, false, {no}, {move}, "db=old ", ""}};
     int number = 0;
     for (const auto& row : rows) {
-        const fs::path from = Folder / ("from" + std::to_string(number));
-        const fs::path to = Folder / ("to" + std::to_string(number++));
-        fs::create_directories(from);
+        const fs::path from = folder / ("from" + std::to_string(number));
+        const fs::path to = folder / ("to" + std::to_string(number++));
         fs::create_directories(to);
-        if (row.HasOld) Put(from / "Korvalin_Stats.db", "old");
+        Put(from / "Korvalin_Stats.db", "old");
         if (row.HasNew) Put(to / "Korvalin_Stats.db", "new");
-        Boxes.Answers = row.Answers;
-        EXPECT_TRUE(Data.ChangeDataPath(from, to, row.Ask));
+        boxes.Answers = row.Answers;
+        EXPECT_TRUE(data.ChangeDataPath(from, to, row.Ask));
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(Contents(from), row.Old);
         EXPECT_EQ(Contents(to), row.New);
     }
 }
 
-TEST_F(DataFolderTest, LeavesTheSameFolderAlone) {
-    Put(Share / "Korvalin_Stats.db", "old");
-    fs::create_directory_symlink(Share, Folder / "link");
-    for (const fs::path& same : {Share, Share / "", Folder / "link"}) {
-        EXPECT_TRUE(Data.ChangeDataPath(Share, same, false));
-        EXPECT_EQ(Contents(Share), "Korvalin_Stats.db=old ");
+TEST_F(DataFolderTest, LeavesTheSameFolderAloneAndNeverOverwritesABackup) {
+    Put(share / "Korvalin_Stats.db", "first");
+    fs::create_directory_symlink(share, folder / "link");
+    for (const fs::path& same : {share, share / "", folder / "link"}) {
+        EXPECT_TRUE(data.ChangeDataPath(share, same, false));
+        EXPECT_EQ(Contents(share), "db=first ");
     }
-}
-
-TEST_F(DataFolderTest, NeverOverwritesABackup) {
-    for (const char* content : {"first", "second"}) {
-        Put(Program / "Korvalin_Stats.db", content);
-        EXPECT_TRUE(Data.ChangeDataPath(Program, Folder / "log", false));
-    }
-    EXPECT_EQ(Contents(Program),
-              "Korvalin_Stats.db_20240315-120000=first Korvalin_Stats.db_20240315-120001=second ");
-}
-
-TEST_F(DataFolderTest, KeepsTheStatisticsWhenTheDiskIsFull) {
-    Put(Program / "Korvalin_Stats.db", "old");
-    Put(Share / "Korvalin_Stats.db", "new");
-    Disk.CopyFails = true;
-    EXPECT_EQ(Data.GetDataPath(), Program / "");
-    EXPECT_NE(Boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
-    EXPECT_EQ(Contents(Program), "Korvalin_Stats.db=old ");
-    EXPECT_EQ(Contents(Share), "Korvalin_Stats.db=new ");
-    EXPECT_EQ(Settings.GetText("DataPath"), "");
-    Disk.CopyFails = false;
-    DataFolder next(Settings, Language, Errors, Boxes, Disk, Places, Clock, Program);
-    EXPECT_EQ(next.GetDataPath(), Share / "");
-    EXPECT_TRUE(Contents(Share).starts_with("Korvalin_Stats.db=old "));
+    EXPECT_TRUE(data.ChangeDataPath(share, programFolder, false));
+    Put(share / "Korvalin_Stats.db", "second");
+    EXPECT_TRUE(data.ChangeDataPath(share, programFolder, false));
+    EXPECT_EQ(Contents(share), "db_20240315-120000=first db_20240315-120001=second ");
 }
 
 TEST_F(DataFolderTest, DeletesOldBackupsOnly) {
@@ -242,45 +214,39 @@ TEST_F(DataFolderTest, DeletesOldBackupsOnly) {
         std::tm local{};
         local.tm_year = 2024 - 1900, local.tm_mon = 2, local.tm_mday = day;
         local.tm_sec = second, local.tm_isdst = -1;
-        const fs::path file = Share / (std::string("Korvalin_Stats.") + suffix);
+        const fs::path file = share / (std::string("Korvalin_Stats.") + suffix);
         Put(file, "");
         const auto moment = std::chrono::system_clock::from_time_t(std::mktime(&local));
         fs::last_write_time(file, std::chrono::file_clock::from_sys(moment));
     };
-    put("db", 1, 0);
-    put("txt_1", 1, 0);
-    put("db_1", 1, 0);
+    for (const char* suffix : {"db", "txt_1", "db_1"})
+        put(suffix, 1, 0);
     put("db_7", 8, -1);
     put("db_8", 8, 0); // noon of the 15th less seven days is the beginning of the 8th
-    Settings.SetReg("DataPath", Share.string());
-    const std::string others = "Korvalin_Stats.db= ";
-    const std::string backups = "Korvalin_Stats.db_1= Korvalin_Stats.db_7= Korvalin_Stats.db_8= ";
+    settings.SetReg("DataPath", share.string());
     for (const auto& [days, left] :
-         std::map<int, std::string>{{-1, backups}, {0, backups}, {7, "Korvalin_Stats.db_8= "}}) {
-        Settings.SetReg("DeleteStatistics", days);
-        Data.DeleteStatistics();
-        EXPECT_EQ(Contents(Share), others + left + "Korvalin_Stats.txt_1= ") << days;
+         std::map<int, std::string>{{-1, "db_1= db_7= db_8= "}, {0, "db_1= db_7= db_8= "}, {7, "db_8= "}}) {
+        settings.SetReg("DeleteStatistics", days);
+        data.DeleteStatistics();
+        EXPECT_EQ(Contents(share), "db= " + left + "txt_1= ") << days;
     }
 }
 
 TEST_F(DataFolderTest, WaitsForAFileToGo) {
-    // A folder of that name stands for a file that the system holds.
-    const fs::path held = Folder / "held";
+    const fs::path held = folder / "held"; // a folder stands for a file that the system holds
     fs::create_directories(held);
-    const double start = Clock.AwakeSeconds();
-    EXPECT_FALSE(DeleteFileWait(held, 30, Events, Clock));
-    EXPECT_NEAR(Clock.AwakeSeconds() - start, 30, 0.2);
-    Events.OnProcessPending = [&] {
-        Clock.SetWallClock(0); // the wall clock plays no part
-        if (Clock.AwakeSeconds() > start + 32) fs::remove(held);
+    const double start = clock.AwakeSeconds();
+    EXPECT_FALSE(DeleteFileWait(held, 30, events, clock));
+    EXPECT_NEAR(clock.AwakeSeconds() - start, 30, 0.2);
+    events.OnProcessPending = [&] {
+        clock.SetWallClock(0); // the wall clock plays no part
+        if (clock.AwakeSeconds() > start + 32) fs::remove(held);
     };
-    EXPECT_TRUE(DeleteFileWait(held, 30, Events, Clock));
-    EXPECT_LT(Clock.AwakeSeconds() - start, 33);
+    EXPECT_TRUE(DeleteFileWait(held, 30, events, clock));
+    EXPECT_LT(clock.AwakeSeconds() - start, 33);
     Put(held, "x");
-    EXPECT_TRUE(DeleteFileWait(held, 1, Events, Clock));
+    EXPECT_TRUE(DeleteFileWait(held, 1, events, clock));
     EXPECT_FALSE(fs::exists(held));
-    EXPECT_TRUE(DeleteFileWait(held, 1, Events, Clock));
 }
 
 } // namespace
-} // namespace korvalin

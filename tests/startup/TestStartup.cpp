@@ -1,45 +1,46 @@
-#include "startup/Startup.h"
-
-#include "fakes/Ground.h"
+#include "fakes/CoreFixture.h"
 #include "settings/RegistryPrimitives.h"
 #include "startup/AutoStart.h"
 #include "startup/DataFolder.h"
+#include "startup/Startup.h"
 #include "startup/UpdateInstallation.h"
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
-class StartupTest : public ::testing::Test, protected Ground {
+namespace fs = std::filesystem;
+
+class StartupTest : public CoreFixture {
   protected:
     StartupTest() {
         WriteTexts(goodTexts);
-        Settings.SetReg("Language", "GER");
-        Settings.SetReg("DataPath", (Folder / "log").string());
+        settings.SetReg("Language", "GER");
+        settings.SetReg("DataPath", (folder / "log").string());
     }
 
     bool Main(ProgramVersion version = {2, 1, 7}) {
-        const auto download = [this](const std::string& name, const std::filesystem::path& target) {
+        const auto download = [this](const std::string& name, const fs::path& target) {
             Downloads.push_back(name);
             if (Download.empty()) return false;
             std::ofstream(target) << Download;
             return true;
         };
-        DataFolder data(Settings, Language, Errors, Boxes, Files, Shell, Clock, Program);
-        UpdateInstallation update(Settings, Language, Errors, Boxes, Files, Shell, Events, Clock, Program);
-        Components components(Settings, Language, Boxes, Shell, Events, data, download, "page");
-        return Startup({Settings, Language, Errors, Boxes, Shell, Clock, Lock, data, update, components,
+        DataFolder data(settings, language, errors, boxes, files, shell, clock, programFolder);
+        UpdateInstallation update(settings, language, errors, boxes, files, shell, events, clock,
+                                  programFolder);
+        Components components(settings, language, boxes, shell, events, data, download, "page");
+        return Startup({settings, language, errors, boxes, shell, clock, lock, data, update, components,
                         download, [this] { Calls.push_back("lines"); }, LoadUserVar},
                        version)
             .Main();
     }
 
     static constexpr const char* goodTexts =
-        "GER\tmodAllgemein\t1\tWrong system\nGER\tmodAllgemein\t20\tThe control\nGER\tmodAllgemein\t21\tis "
-        "missing.\n"
-        "GER\tmodAllgemein\t39\tis needed.\nGER\tmodAllgemein\t40\tInstall "
-        "it?\nGER\tmodAllgemein\t41\tLoading\n"
+        "GER\tmodAllgemein\t1\tWrong system\nGER\tmodAllgemein\t20\tThe control\n"
+        "GER\tmodAllgemein\t21\tis missing.\nGER\tmodAllgemein\t39\tis needed.\n"
+        "GER\tmodAllgemein\t40\tInstall it?\nGER\tmodAllgemein\t41\tLoading\n"
         "GER\tmodAllgemein\t42\tFailed\nGER\tmodAllgemein\t47\tis useful.\n";
-    FakeInstanceLock Lock;
     std::string Download;
     Lines Downloads, Calls;
     std::function<void()> LoadUserVar = [this] { Calls.push_back("settings"); };
@@ -48,44 +49,44 @@ class StartupTest : public ::testing::Test, protected Ground {
 TEST_F(StartupTest, PreparesTheMainWindow) {
     EXPECT_TRUE(Main());
     EXPECT_EQ(Calls, (Lines{"lines", "settings"}));
-    EXPECT_EQ(Settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
-    Clock.Advance(100);
+    EXPECT_EQ(settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
+    clock.Advance(100);
     EXPECT_TRUE(Main());
-    EXPECT_EQ(Settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
+    EXPECT_EQ(settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
 }
 
 TEST_F(StartupTest, RefusesASecondInstanceSilently) {
-    Lock.Running = true;
-    const int writes = Registry.Writes;
+    lock.Running = true;
+    const int writes = registry.Writes;
     EXPECT_FALSE(Main());
-    EXPECT_EQ(Registry.Writes, writes);
-    Settings.SetReg("MultiInstance", true);
+    EXPECT_EQ(registry.Writes, writes);
+    settings.SetReg("MultiInstance", true);
     EXPECT_TRUE(Main());
 }
 
 TEST_F(StartupTest, EndsForANewerProgramAndWhereItCannotRun) {
-    Shell.Platform = 1;
+    shell.Platform = 1;
     EXPECT_FALSE(Main());
     EXPECT_EQ(TakeBoxes(), Lines{"Wrong system"});
-    Folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
+    folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
     EXPECT_FALSE(Main());
-    EXPECT_EQ(Shell.Started.size(), 1U);
+    EXPECT_EQ(shell.Started.size(), 1U);
     EXPECT_TRUE(Calls.empty());
 }
 
 TEST_F(StartupTest, AnErrorInOneStepEndsOnlyThatStep) {
-    std::filesystem::create_directories(Folder / "log");
-    const auto backup = Folder.Write("log/Korvalin_Stats.db_x", "x");
-    std::filesystem::last_write_time(backup, std::chrono::file_clock::from_sys(std::chrono::sys_seconds()));
-    Settings.SetReg("DeleteStatistics", 1);
+    fs::create_directories(folder / "log");
+    const auto backup = folder.Write("log/Korvalin_Stats.db_x", "x");
+    fs::last_write_time(backup, std::chrono::file_clock::from_sys(std::chrono::sys_seconds()));
+    settings.SetReg("DeleteStatistics", 1);
     LoadUserVar = [] { throw NumberedError(7, "settings"); };
     EXPECT_TRUE(Main());
-    EXPECT_NE(Boxes.Take().Text.find("Main"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(backup));
+    EXPECT_NE(boxes.Take().Text.find("Main"), std::string::npos);
+    EXPECT_FALSE(fs::exists(backup));
 }
 
 TEST_F(StartupTest, GetsALanguageFile) {
-    const std::string file = (Program / "Korvalin.lng").string();
+    const std::string file = (programFolder / "Korvalin.lng").string();
     const std::string hint = "\n\nPlease make sure you are connected to the internet before clicking ok.";
     const std::string missing = "Language file " + file +
                                 " not found. Program can not be run.\n\n"
@@ -116,11 +117,11 @@ TEST_F(StartupTest, GetsALanguageFile) {
         {true, "bad", {yes}, {unusable, corrupted, unusable}, 1, false},
     };
     for (const auto& row : rows) {
-        std::filesystem::remove(file);
-        if (row.Exists) Folder.Write("program/Korvalin.lng", "broken");
+        fs::remove(file);
+        if (row.Exists) folder.Write("program/Korvalin.lng", "broken");
         Download = row.Download;
         Downloads.clear();
-        Boxes.Answers = row.Answers;
+        boxes.Answers = row.Answers;
         EXPECT_EQ(Main(), row.Starts);
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(Downloads, Lines(row.Downloads, "Korvalin.lng"));
@@ -139,22 +140,14 @@ TEST_F(StartupTest, NotesANewVersion) {
         {"V2.1.12", {2, 1, 129}, "V2.1.12", true, false}, {"V2.1.1", {2, 1, 100}, "V2.1.10", true, true},
     };
     for (const auto& row : rows) {
-        Settings.SetReg("PrgVersion", row.Stored);
-        Settings.SetReg("msinetNotWanted", true);
-        Settings.SetReg("UpdateCheckLast", Clock.Now());
+        settings.SetReg("PrgVersion", row.Stored);
+        settings.SetReg("msinetNotWanted", true);
+        settings.SetReg("UpdateCheckLast", clock.Now());
         EXPECT_TRUE(Main(row.Version));
-        EXPECT_EQ(Settings.GetText("PrgVersion"), row.Text);
-        EXPECT_EQ(Settings.GetBool("msinetNotWanted"), row.StaysUnwanted) << row.Stored;
-        EXPECT_EQ(Settings.GetDate("UpdateCheckLast"),
-                  row.ChecksSoon ? DateSerial(2024, 1, 15) : Clock.Now());
-    }
-}
-
-TEST_F(StartupTest, PullsTheNextUpdateBackToNow) {
-    for (const Date days : {-1, 0, 1, 5000}) {
-        Settings.SetReg("UpdateNext", Clock.Now() + days);
-        EXPECT_TRUE(Main());
-        EXPECT_EQ(Settings.GetDate("UpdateNext"), Clock.Now() + std::min(days, Date{0}));
+        EXPECT_EQ(settings.GetText("PrgVersion"), row.Text);
+        EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.StaysUnwanted) << row.Stored;
+        EXPECT_EQ(settings.GetDate("UpdateCheckLast"),
+                  row.ChecksSoon ? DateSerial(2024, 1, 15) : clock.Now());
     }
 }
 
@@ -162,6 +155,7 @@ TEST_F(StartupTest, OffersMissingControls) {
     const std::string inet = "The control msinet.ocx";
     const std::string tabs = "The control tabctl32.ocx";
     const auto yes = MessageAnswer::Yes;
+    const auto no = MessageAnswer::No;
     struct {
         const char* Missing;
         MessageAnswer Answer;
@@ -172,46 +166,34 @@ TEST_F(StartupTest, OffersMissingControls) {
     } const rows[] = {
         {"tabctl32.ocx", yes, "setup", {tabs + " is needed. Install it?", "Loading"}, 1, 0, false},
         {"tabctl32.ocx", yes, "", {tabs + " is needed. Install it?", "Loading", "Failed"}, 0, 1, false},
-        {"tabctl32.ocx",
-         MessageAnswer::No,
-         "",
-         {tabs + " is needed. Install it?", tabs + " is missing."},
-         0,
-         0,
-         false},
-        {"msinet.ocx",
-         MessageAnswer::No,
-         "",
-         {inet + " is useful. Install it?", inet + " is missing."},
-         0,
-         0,
-         true},
+        {"tabctl32.ocx", no, "", {tabs + " is needed. Install it?", tabs + " is missing."}, 0, 0, false},
+        {"msinet.ocx", no, "", {inet + " is useful. Install it?", inet + " is missing."}, 0, 0, true},
         {"msinet.ocx", yes, "", {}, 0, 0, true}, // refused once, never asked again
     };
     for (const auto& row : rows) {
-        Shell.MissingComponents = {row.Missing};
-        Shell.Started.clear();
-        Shell.Pages.clear();
+        shell.MissingComponents = {row.Missing};
+        shell.Started.clear();
+        shell.Pages.clear();
         Download = row.Download;
-        Boxes.Answers = {row.Answer};
+        boxes.Answers = {row.Answer};
         EXPECT_TRUE(Main());
         EXPECT_EQ(TakeBoxes(), row.Shown);
-        EXPECT_EQ(Shell.Started.size(), row.Started);
-        EXPECT_EQ(Shell.Pages.size(), row.Pages);
-        EXPECT_EQ(Settings.GetBool("msinetNotWanted"), row.NotWanted);
+        EXPECT_EQ(shell.Started.size(), row.Started);
+        EXPECT_EQ(shell.Pages.size(), row.Pages);
+        EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.NotWanted);
     }
 }
 
 TEST_F(StartupTest, EntersAndLeavesTheAutoStart) {
     constexpr const char* runKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-    RegistryPrimitives registry(Registry);
-    AutoStartEntry entry(Settings, registry, Program / "Korvalin.exe");
+    RegistryPrimitives primitives(registry);
+    AutoStartEntry entry(settings, primitives, programFolder / "Korvalin.exe");
     for (const bool enable : {true, false}) {
         entry.AutoStart(enable);
-        EXPECT_EQ(registry.RegReadString(runKey, "Korvalin"), enable ? (Program / "Korvalin").string() : "");
-        EXPECT_EQ(Settings.GetBool("AutoStart"), enable);
+        EXPECT_EQ(primitives.RegReadString(runKey, "Korvalin"),
+                  enable ? (programFolder / "Korvalin").string() : "");
+        EXPECT_EQ(settings.GetBool("AutoStart"), enable);
     }
 }
 
 } // namespace
-} // namespace korvalin

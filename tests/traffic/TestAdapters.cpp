@@ -1,9 +1,10 @@
 #include "TrafficFixture.h"
 
-namespace korvalin {
+using namespace korvalin;
+
 namespace {
 
-class Adapters : public TrafficFixture {};
+using Adapters = TrafficFixture;
 
 TEST_F(Adapters, OnlyLoopbackIsNoLine) {
     network.Rows = {{1, IfTypeSoftwareLoopback, OperationalStatus::Operational, 5000, 5000, true, "lo"}};
@@ -26,16 +27,6 @@ TEST_F(Adapters, ThoseAboveTheThresholdArePackedFromLineOne) {
     EXPECT_EQ(lines.LineTable(2).StartTransmitted, 60);
     EXPECT_TRUE(lines.AnyLineConnected);
     EXPECT_EQ(historyResizes, 1) << "line 1 has room from the beginning";
-}
-
-TEST_F(Adapters, LogInIsTwoSecondsBeforeTheProgramStarted) {
-    network.Add("eth0", 1000, 0);
-    const Date start = clock.Now();
-    Pass(10);
-    EXPECT_NEAR(lines.LineTable(1).LogIn, start - 2 * OneSecond, 1e-9);
-    EXPECT_NEAR(lines.LineTable(1).Duration, 10 * OneSecond, 1e-9);
-    Pass(10);
-    EXPECT_NEAR(lines.LineTable(1).LogIn, start - 2 * OneSecond, 1e-9);
 }
 
 TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
@@ -62,8 +53,6 @@ TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
         }
         EXPECT_EQ(line.BytesReceived, row.Expected);
         EXPECT_EQ(Log().find("RAS_EntryName: eth0") != std::string::npos, row.Logged);
-        EXPECT_EQ(Log().find("MaxRcved: ") != std::string::npos, row.Logged);
-        EXPECT_EQ(Log().find("BytesRecvd: ") != std::string::npos, row.Logged);
     }
 }
 
@@ -117,24 +106,8 @@ TEST_F(Adapters, ATableThatCannotBeReadIsAPassWithoutAdapters) {
 TEST_F(Adapters, AFailingReaderNamesItsProgress) {
     network.Throws = true;
     Pass();
-    EXPECT_NE(boxes.Take().Text.find("Get_Bytes_Transmitted_LAN - interne Fehlernummer: 1\n"), std::string::npos);
-}
-
-TEST_F(Adapters, NothingIsReadWhileMonitoringOfAdaptersIsOff) {
-    options.LanProt = false;
-    network.Add("eth0", 1000, 0);
-    Pass();
-    EXPECT_EQ(lines.LineCount, 0U);
-}
-
-TEST_F(Adapters, TheSnapshotHoldsTheConnectedLinesAndTheUser) {
-    network.Add("eth0", 1000, 0);
-    Pass();
-    network.Rows[0].InOctets = 2000;
-    Pass();
-    EXPECT_EQ(lines.PreviousLineTable(1).BytesReceived, 1000);
-    EXPECT_EQ(lines.PreviousLineTable(1).User, "alice");
-    EXPECT_EQ(lines.LineTable(1).BytesReceived, 2000);
+    EXPECT_NE(boxes.Take().Text.find("Get_Bytes_Transmitted_LAN - interne Fehlernummer: 1\n"),
+              std::string::npos);
 }
 
 TEST_F(Adapters, TheSlotOfARenamedOrReplacedAdapterCountsAsAnotherSource) {
@@ -153,8 +126,10 @@ TEST_F(Adapters, TheSlotOfARenamedOrReplacedAdapterCountsAsAnotherSource) {
 
 TEST_F(Adapters, LogInMovesWithAWallClockThatIsSet) {
     network.Add("eth0", 1000, 0);
+    const Date start = clock.Now();
     Pass(10);
     const Date logIn = lines.LineTable(1).LogIn;
+    EXPECT_NEAR(logIn, start - 2 * OneSecond, 1e-9) << "before the program started";
     clock.SetWallClock(clock.Now() + 1.0 / 24);
     monitor.ShiftMoments(1.0 / 24);
     Pass(1);
@@ -164,4 +139,3 @@ TEST_F(Adapters, LogInMovesWithAWallClockThatIsSet) {
 }
 
 } // namespace
-} // namespace korvalin

@@ -1,10 +1,8 @@
+#include "fakes/FakeClock.h"
 #include "traffic/ClockWatch.h"
 
-#include "fakes/FakeClock.h"
+using namespace korvalin;
 
-#include <gtest/gtest.h>
-
-namespace korvalin {
 namespace {
 
 TEST(ClockWatch, TellsAClockThatWasSetFromTimeThatPassed) {
@@ -42,4 +40,3 @@ TEST(ClockWatch, WhatHappenedBeforeARestartIsNoStep) {
 }
 
 } // namespace
-} // namespace korvalin

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "traffic/LineMonitor.h"
-
 #include "fakes/CoreFixture.h"
+#include "traffic/LineMonitor.h"
 
 namespace korvalin {
 
