@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace korvalin {
 
 /// Held from the first question to the end of the process; the system frees it when the process is killed.
@@ -10,6 +12,9 @@ class InstanceLock {
     /// Whether an earlier process of the same executable name and the same settings store is running. When
     /// none is, this process is the earlier one from now on. False also when the lock cannot be used at all.
     [[nodiscard]] virtual bool PreviousInstanceRunning() = 0;
+
+    /// Whether a process of that executable name is running on the same settings store.
+    [[nodiscard]] virtual bool IsRunning(const std::string& executableName) = 0;
 };
 
 } // namespace korvalin

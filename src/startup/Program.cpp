@@ -28,7 +28,7 @@ Program::Program(const Ports& ports, Locale userLocale)
       components(settings, language, ports.MessageBoxes, ports.Shell, ports.Events, dataFolder, noDownload,
                  downloadPage),
       updateInstallation(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell,
-                         ports.Events, ports.Clock, programFolder_),
+                         ports.Events, ports.Clock, ports.InstanceLock, programFolder_),
       autoStart(settings, settings.Primitives(), executable_),
       lineBook(lines, errors, ports.Clock),
       rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, settings, errors, ports.Clock),

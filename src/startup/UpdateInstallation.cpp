@@ -6,6 +6,7 @@
 #include "lang/Language.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
+#include "platform/InstanceLock.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Shell.h"
@@ -20,12 +21,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* programName = "Korvalin.exe";
 constexpr std::string_view newProgramName = "Korvalin_new.exe";
 // A shorter download is an error page or was cut off.
 constexpr std::uintmax_t shortestProgram = 200'000;
 // An old program that is still closing its windows needs its time; a file left over does not.
 constexpr double longWait = 30;
 constexpr double shortWait = 5;
+constexpr int pauseMilliseconds = 100;
 
 // A download has no right to be run; it gets those that the running program has.
 void AllowRunning(const fs::path& program, const fs::path& example) {
@@ -38,7 +41,8 @@ void AllowRunning(const fs::path& program, const fs::path& example) {
 
 UpdateInstallation::UpdateInstallation(Settings& settings, Language& language, Errors& errors,
                                        MessageBoxes& messageBoxes, Files& files, Shell& shell, Events& events,
-                                       Clock& clock, const fs::path& programFolder)
+                                       Clock& clock, InstanceLock& instanceLock,
+                                       const fs::path& programFolder)
     : settings_(settings),
       language_(language),
       errors_(errors),
@@ -47,7 +51,9 @@ UpdateInstallation::UpdateInstallation(Settings& settings, Language& language, E
       shell_(shell),
       events_(events),
       clock_(clock),
-      program_(programFolder / "Korvalin.exe"),
+      instanceLock_(instanceLock),
+      program_(programFolder / programName),
+      programBeside_(programFolder / "Korvalin.exe.part"),
       newProgram_(programFolder / newProgramName),
       languageFile_(programFolder / "Korvalin.lng"),
       newLanguageFile_(programFolder / "KorvalinLng_new.lng"),
@@ -71,8 +77,11 @@ bool UpdateInstallation::HandOver() {
         return false;
     }
     AllowRunning(newProgram_, shell_.ExecutablePath());
-    // When it does not start, this one goes on.
-    return shell_.StartProgram(newProgram_);
+    if (shell_.StartProgram(newProgram_)) return true;
+    // No program at all, an error page for instance: this one goes on, and does not meet it again.
+    errors_.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
+    Delete(newProgram_, shortWait);
+    return false;
 }
 
 // What cannot be found out counts as date 0 and length 0.
@@ -91,11 +100,16 @@ bool UpdateInstallation::IsWorthStarting() {
 bool UpdateInstallation::Install() {
     errors_.Step("Main", [this] { TakeLanguageText(); });
     LoadTexts();
-    if (!RemoveOldProgram() || !RemoveOldLanguage()) return true;
-    const bool copied = errors_.Step("Main", [this] { CopyProgram(); });
+    // Before the old program goes: without a whole copy (a full disk) this one goes on as the program, the old one stays,
+    // and the next start tries again.
+    if (!errors_.Step("Main", [this] { CopyProgram(); })) return false;
+    if (!RemoveOldProgram() || !RemoveOldLanguage()) {
+        Delete(programBeside_, shortWait);
+        return true;
+    }
+    const bool inPlace = errors_.Step("Main", [this] { fs::rename(programBeside_, program_); });
     errors_.Step("Main", [this] { TakeLanguageFile(); });
-    // Without a whole copy (a full disk) this one goes on as the program, and the next start tries again.
-    if (!copied) return false;
+    if (!inPlace) return false;
     settings_.SetReg("UpdateLast", clock_.Now());
     return shell_.StartProgram(program_);
 }
@@ -117,7 +131,7 @@ void UpdateInstallation::LoadTexts() {
 bool UpdateInstallation::RemoveOldProgram() {
     if (WaitForOldProgram()) return true;
     ShowPieces(messageBoxes_, language_, {18, program_.string(), 19}, MessageIcon::Warning);
-    if (Delete(program_, longWait)) return true;
+    if (AwaitEnd() && Delete(program_, longWait)) return true;
     ShowPieces(messageBoxes_, language_, {18, program_.string(), 23, newProgram_.string(), 25},
                MessageIcon::Warning);
     return false;
@@ -127,9 +141,20 @@ bool UpdateInstallation::WaitForOldProgram() {
     const std::string text = language_.Lng("modAllgemein", 45, false, false, true);
     if (text != TextNotFound) messageBoxes_.ShowWaiting(text, std::string(ProgramTitle));
     events_.ProcessPending();
-    const bool gone = Delete(program_, longWait);
+    const bool gone = AwaitEnd() && Delete(program_, longWait);
     messageBoxes_.CloseWaiting();
     return gone;
+}
+
+// A running program's file can be deleted on some systems: only its lock tells that it has ended.
+bool UpdateInstallation::AwaitEnd() {
+    const double giveUp = clock_.AwakeSeconds() + longWait;
+    while (instanceLock_.IsRunning(programName)) {
+        if (clock_.AwakeSeconds() >= giveUp) return false;
+        events_.ProcessPending();
+        events_.Sleep(pauseMilliseconds);
+    }
+    return true;
 }
 
 // Only to make room: without a new file the old one is the only one there is.
@@ -141,16 +166,16 @@ bool UpdateInstallation::RemoveOldLanguage() {
 
 void UpdateInstallation::CopyProgram() {
     const fs::path running = shell_.ExecutablePath();
-    if (!files_.Copy(running, program_) || fs::file_size(program_) != fs::file_size(running)) {
+    if (!files_.Copy(running, programBeside_) || fs::file_size(programBeside_) != fs::file_size(running)) {
         std::error_code ignored;
-        fs::remove(program_, ignored);
-        throw fs::filesystem_error("The new program could not be copied", running, program_,
+        fs::remove(programBeside_, ignored);
+        throw fs::filesystem_error("The new program could not be copied", running, programBeside_,
                                    std::make_error_code(std::errc::io_error));
     }
     // As old as its source: were it older, as after a clock set back, it would hand over to that one again
     // and again.
     std::error_code ignored;
-    fs::last_write_time(program_, fs::last_write_time(running), ignored);
+    fs::last_write_time(programBeside_, fs::last_write_time(running), ignored);
 }
 
 void UpdateInstallation::TakeLanguageFile() {

@@ -8,6 +8,7 @@ class Clock;
 class Errors;
 class Events;
 class Files;
+class InstanceLock;
 class Language;
 class MessageBoxes;
 class Settings;
@@ -20,7 +21,7 @@ class UpdateInstallation {
   public:
     UpdateInstallation(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
                        Files& files, Shell& shell, Events& events, Clock& clock,
-                       const std::filesystem::path& programFolder);
+                       InstanceLock& instanceLock, const std::filesystem::path& programFolder);
 
     /// Does the part of this executable: the normal program hands over to a newer one, the new one installs
     /// itself. True when this instance must end.
@@ -34,6 +35,7 @@ class UpdateInstallation {
     void LoadTexts();
     bool RemoveOldProgram();
     bool WaitForOldProgram();
+    bool AwaitEnd();
     bool RemoveOldLanguage();
     void CopyProgram();
     void TakeLanguageFile();
@@ -47,7 +49,9 @@ class UpdateInstallation {
     Shell& shell_;
     Events& events_;
     Clock& clock_;
+    InstanceLock& instanceLock_;
     std::filesystem::path program_;
+    std::filesystem::path programBeside_;
     std::filesystem::path newProgram_;
     std::filesystem::path languageFile_;
     std::filesystem::path newLanguageFile_;

@@ -21,6 +21,8 @@ class FakeInstanceLock : public InstanceLock {
   public:
     bool Running = false;
     bool PreviousInstanceRunning() override { return Running; }
+    bool IsRunning(const std::string&) override { return OldProgramRuns(); }
+    std::function<bool()> OldProgramRuns = [] { return false; };
 };
 
 /// Sleeping moves the fake clock; `OnProcessPending` runs instead of the window system's events.
@@ -41,6 +43,7 @@ class FakeShell : public Shell {
     std::map<int, std::filesystem::path> Folders;
     std::filesystem::path Executable;
     std::vector<std::filesystem::path> Started;
+    bool Starts = true;
     std::vector<std::string> Pages;
     std::vector<std::string> MissingComponents;
     std::string Language = "de";
@@ -57,8 +60,8 @@ class FakeShell : public Shell {
     int PlatformId() override { return Platform; }
     std::string UserLanguage() override { return Language; }
     bool StartProgram(const std::filesystem::path& program) override {
-        Started.push_back(program);
-        return true;
+        if (Starts) Started.push_back(program);
+        return Starts;
     }
     bool OpenPage(const std::string& address) override {
         Pages.push_back(address);

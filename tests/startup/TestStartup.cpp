@@ -27,7 +27,7 @@ class StartupTest : public CoreFixture {
             return true;
         };
         DataFolder data(settings, language, errors, boxes, files, shell, clock, programFolder);
-        UpdateInstallation update(settings, language, errors, boxes, files, shell, events, clock,
+        UpdateInstallation update(settings, language, errors, boxes, files, shell, events, clock, lock,
                                   programFolder);
         Components components(settings, language, boxes, shell, events, data, download, "page");
         return Startup({settings, language, errors, boxes, shell, clock, lock, data, update, components,

@@ -24,7 +24,7 @@ class UpdateInstallationTest : public CoreFixture {
     }
     bool Run(const char* executable) {
         shell.Executable = programFolder / executable;
-        return UpdateInstallation(settings, language, errors, boxes, files, shell, events, clock,
+        return UpdateInstallation(settings, language, errors, boxes, files, shell, events, clock, lock,
                                   programFolder)
             .Run();
     }
@@ -124,13 +124,33 @@ TEST_F(UpdateInstallationTest, EndsWhileAFileIsHeld) {
 TEST_F(UpdateInstallationTest, GoesOnItselfWhenTheDiskIsFull) {
     Put("Korvalin_new.exe", 300);
     folder.Write("program/KorvalinLng_new.lng", "new texts");
+    Put("Korvalin.exe", 10);
     files.CopyFails = true;
     EXPECT_FALSE(Run("Korvalin_new.exe"));
     EXPECT_NE(boxes.Take().Text.find("Main"), std::string::npos);
     EXPECT_TRUE(shell.Started.empty());
-    EXPECT_FALSE(fs::exists(old_));
-    EXPECT_EQ(folder.Read("program/Korvalin.lng"), "new texts");
+    EXPECT_EQ(fs::file_size(old_), 10U) << "the old program is still there";
     EXPECT_EQ(settings.GetDate("UpdateLast"), 0);
+}
+
+TEST_F(UpdateInstallationTest, WaitsForTheOldProgramsEndThoughItsFileCouldBeDeleted) {
+    Put("Korvalin.exe", 10);
+    Put("Korvalin_new.exe", 300);
+    const double start = clock.AwakeSeconds();
+    lock.OldProgramRuns = [&] {
+        EXPECT_EQ(fs::file_size(old_), 10U);
+        return clock.AwakeSeconds() < start + 12;
+    };
+    EXPECT_TRUE(Run("Korvalin_new.exe"));
+    EXPECT_GE(clock.AwakeSeconds(), start + 12);
+    EXPECT_EQ(shell.Started, std::vector<fs::path>{old_});
+}
+
+TEST_F(UpdateInstallationTest, AFileThatCannotBeStartedIsRemovedAndTheProgramGoesOn) {
+    Put("Korvalin_new.exe", 200'000);
+    shell.Starts = false;
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    EXPECT_FALSE(fs::exists(new_));
 }
 
 } // namespace

@@ -7,10 +7,25 @@
 #include <string>
 #include <sys/file.h>
 
+#include <fmt/format.h>
+
 namespace korvalin {
 
+namespace {
+
+std::filesystem::path LockFile(const std::filesystem::path& folder, std::string_view executableName) {
+    return folder / fmt::format("instance-{}.lock", executableName);
+}
+
+} // namespace
+
 FlockInstanceLock::FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName)
-    : file_(folder / ("instance-" + std::string(executableName) + ".lock")) {}
+    : folder_(folder), file_(LockFile(folder, executableName)) {}
+
+bool FlockInstanceLock::IsRunning(const std::string& executableName) {
+    const Descriptor file(open(LockFile(folder_, executableName).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+    return file && flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
 
 bool FlockInstanceLock::PreviousInstanceRunning() {
     if (held_) return false;

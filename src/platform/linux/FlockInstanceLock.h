@@ -15,8 +15,10 @@ class FlockInstanceLock : public InstanceLock {
     FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName);
 
     bool PreviousInstanceRunning() override;
+    bool IsRunning(const std::string& executableName) override;
 
   private:
+    std::filesystem::path folder_;
     std::filesystem::path file_;
     Descriptor held_;
 };
