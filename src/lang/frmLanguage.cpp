@@ -21,6 +21,7 @@ frmLanguage::frmLanguage(Language& language, TextsChanged textsChanged)
     connect(ui_->cboLanguage, &QComboBox::currentIndexChanged, this, [this] { ApplySelection(); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, [this] {
         ApplySelection();
+        language_.SetLanguageCode(SelectedCode());
         accept();
     });
 }
@@ -36,8 +37,12 @@ void frmLanguage::Form_Load() {
     for (const std::string& name : choices.Names)
         ui_->cboLanguage->addItem(QString::fromStdString(name));
     ui_->cboLanguage->setCurrentIndex(static_cast<int>(choices.Selected));
-    // The first selection is one as well: the window is readable before the user has chosen anything.
-    ApplySelection();
+    // Readable before anything is chosen; stored is only what the user chooses or confirms.
+    if (language_.UseLanguage(SelectedCode())) textsChanged_();
+}
+
+std::string frmLanguage::SelectedCode() const {
+    return ui_->cboLanguage->currentText().left(3).toStdString();
 }
 
 void frmLanguage::ApplySelection() {

@@ -27,6 +27,7 @@ class frmLanguage : public QDialog {
   private:
     void Form_Load();
     void ApplySelection();
+    std::string SelectedCode() const;
 
     Language& language_;
     TextsChanged textsChanged_;

@@ -25,7 +25,6 @@ class LanguageDialogTest : public CoreFixture {
             dialog.exec();
         });
         EXPECT_TRUE(language.InitProgramTexts());
-        EXPECT_EQ(settings.GetText("Language"), language.LanguageCode());
         return language.LanguageCode();
     }
 };
@@ -44,6 +43,7 @@ TEST_F(LanguageDialogTest, StartsInTheUsersLanguage) {
             QTest::keyClick(&list, Qt::Key_Escape);
         };
         EXPECT_EQ(Ask(row.UsersLanguage, look), row.Code);
+        EXPECT_EQ(settings.GetText("Language"), "") << "closed without a choice: the next start asks again";
     }
 }
 
@@ -55,6 +55,12 @@ TEST_F(LanguageDialogTest, ChangesAtOnce) {
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
     };
     EXPECT_EQ(Ask("de", choose), "ENG");
+}
+
+TEST_F(LanguageDialogTest, ConfirmingStoresWhatWasProposed) {
+    const auto confirm = [&](QDialog&, QComboBox& list) { QTest::keyClick(&list, Qt::Key_Return); };
+    EXPECT_EQ(Ask("de", confirm), "GER");
+    EXPECT_EQ(settings.GetText("Language"), "GER");
 }
 
 } // namespace
