@@ -75,13 +75,6 @@ TEST_F(Curves, EndAtTheLeftEdgeAndAtTheFirstEmptySample) {
     EXPECT_EQ(Points(60, 4).back().Y, 4) << "clipped";
 }
 
-TEST(TimeLines, StandAtWholeMultiplesBeforeTheNewestSample) {
-    EXPECT_EQ(TimeLinePositions(240, 60), (std::vector<int>{180, 120, 60}));
-    EXPECT_EQ(TimeLinePositions(60, 300), std::vector<int>());
-    EXPECT_EQ(TimeLinePositions(61, 60), std::vector<int>{1});
-    EXPECT_EQ(VisibleSamplesFor(4), 240U);
-}
-
 TEST(LineLabelText, CutsLongNamesAtALateBlank) {
     struct {
         const char* Name;

@@ -37,9 +37,8 @@ TEST(RateHistory, EverySpanReachesAsFarBackAsItsSeconds) {
     // The counter grows with the square of time, so every span has its own rate: t + (t - w) = 2t - w.
     for (int t = 1; t <= 200; ++t)
         Add(history, t, static_cast<double>(t) * t);
-    for (std::size_t slot = 0; slot < RateSlots; ++slot) {
+    for (std::size_t slot = 0; slot < RateSlots; ++slot)
         EXPECT_FLOAT_EQ(Newest(history).RateDL[slot], static_cast<float>(400 - RateSpans[slot]));
-    }
 }
 
 TEST(RateHistory, AJitteringClockStaysWithinHalfASecond) {

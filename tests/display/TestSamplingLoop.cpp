@@ -164,14 +164,6 @@ TEST_F(Sampling, GoingOnlineShowsAndGoingOfflineHidesTheWindow) {
     EXPECT_EQ(scheduled, 2);
 }
 
-TEST_F(Sampling, DialMenusFollowTheConnection) {
-    window.HangUpVisible = true;
-    network.Rows.clear();
-    texts.AutoShow = false;
-    loop.Get_TransferedData();
-    EXPECT_EQ(window.Calls, (std::vector<std::string>{"dial menus", "draw forced"}));
-}
-
 TEST_F(Sampling, ALineThatIsNotConnectedGetsItsTimeOnly) {
     internet.State = {true, InternetConnectionModem | InternetRasInstalled};
     FakeRas::Line dialing;

@@ -1,6 +1,5 @@
 #include "errors/ConnectionState.h"
 #include "errors/Errors.h"
-#include "errors/Paths.h"
 #include "fakes/CoreFixture.h"
 
 using namespace korvalin;
@@ -70,12 +69,6 @@ TEST_F(ErrorsTest, ALineThatCannotBeWrittenIsLostSilently) {
         {[](int) { return ""; }, []() -> std::filesystem::path { throw std::runtime_error("gone"); }, [] {}});
     errors.WriteErrorLog("lost", "Info");
     EXPECT_EQ(Log(), "");
-}
-
-TEST(Paths, AddBackslashEndsAPathOnce) {
-    for (const auto& [path, ended] : std::map<std::string, std::string>{
-             {"C:\\", "C:\\"}, {"C:\\Data", "C:\\Data\\"}, {"/data", "/data/"}, {"/data/", "/data/"}})
-        EXPECT_EQ(AddBackslash(path), ended);
 }
 
 TEST(ConnectionState, DescribesEveryFlagInItsOrder) {

@@ -67,15 +67,6 @@ TEST_F(RegistryPrimitivesTest, WriteCreatesTheKeyAsLongAsThatHelps) {
     }
 }
 
-TEST_F(RegistryPrimitivesTest, BlankTextDeletesTheValue) {
-    EXPECT_FALSE(primitives.RegWriteString(path, "name", "  ")); // no key: none is created
-    EXPECT_EQ(registry.Creates, 0);
-    ASSERT_TRUE(primitives.RegWriteString(path, "name", "text"));
-    EXPECT_TRUE(primitives.RegWriteString(path, "name", "  "));
-    EXPECT_EQ(primitives.RegValueNames(path), std::vector<std::string>{});
-    EXPECT_FALSE(primitives.RegWriteString(path, "name", "")); // nothing left to delete
-}
-
 TEST_F(RegistryPrimitivesTest, FailuresReadAsNothing) {
     EXPECT_EQ(primitives.RegReadString(path, "name"), "");
     ASSERT_TRUE(primitives.RegWriteString(path, "fits", std::string(1023, 'x')));
