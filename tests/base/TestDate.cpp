@@ -59,15 +59,4 @@ TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {
         EXPECT_EQ(ParseDate(wrong, German()), std::nullopt) << wrong;
 }
 
-TEST(Date, GeneralFormatReadsBackInEveryLocale) {
-    for (const Locale& locale : {Locale(), German(), American()}) {
-        for (const Date date : {DateSerial(2024, 3, 15), DateSerial(1999, 12, 31) + TimeSerial(0, 0, 1),
-                                DateSerial(2024, 1, 2) + TimeSerial(12, 30, 0)}) {
-            const auto read = ParseDate(FormatDateGeneral(date, locale), locale);
-            ASSERT_TRUE(read) << FormatDateGeneral(date, locale);
-            EXPECT_NEAR(*read, date, 0.1 * OneSecond);
-        }
-    }
-}
-
 } // namespace

@@ -15,17 +15,6 @@ TEST(ChartScale, RoundsUpStrictlyAboveTheMaximum) {
         EXPECT_DOUBLE_EQ(RoundUpToStep(row.Maximum, row.Factor), row.Expected) << row.Maximum;
 }
 
-TEST(ChartScale, HasAFloorAndAFixedForm) {
-    InfoTexts texts;
-    EXPECT_EQ(ScaleMaximum(0, texts), 10000) << "no data at all";
-    EXPECT_EQ(ScaleMaximum(15000.7, texts), 15000);
-    texts.ChartMinMax = 50;
-    EXPECT_EQ(ScaleMaximum(15000, texts), 50000);
-    texts.ChartUseMax = true;
-    texts.ChartMax = 20;
-    EXPECT_EQ(ScaleMaximum(15000, texts), 20000);
-}
-
 class Curves : public testing::Test {
   protected:
     // Samples one a second, the last at second `count`; slot 0 carries the given rates.

@@ -149,23 +149,17 @@ TEST_F(StartupTest, NotesANewVersion) {
 }
 
 TEST_F(StartupTest, OffersMissingControls) {
-    const std::string inet = "The control msinet.ocx";
-    const std::string tabs = "The control tabctl32.ocx";
-    const auto yes = MessageAnswer::Yes;
-    const auto no = MessageAnswer::No;
+    const std::string tabs = "The control tabctl32.ocx is ";
     struct {
         const char* Missing;
         MessageAnswer Answer;
         const char* Download;
         Lines Shown;
         std::size_t Started, Pages;
-        bool NotWanted;
     } const rows[] = {
-        {"tabctl32.ocx", yes, "setup", {tabs + " is needed. Install it?", "Loading"}, 1, 0, false},
-        {"tabctl32.ocx", yes, "", {tabs + " is needed. Install it?", "Loading", "Failed"}, 0, 1, false},
-        {"tabctl32.ocx", no, "", {tabs + " is needed. Install it?", tabs + " is missing."}, 0, 0, false},
-        {"msinet.ocx", no, "", {inet + " is useful. Install it?", inet + " is missing."}, 0, 0, true},
-        {"msinet.ocx", yes, "", {}, 0, 0, true}}; // refused once, never asked again
+        {"tabctl32.ocx", MessageAnswer::Yes, "setup", {tabs + "needed. Install it?", "Loading"}, 1, 0},
+        {"tabctl32.ocx", MessageAnswer::Yes, "", {tabs + "needed. Install it?", "Loading", "Failed"}, 0, 1},
+        {"tabctl32.ocx", MessageAnswer::No, "", {tabs + "needed. Install it?", tabs + "missing."}, 0, 0}};
     for (const auto& row : rows) {
         shell.MissingComponents = {row.Missing};
         shell.Started.clear();
@@ -176,7 +170,6 @@ TEST_F(StartupTest, OffersMissingControls) {
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(shell.Started.size(), row.Started);
         EXPECT_EQ(shell.Pages.size(), row.Pages);
-        EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.NotWanted);
     }
 }
 
