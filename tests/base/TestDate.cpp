@@ -47,43 +47,18 @@ TEST(Date, ReadsWhatLocalesWriteAndNothingElse) {
     struct {
         const char* Text;
         Locale UserLocale;
-        std::optional<Date> Expected;
-    } const rows[] = {{"2024-03-15 14:05:09", German(), dayTime},
-                      {"2024-03-15T14:05:09", American(), dayTime},
-                      {"15.03.2024 14:05:09", German(), dayTime},
-                      {"15.3.24", German(), day},
-                      {"3/15/2024 2:05:09 PM", American(), dayTime},
-                      {"15.03.2024", American(), day},
-                      {"14:05", German(), TimeSerial(14, 5, 0)},
-                      {"12:00:00 AM", American(), 0.0},
-                      {"31.02.2024", German(), std::nullopt},
-                      {"2024-13-01", German(), std::nullopt},
-                      {"2024-03-15 25:00", German(), std::nullopt},
-                      {"13:00 PM", American(), std::nullopt},
-                      {"2024-03/15", German(), std::nullopt},
-                      {"15", German(), std::nullopt},
-                      {"", German(), std::nullopt},
-                      {"today", German(), std::nullopt},
-                      {"2024-03-15 14:05:09 junk", German(), std::nullopt},
-                      {"999999999999-01-01", German(), std::nullopt}};
-    for (const auto& row : rows) {
-        const std::optional<Date> date = ParseDate(row.Text, row.UserLocale);
-        ASSERT_EQ(date.has_value(), row.Expected.has_value()) << row.Text;
-        if (date) {
-            EXPECT_NEAR(*date, *row.Expected, 0.1 * OneSecond) << row.Text;
-        }
-    }
-}
-
-TEST(Date, GeneralFormatReadsBackInEveryLocale) {
-    for (const Locale& locale : {Locale(), German(), American()}) {
-        for (const Date date : {DateSerial(2024, 3, 15), DateSerial(1999, 12, 31) + TimeSerial(0, 0, 1),
-                                DateSerial(2024, 1, 2) + TimeSerial(12, 30, 0)}) {
-            const auto read = ParseDate(FormatDateGeneral(date, locale), locale);
-            ASSERT_TRUE(read) << FormatDateGeneral(date, locale);
-            EXPECT_NEAR(*read, date, 0.1 * OneSecond);
-        }
-    }
+        Date Expected;
+    } const rows[] = {
+        {"2024-03-15 14:05:09", German(), dayTime},    {"2024-03-15T14:05:09", American(), dayTime},
+        {"15.03.2024 14:05:09", German(), dayTime},    {"15.3.24", German(), day},
+        {"3/15/2024 2:05:09 PM", American(), dayTime}, {"15.03.2024", American(), day},
+        {"14:05", German(), TimeSerial(14, 5, 0)},     {"12:00:00 AM", American(), 0.0}};
+    for (const auto& row : rows)
+        EXPECT_NEAR(ParseDate(row.Text, row.UserLocale).value_or(-1), row.Expected, 0.1 * OneSecond)
+            << row.Text;
+    for (const char* wrong : {"31.02.2024", "2024-13-01", "2024-03-15 25:00", "13:00 PM", "2024-03/15", "15",
+                              "", "today", "2024-03-15 14:05:09 junk", "999999999999-01-01"})
+        EXPECT_EQ(ParseDate(wrong, German()), std::nullopt) << wrong;
 }
 
 } // namespace

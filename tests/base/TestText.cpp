@@ -13,11 +13,6 @@ TEST(Text, TellsUtf8FromTheRest) {
     }
 }
 
-TEST(Text, DecodesTheFileOfAnOlderSystem) {
-    EXPECT_EQ(DecodeLine("Verbindung l\xF6schen \x80"), "Verbindung löschen €");
-    EXPECT_EQ(DecodeLine("Verbindung löschen €"), "Verbindung löschen €");
-}
-
 TEST(Text, ComparesWithoutCaseAlsoUmlauts) {
     EXPECT_TRUE(EqualsNoCase("ÄÖÜ-Leitung", "äöü-leitung"));
     EXPECT_FALSE(EqualsNoCase("×", "÷"));

@@ -15,17 +15,6 @@ TEST(ChartScale, RoundsUpStrictlyAboveTheMaximum) {
         EXPECT_DOUBLE_EQ(RoundUpToStep(row.Maximum, row.Factor), row.Expected) << row.Maximum;
 }
 
-TEST(ChartScale, HasAFloorAndAFixedForm) {
-    InfoTexts texts;
-    EXPECT_EQ(ScaleMaximum(0, texts), 10000) << "no data at all";
-    EXPECT_EQ(ScaleMaximum(15000.7, texts), 15000);
-    texts.ChartMinMax = 50;
-    EXPECT_EQ(ScaleMaximum(15000, texts), 50000);
-    texts.ChartUseMax = true;
-    texts.ChartMax = 20;
-    EXPECT_EQ(ScaleMaximum(15000, texts), 20000);
-}
-
 class Curves : public testing::Test {
   protected:
     // Samples one a second, the last at second `count`; slot 0 carries the given rates.
@@ -75,13 +64,6 @@ TEST_F(Curves, EndAtTheLeftEdgeAndAtTheFirstEmptySample) {
     EXPECT_EQ(points.size(), 20U);
     EXPECT_EQ(points.front().X, 1);
     EXPECT_EQ(Points(60, 4).back().Y, 4) << "clipped";
-}
-
-TEST(TimeLines, StandAtWholeMultiplesBeforeTheNewestSample) {
-    EXPECT_EQ(TimeLinePositions(240, 60), (std::vector<int>{180, 120, 60}));
-    EXPECT_EQ(TimeLinePositions(60, 300), std::vector<int>());
-    EXPECT_EQ(TimeLinePositions(61, 60), std::vector<int>{1});
-    EXPECT_EQ(VisibleSamplesFor(4), 240U);
 }
 
 TEST(LineLabelText, CutsLongNamesAtALateBlank) {

@@ -9,9 +9,8 @@ class LiveTextsTest : public CoreFixture {
   protected:
     LiveTextsTest() {
         std::string file = "ENG\tfrmStatistik\t14\tOnline\r\n";
-        for (const int n : {9, 10, 11, 12, 13, 14, 16, 17, 22}) {
+        for (const int n : {9, 10, 11, 12, 13, 14, 16, 17, 22})
             file += "ENG\tmodAllgemein\t" + std::to_string(n) + "\t t" + std::to_string(n) + " \r\n";
-        }
         WriteTexts(file);
         settings.SetReg("Language", "ENG");
         EXPECT_TRUE(language.InitProgramTexts());

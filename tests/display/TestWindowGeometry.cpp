@@ -1,4 +1,3 @@
-#include "display/Fade.h"
 #include "display/WindowGeometry.h"
 #include "fakes/CoreFixture.h"
 
@@ -10,11 +9,6 @@ class WindowGeometryTest : public CoreFixture {
   protected:
     WindowGeometry geometry{settings, screen};
 };
-
-TEST_F(WindowGeometryTest, AFreshUserGetsTheCornerOfTheScreen) {
-    const TwipsRect place = geometry.Restore(0);
-    EXPECT_EQ(place, (TwipsRect{1280 * 15 - 4700 - 350, 1024 * 15 - 1450 - 780, 4700, 1450}));
-}
 
 TEST_F(WindowGeometryTest, WhatIsStoredDescribesTheWindowWithItsCaption) {
     geometry.Save({1000, 2300, 4000, 1200}, 300, false);
@@ -37,25 +31,6 @@ TEST_F(WindowGeometryTest, EveryResolutionHasItsOwnPlace) {
     EXPECT_EQ(geometry.Restore(0).Left, 500);
     screen.Size = screen.Mode = ScreenSize{1280, 1024};
     EXPECT_EQ(geometry.Restore(0).Left, 1000);
-}
-
-TEST(Fade, ReachesTheOpacityInStepsOfATwentieth) {
-    struct {
-        int Opacity, Ticks;
-    } const rows[] = {{200, 16}, {255, 20}, {25, 2}};
-    for (const auto& row : rows) {
-        Fade fade;
-        fade.Start(Fade::Direction::In);
-        int ticks = 1;
-        int last = 0;
-        Fade::Tick tick = fade.Next(row.Opacity);
-        for (; !tick.Finished; tick = fade.Next(row.Opacity), ++ticks) {
-            EXPECT_GT(tick.Alpha, last);
-            last = tick.Alpha;
-        }
-        EXPECT_EQ(tick.Alpha, row.Opacity);
-        EXPECT_EQ(ticks, row.Ticks);
-    }
 }
 
 } // namespace

@@ -1,6 +1,4 @@
-#include "errors/ConnectionState.h"
 #include "errors/Errors.h"
-#include "errors/Paths.h"
 #include "fakes/CoreFixture.h"
 
 using namespace korvalin;
@@ -70,26 +68,6 @@ TEST_F(ErrorsTest, ALineThatCannotBeWrittenIsLostSilently) {
         {[](int) { return ""; }, []() -> std::filesystem::path { throw std::runtime_error("gone"); }, [] {}});
     errors.WriteErrorLog("lost", "Info");
     EXPECT_EQ(Log(), "");
-}
-
-TEST(Paths, AddBackslashEndsAPathOnce) {
-    for (const auto& [path, ended] : std::map<std::string, std::string>{
-             {"C:\\", "C:\\"}, {"C:\\Data", "C:\\Data\\"}, {"/data", "/data/"}, {"/data/", "/data/"}})
-        EXPECT_EQ(AddBackslash(path), ended);
-}
-
-TEST(ConnectionState, DescribesEveryFlagInItsOrder) {
-    const auto text = [](int number) { return std::to_string(number); };
-    FakeInternet internet;
-    internet.State = {false, 0xFF};
-    EXPECT_EQ(ConnectionInfoText(internet, text), "8");
-    internet.State = {true, 0x7F};
-    EXPECT_EQ(ConnectionInfoText(internet, text), "1\n2\n3 \n4 \n5 \n6 \n7");
-    EXPECT_TRUE(IsRasInstalled(internet));
-    internet.State = {true, InternetConnectionLan};
-    EXPECT_EQ(ConnectionInfoText(internet, text), "2\n");
-    EXPECT_FALSE(IsInternetViaModem(internet));
-    EXPECT_TRUE(IsInternetViaLan(internet) && IsOnline(internet));
 }
 
 } // namespace

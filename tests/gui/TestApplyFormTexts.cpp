@@ -71,19 +71,4 @@ TEST_F(ApplyFormTextsTest, LeavesTheRestAlone) {
     }
 }
 
-TEST_F(ApplyFormTextsTest, ReachesEveryLoadedWindowAndTellsIt) {
-    struct Listening : QWidget {
-        QString TitleWhenTold;
-        void changeEvent(QEvent* event) override {
-            if (event->type() == QEvent::LanguageChange) TitleWhenTold = windowTitle();
-        }
-    } listening;
-    listening.setObjectName(QStringLiteral("frmTest"));
-    Tagged(&listening, "3");
-    Tagged(&form, "1");
-    ApplyTextsToLoadedForms(language);
-    EXPECT_EQ(form.windowTitle(), QStringLiteral("Text 1"));
-    EXPECT_EQ(listening.TitleWhenTold, QStringLiteral("Text 3"));
-}
-
 } // namespace

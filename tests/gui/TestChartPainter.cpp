@@ -46,17 +46,15 @@ class Chart : public CoreFixture {
     QRgb At(int x, int y) const { return picture.Picture().pixel(x, y); }
     // The row of the first pixel of a colour in a column, from the top; -1 when there is none.
     int RowOf(int x, std::int32_t color) const {
-        for (int y = 0; y < height; ++y) {
+        for (int y = 0; y < height; ++y)
             if (At(x, y) == Rgb(color)) return y;
-        }
         return -1;
     }
     int RuleRow(bool top) const {
         const int x = width / 2; // between the texts
         const int begin = top ? 5 : height - 5;
-        for (int y = begin; y > 0 && y < height; y += top ? 1 : -1) {
+        for (int y = begin; y > 0 && y < height; y += top ? 1 : -1)
             if (At(x, y) == Rgb(ColorApplicationWorkspace)) return y;
-        }
         return -1;
     }
     bool started = StartProgram();
@@ -64,15 +62,6 @@ class Chart : public CoreFixture {
                           program->errors, clock, program->locale, [] {}}};
     PictureBox picture;
 };
-
-TEST_F(Chart, WithoutALineIsEmptyOnItsBackground) {
-    Draw();
-    EXPECT_EQ(painter.ScaleMaximum(), 10000);
-    EXPECT_EQ(At(width / 2, height / 2), Rgb(15323561));
-    EXPECT_GT(RuleRow(true), 0);
-    EXPECT_GT(RuleRow(false), RuleRow(true));
-    EXPECT_EQ(texts().RateDLText, "0.0");
-}
 
 TEST_F(Chart, ACurveStandsAtItsShareOfTheScale) {
     Online(9000, 100);

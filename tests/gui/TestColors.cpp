@@ -17,8 +17,7 @@ TEST(Colors, HoldRedInTheLowestByteOrFollowThePalette) {
         {static_cast<std::int32_t>(0x80000011), QColor(7, 8, 9)},
         {static_cast<std::int32_t>(0x8000000C), QColor(10, 11, 12)},
         {SystemColor(24), palette.color(QPalette::ToolTipBase)},
-        {SystemColor(25), QColor(22, 23, 24)}, // unknown: readable at least
-    };
+        {SystemColor(25), QColor(22, 23, 24)}}; // unknown: readable at least
     for (const auto& [value, color] : rows) {
         EXPECT_EQ(ToColor(value), color) << value;
         if (value > 0) {

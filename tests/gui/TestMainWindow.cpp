@@ -65,9 +65,8 @@ TEST_F(MainWindow, StartsWithTheChartOfTheMachinesTraffic) {
 TEST_F(MainWindow, TheMenuHoldsOnlyWhatWorksAndSpeaksBothLanguages) {
     Start();
     QStringList shown;
-    for (const QAction* action : Menu()->actions()) {
+    for (const QAction* action : Menu()->actions())
         if (action->isVisible() && !action->isSeparator()) shown << action->text();
-    }
     EXPECT_EQ(shown.join(QLatin1Char('|')).toStdString(),
               "Show title &bar|Title bar &only|Always on to&p|E&xit");
     ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
@@ -75,7 +74,7 @@ TEST_F(MainWindow, TheMenuHoldsOnlyWhatWorksAndSpeaksBothLanguages) {
     EXPECT_EQ(Item("mnuBeenden")->text(), QStringLiteral("&Beenden"));
 }
 
-TEST_F(MainWindow, TheCaptionIsSwitchedAndRemembered) {
+TEST_F(MainWindow, TheCaptionAndStayingOnTopAreSwitchedAndRemembered) {
     Start();
     EXPECT_FALSE(Item("mnuTitelAnzeigen")->isChecked());
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
@@ -89,6 +88,10 @@ TEST_F(MainWindow, TheCaptionIsSwitchedAndRemembered) {
     Choose("mnuTitelAnzeigen");
     EXPECT_FALSE(settings.GetBool("ShowTitle"));
     EXPECT_EQ(window->geometry(), inner);
+    EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "by default";
+    Choose("mnuVordergrund");
+    EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_FALSE(settings.GetBool("ForeGround"));
 }
 
 TEST_F(MainWindow, TitleOnlyHidesTheChartAndBringsItBack) {
@@ -105,14 +108,6 @@ TEST_F(MainWindow, TitleOnlyHidesTheChartAndBringsItBack) {
     EXPECT_EQ(window->width(), size.width());
     EXPECT_NEAR(Setting("MON_Height"), stored, TwipsPerPixel);
     EXPECT_GT(window->height(), 40);
-}
-
-TEST_F(MainWindow, AlwaysOnTopIsSwitchedAndRemembered) {
-    Start();
-    EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "by default";
-    Choose("mnuVordergrund");
-    EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_FALSE(settings.GetBool("ForeGround"));
 }
 
 TEST_F(MainWindow, StartsOutOfSightWhenItShallNotShowItself) {
@@ -228,14 +223,10 @@ TEST_F(MainWindow, ClosesForGoodFromTheMenuAndStaysInTheTrayWhenThereIsOne) {
     Choose("mnuBeenden");
     EXPECT_EQ(closings, 1);
     EXPECT_FALSE(window->isVisible());
-}
-
-TEST_F(MainWindow, WithoutATrayItsCloseBoxEndsTheProgram) {
-    Start();
-    int closings = 0;
-    window->Plug({[] { return false; }, [&] { ++closings; }});
+    window->ShowMainWindow(true);
+    tray = false;
     window->close();
-    EXPECT_EQ(closings, 1);
+    EXPECT_EQ(closings, 2) << "nothing would bring it back";
 }
 
 } // namespace

@@ -1,6 +1,4 @@
-#include "forms/Loaded.h"
 #include "platform/qt/QtMessageBoxes.h"
-#include "platform/qt/WaitingMessage.h"
 
 using namespace korvalin;
 
@@ -65,43 +63,6 @@ TEST_F(QtMessageBoxesTest, StandsAboveAWindowThatStaysOnTopAndSurvivesItsEnd) {
         window.reset();
     });
     EXPECT_EQ(answer, MessageAnswer::No);
-}
-
-TEST_F(QtMessageBoxesTest, KeepsTheWaitingMessageUntilItIsClosed) {
-    const auto find = [] {
-        const auto windows = QApplication::topLevelWidgets();
-        const auto found = std::find_if(windows.begin(), windows.end(), [](QWidget* window) {
-            return qobject_cast<WaitingMessage*>(window) != nullptr;
-        });
-        return found == windows.end() ? nullptr : *found;
-    };
-    boxes.CloseWaiting();
-    boxes.ShowWaiting("Please wait", "Korvalin");
-    QWidget* message = find();
-    ASSERT_NE(message, nullptr);
-    QTest::keyClick(message, Qt::Key_Escape);
-    message->close();
-    EXPECT_TRUE(message->isVisible());
-    boxes.CloseWaiting();
-    EXPECT_EQ(find(), nullptr);
-}
-
-TEST(Loaded, KnowsWindowsByNameAndClosesTheOthers) {
-    struct Refusing : QWidget {
-        void closeEvent(QCloseEvent* event) override { event->ignore(); }
-    } refusing;
-    refusing.setObjectName(QStringLiteral("frmMessage"));
-    QWidget main;
-    main.setObjectName(QStringLiteral("frmMain"));
-    QWidget other;
-    other.setObjectName(QStringLiteral("frmStatistik"));
-    for (QWidget* window : {&main, &other, static_cast<QWidget*>(&refusing)})
-        window->show();
-    EXPECT_TRUE(IsFormLoaded("FRMSTATISTIK"));
-    EXPECT_FALSE(IsFormLoaded("frmStat"));
-    UnloadOtherForms(main);
-    EXPECT_TRUE(main.isVisible());
-    EXPECT_FALSE(other.isVisible() || refusing.isVisible());
 }
 
 } // namespace

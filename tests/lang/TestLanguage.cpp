@@ -1,6 +1,5 @@
 #include "fakes/CoreFixture.h"
 #include "lang/Language.h"
-#include "lang/LanguageFile.h"
 
 using namespace korvalin;
 
@@ -32,23 +31,19 @@ TEST_F(LanguageTest, LooksUpTheChosenLanguageAndWhatBelongsToAll) {
                             "LNG\tlngDefinition\tENG\tENG - English\n"
                             "ENG\tfrmMainObj\t10\tlast line without an end"));
     struct {
-        const char* Section;
-        const char* Number;
+        const char *Section, *Number;
         bool Tooltip;
         const char* Expected;
-    } const rows[] = {
-        {"frmMainObj", "5", false, "&File"},
-        {"FRMMAINOBJ", "005", true, "\"quoted\" tip\"\tmore"},
-        {"frmMainObj", "6", false, ""},
-        {"frmMainObj", "7", false, " two blanks "},
-        {"frmMainObj", "8", false, ""},
-        {"lngDefinition", "eng", false, "ENG - English"},
-        {"lngDefinition", "GER", false, "GER - language"},
-        {"frmMainObj", "10", false, "last line without an end"},
-    };
-    for (const auto& row : rows) {
+    } const rows[] = {{"frmMainObj", "5", false, "&File"},
+                      {"FRMMAINOBJ", "005", true, "\"quoted\" tip\"\tmore"},
+                      {"frmMainObj", "6", false, ""},
+                      {"frmMainObj", "7", false, " two blanks "},
+                      {"frmMainObj", "8", false, ""},
+                      {"lngDefinition", "eng", false, "ENG - English"},
+                      {"lngDefinition", "GER", false, "GER - language"},
+                      {"frmMainObj", "10", false, "last line without an end"}};
+    for (const auto& row : rows)
         EXPECT_EQ(language.Lng(row.Section, row.Number, row.Tooltip), row.Expected) << row.Number;
-    }
     EXPECT_EQ(language.Lng("frmMainObj", 7, false, true), "two blanks");
 }
 
@@ -88,41 +83,33 @@ TEST_F(LanguageTest, SurvivesDamagedFiles) {
     std::string twins;
     while (twins.size() < 6'000'000)
         twins += good;
-    struct {
-        std::string Content;
-        bool Loads;
-    } const rows[] = {
+    const std::pair<std::string, bool> rows[] = {
         {"", false},
         {"h\nGER\ts", false},
         {std::string("h\nGER\ts\t1\tx\0\n", 13), false},
         {std::string(3'000'000, '\0') + "\n" + good, true},
         {"h\n" + std::string(64 * 1024 - 1, 'x') + "\n" + good, true},
         {"h\n\xFF\xFE\t\xC3\t\x80\n" + good, true},
-        {"h\n" + twins, true},
-    };
+        {"h\n" + twins, true}};
     settings.SetReg("Language", "GER");
-    for (const auto& row : rows) {
-        folder.Write("program/Korvalin.lng", row.Content);
-        EXPECT_EQ(language.InitProgramTexts(), row.Loads) << row.Content.substr(0, 30);
-        EXPECT_EQ(language.Lng("s", 1), row.Loads ? "x" : "");
+    for (const auto& [content, loads] : rows) {
+        folder.Write("program/Korvalin.lng", content);
+        EXPECT_EQ(language.InitProgramTexts(), loads) << content.substr(0, 30);
+        EXPECT_EQ(language.Lng("s", 1), loads ? "x" : "");
         TakeBoxes();
     }
     EXPECT_LE(LogLines().size(), 1000U);
 }
 
 TEST_F(LanguageTest, ListsTheLanguagesInTheFilesOrder) {
-    struct {
-        const char* Lines;
-        std::vector<std::string> Expected;
-    } const rows[] = {
+    const std::pair<const char*, Lines> rows[] = {
         {"", {"GER"}},
         {"LNG\tx\nENGL\tx\n#GER\tx\nEN\tx\n", {"GER"}},
-        {" FRA \tx\nENG#\tx\nFRA\tx\neng\tx\n\xC4\xD6\xDC", {"FRA", "ENG", "eng", "ÄÖÜ"}},
-    };
-    for (const auto& row : rows) {
-        WriteTexts(row.Lines);
+        {" FRA \tx\nENG#\tx\nFRA\tx\neng\tx\n\xC4\xD6\xDC", {"FRA", "ENG", "eng", "ÄÖÜ"}}};
+    for (const auto& [texts, expected] : rows) {
+        WriteTexts(texts);
         EXPECT_TRUE(language.LoadLanguageChoices());
-        EXPECT_EQ(language.LanguageCodes(), row.Expected);
+        EXPECT_EQ(language.LanguageCodes(), expected);
     }
     std::filesystem::remove(language.LanguageFilePath());
     EXPECT_FALSE(language.LoadLanguageChoices());
@@ -141,15 +128,13 @@ TEST_F(LanguageTest, StartsWithTheStoredLanguageOrSaysWhyNot) {
         const char* Code;
         std::vector<std::string> Shown;
         const char* StoredAfter;
-    } const rows[] = {
-        {"ENG", "GER\ts\t1\tx\nENG\ts\t1\ty\n", true, "ENG", {}, "ENG"},
-        {"FRA", "GER\ts\t1\tx\nENG\ts\t1\ty\n", true, "GER", {}, "GER"},
-        {"LNG", "GER\ts\t1\tx\n", true, "GER", {}, "GER"},
-        {"", "GER\ts\t1\tx\n", true, "GER", {}, ""},
-        {"ENGL", "GER\ts\t1\tx\n", true, "GER", {}, "ENGL"},
-        {"ENG", "GER\ts\t1\tx\nENG\ts\n", false, "ENG", {problem + "ENG" + tryAgain}, "GER"},
-        {"GER", "", false, "GER", {problem + "GER" + giveUp}, "GER"},
-    };
+    } const rows[] = {{"ENG", "GER\ts\t1\tx\nENG\ts\t1\ty\n", true, "ENG", {}, "ENG"},
+                      {"FRA", "GER\ts\t1\tx\nENG\ts\t1\ty\n", true, "GER", {}, "GER"},
+                      {"LNG", "GER\ts\t1\tx\n", true, "GER", {}, "GER"},
+                      {"", "GER\ts\t1\tx\n", true, "GER", {}, ""},
+                      {"ENGL", "GER\ts\t1\tx\n", true, "GER", {}, "ENGL"},
+                      {"ENG", "GER\ts\t1\tx\nENG\ts\n", false, "ENG", {problem + "ENG" + tryAgain}, "GER"},
+                      {"GER", "", false, "GER", {problem + "GER" + giveUp}, "GER"}};
     for (const auto& row : rows) {
         EXPECT_EQ(Load(row.Stored, row.Lines), row.Loads) << row.Stored;
         EXPECT_EQ(language.LanguageCode(), row.Code);
@@ -195,17 +180,13 @@ TEST_F(LanguageTest, AsksForTheLanguageAtTheFirstStart) {
 }
 
 TEST(ParseLngNo, ReadsTheMark) {
-    struct {
-        const char* Tag;
-        int Expected;
-    } const rows[] = {{"#LngNo:5", 5},   {"x #LngNo: 12.9 y", 12},
-                      {"#LngNo:-", -1},  {"#LngNo: - ", -1},
-                      {"#LngNo:-7", 7},  {"#LngNo:0", 0},
-                      {"#LngNo:abc", 0}, {"#LngNo:", 0},
-                      {"LngNo:5", 0},    {"", 0},
-                      {"#LngNo:-x", 0},  {"#LngNo:99999999999", INT_MAX}};
-    for (const auto& row : rows)
-        EXPECT_EQ(Language::ParseLngNo(row.Tag), row.Expected) << row.Tag;
+    const std::pair<const char*, int> rows[] = {{"#LngNo:5", 5},   {"x #LngNo: 12.9 y", 12},
+                                                {"#LngNo:-", -1},  {"#LngNo: - ", -1},
+                                                {"#LngNo:-7", 7},  {"#LngNo:0", 0},
+                                                {"#LngNo:abc", 0}, {"", 0},
+                                                {"#LngNo:-x", 0},  {"#LngNo:99999999999", INT_MAX}};
+    for (const auto& [tag, expected] : rows)
+        EXPECT_EQ(Language::ParseLngNo(tag), expected) << tag;
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "fakes/TemporaryFolder.h"
 #include "platform/linux/LinuxShell.h"
-#include "platform/linux/XdgFolders.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -28,23 +27,6 @@ class Variable {
     const char* name_;
     std::optional<std::string> old_;
 };
-
-TEST(XdgFolders, OnlyAbsolutePathsOfTheEnvironmentCount) {
-    const Variable home("HOME", "/home/a");
-    struct {
-        const char *Config, *Data, *ExpectedConfig, *ExpectedData;
-    } const rows[] = {{"/c", "/d", "/c/korvalin", "/d"},
-                      {nullptr, "", "/home/a/.config/korvalin", "/home/a/.local/share"},
-                      {"c", "./d", "/home/a/.config/korvalin", "/home/a/.local/share"}};
-    for (const auto& row : rows) {
-        const Variable config("XDG_CONFIG_HOME", row.Config);
-        const Variable data("XDG_DATA_HOME", row.Data);
-        EXPECT_EQ(ConfigFolder(), row.ExpectedConfig);
-        EXPECT_EQ(LinuxShell().SpecialFolder(SpecialFolderCommonAppData), row.ExpectedData);
-    }
-    const Variable noHome("HOME", nullptr);
-    EXPECT_TRUE(XdgDataHome().is_absolute());
-}
 
 TEST(LinuxShell, TakesTheLanguageFromTheFirstVariableThatIsSet) {
     struct {

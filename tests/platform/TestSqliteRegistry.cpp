@@ -59,35 +59,13 @@ class TestSqliteRegistry : public testing::Test {
     fs::path damaged = folder / "korvalin/registry.db.damaged_20240305-070809";
 };
 
-TEST_F(TestSqliteRegistry, SeesTheLastWriteOfAnotherProcess) {
-    Store store(file);
-    Signal ask;
-    Signal done;
-    ChildProcess other([&] {
-        Store theirs(file);
-        for (int round; (round = ask.Await()) != 0; done.Send()) {
-            EXPECT_EQ(theirs.Read("a"), "mine " + std::to_string(round));
-            EXPECT_EQ(theirs.Write("A", "theirs " + std::to_string(round)), ErrorSuccess);
-        }
-    });
-    for (int round = 1; round <= 20; ++round) {
-        ASSERT_EQ(store.Write("a", "mine " + std::to_string(round)), ErrorSuccess);
-        ask.Send(round);
-        done.Await();
-        ASSERT_EQ(store.Read("a"), "theirs " + std::to_string(round));
-    }
-    ask.Send(0);
-    other.Finish();
-}
-
 TEST_F(TestSqliteRegistry, AKilledWriterLosesNothingItWasToldIsWritten) {
     for (const int wanted : {1, 300}) {
         Signal written;
         ChildProcess writer([&] {
             Store store(file);
-            for (int i = 1;; ++i) {
+            for (int i = 1;; ++i)
                 if (store.Write(std::to_string(i), std::to_string(wanted)) == 0) written.Send(i);
-            }
         });
         int acknowledged = 0;
         while (acknowledged < wanted)
@@ -149,9 +127,8 @@ TEST_F(TestSqliteRegistry, InstancesThatStartTogetherEndUpInOneStore) {
             instances.push_back(std::make_unique<ChildProcess>([&] {
                 start.Await();
                 Store store(file);
-                for (int k = 0; k < 20; ++k) {
+                for (int k = 0; k < 20; ++k)
                     EXPECT_EQ(store.Write(std::to_string(i) + " " + std::to_string(k), "1"), ErrorSuccess);
-                }
             }));
         }
         for (int i = 0; i < 6; ++i)

@@ -1,6 +1,5 @@
 #include "fakes/CoreFixture.h"
 #include "startup/DataFolder.h"
-#include "startup/FileWait.h"
 
 #include <chrono>
 #include <ctime>
@@ -230,23 +229,6 @@ TEST_F(DataFolderTest, DeletesOldBackupsOnly) {
         data.DeleteStatistics();
         EXPECT_EQ(Contents(share), "db= " + left + "txt_1= ") << days;
     }
-}
-
-TEST_F(DataFolderTest, WaitsForAFileToGo) {
-    const fs::path held = folder / "held"; // a folder stands for a file that the system holds
-    fs::create_directories(held);
-    const double start = clock.AwakeSeconds();
-    EXPECT_FALSE(DeleteFileWait(held, 30, events, clock));
-    EXPECT_NEAR(clock.AwakeSeconds() - start, 30, 0.2);
-    events.OnProcessPending = [&] {
-        clock.SetWallClock(0); // the wall clock plays no part
-        if (clock.AwakeSeconds() > start + 32) fs::remove(held);
-    };
-    EXPECT_TRUE(DeleteFileWait(held, 30, events, clock));
-    EXPECT_LT(clock.AwakeSeconds() - start, 33);
-    Put(held, "x");
-    EXPECT_TRUE(DeleteFileWait(held, 1, events, clock));
-    EXPECT_FALSE(fs::exists(held));
 }
 
 } // namespace

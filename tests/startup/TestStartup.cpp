@@ -108,14 +108,12 @@ TEST_F(StartupTest, GetsALanguageFile) {
         Lines Shown;
         std::size_t Downloads;
         bool Starts;
-    } const rows[] = {
-        {false, good, {yes}, {missing}, 1, true},
-        {false, good, {no, no}, {missing, unusable, corrupted}, 0, false},
-        {false, good, {no, yes}, {missing, unusable, corrupted}, 1, true},
-        {false, "", {yes, yes}, {missing, unusable, corrupted}, 2, false},
-        {true, good, {yes}, {unusable, corrupted}, 1, true},
-        {true, "bad", {yes}, {unusable, corrupted, unusable}, 1, false},
-    };
+    } const rows[] = {{false, good, {yes}, {missing}, 1, true},
+                      {false, good, {no, no}, {missing, unusable, corrupted}, 0, false},
+                      {false, good, {no, yes}, {missing, unusable, corrupted}, 1, true},
+                      {false, "", {yes, yes}, {missing, unusable, corrupted}, 2, false},
+                      {true, good, {yes}, {unusable, corrupted}, 1, true},
+                      {true, "bad", {yes}, {unusable, corrupted, unusable}, 1, false}};
     for (const auto& row : rows) {
         fs::remove(file);
         if (row.Exists) folder.Write("program/Korvalin.lng", "broken");
@@ -137,8 +135,7 @@ TEST_F(StartupTest, NotesANewVersion) {
     } const rows[] = {
         {"v2.1.7", {2, 1, 7}, "v2.1.7", true, false},     {"V2.1.5", {2, 1, 7}, "V2.1.7", true, true},
         {"V2.0.5", {2, 1, 7}, "V2.1.7", false, true},     {"", {2, 1, 99}, "V2.1.99", false, true},
-        {"V2.1.12", {2, 1, 129}, "V2.1.12", true, false}, {"V2.1.1", {2, 1, 100}, "V2.1.10", true, true},
-    };
+        {"V2.1.12", {2, 1, 129}, "V2.1.12", true, false}, {"V2.1.1", {2, 1, 100}, "V2.1.10", true, true}};
     for (const auto& row : rows) {
         settings.SetReg("PrgVersion", row.Stored);
         settings.SetReg("msinetNotWanted", true);
@@ -152,24 +149,17 @@ TEST_F(StartupTest, NotesANewVersion) {
 }
 
 TEST_F(StartupTest, OffersMissingControls) {
-    const std::string inet = "The control msinet.ocx";
-    const std::string tabs = "The control tabctl32.ocx";
-    const auto yes = MessageAnswer::Yes;
-    const auto no = MessageAnswer::No;
+    const std::string tabs = "The control tabctl32.ocx is ";
     struct {
         const char* Missing;
         MessageAnswer Answer;
         const char* Download;
         Lines Shown;
         std::size_t Started, Pages;
-        bool NotWanted;
     } const rows[] = {
-        {"tabctl32.ocx", yes, "setup", {tabs + " is needed. Install it?", "Loading"}, 1, 0, false},
-        {"tabctl32.ocx", yes, "", {tabs + " is needed. Install it?", "Loading", "Failed"}, 0, 1, false},
-        {"tabctl32.ocx", no, "", {tabs + " is needed. Install it?", tabs + " is missing."}, 0, 0, false},
-        {"msinet.ocx", no, "", {inet + " is useful. Install it?", inet + " is missing."}, 0, 0, true},
-        {"msinet.ocx", yes, "", {}, 0, 0, true}, // refused once, never asked again
-    };
+        {"tabctl32.ocx", MessageAnswer::Yes, "setup", {tabs + "needed. Install it?", "Loading"}, 1, 0},
+        {"tabctl32.ocx", MessageAnswer::Yes, "", {tabs + "needed. Install it?", "Loading", "Failed"}, 0, 1},
+        {"tabctl32.ocx", MessageAnswer::No, "", {tabs + "needed. Install it?", tabs + "missing."}, 0, 0}};
     for (const auto& row : rows) {
         shell.MissingComponents = {row.Missing};
         shell.Started.clear();
@@ -180,7 +170,6 @@ TEST_F(StartupTest, OffersMissingControls) {
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(shell.Started.size(), row.Started);
         EXPECT_EQ(shell.Pages.size(), row.Pages);
-        EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.NotWanted);
     }
 }
 

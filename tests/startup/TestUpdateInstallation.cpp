@@ -40,10 +40,11 @@ TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
         std::size_t NewLength; // 0: none
         int NewAge, CurrentAge;
         bool HasCurrent, Started;
-    } const rows[] = {
-        {0, 0, 0, true, false},       {200'000, 1, 2, true, true},  {199'999, 1, 2, true, false},
-        {200'000, 1, 1, true, false}, {200'000, 9, 0, false, true},
-    };
+    } const rows[] = {{0, 0, 0, true, false},
+                      {200'000, 1, 2, true, true},
+                      {199'999, 1, 2, true, false},
+                      {200'000, 1, 1, true, false},
+                      {200'000, 9, 0, false, true}};
     for (const auto& row : rows) {
         fs::remove(old_);
         fs::remove(new_);
@@ -90,12 +91,10 @@ TEST_F(UpdateInstallationTest, EndsWhileAFileIsHeld) {
         double ReleasedAfter;
         Lines Shown;
         bool Started;
-    } const rows[] = {
-        {old_, 1e9, programHeld, false},
-        {old_, 40, {programHeld[0]}, true},
-        {old_, 20, {}, true},
-        {texts_, 1e9, {"Still there: " + texts_.string() + "?"}, false},
-    };
+    } const rows[] = {{old_, 1e9, programHeld, false},
+                      {old_, 40, {programHeld[0]}, true},
+                      {old_, 20, {}, true},
+                      {texts_, 1e9, {"Still there: " + texts_.string() + "?"}, false}};
     const std::string lines = folder.Read("program/Korvalin.lng");
     for (const auto& row : rows) {
         fs::remove_all(old_);

@@ -36,33 +36,6 @@ TEST_F(RasLines, TheTypeFollowsTheFlags) {
     }
 }
 
-TEST_F(RasLines, OneAlreadyUpGetsALogInBeforeItsDuration) {
-    Dial(7, "Provider", 100, 600);
-    Pass();
-    const Date now = clock.Now();
-    EXPECT_NEAR(lines.LineTable(1).Duration, 600 * OneSecond, 1e-9);
-    EXPECT_NEAR(lines.LineTable(1).LogIn, now - 605 * OneSecond, 1e-9);
-    EXPECT_EQ(lines.LineTable(1).LineName, "<Provider>");
-    EXPECT_EQ(lines.LineTable(1).Bps, 56000U);
-    Pass();
-    EXPECT_NEAR(lines.LineTable(1).Duration, 606 * OneSecond, 1e-9)
-        << "the time since log-in is the larger one";
-}
-
-TEST_F(RasLines, TheSecondOfTwoHangsUp) {
-    Dial(7, "One", 100);
-    Dial(8, "Two", 200);
-    Pass();
-    EXPECT_EQ(lines.LineCount, 2U);
-    Pass();
-    ras.Lines.pop_back();
-    Pass();
-    ASSERT_EQ(closed.size(), 1U);
-    EXPECT_EQ(closed[0].EntryName, "Two");
-    EXPECT_EQ(lines.LineTable.Size(), 1U);
-    EXPECT_TRUE(lines.AnyLineConnected);
-}
-
 TEST_F(RasLines, AnotherConnectionInSlotOneClosesEveryLine) {
     Dial(7, "One", 100);
     Pass();
