@@ -5,10 +5,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
-#include <algorithm>
 #include <cmath>
 #include <vector>
 

@@ -18,7 +18,8 @@ int main(int argc, char** argv) {
     std::string value;
     CLI::App* settings = app.add_subcommand("settings", "Read and change settings");
     settings->require_subcommand(1);
-    CLI::App* list = settings->add_subcommand("list", "All settings with their kind and value (stores missing defaults)");
+    CLI::App* list =
+        settings->add_subcommand("list", "All settings with their kind and value (stores missing defaults)");
     CLI::App* get = settings->add_subcommand("get", "One setting, with its default and range applied");
     get->add_option("NAME", name, "Name of the setting")->required();
     CLI::App* set = settings->add_subcommand("set", "Store a setting in its corrected form; \"\" deletes it");

@@ -21,7 +21,8 @@ std::size_t VisibleSamplesFor(int widthMinutes);
 /// strictly above it.
 double RoundUpToStep(double maximum, std::int32_t unitFactor);
 
-/// Largest rate of the curves that are switched on, over the `visible` seconds that the chart shows of a line.
+/// Largest rate of the curves that are switched on, over the `visible` seconds that the chart shows of a
+/// line.
 double LargestRate(const RateHistory& history, std::size_t line, const InfoTexts& texts, std::size_t visible);
 
 /// Scale maximum (bytes per second) for a rounded largest rate: with the floor, or the fixed scale, of the

@@ -86,7 +86,8 @@ void LiveTexts::FillAverages(InfoTexts& texts, const LineRecord& line) const {
             // An adapter has counted since the system's start, not only since this program's.
             // One that was reset since counts from below its start.
             received = std::max(line.BytesReceived - (line.IsRas ? 0 : line.StartReceived), 0.0) / seconds;
-            transmitted = std::max(line.BytesTransmitted - (line.IsRas ? 0 : line.StartTransmitted), 0.0) / seconds;
+            transmitted =
+                std::max(line.BytesTransmitted - (line.IsRas ? 0 : line.StartTransmitted), 0.0) / seconds;
         }
     }
     texts.AvgDLText = units_.FormatKB(received, texts.KBFactor, "0.0");

@@ -13,9 +13,9 @@ class QWidget;
 
 namespace korvalin {
 
-/// The frame that the window manager draws around a window: caption on and off, always on top, and the window's place
-/// with its caption. A window manager decorates some time after it was asked to, or after the program started, so places
-/// are put right when the caption's height becomes known.
+/// The frame that the window manager draws around a window: caption on and off, always on top, and the
+/// window's place with its caption. A window manager decorates some time after it was asked to, or after the
+/// program started, so places are put right when the caption's height becomes known.
 class WindowFrame {
   public:
     struct Hooks {
@@ -29,8 +29,8 @@ class WindowFrame {
 
     void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
-    /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with the
-    /// caption, and the place must not change with it.
+    /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with
+    /// the caption, and the place must not change with it.
     TwipsRect Place() const;
     void MoveTo(const TwipsRect& place);
 
@@ -46,7 +46,8 @@ class WindowFrame {
     /// The height that was measured when the program ran before.
     void SetCaptionHeight(int twips) { captionHeight_ = twips; }
 
-    /// Whether Place can be trusted: without a caption, with a measured one, or when none was drawn in good time.
+    /// Whether Place can be trusted: without a caption, with a measured one, or when none was drawn in good
+    /// time.
     bool IsSettled() const { return !captionShown_ || measured_ || gaveUp_; }
 
     void SetTopmost(bool topmost);
@@ -54,7 +55,8 @@ class WindowFrame {
     /// Brings the window to the front, without keeping it there.
     void Raise();
 
-    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was shown.
+    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was
+    /// shown.
     void AwaitFrame();
 
     /// Looks once, for a window manager that came late. To be called now and then.

@@ -88,8 +88,8 @@ void frmMain::Form_Load() {
     if (parts_.Info.AutoShow) StartFade(3);
     loaded_ = true;
     if (!parts_.Info.AutoShow) ShowMainWindow(false);
-    // The first update shows the window, or puts it aside when the machine is offline: a window manager that was just
-    // asked to map a window would not iconify it.
+    // The first update shows the window, or puts it aside when the machine is offline: a window manager that
+    // was just asked to map a window would not iconify it.
     TimerMain_Timer();
 }
 

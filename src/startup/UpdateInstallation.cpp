@@ -6,8 +6,8 @@
 #include "lang/Language.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
-#include "platform/InstanceLock.h"
 #include "platform/Files.h"
+#include "platform/InstanceLock.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Shell.h"
 #include "settings/Settings.h"
@@ -100,8 +100,8 @@ bool UpdateInstallation::IsWorthStarting() {
 bool UpdateInstallation::Install() {
     errors_.Step("Main", [this] { TakeLanguageText(); });
     LoadTexts();
-    // Before the old program goes: without a whole copy (a full disk) this one goes on as the program, the old one stays,
-    // and the next start tries again.
+    // Before the old program goes: without a whole copy (a full disk) this one goes on as the program, the
+    // old one stays, and the next start tries again.
     if (!errors_.Step("Main", [this] { CopyProgram(); })) return false;
     if (!RemoveOldProgram() || !RemoveOldLanguage()) {
         Delete(programBeside_, shortWait);

@@ -20,8 +20,8 @@ class Shell;
 class UpdateInstallation {
   public:
     UpdateInstallation(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
-                       Files& files, Shell& shell, Events& events, Clock& clock,
-                       InstanceLock& instanceLock, const std::filesystem::path& programFolder);
+                       Files& files, Shell& shell, Events& events, Clock& clock, InstanceLock& instanceLock,
+                       const std::filesystem::path& programFolder);
 
     /// Does the part of this executable: the normal program hands over to a newer one, the new one installs
     /// itself. True when this instance must end.

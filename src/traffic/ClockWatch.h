@@ -12,8 +12,8 @@ class ClockWatch {
     /// Begins anew: what happened before is no step.
     void Restart();
 
-    /// How far the wall clock was set since the last call, in days (0: not at all). Differences below half a second are
-    /// left to add up: a slowly corrected clock makes no steps.
+    /// How far the wall clock was set since the last call, in days (0: not at all). Differences below half a
+    /// second are left to add up: a slowly corrected clock makes no steps.
     Date TakeStep();
 
   private:

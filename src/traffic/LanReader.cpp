@@ -63,8 +63,8 @@ bool LanReader::IsActive(const InterfaceRow& row) const {
            static_cast<double>(row.InOctets) > static_cast<double>(options_.LanActive);
 }
 
-// An adapter that was renamed, or moved up into the slot of one that dropped out, counts on its own: nothing measured
-// on the other's counters may meet its own.
+// An adapter that was renamed, or moved up into the slot of one that dropped out, counts on its own: nothing
+// measured on the other's counters may meet its own.
 void LanReader::TakeSource(const InterfaceRow& row, LineRecord& line) {
     if (line.CounterSource != 0 && line.EntryName == Trim(row.Description)) return;
     line.CounterSource = ++state_.LastCounterSource;

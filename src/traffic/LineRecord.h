@@ -19,7 +19,7 @@ struct LineRecord {
     std::string User; ///< filled in the snapshot of the previous pass only
     double SampleTimer =
         0; ///< seconds since midnight at this pass, later seconds on the continuous time base
-    double SampleAwake = 0; ///< seconds the system was awake at this pass: never steps
+    double SampleAwake = 0;         ///< seconds the system was awake at this pass: never steps
     std::int32_t WrapsReceived = 0; ///< how often the 32-bit counter started again at 0
     std::int32_t WrapsTransmitted = 0;
     double LastRawReceived = 0; ///< as the system reported it at the previous pass

@@ -2,12 +2,12 @@
 
 #include "platform/linux/PosixFiles.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
-
-#include <fmt/format.h>
 
 namespace korvalin {
 

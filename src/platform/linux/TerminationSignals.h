@@ -4,8 +4,8 @@
 
 namespace korvalin {
 
-/// The signals that ask a program to end (SIGTERM, SIGINT, SIGHUP), as a descriptor that becomes readable. To be made
-/// before any thread is started: the signals are blocked for all of them.
+/// The signals that ask a program to end (SIGTERM, SIGINT, SIGHUP), as a descriptor that becomes readable. To
+/// be made before any thread is started: the signals are blocked for all of them.
 class TerminationSignals {
   public:
     TerminationSignals();
