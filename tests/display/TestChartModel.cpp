@@ -13,6 +13,10 @@ TEST(ChartScale, RoundsUpStrictlyAboveTheMaximum) {
                       {1000000, 1000, 1005000}, {10000000, 1000, 10050000}, {1024 * 4, 1024, 1024 * 5}};
     for (const auto& row : rows)
         EXPECT_DOUBLE_EQ(RoundUpToStep(row.Maximum, row.Factor), row.Expected) << row.Maximum;
+    InfoTexts texts;
+    EXPECT_EQ(ScaleMaximum(0, texts), 10000) << "no data at all";
+    texts.ChartMinMax = 50;
+    EXPECT_EQ(ScaleMaximum(15000, texts), 50000);
 }
 
 class Curves : public testing::Test {

@@ -11,20 +11,18 @@ class FakeWindow : public MonitorWindow {
     std::vector<std::string> Calls;
     int ChartDrawings = 0;
     int CaptionsShown = 0;
-    bool HangUpVisible = false;
     int Left = 150;
     std::function<void()> OnDraw = [] {};
 
-    void DrawChart(bool force) override {
+    void DrawChart(bool) override {
         ++ChartDrawings;
-        if (force) Calls.emplace_back("draw forced");
         OnDraw();
     }
     void IconDraw() override {}
     void ShowCaption() override { ++CaptionsShown; }
     void ShowMainWindow(bool show) override { Calls.emplace_back(show ? "show" : "hide"); }
-    bool HangUpItemVisible() override { return HangUpVisible; }
-    void RefreshDialMenus() override { Calls.emplace_back("dial menus"); }
+    bool HangUpItemVisible() override { return false; }
+    void RefreshDialMenus() override {}
     void RefreshLinesMenu() override {}
     void RestoreGeometry() override { Calls.emplace_back("restore"); }
     void SaveGeometry() override { Calls.emplace_back("save"); }
@@ -199,28 +197,6 @@ TEST_F(Sampling, StartingOfflineDrawsOnceAndHides) {
     EXPECT_EQ(window.ChartDrawings, 1);
     EXPECT_EQ(window.CaptionsShown, 1) << "the old rates must not stay in the title";
     EXPECT_EQ(window.Calls, std::vector<std::string>{"hide"});
-}
-
-TEST_F(Sampling, DialMenusFollowTheConnection) {
-    window.HangUpVisible = true;
-    network.Rows.clear();
-    texts.AutoShow = false;
-    loop.Get_TransferedData();
-    EXPECT_EQ(window.Calls, (std::vector<std::string>{"dial menus", "draw forced"}));
-}
-
-TEST_F(Sampling, ALineThatIsNotConnectedGetsItsTimeOnly) {
-    internet.State = {true, InternetConnectionModem | InternetRasInstalled};
-    FakeRas::Line dialing;
-    dialing.Connection = {7, "Provider", "Modem"};
-    dialing.Statistics.BytesReceived = 5000;
-    dialing.State = 0x10;
-    ras.Lines = {dialing};
-    Run(3);
-    ASSERT_EQ(lines.LineCount, 1U);
-    EXPECT_GT(Newest().T, 0);
-    EXPECT_EQ(Newest().Received, 0);
-    ExpectSteadyRates(0);
 }
 
 TEST_F(Sampling, TheUpdateCheckRunsOnceWhenItIsDue) {

@@ -1,3 +1,4 @@
+#include "display/Fade.h"
 #include "display/WindowGeometry.h"
 #include "fakes/CoreFixture.h"
 
@@ -31,6 +32,20 @@ TEST_F(WindowGeometryTest, EveryResolutionHasItsOwnPlace) {
     EXPECT_EQ(geometry.Restore(0).Left, 500);
     screen.Size = screen.Mode = ScreenSize{1280, 1024};
     EXPECT_EQ(geometry.Restore(0).Left, 1000);
+}
+
+TEST(Fade, ReachesItsEndInStepsOfATwentieth) {
+    for (const bool in : {true, false}) {
+        Fade fade;
+        fade.Start(in ? Fade::Direction::In : Fade::Direction::Out);
+        int ticks = 1;
+        Fade::Tick tick = fade.Next(200);
+        for (; !tick.Finished; ++ticks)
+            tick = fade.Next(200);
+        EXPECT_EQ(ticks, in ? 16 : 20);
+        EXPECT_EQ(tick.Alpha, in ? 200 : 0);
+        EXPECT_EQ(tick.Unload, !in);
+    }
 }
 
 } // namespace

@@ -33,7 +33,7 @@ TEST_F(ErrorsTest, ASecondErrorWithinTwoSecondsAsksWhetherToEnd) {
         std::size_t Boxes;
     } const rows[] = {{noon, 1, {MessageAnswer::No}, 2},
                       {noon, 3, {}, 1},
-                      {DateSerial(2024, 3, 15) + TimeSerial(23, 59, 59), 2, {}, 1}, // another day
+                      {DateSerial(2024, 3, 15) + TimeSerial(23, 59, 59), 1.5, {}, 1}, // another day
                       {noon, 1, {MessageAnswer::Yes}, 1}};
     for (const auto& row : rows) {
         clock.SetWallClock(row.Start);

@@ -54,6 +54,7 @@ class TestSqliteRegistry : public testing::Test {
         stream.seekp(from);
         stream << bytes;
     }
+
     TemporaryFolder folder;
     fs::path file = folder / "korvalin/registry.db";
     fs::path damaged = folder / "korvalin/registry.db.damaged_20240305-070809";

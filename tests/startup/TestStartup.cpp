@@ -36,11 +36,7 @@ class StartupTest : public CoreFixture {
             .Main();
     }
 
-    static constexpr const char* goodTexts =
-        "GER\tmodAllgemein\t1\tWrong system\nGER\tmodAllgemein\t20\tThe control\n"
-        "GER\tmodAllgemein\t21\tis missing.\nGER\tmodAllgemein\t39\tis needed.\n"
-        "GER\tmodAllgemein\t40\tInstall it?\nGER\tmodAllgemein\t41\tLoading\n"
-        "GER\tmodAllgemein\t42\tFailed\nGER\tmodAllgemein\t47\tis useful.\n";
+    static constexpr const char* goodTexts = "GER\tmodAllgemein\t1\tWrong system\n";
     std::string Download;
     Lines Downloads, Calls;
     std::function<void()> LoadUserVar = [this] { Calls.push_back("settings"); };
@@ -145,31 +141,6 @@ TEST_F(StartupTest, NotesANewVersion) {
         EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.StaysUnwanted) << row.Stored;
         EXPECT_EQ(settings.GetDate("UpdateCheckLast"),
                   row.ChecksSoon ? DateSerial(2024, 1, 15) : clock.Now());
-    }
-}
-
-TEST_F(StartupTest, OffersMissingControls) {
-    const std::string tabs = "The control tabctl32.ocx is ";
-    struct {
-        const char* Missing;
-        MessageAnswer Answer;
-        const char* Download;
-        Lines Shown;
-        std::size_t Started, Pages;
-    } const rows[] = {
-        {"tabctl32.ocx", MessageAnswer::Yes, "setup", {tabs + "needed. Install it?", "Loading"}, 1, 0},
-        {"tabctl32.ocx", MessageAnswer::Yes, "", {tabs + "needed. Install it?", "Loading", "Failed"}, 0, 1},
-        {"tabctl32.ocx", MessageAnswer::No, "", {tabs + "needed. Install it?", tabs + "missing."}, 0, 0}};
-    for (const auto& row : rows) {
-        shell.MissingComponents = {row.Missing};
-        shell.Started.clear();
-        shell.Pages.clear();
-        Download = row.Download;
-        boxes.Answers = {row.Answer};
-        EXPECT_TRUE(Main());
-        EXPECT_EQ(TakeBoxes(), row.Shown);
-        EXPECT_EQ(shell.Started.size(), row.Started);
-        EXPECT_EQ(shell.Pages.size(), row.Pages);
     }
 }
 

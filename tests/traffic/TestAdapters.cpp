@@ -6,18 +6,11 @@ namespace {
 
 using Adapters = TrafficFixture;
 
-TEST_F(Adapters, OnlyLoopbackIsNoLine) {
-    network.Rows = {{1, IfTypeSoftwareLoopback, OperationalStatus::Operational, 5000, 5000, true, "lo"}};
-    Pass();
-    EXPECT_EQ(lines.LineCount, 0U);
-    EXPECT_FALSE(lines.AnyLineConnected);
-    EXPECT_EQ(lines.LineTable.Size(), 1U);
-}
-
 TEST_F(Adapters, ThoseAboveTheThresholdArePackedFromLineOne) {
     network.Add("eth0", 101, 50);
     network.Add("wlan0", 100, 50); // equal to the threshold: not active
     network.Add("  tun0 ", 5000, 60);
+    network.Add("lo", 9000, 9000).Type = IfTypeSoftwareLoopback;
     Pass();
     ASSERT_EQ(lines.LineCount, 2U);
     EXPECT_EQ(lines.LineTable(1).EntryName, "eth0");
@@ -86,21 +79,12 @@ TEST_F(Adapters, OneThatDropsOutIsRecordedWithItsLastState) {
     EXPECT_EQ(lines.LineCount, 1U);
     EXPECT_EQ(lines.LineTable.Size(), 1U);
 
-    network.Rows.clear();
+    network.Result = 5; // a table that cannot be read has no adapters
     Pass();
     EXPECT_EQ(closed.size(), 2U);
     EXPECT_EQ(lines.LineCount, 0U);
     EXPECT_FALSE(lines.AnyLineConnected);
     EXPECT_EQ(lines.LineTable(1).LogIn, 0);
-}
-
-TEST_F(Adapters, ATableThatCannotBeReadIsAPassWithoutAdapters) {
-    network.Add("eth0", 1000, 0);
-    Pass();
-    network.Result = 5;
-    Pass();
-    EXPECT_EQ(closed.size(), 1U);
-    EXPECT_EQ(lines.LineCount, 0U);
 }
 
 TEST_F(Adapters, AFailingReaderNamesItsProgress) {
