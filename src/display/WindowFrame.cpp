@@ -86,6 +86,7 @@ void WindowFrame::CheckFrame() {
     innerToKeep_.reset();
     gaveUp_ = !asWanted;
     if (!measured_) Measure(!switched);
+    if (IsSettled()) hooks_.Settled();
 }
 
 void WindowFrame::LookForFrame() {
@@ -97,7 +98,11 @@ void WindowFrame::Measure(bool placeAgain) {
     measured_ = true;
     captionHeight_ = PixelsToTwips(TopMargin());
     hooks_.CaptionMeasured(captionHeight_);
-    if (placeAgain) hooks_.PlaceAgain();
+    if (!placeAgain) return;
+    hooks_.PlaceAgain();
+    // A window manager may place a window once more while it is coming to the screen.
+    innerToKeep_ = window_.geometry();
+    AwaitFrame();
 }
 
 } // namespace korvalin

@@ -23,6 +23,8 @@ class WindowFrame {
         std::function<void(int height)> CaptionMeasured = [](int) {};
         /// ... around a window that was placed without knowing it.
         std::function<void()> PlaceAgain = [] {};
+        /// Place can be trusted again.
+        std::function<void()> Settled = [] {};
     };
 
     explicit WindowFrame(QWidget& window);
@@ -46,9 +48,8 @@ class WindowFrame {
     /// The height that was measured when the program ran before.
     void SetCaptionHeight(int twips) { captionHeight_ = twips; }
 
-    /// Whether Place can be trusted: without a caption, with a measured one, or when none was drawn in good
-    /// time.
-    bool IsSettled() const { return !captionShown_ || measured_ || gaveUp_; }
+    /// Whether Place can be trusted: the window manager is done, and the caption is measured if there is one.
+    bool IsSettled() const { return !settle_.isActive() && (!captionShown_ || measured_ || gaveUp_); }
 
     void SetTopmost(bool topmost);
 

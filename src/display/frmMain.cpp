@@ -54,7 +54,7 @@ frmMain::frmMain(const Parts& parts)
                      parts_.Setting.SetReg(captionHeightSetting, height);
                      SetSmallestSize();
                  },
-                 [this] { RestoreGeometry(); }});
+                 [this] { RestoreGeometry(); }, [this] { SaveGeometry(); }});
     connect(qApp, &QGuiApplication::screenRemoved, this, [this] {
         if (isVisible() && !isMinimized()) RestoreGeometry();
     });
