@@ -70,10 +70,13 @@ class Desktop(unittest.TestCase):
             # A window that is just being decorated anew may lose a click.
             self.click(window, 60, 50, "3")
             time.sleep(0.3)
-            return len(self.display.tool("xdotool", "search", "--onlyvisible", "--class", "korvalin").split()) > 1
+            return self.menu_is_open()
 
         rig.wait_for(opened, "the menu")
         self.display.tool("xdotool", "key", entry)
+
+    def menu_is_open(self):
+        return len(self.display.tool("xdotool", "search", "--onlyvisible", "--class", "korvalin").split()) > 1
 
     def setting(self, name, expected):
         rig.wait_for(lambda: self.home.cli("settings", "get", name) == expected, f"{name} = {expected}")
@@ -111,7 +114,7 @@ class Desktop(unittest.TestCase):
         self.assertLess(self.display.geometry(window)["HEIGHT"], 5)
         # No chart to click on: the keyboard's menu key opens the menu.
         self.display.tool("xdotool", "windowactivate", "--sync", window, "key", "Menu")
-        time.sleep(0.5)
+        rig.wait_for(self.menu_is_open, "the menu")
         self.display.tool("xdotool", "key", "o")
         self.setting("NurTitel", "False")
         rig.wait_for(lambda: abs(self.display.geometry(window)["HEIGHT"] + 20 - before["HEIGHT"]) < 25, "the chart")
