@@ -41,7 +41,7 @@ Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Loc
     callables_.EndProgram = [] {};
 }
 
-void Errors::DisplayError(std::string_view procName, int errNumber, std::string errText) {
+void Errors::DisplayError(std::string_view procName, int errNumber, std::string_view errText) {
     try {
         const Date now = clock_.Now();
         const bool repeated = DayOf(lastErrorTime_) == DayOf(now) && lastErrorTime_ + quietSpan > now;

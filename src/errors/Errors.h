@@ -52,7 +52,7 @@ class Errors {
 
     /// Shows an error in the program's words: `procName` is the routine it happened in. A second report
     /// within two seconds asks first whether to end the program.
-    void DisplayError(std::string_view procName, int errNumber, std::string errText);
+    void DisplayError(std::string_view procName, int errNumber, std::string_view errText);
 
     /// Appends one line (date and time, group, message) to the error log; a line that cannot be written is
     /// lost. Line breaks inside the message become blanks. The log is moved to "..._ErrorLog.old.txt" before

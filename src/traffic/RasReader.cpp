@@ -95,7 +95,8 @@ void RasReader::ReadConnection(const RasConnection& connection, std::size_t i, L
 
 // The online duration is the larger of what RAS reports and the time since log-in.
 void RasReader::MeasureDuration(LineRecord& line, const RasStatistics& statistics) {
-    line.Duration = static_cast<double>(statistics.ConnectDurationMilliseconds / 1000) * OneSecond;
+    const std::uint64_t wholeSeconds = statistics.ConnectDurationMilliseconds / 1000;
+    line.Duration = static_cast<double>(wholeSeconds) * OneSecond;
     const Date measured = clock_.Now() - line.LogIn;
     if (measured <= line.Duration) return;
     if (line.Duration + 10 * OneSecond < measured - state_.LogInShift) {
