@@ -103,7 +103,8 @@ void frmMain::TimerMain_Timer() {
 }
 
 void frmMain::DrawChart(bool force) {
-    const bool drawable = windowShown_ && !titleOnly_;
+    // The toolkit counts a window in the taskbar as visible.
+    const bool drawable = windowShown_ && !titleOnly_ && (force || !isMinimized());
     painter_.DrawChart(*ui_->PicChart, parts_.Info, force, drawable);
     parts_.Loop.SetVisibleSamples(painter_.VisibleSamples());
 }

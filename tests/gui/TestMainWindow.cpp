@@ -126,6 +126,17 @@ TEST_F(MainWindow, StartsOutOfSightWhenItShallNotShowItself) {
     EXPECT_TRUE(window->WindowShown());
 }
 
+TEST_F(MainWindow, DrawsNothingInTheTaskbarAndIsUpToDateWhenItComesBack) {
+    Start();
+    Run(2, 1000);
+    const QImage before = Picture()->Picture();
+    window->showMinimized();
+    Run(3, 8000);
+    EXPECT_EQ(Picture()->Picture(), before);
+    window->showNormal();
+    EXPECT_NE(Picture()->Picture(), before);
+}
+
 TEST_F(MainWindow, HidesWhenTheMachineGoesOfflineAndComesBack) {
     Start();
     Run(2);
