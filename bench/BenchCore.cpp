@@ -117,7 +117,7 @@ void TickWithAdapters(benchmark::State& state) {
                         internet, user, program.errors);
     SamplingLoop loop(clock, screen, program.settings, program.lines, monitor, program.rateHistory,
                       program.infoTexts, program.errors);
-    program.lineBook.Plug({[](const std::string& name) { return name; }, [](int, std::size_t) {},
+    program.lineBook.Plug({[](const std::string& name) { return name; }, [](CloseReason, std::size_t) {},
                            [&] { loop.ResizeRateHistory(); }});
     program.LoadRecords();
     for (int i = 0; i < 70; ++i)

@@ -59,20 +59,43 @@ bool MonthFirst(char separator, const Locale& locale) {
     return locale.ShortDate.find('m') < locale.ShortDate.find('d');
 }
 
-std::optional<Date> DateFromTokens(const std::array<Token, 3>& tokens, const Locale& locale) {
-    int year = 0;
-    int month = 0;
-    int day = 0;
-    if (tokens[0].Digits > 2) {
-        year = tokens[0].Value, month = tokens[1].Value, day = tokens[2].Value;
-    } else {
-        year = FullYear(tokens[2]), day = tokens[0].Value, month = tokens[1].Value;
-        if (MonthFirst(tokens[0].SeparatorAfter, locale)) std::swap(day, month);
-    }
+std::optional<Date> DateOf(int year, int month, int day) {
     const chrono::year_month_day date{chrono::year{year}, chrono::month{static_cast<unsigned>(month)},
                                       chrono::day{static_cast<unsigned>(day)}};
-    if (year > 9999 || !date.ok()) return std::nullopt;
-    return DateSerial(year, month, day);
+    if (year < 100 || year > 9999 || !date.ok()) return std::nullopt;
+    return static_cast<Date>((chrono::sys_days{date} - dayZero).count());
+}
+
+std::optional<Date> TimeOf(int hour, int minute, int second) {
+    if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
+    return TimeSerial(hour, minute, second);
+}
+
+// The digits of a fixed form "0000-00-00"; a 0 stands for any digit. nullopt when the text has another form.
+std::optional<std::array<int, 3>> ReadForm(std::string_view text, std::string_view form) {
+    std::array<int, 3> numbers{};
+    std::size_t field = 0;
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        if (form[i] != '0') {
+            if (text[i] != form[i]) return std::nullopt;
+            ++field;
+        } else if (text[i] < '0' || text[i] > '9') {
+            return std::nullopt;
+        } else {
+            numbers[field] = numbers[field] * 10 + (text[i] - '0');
+        }
+    }
+    return numbers;
+}
+
+std::optional<Date> DateFromTokens(const std::array<Token, 3>& tokens, const Locale& locale) {
+    if (tokens[0].Digits > 2) return DateOf(tokens[0].Value, tokens[1].Value, tokens[2].Value);
+    const int year = FullYear(tokens[2]);
+    int day = tokens[0].Value;
+    int month = tokens[1].Value;
+    if (MonthFirst(tokens[0].SeparatorAfter, locale)) std::swap(day, month);
+    const std::optional<Date> date = DateOf(year, month, day);
+    return date ? date : DateOf(year, day, month);
 }
 
 // "2:05 PM": removes the mark; +12 for PM, -12 for 12 AM, 0 otherwise, nullopt without a mark.
@@ -101,8 +124,7 @@ std::optional<Date> TimeFromTokens(const std::vector<Token>& tokens, std::size_t
         if (time[0] < 1 || time[0] > 12) return std::nullopt;
         time[0] = time[0] % 12 + (*afternoon ? 12 : 0);
     }
-    if (time[0] > 23 || time[1] > 59 || time[2] > 59) return std::nullopt;
-    return TimeSerial(time[0], time[1], time[2]);
+    return TimeOf(time[0], time[1], time[2]);
 }
 
 } // namespace
@@ -134,6 +156,10 @@ Date DayOf(Date date) {
     return std::floor(date);
 }
 
+Date RoundToSecond(Date date) {
+    return std::round(date * SecondsPerDay) / SecondsPerDay;
+}
+
 double SecondsOfDay(Date date) {
     return (date - std::floor(date)) * SecondsPerDay;
 }
@@ -144,15 +170,16 @@ std::string FormatDateIso(Date date) {
                        p.Second);
 }
 
-std::string FormatDateSuffix(Date date) {
+std::string FormatDateSuffix(Date date, char separator) {
     const DateParts p = SplitDate(date);
-    return fmt::format("_{:04}{:02}{:02}-{:02}{:02}{:02}", p.Year, p.Month, p.Day, p.Hour, p.Minute,
-                       p.Second);
+    return fmt::format("_{:04}{:02}{:02}{}{:02}{:02}{:02}", p.Year, p.Month, p.Day, separator, p.Hour,
+                       p.Minute, p.Second);
 }
 
 std::string FormatDateGeneral(Date date, const Locale& locale) {
     const DateParts p = SplitDate(date);
     const bool midnight = p.Hour == 0 && p.Minute == 0 && p.Second == 0;
+    if (DayOf(RoundToSecond(date)) == 0) return FormatPattern(date, locale.Time);
     return FormatPattern(date, midnight ? locale.ShortDate : locale.ShortDate + " " + locale.Time);
 }
 
@@ -164,6 +191,26 @@ std::string FormatTimeOfDay(Date span) {
 std::string FormatDuration(Date span) {
     const auto seconds = static_cast<long long>(std::max(std::round(span * SecondsPerDay), 0.0));
     return fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+std::optional<Date> ParseDateIso(std::string_view text) {
+    constexpr std::string_view dateForm = "0000-00-00";
+    constexpr std::string_view timeForm = "00:00:00";
+    const bool hasDate = text.size() == dateForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
+    const bool hasTime = text.size() == timeForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
+    if (!hasDate && !hasTime) return std::nullopt;
+    std::optional<Date> date = 0.0;
+    if (hasDate) {
+        const auto parts = ReadForm(text, dateForm);
+        if (!parts) return std::nullopt;
+        date = DateOf((*parts)[0], (*parts)[1], (*parts)[2]);
+    }
+    if (!hasTime || !date) return date;
+    if (hasDate && text[dateForm.size()] != ' ') return std::nullopt;
+    const auto parts = ReadForm(text.substr(text.size() - timeForm.size()), timeForm);
+    if (!parts) return std::nullopt;
+    const std::optional<Date> time = TimeOf((*parts)[0], (*parts)[1], (*parts)[2]);
+    return time ? std::optional(*date + *time) : std::nullopt;
 }
 
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {

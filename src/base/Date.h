@@ -33,16 +33,21 @@ DateParts SplitDate(Date date);
 /// The date without its time of day.
 Date DayOf(Date date);
 
+/// The date-time at the nearest whole second: what sums of moments and spans lose in the last bit is restored.
+Date RoundToSecond(Date date);
+
 /// Seconds since midnight of a date-time, with fractions.
 double SecondsOfDay(Date date);
 
 /// "yyyy-mm-dd hh:mm:ss", rounded to the second; independent of the locale, so it reads back anywhere.
 std::string FormatDateIso(Date date);
 
-/// "_yyyymmdd-hhmmss", rounded to the second: the suffix of files that are moved aside.
-std::string FormatDateSuffix(Date date);
+/// "_yyyymmdd-hhmmss", rounded to the second, with `separator` in the middle: the suffix of files that are
+/// moved aside.
+std::string FormatDateSuffix(Date date, char separator = '-');
 
-/// Date and time in the locale's short formats; a date-time at midnight shows the date only.
+/// Date and time in the locale's short formats; a date-time at midnight shows the date only, a time span below
+/// a day the time only.
 std::string FormatDateGeneral(Date date, const Locale& locale);
 
 /// "hh:mm:ss" of a time span's fraction of a day; hours above 23 start again at 0.
@@ -51,8 +56,12 @@ std::string FormatTimeOfDay(Date span);
 /// "hh:mm:ss" of a time span in whole seconds; the hours count on beyond a day. A negative span is 0.
 std::string FormatDuration(Date span);
 
+/// Reads the one form "yyyy-mm-dd hh:mm:ss", or either half of it; fast. nullopt for anything else.
+std::optional<Date> ParseDateIso(std::string_view text);
+
 /// Reads a date, a time, or both: ISO ("2024-03-15 14:05:09", also with 'T'), the locale's short date,
-/// "15.03.2024 14:05" or "3/15/2024 2:05:09 PM". Two-digit years 00..29 are 20xx, others 19xx.
+/// "15.03.2024 14:05" or "3/15/2024 2:05:09 PM"; a day and month that cannot be in this order are taken in the
+/// other one. Two-digit years 00..29 are 20xx, others 19xx; years go from 100 to 9999.
 /// nullopt for anything that is no date; impossible ones such as 31.02.2024 are none.
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale);
 

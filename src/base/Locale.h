@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 
 namespace korvalin {
@@ -19,6 +20,10 @@ struct Locale {
     /// From Sunday, as in struct tm.
     std::array<std::string, 7> DayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                            "Thursday", "Friday", "Saturday"};
+    std::array<std::string, 7> ShortDayNames = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    /// The order in which names are listed: below, at or above 0 as for strcmp.
+    std::function<int(const std::string& left, const std::string& right)> Collate =
+        [](const std::string& left, const std::string& right) { return left.compare(right); };
 };
 
 /// Puts a date (day count) into a pattern of Locale::ShortDate's kind.

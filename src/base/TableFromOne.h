@@ -18,6 +18,7 @@ class TableFromOne {
 
     std::size_t Size() const { return slots_.size(); }
     void Resize(std::size_t size) { slots_.resize(size); }
+    void Append(const T& slot) { slots_.push_back(slot); }
 
     auto begin() { return slots_.begin(); }
     auto end() { return slots_.end(); }

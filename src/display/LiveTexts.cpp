@@ -2,6 +2,7 @@
 
 #include "errors/Errors.h"
 #include "lang/Language.h"
+#include "stats/MonthSums.h"
 
 namespace korvalin {
 namespace {
@@ -20,16 +21,14 @@ enum TrayText {
 
 } // namespace
 
-LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, UnitFormat& units,
-                     Language& language, Errors& errors)
+LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums,
+                     UnitFormat& units, Language& language, Errors& errors)
     : lines_(lines),
       history_(history),
+      monthSums_(monthSums),
       units_(units),
       language_(language),
-      errors_(errors),
-      periodVolumeOf_([](const LineRecord& line) {
-          return PeriodVolume{line.BytesReceived + line.BytesTransmitted, 0};
-      }) {}
+      errors_(errors) {}
 
 std::string LiveTexts::Text(int number) const {
     return language_.Lng("modAllgemein", number, false, true, true);
@@ -58,7 +57,8 @@ void LiveTexts::FillInfoStrings(InfoTexts& texts) {
 
         double freeBytes = 0;
         if (!line.LineName.empty()) {
-            const PeriodVolume period = periodVolumeOf_(line);
+            const PeriodUse period =
+                monthSums_.UseOf(line.EntryName, line.BytesReceived + line.BytesTransmitted);
             freeBytes = period.FreeBytes;
             texts.PeriodVolumeText = units_.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
             texts.FreeVolumeText =

@@ -5,28 +5,16 @@
 #include "display/UnitFormat.h"
 #include "traffic/LineRecord.h"
 
-#include <functional>
-
 namespace korvalin {
 
 class Language;
-
-/// What the billing rules make of a line's volume in the current period.
-struct PeriodVolume {
-    double UsedBytes = 0;
-    double FreeBytes = 0; ///< allowance of the period; 0 = none
-};
+class MonthSums;
 
 /// Builds the texts of caption, tooltip and chart from the line table and the newest sample.
 class LiveTexts {
   public:
-    /// Volume of the current billing period, the running connection's included.
-    using PeriodVolumeOf = std::function<PeriodVolume(const LineRecord& line)>;
-
-    LiveTexts(const LineState& lines, const RateHistory& history, UnitFormat& units, Language& language,
-              Errors& errors);
-
-    void Plug(PeriodVolumeOf periodVolumeOf) { periodVolumeOf_ = std::move(periodVolumeOf); }
+    LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums, UnitFormat& units,
+              Language& language, Errors& errors);
 
     void FillInfoStrings(InfoTexts& texts);
 
@@ -39,10 +27,10 @@ class LiveTexts {
 
     const LineState& lines_;
     const RateHistory& history_;
+    MonthSums& monthSums_;
     UnitFormat& units_;
     Language& language_;
     Errors& errors_;
-    PeriodVolumeOf periodVolumeOf_;
 };
 
 } // namespace korvalin

@@ -29,6 +29,9 @@ class UnitFormat {
     /// The same with the volume unit's factor.
     std::string FormatMB(double value, std::int32_t& factor, std::string_view format) const;
 
+    /// Bytes of the program-wide volume unit.
+    std::int32_t VolumeFactor() const { return volumeFactor_; }
+
     /// With `toNow` the whole seconds from `date` to now, otherwise `date` itself as a time span in whole
     /// seconds.
     std::int32_t SecondsSince(Date date, bool toNow) const;

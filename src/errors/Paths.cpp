@@ -20,4 +20,11 @@ bool IsFileNotFolder(const std::filesystem::path& path) {
     return std::filesystem::exists(path, error) && !std::filesystem::is_directory(path, error);
 }
 
+std::filesystem::path FreeBackupName(const std::filesystem::path& file, Date moment, char separator) {
+    for (;; moment += OneSecond) {
+        const std::filesystem::path name = file.string() + FormatDateSuffix(moment, separator);
+        if (!FileExists(name)) return name;
+    }
+}
+
 } // namespace korvalin

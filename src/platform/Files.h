@@ -2,9 +2,17 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <string_view>
 
 namespace korvalin {
+
+/// Holds other programs off a file for as long as it lives.
+class FileLock {
+  public:
+    virtual ~FileLock() = default;
+};
 
 class Files {
   public:
@@ -13,6 +21,23 @@ class Files {
     /// Appends whole lines with one write; creates the file (mode 0600) when missing. False when not all of
     /// it could be written; a part that did get written is cut off again.
     [[nodiscard]] virtual bool Append(const std::filesystem::path& path, std::string_view lines) = 0;
+
+    /// Appends whole lines with one write and flushes them to the medium; a file that is missing or empty gets
+    /// `header` first, one that ends within a line gets `lineEnd` first. Waits a moment for a program that
+    /// holds the file. 0 or the system's error number (EAGAIN: still held); the file is then as it was.
+    [[nodiscard]] virtual int AppendDurably(const std::filesystem::path& path, std::string_view header,
+                                            std::string_view lines, std::string_view lineEnd) = 0;
+
+    /// Holds off AppendDurably and other holders. nullptr when the file is missing or somebody else holds it.
+    [[nodiscard]] virtual std::unique_ptr<FileLock> Hold(const std::filesystem::path& path) = 0;
+
+    /// Takes a part of a file's new content; false when it could not be written.
+    using Sink = std::function<bool(std::string_view part)>;
+    /// Like Replace for content that comes in parts; the old file stays under the name `kept`, which must be
+    /// free. At every moment `path` is either the old file or the new one, whole. False leaves the old one.
+    [[nodiscard]] virtual bool ReplaceKeeping(const std::filesystem::path& path,
+                                              const std::filesystem::path& kept,
+                                              const std::function<bool(const Sink& sink)>& write) = 0;
 
     /// Replaces the content: written beside, flushed to the medium, renamed over the old file. False leaves
     /// the old content as it was.

@@ -10,6 +10,7 @@ class Internet;
 class MessageBoxes;
 class NetworkTables;
 class Ras;
+class RecordingLock;
 class Registry;
 class Screen;
 class Shell;
@@ -29,6 +30,7 @@ struct Ports {
     korvalin::User& User;
     korvalin::InstanceLock& InstanceLock;
     korvalin::Files& Files;
+    korvalin::RecordingLock& RecordingLock;
 };
 
 } // namespace korvalin

@@ -168,7 +168,7 @@ bool DataFolder::UserMovesStatistics() {
 
 void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile) {
     const bool replaces = FileExists(newFile);
-    const fs::path aside = FreeBackupName(newFile);
+    const fs::path aside = FreeBackupName(newFile, clock_.Now());
     if (replaces) fs::rename(newFile, aside);
     if (!files_.Copy(oldFile, newFile)) {
         std::error_code ignored;
@@ -177,15 +177,7 @@ void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile
                                    std::make_error_code(std::errc::io_error));
     }
     // The statistics have arrived; an old file that cannot be renamed does no harm where it is.
-    errors_.Step("ChangeDataPath", [&] { fs::rename(oldFile, FreeBackupName(oldFile)); });
-}
-
-// Two moves within a second must not overwrite each other's backup.
-fs::path DataFolder::FreeBackupName(const fs::path& file) {
-    for (Date moment = clock_.Now();; moment += OneSecond) {
-        const fs::path name = file.string() + FormatDateSuffix(moment);
-        if (!FileExists(name)) return name;
-    }
+    errors_.Step("ChangeDataPath", [&] { fs::rename(oldFile, FreeBackupName(oldFile, clock_.Now())); });
 }
 
 void DataFolder::DeleteStatistics() {

@@ -48,7 +48,6 @@ class DataFolder {
     bool UserKeepsNewStatistics();
     bool UserMovesStatistics();
     void MoveStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
-    std::filesystem::path FreeBackupName(const std::filesystem::path& file);
 
     Settings& settings_;
     Language& language_;

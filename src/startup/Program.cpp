@@ -34,15 +34,23 @@ Program::Program(const Ports& ports, Locale userLocale)
       rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, settings, errors, ports.Clock),
       lanReader(ports.NetworkTables, lines, lineBook, trafficOptions, errors, ports.Clock),
       lineMonitor(lines, lineBook, rasReader, lanReader, trafficOptions, ports.Internet, ports.User, errors),
+      aliases(settings, errors, ports.Clock, [this] { return units.VolumeFactor(); }),
+      monthSums(aliases, lines, errors, ports.Clock),
+      statFile([this] { return dataFolder.GetDataPath(); }, ports.Files, ports.Events, ports.Clock, errors,
+               lines, aliases, locale),
+      periodSums(aliases, errors, locale),
+      recorder({lines, ports.Files, errors, language, ports.Clock, ports.RecordingLock, locale,
+                [this] { return dataFolder.GetDataPath(); }}),
       units(errors, locale, ports.Clock),
-      liveTexts(lines, rateHistory, units, language, errors),
+      liveTexts(lines, rateHistory, monthSums, units, language, errors),
       samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
       startup({settings, language, errors, ports.MessageBoxes, ports.Shell, ports.Clock, ports.InstanceLock,
                dataFolder, updateInstallation, components, noDownload, [this] { lines = LineState(); },
                [this] { LoadUserVar(); }},
               BuiltVersion) {
     PlugErrors();
-    lineBook.Plug({[](const std::string& entryName) { return entryName; }, [](int, std::size_t) {},
+    lineBook.Plug({[this](const std::string& entryName) { return aliases.GetAlias(entryName); },
+                   [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
                    [this] { samplingLoop.ResizeRateHistory(); }});
 }
 
@@ -60,6 +68,12 @@ void Program::LoadRecords() {
     errors.Step("LoadUserVar", [this] { LoadDisplaySettings(settings, units, infoTexts); });
     errors.Step("LoadUserVar", [this] { LoadTrafficOptions(settings, trafficOptions); });
     errors.Step("LoadUserVar", [this] { samplingLoop.ResizeRateHistory(); });
+}
+
+void Program::LoadStatistics() {
+    StatRecords records;
+    statFile.LoadStatFile(records, true);
+    monthSums.CalcStatsThisMonth(records);
 }
 
 void Program::LoadUserVar() {

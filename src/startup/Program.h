@@ -11,6 +11,11 @@
 #include "startup/DataFolder.h"
 #include "startup/Startup.h"
 #include "startup/UpdateInstallation.h"
+#include "stats/Aliases.h"
+#include "stats/MonthSums.h"
+#include "stats/PeriodSums.h"
+#include "stats/Recorder.h"
+#include "stats/StatFile.h"
 #include "traffic/LineMonitor.h"
 
 namespace korvalin {
@@ -32,6 +37,9 @@ class Program {
     /// Loads the settings into the records below, notes the program's start and sizes the history.
     void LoadRecords();
 
+    /// Loads the statistics file, repairing it, for the sums of the current billing periods.
+    void LoadStatistics();
+
     /// LoadRecords, and brings the entry for starting with the system in line with the settings.
     void LoadUserVar();
 
@@ -50,6 +58,12 @@ class Program {
     RasReader rasReader;
     LanReader lanReader;
     LineMonitor lineMonitor;
+
+    Aliases aliases;
+    MonthSums monthSums;
+    StatFile statFile;
+    PeriodSums periodSums;
+    Recorder recorder;
 
     InfoTexts infoTexts;
     RateHistory rateHistory;

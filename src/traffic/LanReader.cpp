@@ -22,11 +22,13 @@ void LanReader::Step(F&& step) {
 void LanReader::Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines) {
     std::size_t accepted = 0;
     bool read = false;
+    replaced_ = false;
     Step([&] { read = ReadTable(); });
     if (read) ReadRows(lines, accepted);
     progress_ = 800;
     Step([&] {
-        if (accepted < state_.LineCount && state_.PreviousLineTable(1).Connected) {
+        const bool maybeEnded = accepted < state_.LineCount || replaced_;
+        if (maybeEnded && state_.PreviousLineTable(1).Connected) {
             book_.RecordClosedConnections(lines, accepted);
         }
     });
@@ -58,8 +60,9 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
     }
 }
 
+// An adapter without a carrier, or switched off, stays in this system's table; its connection has ended.
 bool LanReader::IsActive(const InterfaceRow& row) const {
-    return row.Type != IfTypeSoftwareLoopback &&
+    return row.OperStatus >= OperationalStatus::Connecting && row.Type != IfTypeSoftwareLoopback &&
            static_cast<double>(row.InOctets) > static_cast<double>(options_.LanActive);
 }
 
@@ -67,6 +70,7 @@ bool LanReader::IsActive(const InterfaceRow& row) const {
 // measured on the other's counters may meet its own.
 void LanReader::TakeSource(const InterfaceRow& row, LineRecord& line) {
     if (line.CounterSource != 0 && line.EntryName == Trim(row.Description)) return;
+    replaced_ = replaced_ || line.CounterSource != 0;
     line.CounterSource = ++state_.LastCounterSource;
     line.StartReceived = line.StartTransmitted = 0;
     line.LastRawReceived = line.LastRawTransmitted = 0;

@@ -35,6 +35,7 @@ class LanReader {
     Errors& errors_;
     Clock& clock_;
     std::vector<InterfaceRow> rows_; // kept for its storage
+    bool replaced_ = false;          // another adapter stands in a slot than in the pass before
     int progress_ = 0;               // which step failed, for the report
 };
 

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <unordered_set>
+
 namespace korvalin {
 namespace {
 constexpr double counterRange = 4294967296.0; // 2^32
@@ -13,7 +15,7 @@ constexpr double halfCounterRange = 2147483648.0;
 LineBook::LineBook(LineState& state, Errors& errors, Clock& clock)
     : state_(state), errors_(errors), clock_(clock) {
     hooks_.GetAlias = [](const std::string& entryName) { return entryName; };
-    hooks_.SaveStatsLine = [](int, std::size_t) {};
+    hooks_.SaveStatsLine = [](CloseReason, std::size_t) {};
     hooks_.ResizeRateHistory = [] {};
 }
 
@@ -77,13 +79,25 @@ void LineBook::ResetLineSamples(TableFromOne<LineRecord>& lines) {
 }
 
 void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount) {
-    const TableFromOne<LineRecord>& previous = state_.PreviousLineTable;
-    for (std::size_t i = 1; i <= previous.Size() && i <= lines.Size(); ++i) {
-        if (lines(i).Handle == previous(i).Handle && lines(i).Connected) continue;
-        hooks_.SaveStatsLine(ReasonLineEnded, i);
-        lines(i) = LineRecord();
+    std::unordered_set<std::string_view> adapters;
+    for (const LineRecord& line : lines) {
+        if (line.Connected && !line.IsRas) adapters.insert(line.EntryName);
     }
-    state_.PreviousLineTable = TableFromOne<LineRecord>(1);
+    const TableFromOne<LineRecord>& previous = state_.PreviousLineTable;
+    TableFromOne<LineRecord> open;
+    for (std::size_t i = 1; i <= previous.Size() && i <= lines.Size(); ++i) {
+        const bool sameSlot = lines(i).Handle == previous(i).Handle && lines(i).Connected;
+        const bool isAdapter = previous(i).Connected && !previous(i).IsRas;
+        if (isAdapter ? adapters.contains(previous(i).EntryName) : sameSlot) {
+            open.Append(previous(i));
+            continue;
+        }
+        if (previous(i).Connected) hooks_.SaveStatsLine(CloseReason::LineEnded, i);
+        if (!isAdapter || !lines(i).Connected) lines(i) = LineRecord();
+    }
+    // Should the program end before the next pass, these are still to be recorded.
+    open.Resize(std::max<std::size_t>(newCount, 1));
+    state_.PreviousLineTable = newCount > 0 ? std::move(open) : TableFromOne<LineRecord>(1);
     state_.LineCount = newCount;
     if (newCount > 0) {
         lines.Resize(newCount);

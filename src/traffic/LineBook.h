@@ -1,5 +1,6 @@
 #pragma once
 
+#include "traffic/CloseReason.h"
 #include "traffic/LineRecord.h"
 
 #include <functional>
@@ -15,13 +16,10 @@ struct TrafficHooks {
     /// The user's name for an entry; the entry itself when it has none.
     std::function<std::string(const std::string& entryName)> GetAlias;
     /// Records that the line, as PreviousLineTable holds it, has ended.
-    std::function<void(int reason, std::size_t line)> SaveStatsLine;
+    std::function<void(CloseReason reason, std::size_t line)> SaveStatsLine;
     /// The line table grew: the rate history follows.
     std::function<void()> ResizeRateHistory;
 };
-
-/// The reason handed to SaveStatsLine for a line that went down.
-inline constexpr int ReasonLineEnded = 10;
 
 /// Keeps the line table's books: counters that continue beyond 32 bits, lines that end, slots that grow.
 class LineBook {
@@ -38,7 +36,8 @@ class LineBook {
     void ResetLineSamples(TableFromOne<LineRecord>& lines);
 
     /// Records every line of the previous pass that is not in this one, and resizes the table to `newCount`
-    /// lines.
+    /// lines. A dial-up connection is known by its slot and handle, an adapter by its name: when one drops
+    /// out those behind it move up, and they have not ended.
     void RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount);
 
     /// Makes room for line number `count`, keeping the lines there are.

@@ -1,5 +1,7 @@
 #include "display/LiveTexts.h"
 #include "fakes/CoreFixture.h"
+#include "stats/Aliases.h"
+#include "stats/MonthSums.h"
 
 using namespace korvalin;
 
@@ -22,7 +24,7 @@ class LiveTextsTest : public CoreFixture {
         lines.MonitoredLineType = "LAN";
         lines.AnyLineConnected = true;
         LineRecord& line = lines.LineTable(1);
-        line.LineName = "eth0";
+        line.LineName = line.EntryName = "eth0";
         line.Connected = true;
         line.BytesReceived = 5'500'000;
         line.StartReceived = 500'000;
@@ -37,7 +39,9 @@ class LiveTextsTest : public CoreFixture {
     LineState lines;
     RateHistory history{10, 1};
     UnitFormat units{errors, locale, clock};
-    LiveTexts live{lines, history, units, language, errors};
+    Aliases aliases{settings, errors, clock, [this] { return units.VolumeFactor(); }};
+    MonthSums monthSums{aliases, lines, errors, clock};
+    LiveTexts live{lines, history, monthSums, units, language, errors};
     InfoTexts texts;
 };
 
@@ -62,7 +66,14 @@ TEST_F(LiveTextsTest, RatesAveragesAndVolumesOfAnAdapter) {
 }
 
 TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
-    live.Plug([](const LineRecord&) { return PeriodVolume{250e6, 1000e6}; });
+    settings.SetReg("eth0_FreeVolume", 1000);
+    settings.SetReg("eth0_Up1MB", false);
+    StatRecords records;
+    records.List.emplace_back();
+    records.List[0].LineName = records.Texts.Intern("eth0");
+    records.List[0].LogIn = clock.Now();
+    records.List[0].BytesReceived = 243.25e6;
+    monthSums.CalcStatsThisMonth(records);
     struct {
         int Flags;
         const char* Expected;

@@ -34,7 +34,7 @@ class Sampling : public TrafficFixture {
     Sampling() {
         texts.LineDLShow[0] = true;
         history = RateHistory(240, 1);
-        book.Plug({[](const std::string& entry) { return entry; }, [](int, std::size_t) {},
+        book.Plug({[](const std::string& entry) { return entry; }, [](CloseReason, std::size_t) {},
                    [this] { loop.ResizeRateHistory(); }});
         loop.Attach(&window);
         network.Add("eth0", 1000, 500);

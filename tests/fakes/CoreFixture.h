@@ -35,7 +35,8 @@ class CoreFixture : public testing::Test {
         std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng", programFolder / "Korvalin.lng");
         settings.SetReg("Language", "ENG");
         program = std::make_unique<Program>(
-            Ports{registry, network, internet, ras, clock, events, boxes, screen, shell, user, lock, files},
+            Ports{registry, network, internet, ras, clock, events, boxes, screen, shell, user, lock, files,
+                  recordingLock},
             Locale());
         return program->Main();
     }
@@ -62,6 +63,7 @@ class CoreFixture : public testing::Test {
     FakeRas ras;
     FakeEvents events{clock};
     FakeInstanceLock lock;
+    FakeRecordingLock recordingLock;
     Locale locale;
     Errors errors{clock, files, boxes, locale, "Korvalin"};
     Settings settings{registry, errors, screen, clock, locale};

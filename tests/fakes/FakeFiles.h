@@ -2,6 +2,7 @@
 
 #include "platform/Files.h"
 
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -14,9 +15,32 @@ class FakeFiles : public Files {
     bool DiskFull = false;
     bool CopyFails = false;
     int CreateFoldersResult = 0;
+    int DurableResult = 0; ///< what AppendDurably fails with
+    bool Held = false;     ///< another program holds every file
 
     bool Append(const std::filesystem::path& path, std::string_view lines) override {
         return Write(path, lines, std::ios::app);
+    }
+    int AppendDurably(const std::filesystem::path& path, std::string_view header, std::string_view lines,
+                      std::string_view) override {
+        if (DurableResult != 0) return DurableResult;
+        const bool isNew = !std::filesystem::exists(path);
+        const std::string text = std::string(isNew ? header : "") + std::string(lines);
+        return Write(path, text, std::ios::app) ? 0 : ENOSPC;
+    }
+    std::unique_ptr<FileLock> Hold(const std::filesystem::path&) override {
+        return Held ? nullptr : std::make_unique<FileLock>();
+    }
+    bool ReplaceKeeping(const std::filesystem::path& path, const std::filesystem::path& kept,
+                        const std::function<bool(const Sink& sink)>& write) override {
+        std::string content;
+        const bool written = write([&](std::string_view part) {
+            content += part;
+            return !DiskFull;
+        });
+        if (!written) return false;
+        std::filesystem::rename(path, kept);
+        return Write(path, content, std::ios::trunc);
     }
     bool Replace(const std::filesystem::path& path, std::string_view content) override {
         return Write(path, content, std::ios::trunc);

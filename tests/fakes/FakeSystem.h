@@ -3,6 +3,7 @@
 #include "fakes/FakeClock.h"
 #include "platform/Events.h"
 #include "platform/InstanceLock.h"
+#include "platform/RecordingLock.h"
 #include "platform/Shell.h"
 #include "platform/User.h"
 
@@ -23,6 +24,12 @@ class FakeInstanceLock : public InstanceLock {
     bool PreviousInstanceRunning() override { return Running; }
     bool IsRunning(const std::string&) override { return OldProgramRuns(); }
     std::function<bool()> OldProgramRuns = [] { return false; };
+};
+
+class FakeRecordingLock : public RecordingLock {
+  public:
+    bool AnotherRecords = false;
+    bool Take(const std::filesystem::path&) override { return !AnotherRecords; }
 };
 
 /// Sleeping moves the fake clock; `OnProcessPending` runs instead of the window system's events.

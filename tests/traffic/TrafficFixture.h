@@ -17,8 +17,8 @@ class TrafficFixture : public CoreFixture {
     TrafficFixture() {
         lines.ProgramStart = clock.Now();
         book.Plug({[](const std::string& entry) { return "<" + entry + ">"; },
-                   [this](int reason, std::size_t line) {
-                       EXPECT_EQ(reason, ReasonLineEnded);
+                   [this](CloseReason reason, std::size_t line) {
+                       EXPECT_EQ(reason, CloseReason::LineEnded);
                        const LineRecord& last = lines.PreviousLineTable(line);
                        closed.push_back({line, last.EntryName, last.BytesReceived});
                    },

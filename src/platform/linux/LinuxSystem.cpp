@@ -3,6 +3,7 @@
 #include "errors/Errors.h"
 #include "platform/linux/AutostartRegistry.h"
 #include "platform/linux/FlockInstanceLock.h"
+#include "platform/linux/FlockRecordingLock.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/NetlinkNetworkTables.h"
 #include "platform/linux/NoRas.h"
@@ -27,6 +28,7 @@ struct LinuxSystem::BackEnds {
     PasswdUser User;
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
+    FlockRecordingLock RecordingLock;
 };
 
 LinuxSystem::LinuxSystem() : backEnds_(std::make_unique<BackEnds>()) {}
@@ -35,7 +37,8 @@ LinuxSystem::~LinuxSystem() = default;
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
     return {b.Registry,   b.NetworkTables, b.Internet, b.Ras,  b.Clock,        events,
-            messageBoxes, screen,          b.Shell,    b.User, b.InstanceLock, b.Files};
+            messageBoxes, screen,          b.Shell,    b.User, b.InstanceLock, b.Files,
+            b.RecordingLock};
 }
 
 Clock& LinuxSystem::SystemTime() {

@@ -1,6 +1,6 @@
 #include "platform/linux/PosixFiles.h"
 
-#include "platform/linux/Descriptor.h"
+#include "platform/linux/HeldFile.h"
 
 #include <array>
 #include <cerrno>
@@ -16,6 +16,7 @@ namespace {
 constexpr mode_t privateFile = 0600;
 constexpr mode_t privateFolder = 0700;
 constexpr mode_t permissionBits = 07777;
+constexpr int appendWaitMilliseconds = 2000; // what a rewrite of a large file takes
 
 ssize_t WriteOnce(int file, std::string_view content) {
     ssize_t written = 0;
@@ -52,13 +53,14 @@ void FlushFolder(const std::filesystem::path& folder) {
     if (descriptor) fsync(descriptor.Get());
 }
 
-// Writes a new file beside `path` and renames it over. Its name is its own, so two programs that replace the
-// same file never write into each other's, and nothing that lies there already, a link least of all, is
-// written through.
-bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::function<bool(int file)>& fill) {
-    std::string beside = path.string() + ".new-XXXXXX";
-    const Descriptor file(mkostemp(beside.data(), O_CLOEXEC));
-    if (!file) return false;
+mode_t ModeOf(const std::filesystem::path& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? status.st_mode & permissionBits : privateFile;
+}
+
+// Fills the new file and puts it in the place of `path`; removes it when anything fails.
+bool PutInPlace(const Descriptor& file, const std::string& beside, const std::filesystem::path& path,
+                mode_t mode, const std::function<bool(int file)>& fill) {
     const bool complete = fill(file.Get()) && fchmod(file.Get(), mode) == 0 && fsync(file.Get()) == 0 &&
                           rename(beside.c_str(), path.c_str()) == 0;
     if (!complete) {
@@ -67,6 +69,23 @@ bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::func
     }
     FlushFolder(path.parent_path());
     return true;
+}
+
+// Writes a new file beside `path` and renames it over. Its name is its own, so two programs that replace the
+// same file never write into each other's, and nothing that lies there already, a link least of all, is
+// written through.
+bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::function<bool(int file)>& fill) {
+    std::string beside = path.string() + ".new-XXXXXX";
+    const Descriptor file(mkostemp(beside.data(), O_CLOEXEC));
+    return file && PutInPlace(file, beside, path, mode, fill);
+}
+
+// A second name for the same file; a copy where the file system has none.
+bool KeepAs(const std::filesystem::path& path, const std::filesystem::path& kept) {
+    if (link(path.c_str(), kept.c_str()) == 0) return true;
+    const Descriptor source(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    return errno != EEXIST && source &&
+           WriteBeside(kept, ModeOf(path), [&](int file) { return CopyAll(source.Get(), file); });
 }
 
 // Takes back what a write that ran out of space has left, unless another program has appended behind it
@@ -89,10 +108,54 @@ bool PosixFiles::Append(const std::filesystem::path& path, std::string_view line
     return false;
 }
 
+int PosixFiles::AppendDurably(const std::filesystem::path& path, std::string_view header,
+                              std::string_view lines, std::string_view lineEnd) {
+    const HeldFile held = OpenHeld(path, true, appendWaitMilliseconds);
+    if (held.Error != 0) return held.Error;
+    const int file = held.File.Get();
+    struct stat status {};
+    if (fstat(file, &status) != 0) return errno;
+    if (!S_ISREG(status.st_mode)) return EINVAL; // a pipe would swallow it
+    char last = '\n';
+    if (status.st_size > 0 && pread(file, &last, 1, status.st_size - 1) < 0) return errno;
+    std::string text(status.st_size == 0 ? header : last == '\n' ? std::string_view() : lineEnd);
+    text += lines;
+    const ssize_t written = WriteOnce(file, text);
+    if (written == static_cast<ssize_t>(text.size())) return fdatasync(file) == 0 ? 0 : errno;
+    const int error = written < 0 ? errno : ENOSPC;
+    if (written > 0) CutOff(file, written);
+    return error;
+}
+
+std::unique_ptr<FileLock> PosixFiles::Hold(const std::filesystem::path& path) {
+    struct DescriptorLock : FileLock {
+        explicit DescriptorLock(HeldFile&& file) : Held(std::move(file)) {}
+        HeldFile Held;
+    };
+    HeldFile held = OpenHeld(path, false, 0);
+    return held.Error == 0 ? std::make_unique<DescriptorLock>(std::move(held)) : nullptr;
+}
+
+// The new file's name is always the same: what a killed run has left is taken up by the next one. The caller
+// sees to it that there is only one at a time.
+bool PosixFiles::ReplaceKeeping(const std::filesystem::path& path, const std::filesystem::path& kept,
+                                const std::function<bool(const Sink& sink)>& write) {
+    const std::string beside = path.string() + ".new";
+    unlink(beside.c_str());
+    const Descriptor file(open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFile));
+    if (!file) return false;
+    bool keeps = false;
+    const bool replaced = PutInPlace(file, beside, path, ModeOf(path), [&](int descriptor) {
+        const Sink sink = [descriptor](std::string_view part) { return WriteAll(descriptor, part); };
+        keeps = write(sink) && fsync(descriptor) == 0 && KeepAs(path, kept);
+        return keeps;
+    });
+    if (keeps && !replaced) unlink(kept.c_str());
+    return replaced;
+}
+
 bool PosixFiles::Replace(const std::filesystem::path& path, std::string_view content) {
-    struct stat old {};
-    const mode_t mode = stat(path.c_str(), &old) == 0 ? old.st_mode & permissionBits : privateFile;
-    return WriteBeside(path, mode, [&](int file) { return WriteAll(file, content); });
+    return WriteBeside(path, ModeOf(path), [&](int file) { return WriteAll(file, content); });
 }
 
 bool PosixFiles::Copy(const std::filesystem::path& from, const std::filesystem::path& to) {

@@ -1,0 +1,130 @@
+#include "stats/Aliases.h"
+
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "platform/Clock.h"
+#include "settings/Settings.h"
+#include "stats/BillingPeriod.h"
+
+namespace korvalin {
+namespace {
+
+constexpr double bytesPerFreeVolume = 1'000'000; // whatever unit the user chose
+
+std::size_t Find(const std::unordered_map<std::string, std::size_t>& lookup, const std::string& lowerName) {
+    const auto found = lookup.find(lowerName);
+    return found == lookup.end() ? 0 : found->second;
+}
+
+} // namespace
+
+Aliases::Aliases(Settings& settings, Errors& errors, Clock& clock, std::function<double()> volumeUnit)
+    : settings_(settings), errors_(errors), clock_(clock), volumeUnit_(std::move(volumeUnit)) {}
+
+const std::string& Aliases::GetAlias(std::string_view lineName) {
+    std::size_t index = Find(lineIndex_, ToLower(lineName));
+    if (index == 0) index = AddLine(std::string(lineName));
+    return lines_[index - 1].Alias;
+}
+
+std::string Aliases::ReadAlias(const std::string& lineName) {
+    const std::string setting = lineName + "_Alias";
+    std::string alias = settings_.GetText(setting);
+    if (alias.empty()) settings_.SetReg(setting, alias = lineName);
+    return alias;
+}
+
+std::size_t Aliases::AddLine(const std::string& lineName) {
+    AliasInfo line;
+    line.LineName = line.Alias = lineName;
+    try {
+        line.Alias = ReadAlias(lineName);
+    } catch (const std::exception&) {
+        errors_.WriteErrorLog("Alias Error", "GetAlias");
+    }
+    if (AliasIndex(line.Alias) == 0) {
+        aliases_.emplace_back();
+        aliasIndex_[ToLower(line.Alias)] = aliases_.size();
+        FillAliasInfo(aliases_.size(), line.Alias);
+    }
+    lines_.push_back(std::move(line));
+    lineIndex_[ToLower(lineName)] = lines_.size();
+    return lines_.size();
+}
+
+void Aliases::FillAlias(StatRecords& records) {
+    const StatRecord* last = nullptr;
+    for (StatRecord& record : records.List) {
+        const bool sameLine = last != nullptr && (record.LineName.Is(last->LineName) ||
+                                                  EqualsNoCase(record.LineName, last->LineName));
+        record.Alias = sameLine ? last->Alias : records.Texts.Intern(GetAlias(record.LineName));
+        last = &record;
+    }
+}
+
+void Aliases::FillAliasInfo(std::size_t aliasIndex, std::string_view aliasName) {
+    errors_.Step("FillAliasInfo", [&] {
+        AliasInfo& info = Alias(aliasIndex);
+        if (!aliasName.empty()) info.Alias = aliasName;
+        if (day_ == 0) day_ = DayOf(clock_.Now());
+        ReadTariff(info);
+    });
+}
+
+void Aliases::ReadTariff(AliasInfo& info) {
+    const auto number = [&](const char* suffix) { return settings_.GetNumber(info.Alias + suffix); };
+    const auto flag = [&](const char* suffix) { return settings_.GetBool(info.Alias + suffix); };
+    info.FreeHours = number("_FreeHours");
+    info.FreeVolume = number("_FreeVolume");
+    info.FreeVolumeBytes = info.FreeVolume * bytesPerFreeVolume;
+    info.MonthStartDay = number("_MonthStartDay");
+    const Date today = DayOf(clock_.Now());
+    info.PeriodBegin = korvalin::PeriodBeginOf(today, info.MonthStartDay);
+    info.PeriodEnd = korvalin::PeriodEndOf(today, info.MonthStartDay);
+    info.DaysInPeriod = static_cast<std::int32_t>(info.PeriodEnd - info.PeriodBegin) + 1;
+    info.DaysElapsed = static_cast<std::int32_t>(today - info.PeriodBegin) + 1;
+    info.FractionElapsed = RoundToEven(1e4 * info.DaysElapsed / info.DaysInPeriod) / 1e4;
+    info.RoundSeconds = number("_RoundSeconds");
+    info.TrayTime = flag("_TrayTime");
+    info.TrayVol = flag("_TrayVol");
+    info.Up1MB = flag("_Up1MB");
+}
+
+void Aliases::FollowDay() {
+    const Date today = DayOf(clock_.Now());
+    if (day_ == today) return;
+    day_ = today;
+    for (std::size_t i = 1; i <= aliases_.size(); ++i)
+        FillAliasInfo(i);
+}
+
+void Aliases::Clear() {
+    lines_.clear();
+    aliases_.clear();
+    lineIndex_.clear();
+    aliasIndex_.clear();
+    day_ = 0;
+}
+
+std::size_t Aliases::AliasIndex(std::string_view alias) const {
+    return Find(aliasIndex_, ToLower(alias));
+}
+
+Date Aliases::PeriodBeginOf(Date date, std::size_t aliasIndex) const {
+    return korvalin::PeriodBeginOf(date, Alias(aliasIndex).MonthStartDay);
+}
+
+Date Aliases::PeriodEndOf(Date date, std::size_t aliasIndex) const {
+    return korvalin::PeriodEndOf(date, Alias(aliasIndex).MonthStartDay);
+}
+
+Date Aliases::RoundDuration(Date duration, std::size_t aliasIndex) const {
+    return korvalin::RoundDuration(duration, Alias(aliasIndex).RoundSeconds);
+}
+
+double Aliases::RoundVolume(double bytes, std::size_t aliasIndex) const {
+    return Alias(aliasIndex).Up1MB ? korvalin::RoundVolume(bytes, volumeUnit_()) : bytes;
+}
+
+} // namespace korvalin

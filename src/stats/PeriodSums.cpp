@@ -1,0 +1,90 @@
+#include "stats/PeriodSums.h"
+
+#include "base/Locale.h"
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "stats/Aliases.h"
+#include "stats/SortStats.h"
+
+#include <cmath>
+
+namespace korvalin {
+namespace {
+
+constexpr int daysPerWeek = 7;
+
+// 0 is Sunday; day 0 of the calendar was a Saturday.
+std::size_t WeekdayOf(Date day) {
+    const double weekday = std::fmod(day - 1, daysPerWeek);
+    return static_cast<std::size_t>(weekday < 0 ? weekday + daysPerWeek : weekday);
+}
+
+} // namespace
+
+void PeriodSums::CalcStatSums(const StatRecords& records, SumPeriod period, StatRecords& sums) const {
+    sums = StatRecords();
+    errors_.Step("CalcStatSums", [&] { SumUp(records, period, sums); });
+    errors_.Step("CalcStatSums",
+                 [&] { SortStats(sums.List, {"Alias", true}, {"StatPeriodBegin", false}, locale_); });
+}
+
+void PeriodSums::SumUp(const StatRecords& records, SumPeriod period, StatRecords& sums) const {
+    PooledText alias;
+    std::size_t aliasIndex = 0;
+    Date limit = 0; // midnight after the open sum's last day
+    for (const std::uint32_t i : StatOrder(records.List, {"Alias", true}, {"LogIn", true}, locale_)) {
+        const StatRecord& record = records.List[i];
+        const bool sameAlias =
+            !sums.List.empty() && (record.Alias.Is(alias) || EqualsNoCase(record.Alias, alias));
+        if (!sameAlias) aliasIndex = aliases_.AliasIndex(record.Alias);
+        alias = record.Alias;
+        if (!sameAlias || record.End() > limit) {
+            sums.List.emplace_back();
+            Begin(sums.List.back(), record, aliasIndex, period, sums.Texts);
+            limit = sums.List.back().StatPeriodEnd + 1;
+        }
+        Add(sums.List.back(), record, aliasIndex);
+    }
+}
+
+void PeriodSums::Begin(StatRecord& sum, const StatRecord& first, std::size_t alias, SumPeriod period,
+                       TextPool& texts) const {
+    sum.Alias = texts.Intern(first.Alias);
+    const Date end = first.End();
+    const Date day = DayOf(end);
+    const auto shortDate = [&](Date date) { return FormatPattern(date, locale_.ShortDate); };
+    std::string label;
+    switch (period) {
+    case SumPeriod::Day:
+        sum.StatPeriodBegin = sum.StatPeriodEnd = day;
+        label = shortDate(day) + " " + locale_.ShortDayNames.at(WeekdayOf(day));
+        break;
+    case SumPeriod::Week:
+        sum.StatPeriodBegin = day - static_cast<double>(WeekdayOf(day));
+        sum.StatPeriodEnd = sum.StatPeriodBegin + daysPerWeek - 1;
+        label = shortDate(sum.StatPeriodBegin) + "-" + shortDate(sum.StatPeriodEnd);
+        break;
+    case SumPeriod::BillingMonth:
+        sum.StatPeriodBegin = aliases_.PeriodBeginOf(end, alias);
+        sum.StatPeriodEnd = aliases_.PeriodEndOf(end, alias);
+        label = shortDate(sum.StatPeriodBegin) + " - " + shortDate(sum.StatPeriodEnd);
+        if (aliases_.Alias(alias).MonthStartDay == 1) {
+            const DateParts begin = SplitDate(sum.StatPeriodBegin);
+            label = fmt::format("{} {:04}", locale_.MonthNames.at(static_cast<std::size_t>(begin.Month) - 1),
+                                begin.Year);
+        }
+        break;
+    }
+    sum.PeriodLabel = texts.Intern(label);
+}
+
+void PeriodSums::Add(StatRecord& sum, const StatRecord& record, std::size_t alias) const {
+    ++sum.ConnCount;
+    sum.Duration += record.Duration;
+    sum.DurationRounded += aliases_.RoundDuration(record.Duration, alias);
+    sum.BytesReceived += record.BytesReceived;
+    sum.BytesTransmitted += record.BytesTransmitted;
+    sum.VolumeRounded += aliases_.RoundVolume(record.Volume(), alias);
+}
+
+} // namespace korvalin

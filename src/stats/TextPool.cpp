@@ -1,0 +1,48 @@
+#include "stats/TextPool.h"
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+
+namespace korvalin {
+namespace {
+
+using Length = std::uint32_t;
+constexpr std::size_t blockBytes = 64 * 1024;
+
+} // namespace
+
+std::string_view PooledText::View() const {
+    if (stored_ == nullptr) return {};
+    Length length = 0;
+    std::memcpy(&length, stored_, sizeof length);
+    return {stored_ + sizeof length, length};
+}
+
+PooledText TextPool::Store(std::string_view text) {
+    if (text.empty()) return {};
+    if (text.size() > std::numeric_limits<Length>::max()) throw std::length_error("text too long");
+    const std::size_t needed = sizeof(Length) + text.size();
+    if (blocks_.empty() || blocks_.back().Size - blocks_.back().Used < needed) {
+        const std::size_t size = std::max(needed, blockBytes);
+        blocks_.push_back({std::make_unique_for_overwrite<char[]>(size), 0, size});
+    }
+    Block& block = blocks_.back();
+    const auto length = static_cast<Length>(text.size());
+    char* const stored = block.Bytes.get() + block.Used;
+    std::memcpy(stored, &length, sizeof length);
+    std::memcpy(stored + sizeof length, text.data(), text.size());
+    block.Used += needed;
+    return PooledText(stored);
+}
+
+PooledText TextPool::Intern(std::string_view text) {
+    const auto found = interned_.find(text);
+    if (found != interned_.end()) return *found;
+    const PooledText stored = Store(text);
+    if (!text.empty()) interned_.insert(stored);
+    return stored;
+}
+
+} // namespace korvalin

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace korvalin {
+
+/// Why a line is recorded; the first four are why the main window closes.
+enum class CloseReason {
+    WindowMenu = 0,  ///< the user closed the window
+    Program = 1,     ///< the program closes it itself
+    SystemEnd = 2,   ///< the system shuts down or the user logs off
+    TaskManager = 3, ///< somebody ends the program from outside
+    LineEnded = 10
+};
+
+} // namespace korvalin
