@@ -95,7 +95,9 @@ class Lines(unittest.TestCase):
             here = self.network.here
             rig.wait_for(lambda: watch.names == ["wire0"], "the adapter")
             self.network.inside(here, "ip", "link", "set", "wire0", "down")
-            self.network.inside(here, "ip", "link", "set", "wire0", "name", "lan0")
+            rig.wait_for(lambda: watch.names == [], "no line while it is down")
+            self.network.inside(here, "ip", "link", "set", "wire0", "name", "lan0", "up")
+            self.network.inside(here, "ip", "route", "add", "default", "via", "10.77.0.2")
             rig.wait_for(lambda: watch.names == ["lan0"], "its new name")
             for second in watch.history:
                 for line in second:
