@@ -196,8 +196,10 @@ std::string FormatDuration(Date span) {
 std::optional<Date> ParseDateIso(std::string_view text) {
     constexpr std::string_view dateForm = "0000-00-00";
     constexpr std::string_view timeForm = "00:00:00";
-    const bool hasDate = text.size() == dateForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
-    const bool hasTime = text.size() == timeForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
+    const bool hasDate =
+        text.size() == dateForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
+    const bool hasTime =
+        text.size() == timeForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
     if (!hasDate && !hasTime) return std::nullopt;
     std::optional<Date> date = 0.0;
     if (hasDate) {

@@ -33,7 +33,8 @@ DateParts SplitDate(Date date);
 /// The date without its time of day.
 Date DayOf(Date date);
 
-/// The date-time at the nearest whole second: what sums of moments and spans lose in the last bit is restored.
+/// The date-time at the nearest whole second: what sums of moments and spans lose in the last bit is
+/// restored.
 Date RoundToSecond(Date date);
 
 /// Seconds since midnight of a date-time, with fractions.
@@ -46,8 +47,8 @@ std::string FormatDateIso(Date date);
 /// moved aside.
 std::string FormatDateSuffix(Date date, char separator = '-');
 
-/// Date and time in the locale's short formats; a date-time at midnight shows the date only, a time span below
-/// a day the time only.
+/// Date and time in the locale's short formats; a date-time at midnight shows the date only, a time span
+/// below a day the time only.
 std::string FormatDateGeneral(Date date, const Locale& locale);
 
 /// "hh:mm:ss" of a time span's fraction of a day; hours above 23 start again at 0.
@@ -60,9 +61,9 @@ std::string FormatDuration(Date span);
 std::optional<Date> ParseDateIso(std::string_view text);
 
 /// Reads a date, a time, or both: ISO ("2024-03-15 14:05:09", also with 'T'), the locale's short date,
-/// "15.03.2024 14:05" or "3/15/2024 2:05:09 PM"; a day and month that cannot be in this order are taken in the
-/// other one. Two-digit years 00..29 are 20xx, others 19xx; years go from 100 to 9999.
-/// nullopt for anything that is no date; impossible ones such as 31.02.2024 are none.
+/// "15.03.2024 14:05" or "3/15/2024 2:05:09 PM"; a day and month that cannot be in this order are taken in
+/// the other one. Two-digit years 00..29 are 20xx, others 19xx; years go from 100 to 9999. nullopt for
+/// anything that is no date; impossible ones such as 31.02.2024 are none.
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale);
 
 } // namespace korvalin

@@ -8,6 +8,9 @@
 
 namespace korvalin {
 
+/// Below, at or above 0 as for strcmp.
+using Collation = std::function<int(const std::string& left, const std::string& right)>;
+
 struct Locale {
     std::string DecimalMark = ".";
     std::string GroupingMark = ",";
@@ -21,9 +24,8 @@ struct Locale {
     std::array<std::string, 7> DayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                            "Thursday", "Friday", "Saturday"};
     std::array<std::string, 7> ShortDayNames = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    /// The order in which names are listed: below, at or above 0 as for strcmp.
-    std::function<int(const std::string& left, const std::string& right)> Collate =
-        [](const std::string& left, const std::string& right) { return left.compare(right); };
+    /// The order in which names are listed.
+    Collation Collate = [](const std::string& left, const std::string& right) { return left.compare(right); };
 };
 
 /// Puts a date (day count) into a pattern of Locale::ShortDate's kind.

@@ -22,9 +22,9 @@ class Files {
     /// it could be written; a part that did get written is cut off again.
     [[nodiscard]] virtual bool Append(const std::filesystem::path& path, std::string_view lines) = 0;
 
-    /// Appends whole lines with one write and flushes them to the medium; a file that is missing or empty gets
-    /// `header` first, one that ends within a line gets `lineEnd` first. Waits a moment for a program that
-    /// holds the file. 0 or the system's error number (EAGAIN: still held); the file is then as it was.
+    /// Appends whole lines with one write and flushes them to the medium; a file that is missing or empty
+    /// gets `header` first, one that ends within a line gets `lineEnd` first. Waits a moment for a program
+    /// that holds the file. 0 or the system's error number (EAGAIN: still held); the file is then as it was.
     [[nodiscard]] virtual int AppendDurably(const std::filesystem::path& path, std::string_view header,
                                             std::string_view lines, std::string_view lineEnd) = 0;
 

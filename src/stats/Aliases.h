@@ -36,8 +36,8 @@ struct AliasInfo {
 };
 
 /// The tables of lines and aliases. A line is known from the first time somebody asks for its alias; tariffs
-/// belong to aliases, so lines that share one are billed together. Names are compared without regard to letter
-/// case; indices count from 1.
+/// belong to aliases, so lines that share one are billed together. Names are compared without regard to
+/// letter case; indices count from 1.
 class Aliases {
   public:
     /// `volumeUnit` gives the bytes of the large unit that the user chose.

@@ -12,8 +12,8 @@ Date PeriodBeginOf(Date date, int startDay);
 /// Last day of the billing period that holds `date`: the day before the next one begins.
 Date PeriodEndOf(Date date, int startDay);
 
-/// A duration with the seconds of its last minute rounded up to the next multiple of `stepSeconds` within that
-/// minute (1 to 60; 1 rounds nothing).
+/// A duration with the seconds of its last minute rounded up to the next multiple of `stepSeconds` within
+/// that minute (1 to 60; 1 rounds nothing).
 Date RoundDuration(Date duration, int stepSeconds);
 
 /// A volume rounded up to the next whole number of units of `unitBytes`; a whole number of units gains one

@@ -30,7 +30,8 @@ class LineSplitter {
 };
 
 /// Reads a file line by line, in blocks. Returns the number of bytes read; `use` may throw. Throws
-/// std::system_error when the file cannot be read or is none; the lines before a failure have been handed out.
+/// std::system_error when the file cannot be read or is none; the lines before a failure have been handed
+/// out.
 std::uintmax_t ReadLines(const std::filesystem::path& path, const LineSplitter::Use& use);
 
 } // namespace korvalin

@@ -19,8 +19,8 @@ struct PeriodUse {
     bool TrayVol = false;       ///< the tray shows what is left of the allowance
 };
 
-/// The sums of the current billing period, one per alias. They hold the records of the last CalcStatsThisMonth;
-/// a record written since counts from the next one on.
+/// The sums of the current billing period, one per alias. They hold the records of the last
+/// CalcStatsThisMonth; a record written since counts from the next one on.
 class MonthSums {
   public:
     MonthSums(Aliases& aliases, const LineState& lines, Errors& errors, Clock& clock);

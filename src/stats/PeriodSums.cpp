@@ -24,8 +24,9 @@ std::size_t WeekdayOf(Date day) {
 void PeriodSums::CalcStatSums(const StatRecords& records, SumPeriod period, StatRecords& sums) const {
     sums = StatRecords();
     errors_.Step("CalcStatSums", [&] { SumUp(records, period, sums); });
-    errors_.Step("CalcStatSums",
-                 [&] { SortStats(sums.List, {"Alias", true}, {"StatPeriodBegin", false}, locale_); });
+    errors_.Step("CalcStatSums", [&] {
+        SortStats(sums.List, {"Alias", true}, {"StatPeriodBegin", false}, locale_);
+    });
 }
 
 void PeriodSums::SumUp(const StatRecords& records, SumPeriod period, StatRecords& sums) const {

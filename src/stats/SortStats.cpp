@@ -135,7 +135,8 @@ void SortRuns(const std::vector<Key1>& keys1, const std::vector<Key2>& keys2, bo
 
 // Calls use(keys) with the key's values: ranks for a text, dates as they are.
 template <typename Use>
-void WithKeys(const std::vector<StatRecord>& records, std::string_view name, const Locale& locale, Use&& use) {
+void WithKeys(const std::vector<StatRecord>& records, std::string_view name, const Locale& locale,
+              Use&& use) {
     if (const DateField field = DateFieldOf(name)) {
         use(DatesOf(records, field));
     } else {
@@ -167,8 +168,8 @@ void Arrange(std::vector<StatRecord>& records, Index order) {
 
 } // namespace
 
-std::vector<std::uint32_t> StatOrder(const std::vector<StatRecord>& records, StatSortKey key1, StatSortKey key2,
-                                     const Locale& locale) {
+std::vector<std::uint32_t> StatOrder(const std::vector<StatRecord>& records, StatSortKey key1,
+                                     StatSortKey key2, const Locale& locale) {
     Index index(records.size());
     std::iota(index.begin(), index.end(), 0U);
     WithKeys(records, key1.Name, locale, [&](const auto& keys1) {

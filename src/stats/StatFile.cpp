@@ -19,8 +19,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t toleratedMerges = 25;  // more are worth a rewrite
-constexpr std::size_t linesPerPause = 1000;  // between two looks at the window's events
+constexpr std::size_t toleratedMerges = 25;   // more are worth a rewrite
+constexpr std::size_t linesPerPause = 1000;   // between two looks at the window's events
 constexpr std::uintmax_t shortLineBytes = 64; // most lines are longer: room for them is asked for at once
 constexpr std::uintmax_t mostForeseen = 10'000'000;
 constexpr std::size_t writeBytes = 256 * 1024;

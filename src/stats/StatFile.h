@@ -35,10 +35,10 @@ class StatFile {
 
     std::filesystem::path StatFilePath() const;
 
-    /// Replaces `records` by those of the file, sorted by line and log-in, duplicates merged, aliases set. With
-    /// `repair` a damaged file, or one with many duplicates, is rewritten and the old one kept as a backup;
-    /// without, the connections that are open now are added as "Running". Windows stay alive meanwhile.
-    /// Returns the number of records; what went wrong has been reported.
+    /// Replaces `records` by those of the file, sorted by line and log-in, duplicates merged, aliases set.
+    /// With `repair` a damaged file, or one with many duplicates, is rewritten and the old one kept as a
+    /// backup; without, the connections that are open now are added as "Running". Windows stay alive
+    /// meanwhile. Returns the number of records; what went wrong has been reported.
     std::int32_t LoadStatFile(StatRecords& records, bool repair);
 
     /// About the last LoadStatFile.

@@ -57,7 +57,8 @@ std::optional<Date> ParseStatDate(std::string_view piece, const Locale& locale) 
 std::optional<double> ParseBytes(std::string_view piece) {
     std::uint64_t whole = 0;
     const char* const end = piece.data() + piece.size();
-    if (const auto read = std::from_chars(piece.data(), end, whole); read.ec == std::errc() && read.ptr == end)
+    if (const auto read = std::from_chars(piece.data(), end, whole);
+        read.ec == std::errc() && read.ptr == end)
         return static_cast<double>(whole);
     const auto number = ParseNumber(piece);
     return number ? std::optional(std::trunc(std::abs(*number))) : std::nullopt;

@@ -25,11 +25,22 @@ void LineMonitor::Get_Bytes_Transmitted() {
     if (!firstPassDone_) step([&] { state_.RasInstalled = IsRasInstalled(internet_); });
     firstPassDone_ = true;
     if (state_.MonitoredLineType.empty() || state_.LineCount == 0) step([&] { DetermineLineType(); });
-    if (state_.MonitoredLineType == "LAN") {
-        if (options_.LanProt) step([&] { lan_.Get_Bytes_Transmitted_LAN(state_.LineTable); });
+    if (state_.MonitoredLineType == "LAN" && options_.LanProt) {
+        step([&] { lan_.Get_Bytes_Transmitted_LAN(state_.LineTable); });
     } else if (state_.MonitoredLineType == "RAS") {
         step([&] { ras_.Get_Bytes_Transmitted_RAS(state_.LineTable); });
+    } else {
+        step([&] { CloseLines(); });
     }
+}
+
+// Nobody looks after the lines of the previous pass any more, as when the last route has gone: they have
+// ended.
+void LineMonitor::CloseLines() {
+    const auto& previous = state_.PreviousLineTable;
+    const bool anyOpen =
+        std::any_of(previous.begin(), previous.end(), [](const LineRecord& line) { return line.Connected; });
+    if (anyOpen) book_.RecordClosedConnections(state_.LineTable, 0);
 }
 
 void LineMonitor::TakeSnapshot() {

@@ -24,6 +24,7 @@ class LineMonitor {
   private:
     void TakeSnapshot();
     void DetermineLineType();
+    void CloseLines();
 
     LineState& state_;
     LineBook& book_;

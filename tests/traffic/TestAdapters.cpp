@@ -87,6 +87,62 @@ TEST_F(Adapters, OneThatDropsOutIsRecordedWithItsLastState) {
     EXPECT_EQ(lines.LineTable(1).LogIn, 0);
 }
 
+TEST_F(Adapters, OneThatGoesTogetherWithTheLastRouteIsRecorded) {
+    network.Add("eth0", 1000, 0);
+    Pass();
+    Pass();
+    network.Add("eth1", 2000, 0);
+    Pass(); // grown: the type is decided again at the next pass
+    network.Rows.clear();
+    internet.State = {false, 0};
+    Pass();
+    ASSERT_EQ(closed.size(), 2U);
+    EXPECT_EQ(closed[1].EntryName, "eth1");
+    EXPECT_EQ(lines.LineCount, 0U);
+    Pass();
+    EXPECT_EQ(closed.size(), 2U) << "once";
+}
+
+TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecorded) {
+    struct {
+        const char* Case;
+        std::function<void(std::vector<InterfaceRow>&)> Change;
+        Lines Ended, Open;
+    } const rows[] = {
+        {"the first drops out, the others move up", [](auto& r) { r.erase(r.begin()); }, {"a"}, {"b", "c"}},
+        {"the middle one loses its carrier",
+         [](auto& r) { r[1].OperStatus = OperationalStatus::Disconnected; },
+         {"b"},
+         {"a", "c"}},
+        {"one is replaced by another", [](auto& r) { r[2].Description = "d"; }, {"c"}, {"a", "b"}},
+        {"a new one comes before them",
+         [](auto& r) { r.insert(r.begin(), r[0])->Description = "n"; },
+         {},
+         {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.Case);
+        network.Rows.clear();
+        for (const char* name : {"a", "b", "c"})
+            network.Add(name, 5000, 0);
+        Pass();
+        Pass();
+        closed.clear();
+        row.Change(network.Rows);
+        Pass();
+        Lines names;
+        for (const Closed& line : closed)
+            names.push_back(line.EntryName);
+        EXPECT_EQ(names, row.Ended);
+        Lines open; // should the program end now
+        for (const LineRecord& line : lines.PreviousLineTable)
+            if (!row.Open.empty() && line.Connected) open.push_back(line.EntryName);
+        EXPECT_EQ(open, row.Open);
+        network.Rows.clear();
+        Pass();
+    }
+}
+
 TEST_F(Adapters, AFailingReaderNamesItsProgress) {
     network.Throws = true;
     Pass();

@@ -14,8 +14,8 @@ struct HeldFile {
 };
 
 /// Opens the file, with `create` also one that is missing, and locks it in both ways that programs use (flock
-/// and fcntl) until it is closed. Tries for `waitMilliseconds` while somebody else holds it; then the error is
-/// EAGAIN.
+/// and fcntl) until it is closed. Tries for `waitMilliseconds` while somebody else holds it; then the error
+/// is EAGAIN.
 HeldFile OpenHeld(const std::filesystem::path& path, bool create, int waitMilliseconds);
 
 } // namespace korvalin

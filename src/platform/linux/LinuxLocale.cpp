@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cstring>
 #include <langinfo.h>
 #include <memory>
 
@@ -73,6 +74,8 @@ void TakeDates(Locale& result, const SystemLocale& system) {
         result.MonthNames[static_cast<std::size_t>(i)] = Text(ALTMON_1 + i, system);
     for (int i = 0; i < 7; ++i)
         result.DayNames[static_cast<std::size_t>(i)] = Text(DAY_1 + i, system);
+    for (int i = 0; i < 7; ++i)
+        result.ShortDayNames[static_cast<std::size_t>(i)] = Text(ABDAY_1 + i, system);
 }
 
 } // namespace
@@ -99,8 +102,17 @@ std::optional<std::string> PatternFromStrftime(std::string_view format) {
     return std::string(trimmed);
 }
 
+Collation SystemCollation() {
+    std::shared_ptr<std::remove_pointer_t<locale_t>> locale = OpenCategory(LC_COLLATE_MASK, LC_COLLATE);
+    if (!locale) return Locale().Collate;
+    return [locale](const std::string& left, const std::string& right) {
+        return strcoll_l(left.c_str(), right.c_str(), locale.get());
+    };
+}
+
 Locale ReadSystemLocale() {
     Locale result;
+    result.Collate = SystemCollation();
     if (const SystemLocale numbers = OpenCategory(LC_NUMERIC_MASK, LC_NUMERIC)) TakeNumbers(result, numbers);
     if (const SystemLocale dates = OpenCategory(LC_TIME_MASK, LC_TIME)) TakeDates(result, dates);
     return result;

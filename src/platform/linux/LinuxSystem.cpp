@@ -36,9 +36,8 @@ LinuxSystem::~LinuxSystem() = default;
 
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
-    return {b.Registry,   b.NetworkTables, b.Internet, b.Ras,  b.Clock,        events,
-            messageBoxes, screen,          b.Shell,    b.User, b.InstanceLock, b.Files,
-            b.RecordingLock};
+    return {b.Registry, b.NetworkTables, b.Internet, b.Ras,          b.Clock, events,         messageBoxes,
+            screen,     b.Shell,         b.User,     b.InstanceLock, b.Files, b.RecordingLock};
 }
 
 Clock& LinuxSystem::SystemTime() {

@@ -106,7 +106,11 @@ Locale ReadQtLocale(const QLocale& locale) {
     result.Time = TranslateTime(locale.timeFormat(QLocale::ShortFormat)).toStdString();
     FillNames(result.MonthNames, [&](int month) { return locale.standaloneMonthName(month + 1); });
     // The toolkit's week starts on Monday (1) and ends on Sunday (7).
-    FillNames(result.DayNames, [&](int day) { return locale.standaloneDayName(day == 0 ? 7 : day); });
+    const auto dayName = [&](QLocale::FormatType format) {
+        return [&locale, format](int day) { return locale.standaloneDayName(day == 0 ? 7 : day, format); };
+    };
+    FillNames(result.DayNames, dayName(QLocale::LongFormat));
+    FillNames(result.ShortDayNames, dayName(QLocale::ShortFormat));
     return result;
 }
 
