@@ -1,10 +1,13 @@
 # The windows: Qt 6 Widgets. Their files lie beside the core's, folder by folder.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets)
+find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 
 add_library(korvalin_gui STATIC
   ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
   display/ChartPainter.cpp
   display/LinesMenu.cpp
+  display/TrayIcon.cpp
   display/WindowFrame.cpp
   display/frmMain.cpp
   display/frmMain.ui
@@ -19,14 +22,18 @@ add_library(korvalin_gui STATIC
   platform/qt/QtEvents.cpp
   platform/qt/QtLocale.cpp
   platform/qt/QtMessageBoxes.cpp
+  platform/qt/QtNotificationArea.cpp
   platform/qt/QtScreen.cpp
+  platform/qt/StatusNotifierHost.cpp
   platform/qt/WaitingMessage.cpp
-  startup/Desktop.cpp)
+  platform/qt/XEmbedHost.cpp
+  startup/Desktop.cpp
+  startup/EndRequests.cpp)
 set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTORCC ON AUTOUIC ON)
 target_compile_definitions(korvalin_gui PUBLIC QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
                                                QT_NO_URL_CAST_FROM_STRING QT_STRICT_ITERATORS)
 target_precompile_headers(korvalin_gui PRIVATE <QtWidgets> ${PROJECT_SOURCE_DIR}/src/base/Precompiled.h)
-target_link_libraries(korvalin_gui PUBLIC korvalin_core korvalin_linux Qt6::Widgets)
+target_link_libraries(korvalin_gui PUBLIC korvalin_core korvalin_linux Qt6::Widgets PRIVATE Qt6::DBus PkgConfig::XCB)
 
 # The file name is the same on every system: an update replaces "Korvalin.exe". `korvalin` is what users type.
 add_executable(korvalin_program startup/main.cpp)

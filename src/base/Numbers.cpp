@@ -61,6 +61,12 @@ std::string FormatNumber(double value, std::string_view pattern, const Locale& l
     return negative ? "-" + text : text;
 }
 
+std::optional<double> ReadFormattedNumber(std::string_view text, const Locale& locale) {
+    std::string plain(text);
+    if (!locale.GroupingMark.empty()) plain = ReplaceAll(plain, locale.GroupingMark, "");
+    return ParseNumber(ReplaceAll(plain, locale.DecimalMark, "."));
+}
+
 double UnsignedToDouble(std::int32_t value) {
     return static_cast<double>(static_cast<std::uint32_t>(value));
 }

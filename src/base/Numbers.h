@@ -25,6 +25,9 @@ double RoundToEven(double value);
 /// zero.
 std::string FormatNumber(double value, std::string_view pattern, const Locale& locale);
 
+/// Reads back what FormatNumber made; nullopt when the text is anything else.
+std::optional<double> ReadFormattedNumber(std::string_view text, const Locale& locale);
+
 /// A 32-bit counter held in a signed integer, read as unsigned.
 double UnsignedToDouble(std::int32_t value);
 

@@ -4,6 +4,9 @@
 #include "forms/Loaded.h"
 #include "forms/Twips.h"
 #include "lang/ApplyFormTexts.h"
+#include "lang/Language.h"
+#include "platform/MessageBoxes.h"
+#include "platform/qt/NotificationArea.h"
 #include "settings/Settings.h"
 #include "ui_frmMain.h"
 
@@ -40,10 +43,12 @@ frmMain::frmMain(const Parts& parts)
       frame_(*this),
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
                 parts.UserLocale, [this] { SetWindowHeight(heightForTextsTwips); }}),
-      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }) {
+      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }),
+      tray_(parts.Tray, *ui_->mnuTrayIcon, parts.Lines, parts.Error, parts.UserLocale) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
     ConnectMenu();
+    parts_.Tray.Plug({[this] { TrayHostChanged(); }, [this] { ShowMainWindow(!InSight()); }});
     timerMain_.setSingleShot(true);
     timerMain_.setTimerType(Qt::PreciseTimer);
     timerFade_.setInterval(Fade::StepMilliseconds);
@@ -65,6 +70,8 @@ frmMain::~frmMain() {
 }
 
 void frmMain::ConnectMenu() {
+    // Whoever opens it: the chart, the tray, a desktop that draws the menu itself.
+    connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenusIfChanged(true); });
     connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
     connect(ui_->mnuNurTitel, &QAction::triggered, this, [this] { mnuNurTitel_Click(); });
     connect(ui_->mnuVordergrund, &QAction::triggered, this, [this] { mnuVordergrund_Click(); });
@@ -83,6 +90,7 @@ void frmMain::Form_Load() {
     titleOnly_ = parts_.Setting.GetBool("NurTitel");
     ui_->mnuNurTitel->setChecked(titleOnly_);
     if (titleOnly_) SetTitleOnly();
+    AddTrayIcon();
     RefreshDialMenus();
     parts_.Loop.Attach(this);
     if (parts_.Info.AutoShow) StartFade(3);
@@ -99,6 +107,7 @@ void frmMain::ApplyTexts() {
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
+    parts_.Tray.LookForHost();
     if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
 }
 
@@ -109,8 +118,33 @@ void frmMain::DrawChart(bool force) {
     parts_.Loop.SetVisibleSamples(painter_.VisibleSamples());
 }
 
-// The icon in the tray comes with the statistics it shows.
-void frmMain::IconDraw() {}
+void frmMain::IconDraw() {
+    tray_.IconDraw(parts_.Info, hooks_.PeriodUse);
+}
+
+void frmMain::AddTrayIcon() {
+    tray_.TrayIconSet(true, tray_.StaticPicture(), std::string(ProgramTitle));
+}
+
+void frmMain::TrayHostChanged() {
+    if (!loaded_ || closed_) return;
+    if (parts_.Tray.Host() == TrayHost::Present) {
+        AddTrayIcon();
+        IconDraw();
+    }
+    if (!windowShown_) PutAway();
+}
+
+// Out of sight, to where the user finds it again: behind the icon in the tray, else in the taskbar. While
+// nobody knows, a window that was not on the screen yet waits for the answer.
+void frmMain::PutAway() {
+    const TrayHost host = parts_.Tray.Host();
+    if (host == TrayHost::Present) {
+        hide();
+    } else if (host == TrayHost::Absent || isVisible()) {
+        showMinimized();
+    }
+}
 
 void frmMain::ShowCaption() {
     if (ui_->mnuTitelAnzeigen->isChecked()) setWindowTitle(QString::fromStdString(parts_.Info.CaptionText));
@@ -128,12 +162,7 @@ void frmMain::ShowMainWindow(bool show) {
         if (wasHidden && !frame_.IsSettled()) frame_.AwaitFrame();
     } else if (!IsFormLoaded("frmEinstellungen")) {
         windowShown_ = false;
-        // Without an icon in the tray nothing would bring a hidden window back; the taskbar does.
-        if (hooks_.TrayAvailable()) {
-            hide();
-        } else {
-            showMinimized();
-        }
+        PutAway();
     }
 }
 
@@ -144,6 +173,13 @@ bool frmMain::HangUpItemVisible() {
 // Dialling is not there yet: its items stay hidden.
 void frmMain::RefreshDialMenus() {
     ui_->mnuLogIn->menuAction()->setVisible(false);
+}
+
+void frmMain::RefreshDialMenusIfChanged(bool force) {
+    const std::size_t entries = hooks_.RASGetEntriesCount();
+    if (entries == phoneBookEntries_) return;
+    phoneBookEntries_ = entries;
+    if (force) RefreshDialMenus();
 }
 
 void frmMain::RefreshLinesMenu() {
@@ -260,27 +296,43 @@ void frmMain::changeEvent(QEvent* event) {
     DrawChart(true);
 }
 
+// From the window's close box or menu; everything else that ends the program calls Quit.
 void frmMain::closeEvent(QCloseEvent* event) {
-    const bool staysInTray = parts_.Info.CloseTrayOnly && !quitFlag_ && hooks_.TrayAvailable();
-    if (staysInTray) {
-        event->ignore();
-        ShowMainWindow(false);
-        return;
-    }
-    hooks_.Closing();
-    SaveGeometry();
-    closed_ = true;
+    if (closed_) return event->accept();
+    if (!parts_.Info.CloseTrayOnly) return Quit(CloseReason::WindowMenu);
+    event->ignore();
+    if (parts_.Tray.Host() == TrayHost::Absent) TellThatNoTrayIsThere();
+    ShowMainWindow(false);
+}
+
+void frmMain::TellThatNoTrayIsThere() {
+    constexpr std::string_view told = "NoTrayTold";
+    if (parts_.Setting.GetBool(told)) return;
+    parts_.Setting.SetReg(told, true);
+    parts_.Messages.Show(parts_.Texts.Lng("modAllgemein", 60), std::string(ProgramTitle),
+                         MessageIcon::Information, MessageButtons::Ok);
+}
+
+void frmMain::Quit(CloseReason reason) {
+    if (closed_) return;
     timerMain_.stop();
     timerFade_.stop();
-    event->accept();
+    tray_.TrayIconSet(false);
+    Close(reason);
+    SaveGeometry();
+    hide();
     UnloadOtherForms(*this);
     // Queued: the event loop may not have begun yet.
     QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
-void frmMain::Quit() {
-    quitFlag_ = true;
-    close();
+void frmMain::DisplayLost() {
+    if (!closed_) Close(CloseReason::SystemEnd);
+}
+
+void frmMain::Close(CloseReason reason) {
+    closed_ = true;
+    hooks_.Closing(reason);
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

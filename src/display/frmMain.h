@@ -4,8 +4,10 @@
 #include "display/Fade.h"
 #include "display/LinesMenu.h"
 #include "display/SamplingLoop.h"
+#include "display/TrayIcon.h"
 #include "display/WindowFrame.h"
 #include "display/WindowGeometry.h"
+#include "stats/CloseReason.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -19,6 +21,7 @@ class frmMain;
 namespace korvalin {
 
 class Language;
+class MessageBoxes;
 
 /// The program's only permanent window: the live chart, its drag handle and the popup menu.
 class frmMain : public QWidget, public MonitorWindow {
@@ -38,13 +41,17 @@ class frmMain : public QWidget, public MonitorWindow {
         Errors& Error;
         Clock& Time;
         const Locale& UserLocale;
+        NotificationArea& Tray;
+        MessageBoxes& Messages;
     };
     /// What the floors above plug in; each may stay as it is.
     struct Hooks {
-        /// Whether an icon in the tray brings a hidden window back.
-        std::function<bool()> TrayAvailable = [] { return false; };
-        /// The window closes for good: open connections are recorded, the tray icon goes.
-        std::function<void()> Closing = [] {};
+        /// The window closes for good, its tray icon is gone: open connections are recorded. Called once.
+        std::function<void(CloseReason reason)> Closing = [](CloseReason) {};
+        /// What is used of the charted line's period, for the icon's first bar.
+        std::function<TrayUse()> PeriodUse = [] { return TrayUse(); };
+        /// Number of entries in the phone book.
+        std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
     };
 
     explicit frmMain(const Parts& parts);
@@ -61,8 +68,15 @@ class frmMain : public QWidget, public MonitorWindow {
     /// Fades: 0 nothing, 1 and 3 in from invisible, 2 at once fully opaque.
     void StartFade(int mode);
 
-    /// Closes the window for good.
-    void Quit();
+    /// Closes the window for good and ends the program.
+    void Quit(CloseReason reason = CloseReason::Program);
+
+    /// The display is gone, and the process about to end: only the open connections can still be recorded.
+    void DisplayLost();
+
+    /// Rebuilds the dial menus when the phone book has another number of entries than at the last call;
+    /// without `force` the number is only noted.
+    void RefreshDialMenusIfChanged(bool force);
 
     bool WindowShown() const { return windowShown_; }
     bool TitleOnly() const { return titleOnly_; }
@@ -88,6 +102,12 @@ class frmMain : public QWidget, public MonitorWindow {
 
   private:
     void ConnectMenu();
+    void AddTrayIcon();
+    void TrayHostChanged();
+    void PutAway();
+    void TellThatNoTrayIsThere();
+    bool InSight() const { return isVisible() && !isMinimized(); }
+    void Close(CloseReason reason);
     void SetTitleOnly();
     void mnuTitelAnzeigen_Click();
     void mnuNurTitel_Click();
@@ -110,13 +130,14 @@ class frmMain : public QWidget, public MonitorWindow {
     WindowFrame frame_;
     ChartPainter painter_;
     LinesMenu linesMenu_;
+    TrayIcon tray_;
+    std::size_t phoneBookEntries_ = 0;
     QTimer timerMain_;
     QTimer timerFade_;
     Fade fade_;
     bool loaded_ = false;
     bool windowShown_ = false;
     bool titleOnly_ = false;
-    bool quitFlag_ = false;
     bool closed_ = false;
     bool leftButtonDown_ = false;
     QPoint grabPoint_;

@@ -60,6 +60,7 @@ constexpr SettingRow settingRows[] = {
     {"MultiInstance",        yesNo},
     {"MultiScreen",          yesNo},
     {"NoInet",               yesNo},
+    {"NoTrayTold",           yesNo},
     {"NurTitel",             yesNo},
     {"ProgRunTime",          yesNo,  "True"},
     {"ShowLineName",         yesNo,  "True"},

@@ -4,17 +4,19 @@
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/frmLanguage.h"
+#include "platform/linux/ExitWatch.h"
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtMessageBoxes.h"
+#include "platform/qt/QtNotificationArea.h"
 #include "platform/qt/QtScreen.h"
+#include "startup/EndRequests.h"
 #include "startup/Program.h"
 
 #include <QApplication>
 #include <QLocale>
-#include <QSocketNotifier>
 
 #include <cstdlib>
 
@@ -62,15 +64,18 @@ int RunDesktop(int argc, char** argv) {
     if (!program.Main()) return EXIT_SUCCESS;
     system.TellNotes(program.errors);
 
+    QtNotificationArea tray;
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
-                    system.SystemTime(), program.locale});
+                    system.SystemTime(), program.locale, tray, messageBoxes});
+    // Recording, billing and dialling are not there yet.
+    window.Plug({[](CloseReason) {}, [] { return TrayUse(); }, [] { return std::size_t{0}; }});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
-    // Logging out ends a session's programs by a signal: the window closes as by its menu.
-    QSocketNotifier terminated(termination.Get(), QSocketNotifier::Read);
-    QObject::connect(&terminated, &QSocketNotifier::activated, &window, [&] {
-        terminated.setEnabled(false);
-        window.Quit();
+    const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
+    // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
+    const ExitWatch exitWatch([&] {
+        messageBoxes.DisplayLost();
+        window.DisplayLost();
     });
     window.Form_Load();
     const int exitCode = QApplication::exec();

@@ -1,55 +1,10 @@
-#include "display/frmMain.h"
-#include "fakes/CoreFixture.h"
 #include "forms/Colors.h"
-#include "forms/PictureBox.h"
 #include "forms/Twips.h"
+#include "gui/MainWindowFixture.h"
 
 using namespace korvalin;
 
 namespace {
-
-class MainWindow : public CoreFixture {
-  protected:
-    MainWindow() {
-        screen.Size = screen.Mode = ScreenSize{800, 800};
-        network.Add("eth0", 1000, 500);
-        settings.SetReg("Opacity", 255);
-    }
-
-    void Start() {
-        ASSERT_TRUE(StartProgram());
-        window = std::make_unique<frmMain>(frmMain::Parts{
-            settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
-            program->infoTexts, program->liveTexts, program->errors, clock, program->locale});
-        window->Form_Load();
-    }
-    // Seconds pass, each with an update.
-    void Run(int seconds, std::uint64_t bytesPerSecond = 0) {
-        for (int i = 0; i < seconds; ++i) {
-            clock.Advance(1.001);
-            for (InterfaceRow& row : network.Rows)
-                row.InOctets += bytesPerSecond;
-            program->samplingLoop.TimerMain_Timer();
-        }
-    }
-    // Places are stored once the window manager, were there one, is done with the window.
-    bool Becomes(const char* name, int expected) {
-        return QTest::qWaitFor([&] { return settings.GetNumber(name) == expected; });
-    }
-    QAction* Item(const char* name) { return window->findChild<QAction*>(QString::fromLatin1(name)); }
-    // What the user can do: a hidden or disabled entry cannot be chosen.
-    void Choose(const char* name) {
-        QAction* action = Item(name);
-        ASSERT_TRUE(action->isVisible() && action->isEnabled()) << name;
-        action->trigger();
-    }
-    PictureBox* Picture() { return window->findChild<PictureBox*>(QStringLiteral("PicChart")); }
-    QLabel* Handle() { return window->findChild<QLabel*>(QStringLiteral("lblMove")); }
-    QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
-    int Setting(const char* name) { return settings.GetNumber(name); }
-
-    std::unique_ptr<frmMain> window;
-};
 
 TEST_F(MainWindow, StartsWithTheChartOfTheMachinesTraffic) {
     Start();
@@ -223,25 +178,6 @@ TEST_F(MainWindow, OnAScreenThatIsGoneItComesBackIntoSight) {
     settings.SetReg("MON_Top_800", 3000);
     Start();
     EXPECT_TRUE(window->screen()->geometry().contains(window->geometry()));
-}
-
-TEST_F(MainWindow, ClosesForGoodFromTheMenuAndStaysInTheTrayWhenThereIsOne) {
-    Start();
-    bool tray = true;
-    int closings = 0;
-    window->Plug({[&] { return tray; }, [&] { ++closings; }});
-    window->close();
-    EXPECT_FALSE(window->isVisible());
-    EXPECT_FALSE(window->WindowShown());
-    EXPECT_EQ(closings, 0) << "close box with CloseTrayOnly";
-    window->ShowMainWindow(true);
-    Choose("mnuBeenden");
-    EXPECT_EQ(closings, 1);
-    EXPECT_FALSE(window->isVisible());
-    window->ShowMainWindow(true);
-    tray = false;
-    window->close();
-    EXPECT_EQ(closings, 2) << "nothing would bring it back";
 }
 
 } // namespace

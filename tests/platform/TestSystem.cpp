@@ -1,5 +1,6 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
+#include "platform/linux/ExitWatch.h"
 #include "platform/linux/FlockInstanceLock.h"
 #include "platform/linux/SystemClock.h"
 
@@ -46,4 +47,21 @@ TEST(FlockInstanceLock, IsHeldByTheEarlierProcessUntilItEnds) {
     folder.Write("file", "");
     EXPECT_FALSE(FlockInstanceLock(folder / "file", "Korvalin").PreviousInstanceRunning())
         << "holds nobody up";
+}
+
+TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {
+    Signal told;
+    ChildProcess normalEnd([&] {
+        {
+            const ExitWatch watch([&] { told.Send(1); });
+        }
+        std::exit(0);
+    });
+    normalEnd.Finish();
+    ChildProcess endedByALibrary([&] {
+        const ExitWatch watch([&] { told.Send(2); });
+        std::exit(0);
+    });
+    EXPECT_EQ(told.Await(), 2);
+    endedByALibrary.Finish();
 }

@@ -14,4 +14,10 @@ TerminationSignals::TerminationSignals() {
     if (descriptor_) sigprocmask(SIG_BLOCK, &signals, nullptr);
 }
 
+int TerminationSignals::Take() const {
+    signalfd_siginfo arrived = {};
+    const ssize_t bytes = read(descriptor_.Get(), &arrived, sizeof arrived);
+    return bytes == static_cast<ssize_t>(sizeof arrived) ? static_cast<int>(arrived.ssi_signo) : 0;
+}
+
 } // namespace korvalin

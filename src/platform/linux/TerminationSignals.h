@@ -13,6 +13,9 @@ class TerminationSignals {
     /// -1 when the system does not give one; the signals then end the program as usual.
     int Get() const { return descriptor_.Get(); }
 
+    /// The number of a signal that arrived and was not taken yet; 0 when there is none.
+    int Take() const;
+
   private:
     Descriptor descriptor_;
 };

@@ -55,6 +55,7 @@ QtMessageBoxes::~QtMessageBoxes() = default;
 
 MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& title, MessageIcon icon,
                                    MessageButtons buttons) {
+    if (displayLost_) return buttons == MessageButtons::Ok ? MessageAnswer::Ok : MessageAnswer::No;
     // The window above which the box stands may be deleted, and the box with it, while the box waits.
     QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
     box->setTextFormat(Qt::PlainText);
@@ -72,6 +73,7 @@ MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& t
 }
 
 void QtMessageBoxes::ShowWaiting(const std::string& text, const std::string& title) {
+    if (displayLost_) return;
     waiting_ = std::make_unique<WaitingMessage>(ToText(text), ToText(title));
     waiting_->setWindowIcon(ProgramIcon());
     waiting_->show();

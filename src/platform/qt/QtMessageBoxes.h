@@ -21,6 +21,9 @@ class QtMessageBoxes : public MessageBoxes {
     /// Until then, and where a caption is empty, the buttons are English.
     void Plug(CaptionOf captionOf) { captionOf_ = std::move(captionOf); }
 
+    /// From now on nobody can answer: the display is gone.
+    void DisplayLost() { displayLost_ = true; }
+
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                        MessageButtons buttons) override;
     void ShowWaiting(const std::string& text, const std::string& title) override;
@@ -29,6 +32,7 @@ class QtMessageBoxes : public MessageBoxes {
   private:
     CaptionOf captionOf_;
     std::unique_ptr<WaitingMessage> waiting_;
+    bool displayLost_ = false;
 };
 
 } // namespace korvalin

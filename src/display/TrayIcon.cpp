@@ -1,0 +1,106 @@
+#include "display/TrayIcon.h"
+
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "forms/Colors.h"
+#include "forms/ProgramIcon.h"
+#include "platform/qt/NotificationArea.h"
+#include "traffic/LineRecord.h"
+
+#include <QPainter>
+#include <QPixmap>
+
+namespace korvalin {
+namespace {
+
+// In cells, from the left edge.
+struct Columns {
+    int First, Count;
+};
+constexpr Columns volumeColumns = {0, 5};
+constexpr Columns uploadColumns = {6, 5};
+constexpr Columns downloadColumns = {11, 5};
+
+} // namespace
+
+QImage DrawTrayPicture(const TrayBars& bars, const QColor& background, int pixels) {
+    QImage picture(pixels, pixels, QImage::Format_RGB32);
+    picture.fill(background);
+    QPainter painter(&picture);
+    const auto edge = [pixels](int cell) { return (cell * pixels + TrayScale / 2) / TrayScale; };
+    const auto fill = [&](const Columns& columns, const TrayBar& bar) {
+        const QPoint upperLeft(edge(columns.First), edge(TrayScale - bar.Height));
+        const QPoint beyond(edge(columns.First + columns.Count), pixels);
+        if (bar.Height > 0) painter.fillRect(QRect(upperLeft, beyond - QPoint(1, 1)), ToColor(bar.Color));
+    };
+    fill(volumeColumns, bars.Volume);
+    fill(uploadColumns, bars.Upload);
+    fill(downloadColumns, bars.Download);
+    return picture;
+}
+
+TrayIcon::TrayIcon(NotificationArea& area, QMenu& menu, const LineState& lines, Errors& errors,
+                   const Locale& locale)
+    : area_(area),
+      menu_(menu),
+      lines_(lines),
+      errors_(errors),
+      locale_(locale),
+      imgTrayIcon_(ProgramIcon()) {}
+
+TrayIcon::~TrayIcon() {
+    area_.Plug({});
+    area_.Remove();
+}
+
+void TrayIcon::TrayIconSet(bool add, const QIcon& picture, const std::string& tip) {
+    if (!add) return area_.Remove();
+    tip_ = CutTrayTip(tip);
+    staticIconShown_ = false;
+    drawn_.reset();
+    area_.Add(picture, tip_, menu_);
+}
+
+void TrayIcon::TrayIconModify(const QIcon& picture, const std::string& tip) {
+    area_.SetIcon(picture);
+    const std::string_view trimmed = Trim(tip);
+    if (!trimmed.empty()) TrayTipModify(std::string(trimmed));
+}
+
+void TrayIcon::TrayTipModify(const std::string& tip) {
+    const std::string_view cut = CutTrayTip(tip);
+    if (cut == tip_) return;
+    tip_ = cut;
+    area_.SetTip(tip_);
+}
+
+void TrayIcon::IconDraw(const InfoTexts& texts, const std::function<TrayUse()>& useOf) {
+    errors_.Step("IconDraw", [&] {
+        if (!texts.TrayAnimated) {
+            // Bars that no longer move would tell what is not true.
+            if (drawn_) ShowStatic(texts.TrayTipText);
+            return TrayTipModify(texts.TrayTipText);
+        }
+        if (lines_.AnyLineConnected) return DrawBars(texts, useOf());
+        if (!staticIconShown_) ShowStatic(texts.TrayTipText);
+        staticIconShown_ = true;
+    });
+}
+
+void TrayIcon::ShowStatic(const std::string& tip) {
+    drawn_.reset();
+    TrayIconModify(imgTrayIcon_, tip);
+}
+
+void TrayIcon::DrawBars(const InfoTexts& texts, const TrayUse& use) {
+    staticIconShown_ = false;
+    Drawn now = {MakeTrayBars(texts, use, locale_), ToColor(texts.ChartBackgroundColor), area_.IconSizes()};
+    if (drawn_ == now) return TrayTipModify(texts.TrayTipText);
+    QIcon picTrayIconChart;
+    for (const int size : now.Sizes)
+        picTrayIconChart.addPixmap(QPixmap::fromImage(DrawTrayPicture(now.Bars, now.Background, size)));
+    drawn_ = std::move(now);
+    TrayIconModify(picTrayIconChart, texts.TrayTipText);
+}
+
+} // namespace korvalin

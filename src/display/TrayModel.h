@@ -1,0 +1,45 @@
+// What the icon in the tray shows, computed without a window: three bars on a scale of 16 x 16 cells.
+#pragma once
+
+#include "display/InfoTexts.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace korvalin {
+
+struct Locale;
+
+/// What the billing rules make of the charted line's current period.
+struct TrayUse {
+    double UsedBytes = 0;
+    double FreeBytes = 0;       ///< allowance of the period; 0 = none
+    bool TrayVol = false;       ///< show what is left of the allowance instead of what is used
+    double FractionElapsed = 0; ///< of the period
+};
+
+/// Cells of the icon in each direction.
+inline constexpr int TrayScale = 16;
+
+struct TrayBar {
+    int Height = 0; ///< 0 (no bar) to TrayScale cells
+    std::int32_t Color = 0;
+    bool operator==(const TrayBar&) const = default;
+};
+
+struct TrayBars {
+    TrayBar Volume;
+    TrayBar Upload;
+    TrayBar Download;
+    bool operator==(const TrayBars&) const = default;
+};
+
+/// The bars for the texts of this second. The rates are read back from their texts, so the bars are true to
+/// the figures that the user sees, in the unit that the scale is set in.
+TrayBars MakeTrayBars(const InfoTexts& texts, const TrayUse& use, const Locale& locale);
+
+/// A tooltip as the tray takes it: the first 127 characters.
+std::string_view CutTrayTip(std::string_view tip);
+
+} // namespace korvalin

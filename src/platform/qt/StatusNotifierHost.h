@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+namespace korvalin {
+
+/// Knows whether a host for StatusNotifierItem icons is on the session bus. Everything is asked without
+/// waiting: a service that hangs must not hang the program. Without a session bus there is no host.
+class StatusNotifierHost : public QObject {
+    Q_OBJECT
+
+  public:
+    enum class State {
+        Unasked, ///< the answer is still to come
+        Absent,
+        Expected, ///< the desktop keeps a list of icons, but nothing shows it yet
+        Present
+    };
+
+    explicit StatusNotifierHost(std::function<void()> changed);
+
+    State Now() const { return state_; }
+
+  private slots:
+    void Ask();
+
+  private:
+    void TakeAnswer();
+    void Become(State state);
+
+    std::function<void()> changed_;
+    State state_ = State::Absent;
+    std::unique_ptr<QDBusServiceWatcher> watcher_;
+    std::unique_ptr<QDBusPendingCallWatcher> asked_;
+};
+
+} // namespace korvalin

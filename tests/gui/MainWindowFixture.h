@@ -1,0 +1,63 @@
+#pragma once
+
+#include "display/frmMain.h"
+#include "fakes/CoreFixture.h"
+#include "fakes/FakeNotificationArea.h"
+#include "forms/PictureBox.h"
+
+namespace korvalin {
+
+/// The main window over fake ports; there is no notification area until a test says so.
+class MainWindow : public CoreFixture {
+  protected:
+    MainWindow() {
+        screen.Size = screen.Mode = ScreenSize{800, 800};
+        network.Add("eth0", 1000, 500);
+        settings.SetReg("Opacity", 255);
+    }
+
+    void Start() {
+        ASSERT_TRUE(StartProgram());
+        OpenWindow();
+    }
+    void OpenWindow() {
+        window = std::make_unique<frmMain>(frmMain::Parts{
+            settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
+            program->infoTexts, program->liveTexts, program->errors, clock, program->locale, area, boxes});
+        window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
+                      [this] { return use; }, [this] { return phoneBookEntries; }});
+        window->Form_Load();
+    }
+    // Seconds pass, each with an update.
+    void Run(int seconds, std::uint64_t bytesPerSecond = 0) {
+        for (int i = 0; i < seconds; ++i) {
+            clock.Advance(1.001);
+            for (InterfaceRow& row : network.Rows)
+                row.InOctets += bytesPerSecond;
+            program->samplingLoop.TimerMain_Timer();
+        }
+    }
+    // Places are stored once the window manager, were there one, is done with the window.
+    bool Becomes(const char* name, int expected) {
+        return QTest::qWaitFor([&] { return settings.GetNumber(name) == expected; });
+    }
+    QAction* Item(const char* name) { return window->findChild<QAction*>(QString::fromLatin1(name)); }
+    // What the user can do: a hidden or disabled entry cannot be chosen.
+    void Choose(const char* name) {
+        QAction* action = Item(name);
+        ASSERT_TRUE(action->isVisible() && action->isEnabled()) << name;
+        action->trigger();
+    }
+    PictureBox* Picture() { return window->findChild<PictureBox*>(QStringLiteral("PicChart")); }
+    QLabel* Handle() { return window->findChild<QLabel*>(QStringLiteral("lblMove")); }
+    QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
+    int Setting(const char* name) { return settings.GetNumber(name); }
+
+    FakeNotificationArea area;
+    TrayUse use;
+    std::size_t phoneBookEntries = 0;
+    std::vector<int> closings; // the reasons, as numbers
+    std::unique_ptr<frmMain> window;
+};
+
+} // namespace korvalin
