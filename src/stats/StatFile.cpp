@@ -39,6 +39,10 @@ StatRecord RecordOf(const StatFields& fields, TextPool& texts) {
 
 } // namespace
 
+bool LoadReport::NeedsRepair() const {
+    return Dropped > 0 || Merged > toleratedMerges;
+}
+
 StatFile::StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
                    const LineState& lines, Aliases& aliases, const Locale& locale)
     : dataFolder_(std::move(dataFolder)),
@@ -69,8 +73,7 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair) {
     }
     if (!repair && lines_.AnyLineConnected) errors_.Step(procName, [&] { AddRunning(records); });
     errors_.Step(procName, [&] { Tidy(records); });
-    const bool damaged = report_.Dropped > 0 || report_.Merged > toleratedMerges;
-    if (lock && whole && damaged) errors_.Step(procName, [&] { Repair(records); });
+    if (lock && whole && report_.NeedsRepair()) errors_.Step(procName, [&] { Repair(records); });
     return static_cast<std::int32_t>(records.List.size());
 }
 
