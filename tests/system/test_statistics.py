@@ -99,6 +99,7 @@ class Statistics(unittest.TestCase):
         self.check_record(self.recorded(1)[0], counters, "Disconnected")
         header, row = self.exported(2)
         self.assertEqual(header, "Line,LogIn,LogOut,Duration,Bytes Transmitted,Bytes Received,Bytes Total,User,IP,Info".split(","))
+        self.assertEqual(row[7:9], ["root", "10.77.0.1"])
         self.assertEqual(row[4:7], [str(counters[0]), str(counters[1]), str(sum(counters))])
         process.send_signal(signal.SIGTERM)
         self.assertEqual(process.wait(timeout=10), 0)
