@@ -45,9 +45,13 @@ class Statistics(unittest.TestCase):
     def busy_network(self):
         """An adapter that has moved a known number of bytes both ways."""
         network = self.enter(rig.Network())
-        for where, to, packets in ((network.there, "10.77.0.1", 300), (network.here, "10.77.0.2", 40)):
-            network.inside(where, sys.executable, "-c", SEND, str(packets), to)
+        self.send(network, 300, 40)
         return network
+
+    @staticmethod
+    def send(network, received, transmitted):
+        for where, to, packets in ((network.there, "10.77.0.1", received), (network.here, "10.77.0.2", transmitted)):
+            network.inside(where, sys.executable, "-c", SEND, str(packets), to)
 
     def counters(self, network):
         return [network.counter(network.here, "wire0", which) for which in ("tx_bytes", "rx_bytes")]
@@ -119,6 +123,27 @@ class Statistics(unittest.TestCase):
             self.check_record(self.records()[-1], self.counters(network), info)
         loaded = json.loads(self.home.cli("records", "--format", "json"))
         self.assertLessEqual(len(loaded), 3)
+
+    def test_the_window_records_what_is_open_when_it_closes(self):
+        network = self.busy_network()
+        self.home.set(ShowTitle="True", DisplayChoiceDL="1")
+        ends = [("a session's end", "System shut down or user logged off",
+                 lambda window, display: window.send_signal(signal.SIGTERM)),
+                ("the display's end", "System shut down or user logged off", lambda window, display: display.server.kill())]
+        for what, info, end in ends:
+            with self.subTest(what), rig.Display() as display:
+                before = len(self.records())
+                self.home.env["DISPLAY"] = display.name
+                window = self.start(["korvalin"], network, stderr=subprocess.DEVNULL)
+                # Traffic that comes and stays away has been counted before the last pass.
+                rig.wait_for(lambda: display.window("^Korvalin  UL/DL"), "the first pass")
+                self.send(network, 300, 40)
+                rig.wait_for(lambda: display.window("^Korvalin  UL/DL [0-9.]+ [1-9]"), "its rate")
+                rig.wait_for(lambda: display.window("^Korvalin  UL/DL [0-9.]+ 0.0 "), "silence")
+                end(window, display)
+                window.wait(timeout=10)
+                self.assertEqual(len(self.records()), before + 1)
+                self.check_record(self.records()[-1], self.counters(network), info)
 
     def test_one_program_at_a_time_records(self):
         network = self.busy_network()
