@@ -5,15 +5,16 @@
 namespace korvalin {
 
 enum class MessageIcon { Information, Warning, Critical, Question };
-enum class MessageButtons { Ok, YesNo };
-enum class MessageAnswer { Ok, Yes, No };
+enum class MessageButtons { Ok, YesNo, YesNoCancel };
+enum class MessageAnswer { Ok, Yes, No, Cancel };
 
 /// Message windows. Where nobody can answer, a question is answered No.
 class MessageBoxes {
   public:
     virtual ~MessageBoxes() = default;
 
-    /// Shows a message and waits for the answer; a window closed without one counts as Ok or No.
+    /// Shows a message and waits for the answer; a window closed without one counts as Ok, No or
+    /// Cancel.
     virtual MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                                MessageButtons buttons) = 0;
 

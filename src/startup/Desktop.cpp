@@ -37,6 +37,7 @@ std::string ButtonCaption(Language& language, MessageAnswer answer) {
     switch (answer) {
     case MessageAnswer::Yes: return language.Lng("frmMessageObj", 3);
     case MessageAnswer::No: return language.Lng("frmMessageObj", 4);
+    case MessageAnswer::Cancel: return language.Lng("frmMessageObj", 5);
     default: return language.Lng("frmMessageObj", 2);
     }
 }

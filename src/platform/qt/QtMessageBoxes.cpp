@@ -43,8 +43,10 @@ void AddButtons(QMessageBox& box, MessageButtons buttons, const QtMessageBoxes::
     if (buttons == MessageButtons::Ok) return add(QMessageBox::Ok, MessageAnswer::Ok, "OK");
     add(QMessageBox::Yes, MessageAnswer::Yes, "&Yes");
     add(QMessageBox::No, MessageAnswer::No, "&No");
+    if (buttons == MessageButtons::YesNoCancel)
+        add(QMessageBox::Cancel, MessageAnswer::Cancel, "&Cancel");
     box.setDefaultButton(QMessageBox::Yes);
-    box.setEscapeButton(QMessageBox::No);
+    box.setEscapeButton(buttons == MessageButtons::YesNo ? QMessageBox::No : QMessageBox::Cancel);
 }
 
 } // namespace
@@ -68,8 +70,14 @@ MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& t
     AddButtons(*box, buttons, captionOf_);
     const int answer = box->exec();
     delete box;
-    if (buttons == MessageButtons::Ok) return MessageAnswer::Ok;
-    return answer == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
+    switch (buttons) {
+    case MessageButtons::Ok: return MessageAnswer::Ok;
+    case MessageButtons::YesNo: return answer == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
+    case MessageButtons::YesNoCancel: break;
+    }
+    return answer == QMessageBox::Yes  ? MessageAnswer::Yes
+           : answer == QMessageBox::No ? MessageAnswer::No
+                                       : MessageAnswer::Cancel;
 }
 
 void QtMessageBoxes::ShowWaiting(const std::string& text, const std::string& title) {

@@ -1,0 +1,171 @@
+#include "stats/StatCells.h"
+
+#include "base/Locale.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "stats/SortStats.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvalin {
+namespace {
+
+using Field = StatColumn::Field;
+
+// The value that a column of figures is sorted by.
+double SortValue(const StatRecord& record, Field field) {
+    switch (field) {
+    case Field::LogIn: return record.LogIn;
+    case Field::Duration: return record.Duration;
+    case Field::LogOut: return record.LogOut;
+    case Field::BytesTransmitted: return record.BytesTransmitted;
+    case Field::BytesReceived: return record.BytesReceived;
+    case Field::Total: return record.Volume();
+    case Field::FileIndex: return record.FileIndex;
+    case Field::PeriodLabel: return record.StatPeriodBegin;
+    case Field::ConnCount: return record.ConnCount;
+    case Field::DurationRounded: return record.DurationRounded;
+    case Field::VolumeRounded: return record.VolumeRounded;
+    default: return 0;
+    }
+}
+
+// The position of each record in the order of its alias, equal aliases on one position.
+std::vector<double> AliasPositions(const std::vector<StatRecord>& records, const Locale& locale) {
+    std::vector<double> positions(records.size());
+    double position = 0;
+    const StatRecord* last = nullptr;
+    for (const std::uint32_t i : StatOrder(records, {"Alias", true}, {"", true}, locale)) {
+        const StatRecord& record = records[i];
+        const bool same =
+            last != nullptr && (record.Alias.Is(last->Alias) || EqualsNoCase(record.Alias, last->Alias));
+        if (!same) ++position;
+        positions[i] = position;
+        last = &record;
+    }
+    return positions;
+}
+
+template <typename Less>
+void StableSort(std::vector<std::uint32_t>& rows, bool ascending, const Less& less) {
+    std::stable_sort(rows.begin(), rows.end(), [&](std::uint32_t left, std::uint32_t right) {
+        return ascending ? less(left, right) : less(right, left);
+    });
+}
+
+} // namespace
+
+const std::vector<StatColumn>& RecordColumns() {
+    static const std::vector<StatColumn> columns = {{Field::Alias, 12},
+                                                    {Field::LogIn, 13},
+                                                    {Field::Duration, 14},
+                                                    {Field::LogOut, 15},
+                                                    {Field::BytesTransmitted, 16},
+                                                    {Field::BytesReceived, 17},
+                                                    {Field::Total, 9},
+                                                    {Field::Info, 18},
+                                                    {Field::FileIndex, 19}};
+    return columns;
+}
+
+const std::vector<StatColumn>& SumColumns() {
+    static const std::vector<StatColumn> columns = {
+        {Field::Alias, 12},    {Field::PeriodLabel, 24},      {Field::ConnCount, 20},
+        {Field::Duration, 14}, {Field::BytesTransmitted, 16}, {Field::BytesReceived, 17},
+        {Field::Total, 9},     {Field::DurationRounded, 21},  {Field::VolumeRounded, 22}};
+    return columns;
+}
+
+std::string DurationText(Date duration) {
+    const auto seconds = std::max(std::llround(duration * SecondsPerDay), 0LL);
+    const auto minutes = seconds / 60;
+    if (minutes < 60) return fmt::format("{}:{:02}", minutes, seconds % 60);
+    return fmt::format("{}:{:02}:{:02}", minutes / 60, minutes % 60, seconds % 60);
+}
+
+std::string VolumeText(double bytes, const VolumeUnit& unit, const Locale& locale) {
+    return FormatNumber(bytes / unit.Bytes, "#,##0.00", locale) + " " + unit.Name;
+}
+
+std::string CellText(const StatRecord& record, Field field, const VolumeUnit& unit, const Locale& locale) {
+    switch (field) {
+    case Field::Alias: return std::string(record.Alias);
+    case Field::LogIn: return FormatDateGeneral(record.LogIn, locale);
+    case Field::Duration: return DurationText(record.Duration);
+    case Field::LogOut:
+        return EqualsNoCase(record.Info, InfoRunning) ? std::string()
+                                                      : FormatDateGeneral(record.LogOut, locale);
+    case Field::BytesTransmitted: return VolumeText(record.BytesTransmitted, unit, locale);
+    case Field::BytesReceived: return VolumeText(record.BytesReceived, unit, locale);
+    case Field::Total: return VolumeText(record.Volume(), unit, locale);
+    case Field::Info: return std::string(record.Info);
+    case Field::FileIndex: return std::to_string(record.FileIndex);
+    case Field::PeriodLabel: return std::string(record.PeriodLabel);
+    case Field::ConnCount: return FormatNumber(record.ConnCount, "#,##0", locale);
+    case Field::DurationRounded: return DurationText(record.DurationRounded);
+    case Field::VolumeRounded: return VolumeText(record.VolumeRounded, unit, locale);
+    }
+    return {};
+}
+
+bool IsFigure(Field field) {
+    return field != Field::Alias && field != Field::Info && field != Field::PeriodLabel;
+}
+
+std::string SampleText(Field field, bool ofSums, const Locale& locale) {
+    const Date sample = DateSerial(2004, 12, 31) + TimeSerial(22, 22, 22);
+    const std::string date = FormatPattern(sample, locale.ShortDate);
+    switch (field) {
+    case Field::Alias: return "Mobile broadband";
+    case Field::LogIn:
+    case Field::LogOut: return FormatDateGeneral(sample, locale);
+    case Field::Duration:
+    case Field::DurationRounded: return ofSums ? "1023:59:59" : "23:59:59";
+    case Field::Info: return FormatDateGeneral(sample, locale) + " System shut down or user logged off";
+    case Field::PeriodLabel: return date + " - " + date;
+    case Field::ConnCount: return "1,000";
+    case Field::FileIndex: return "1000000";
+    default: return FormatNumber(12345.67, "#,##0.00", locale) + " Mbit";
+    }
+}
+
+std::vector<std::uint32_t> FilterRows(std::vector<StatRecord>& records, const std::string& alias) {
+    std::vector<std::uint32_t> rows;
+    if (alias.empty()) rows.reserve(records.size());
+    PooledText last; // of the last record, whose answer is known
+    bool wanted = alias.empty();
+    bool known = false;
+    for (std::uint32_t i = 0; i < records.size(); ++i) {
+        StatRecord& record = records[i];
+        if (!alias.empty() && !(known && record.Alias.Is(last))) wanted = EqualsNoCase(record.Alias, alias);
+        known = true;
+        last = record.Alias;
+        record.ListRow = 0;
+        if (!wanted) continue;
+        rows.push_back(i);
+        record.ListRow = static_cast<std::int32_t>(rows.size());
+    }
+    return rows;
+}
+
+void SortRows(const std::vector<StatRecord>& records, Field field, bool ascending, const Locale& locale,
+              std::vector<std::uint32_t>& rows) {
+    if (field == Field::Info) {
+        return StableSort(rows, ascending, [&](std::uint32_t left, std::uint32_t right) {
+            return records[left].Info.View() < records[right].Info.View();
+        });
+    }
+    std::vector<double> values;
+    if (field == Field::Alias) {
+        values = AliasPositions(records, locale);
+    } else {
+        values.reserve(records.size());
+        for (const StatRecord& record : records)
+            values.push_back(SortValue(record, field));
+    }
+    StableSort(rows, ascending,
+               [&](std::uint32_t left, std::uint32_t right) { return values[left] < values[right]; });
+}
+
+} // namespace korvalin

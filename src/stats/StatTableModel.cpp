@@ -1,0 +1,81 @@
+#include "stats/StatTableModel.h"
+
+#include "lang/Language.h"
+
+#include <algorithm>
+
+namespace korvalin {
+
+StatTableModel::StatTableModel(std::vector<StatColumn> columns, Language& language, const Locale& locale,
+                               QObject* parent)
+    : QAbstractTableModel(parent), columns_(std::move(columns)), language_(language), locale_(locale) {}
+
+void StatTableModel::SetRows(std::vector<StatRecord>& records, std::vector<std::uint32_t> rows) {
+    beginResetModel();
+    records_ = &records;
+    rows_ = std::move(rows);
+    Arrange();
+    endResetModel();
+}
+
+void StatTableModel::SetUnit(const VolumeUnit& unit) {
+    unit_ = unit;
+    if (rowCount() > 0) emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+}
+
+int StatTableModel::RowOf(std::uint32_t record) const {
+    const auto found = std::find(rows_.begin(), rows_.end(), record);
+    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+}
+
+std::string StatTableModel::Text(int row, int column) const {
+    return CellText(Record(row), columns_.at(static_cast<std::size_t>(column)).Shows, unit_, locale_);
+}
+
+std::string StatTableModel::Header(int column) const {
+    return language_.Lng("frmStatistik", columns_.at(static_cast<std::size_t>(column)).HeaderText);
+}
+
+int StatTableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int StatTableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+}
+
+QVariant StatTableModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    if (role == Qt::DisplayRole) return QString::fromStdString(Text(index.row(), index.column()));
+    const bool figure = IsFigure(columns_[static_cast<std::size_t>(index.column())].Shows);
+    if (role == Qt::TextAlignmentRole)
+        return QVariant::fromValue((figure ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    return {};
+}
+
+QVariant StatTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole) return QString::fromStdString(Header(section));
+    return {};
+}
+
+void StatTableModel::sort(int column, Qt::SortOrder order) {
+    sortColumn_ = column;
+    ascending_ = order == Qt::AscendingOrder;
+    if (records_ == nullptr) return;
+    beginResetModel();
+    Arrange();
+    endResetModel();
+}
+
+void StatTableModel::Arrange() {
+    if (sortColumn_ < 0) {
+        std::sort(rows_.begin(), rows_.end()); // the records' own order
+    } else {
+        SortRows(*records_, columns_[static_cast<std::size_t>(sortColumn_)].Shows, ascending_, locale_, rows_);
+    }
+    std::int32_t number = 0;
+    for (const std::uint32_t row : rows_)
+        (*records_)[row].ListRow = ++number;
+}
+
+} // namespace korvalin

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "stats/StatCells.h"
+
+#include <QAbstractTableModel>
+
+#include <cstdint>
+#include <vector>
+
+namespace korvalin {
+
+class Language;
+struct Locale;
+
+/// Records or sums as the rows of a list. Texts are made when a row comes into sight, so a million rows open
+/// at once. The records stay their owner's.
+class StatTableModel : public QAbstractTableModel {
+    Q_OBJECT
+
+  public:
+    StatTableModel(std::vector<StatColumn> columns, Language& language, const Locale& locale,
+                   QObject* parent = nullptr);
+
+    /// Shows these records, which must stay as they are until the next call, in the order that was chosen by
+    /// sort. Numbers their ListRow by the row that shows them.
+    void SetRows(std::vector<StatRecord>& records, std::vector<std::uint32_t> rows);
+    void SetUnit(const VolumeUnit& unit);
+
+    /// The index of the record that a row shows.
+    std::uint32_t RecordOf(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
+    const StatRecord& Record(int row) const { return (*records_)[RecordOf(row)]; }
+    /// The row of a record; -1 when it is not shown.
+    int RowOf(std::uint32_t record) const;
+    std::string Text(int row, int column) const;
+    std::string Header(int column) const;
+    const std::vector<StatColumn>& Columns() const { return columns_; }
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    /// A negative column restores the records' own order.
+    void sort(int column, Qt::SortOrder order) override;
+
+  private:
+    void Arrange();
+
+    std::vector<StatColumn> columns_;
+    Language& language_;
+    const Locale& locale_;
+    VolumeUnit unit_;
+    std::vector<StatRecord>* records_ = nullptr;
+    std::vector<std::uint32_t> rows_;
+    int sortColumn_ = -1;
+    bool ascending_ = true;
+};
+
+} // namespace korvalin

@@ -1,0 +1,160 @@
+#include "stats/TariffEditor.h"
+
+#include "base/Text.h"
+#include "settings/Settings.h"
+#include "stats/Aliases.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QScopedValueRollback>
+
+namespace korvalin {
+namespace {
+
+constexpr const char* chosenLine = "Z_StatLineChosen";
+constexpr int mostFreeHours = 30; // in the list; any number may be typed
+constexpr int daysInMonth = 31;
+constexpr const char* tariffSuffixes[] = {"_FreeHours", "_FreeVolume", "_MonthStartDay", "_RoundSeconds",
+                                          "_Up1MB",     "_TrayTime",   "_TrayVol"};
+
+void AddNumbers(QComboBox& list, int last) {
+    for (int number = 1; number <= last; ++number)
+        list.addItem(QString::number(number));
+}
+
+// A value that the list does not offer is shown all the same.
+void ShowNumber(QComboBox& list, int number) {
+    const QString text = QString::number(number);
+    if (list.isEditable()) return list.setEditText(text);
+    if (list.findText(text) < 0) list.addItem(text);
+    list.setCurrentText(text);
+}
+
+} // namespace
+
+TariffEditor::TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases, Hooks hooks)
+    : controls_(controls), settings_(settings), aliases_(aliases), hooks_(std::move(hooks)) {
+    AddNumbers(controls_.cboFreeHours, mostFreeHours);
+    AddNumbers(controls_.cboMonthStartDay, daysInMonth);
+    for (const int step : {1, 10, 60})
+        controls_.cboRoundSeconds.addItem(QString::number(step));
+    for (const int volume : {0, 100, 500, 1000, 5000, 10000, 50000, 100000})
+        controls_.cboFreeVolume.addItem(QString::number(volume));
+    ConnectControls();
+}
+
+void TariffEditor::ConnectControls() {
+    connect(&controls_.cboLines, &QComboBox::currentIndexChanged, this, [this] { cboLines_Changed(); });
+    connect(&controls_.txtAlias, &QLineEdit::editingFinished, this, [this] { txtAlias_Validate(); });
+    const auto connectTyped = [this](QComboBox& control, const char* suffix) {
+        const auto store = [this, &control, suffix] { StoreNumber(control, suffix); };
+        connect(control.lineEdit(), &QLineEdit::editingFinished, this, store);
+        connect(&control, &QComboBox::activated, this, store);
+    };
+    connectTyped(controls_.cboFreeHours, "_FreeHours");
+    connectTyped(controls_.cboFreeVolume, "_FreeVolume");
+    const auto connectList = [this](QComboBox& control, const char* suffix) {
+        connect(&control, &QComboBox::currentIndexChanged, this,
+                [this, &control, suffix] { StoreNumber(control, suffix); });
+    };
+    connectList(controls_.cboMonthStartDay, "_MonthStartDay");
+    connectList(controls_.cboRoundSeconds, "_RoundSeconds");
+    const auto connectBox = [this](QCheckBox& control, const char* suffix) {
+        connect(&control, &QCheckBox::toggled, this,
+                [this, &control, suffix] { StoreFlag(control, suffix); });
+    };
+    connectBox(controls_.boxUp1MB, "_Up1MB");
+    connectBox(controls_.boxTrayVolumeLine, "_TrayVol");
+}
+
+std::string TariffEditor::Line() const {
+    return controls_.cboLines.currentText().toStdString();
+}
+
+std::string TariffEditor::Alias() const {
+    const std::string line = Line();
+    return line.empty() ? std::string() : aliases_.GetAlias(line);
+}
+
+void TariffEditor::FillLines() {
+    {
+        const QScopedValueRollback guard(showing_, true);
+        controls_.cboLines.clear();
+        for (const AliasInfo& line : aliases_.Lines())
+            controls_.cboLines.addItem(QString::fromStdString(line.LineName));
+        const int chosen =
+            controls_.cboLines.findText(QString::fromStdString(settings_.GetText(chosenLine)),
+                                        Qt::MatchFixedString); // in any letter case
+        controls_.cboLines.setCurrentIndex(std::max(chosen, controls_.cboLines.count() > 0 ? 0 : -1));
+    }
+    ShowTariff();
+}
+
+void TariffEditor::ShowTariff() {
+    const QScopedValueRollback guard(showing_, true);
+    const std::string alias = Alias();
+    for (QWidget* control :
+         {static_cast<QWidget*>(&controls_.txtAlias), static_cast<QWidget*>(&controls_.cboFreeHours),
+          static_cast<QWidget*>(&controls_.cboFreeVolume), static_cast<QWidget*>(&controls_.cboMonthStartDay),
+          static_cast<QWidget*>(&controls_.cboRoundSeconds), static_cast<QWidget*>(&controls_.boxUp1MB),
+          static_cast<QWidget*>(&controls_.boxTrayVolumeLine)})
+        control->setEnabled(!alias.empty());
+    controls_.txtAlias.setText(QString::fromStdString(alias));
+    if (alias.empty()) return;
+    const AliasInfo& info = aliases_.Alias(aliases_.AliasIndex(alias));
+    ShowNumber(controls_.cboFreeHours, info.FreeHours);
+    ShowNumber(controls_.cboFreeVolume, info.FreeVolume);
+    ShowNumber(controls_.cboMonthStartDay, info.MonthStartDay);
+    ShowNumber(controls_.cboRoundSeconds, info.RoundSeconds);
+    controls_.boxUp1MB.setChecked(info.Up1MB);
+    controls_.boxTrayVolumeLine.setChecked(info.TrayVol);
+}
+
+void TariffEditor::cboLines_Changed() {
+    if (showing_) return;
+    settings_.SetReg(chosenLine, Line());
+    ShowTariff();
+}
+
+void TariffEditor::txtAlias_Validate() {
+    const std::string line = Line();
+    const std::string old = Alias();
+    const std::string alias(Trim(controls_.txtAlias.text().toStdString()));
+    if (showing_ || line.empty() || alias == old) return;
+    if (alias.empty()) return ShowTariff();
+    // A line that joins an alias takes part in its tariff; a new alias begins with the old one's.
+    if (aliases_.AliasIndex(alias) == 0) InheritTariff(old, alias);
+    settings_.SetReg(line + "_Alias", alias);
+    hooks_.AliasChanged();
+    ShowTariff();
+}
+
+void TariffEditor::InheritTariff(const std::string& from, const std::string& to) {
+    for (const char* suffix : tariffSuffixes)
+        settings_.SetReg(to + suffix, settings_.GetReg(from + suffix));
+}
+
+void TariffEditor::StoreNumber(QComboBox& control, const char* suffix) {
+    const std::string alias = Alias();
+    if (showing_ || alias.empty()) return;
+    const std::string setting = alias + suffix;
+    // What is no number, or none that makes sense, comes back corrected.
+    const std::string typed = control.currentText().toStdString();
+    const SettingValue value = settings_.GetRegValidate(setting, typed.empty() ? "0" : typed);
+    const bool changed = value != settings_.GetReg(setting);
+    settings_.SetReg(setting, value);
+    aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
+    ShowTariff();
+    if (changed) hooks_.Changed();
+}
+
+void TariffEditor::StoreFlag(QCheckBox& control, const char* suffix) {
+    const std::string alias = Alias();
+    if (showing_ || alias.empty()) return;
+    settings_.SetReg(alias + suffix, control.isChecked());
+    aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
+    hooks_.Changed();
+}
+
+} // namespace korvalin
