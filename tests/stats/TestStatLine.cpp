@@ -81,6 +81,9 @@ TEST(StatLine, WritesNothingThatCouldNotBeReadBack) {
                             expected.substr(afterName) + "\r\n");
         EXPECT_NE(Rewritten(text.substr(0, text.size() - 2)), "invalid");
     }
+    std::string text; // as merging the longest durations gives
+    AppendStatLine(text, {"a", DateSerial(10, 1, 1), DateSerial(10000, 1, 1), 1, 2, {}, {}});
+    EXPECT_EQ(text, "\"a\",#0100-01-01#,#9999-12-31 23:59:59#,1,2,\"\",\"\"\r\n");
 }
 
 } // namespace
