@@ -73,7 +73,9 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair) {
     }
     if (!repair && lines_.AnyLineConnected) errors_.Step(procName, [&] { AddRunning(records); });
     errors_.Step(procName, [&] { Tidy(records); });
-    if (lock && whole && report_.NeedsRepair()) errors_.Step(procName, [&] { Repair(records); });
+    // A file without any record is probably none of ours.
+    const bool worthIt = report_.NeedsRepair() && !records.List.empty();
+    if (lock && whole && worthIt) errors_.Step(procName, [&] { Repair(records); });
     return static_cast<std::int32_t>(records.List.size());
 }
 
