@@ -42,7 +42,8 @@ bool SecondByteFits(std::uint8_t lead, std::uint8_t second) {
     }
 }
 
-// Where the first byte beyond ASCII may stand, from `from` on. Nearly all text is ASCII: eight bytes at a time.
+// Where the first byte beyond ASCII may stand, from `from` on. Nearly all text is ASCII: eight bytes at a
+// time.
 std::size_t SkipAscii(std::string_view bytes, std::size_t from) {
     constexpr std::uint64_t highBits = 0x8080808080808080;
     std::uint64_t eight = 0;
