@@ -41,7 +41,7 @@ std::size_t Aliases::AddLine(const std::string& lineName) {
     try {
         line.Alias = ReadAlias(lineName);
     } catch (const std::exception&) {
-        errors_.WriteErrorLog("Alias Error", "GetAlias");
+        errors_.WriteErrorLog("GetAlias", "Alias Error");
     }
     if (AliasIndex(line.Alias) == 0) {
         aliases_.emplace_back();

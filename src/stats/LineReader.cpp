@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 namespace korvalin {
 namespace {
@@ -30,8 +31,8 @@ std::ifstream Open(const std::filesystem::path& path) {
 } // namespace
 
 void LineSplitter::Feed(std::string_view block) {
-    if (afterReturn_ && block.starts_with('\n')) block.remove_prefix(1);
-    if (!block.empty()) afterReturn_ = false;
+    if (block.empty()) return;
+    if (std::exchange(afterReturn_, false) && block.front() == '\n') block.remove_prefix(1);
     std::size_t lineFeed = block.find('\n');
     while (!block.empty()) {
         const std::size_t end = std::min(block.substr(0, lineFeed).find('\r'), lineFeed);

@@ -19,8 +19,8 @@ struct Locale;
 
 /// What a load met in the file.
 struct LoadReport {
-    std::size_t Dropped = 0;      ///< lines that are no records
-    std::size_t Merged = 0;       ///< records that described a connection already there
+    std::size_t Dropped = 0; ///< lines that are no records
+    std::size_t Merged = 0;  ///< records that described a connection already there
     /// Whether the file is to be rewritten: it is damaged or has many duplicates.
     bool NeedsRepair() const;
 

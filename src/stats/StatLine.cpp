@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "stats/StatRecord.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -70,8 +71,11 @@ std::optional<double> ParseOldNumber(std::string_view field, const Locale& local
     return ParseNumber(ReplaceAll(field, locale.DecimalMark, "."));
 }
 
+// Dates outside the years that can be read become the first or the last of those.
 void AppendDate(std::string& text, Date date) {
-    const DateParts p = SplitDate(date);
+    const Date first = DateSerial(100, 1, 1);
+    const Date last = DateSerial(9999, 12, 31) + TimeSerial(23, 59, 59);
+    const DateParts p = SplitDate(std::clamp(date, first, last));
     const bool noDay = p.Year == 1899 && p.Month == 12 && p.Day == 30;
     const bool noTime = p.Hour == 0 && p.Minute == 0 && p.Second == 0;
     auto out = std::back_inserter(text);
@@ -137,7 +141,8 @@ std::optional<StatFields> ParseOldStatLine(std::string_view line, const Locale& 
 }
 
 void AppendStatLine(std::string& text, const StatFields& fields) {
-    AppendText(text, fields.LineName, {'"', '\''});
+    // A line without a name would not be read; blanks around a name do not count.
+    AppendText(text, fields.LineName.empty() ? " " : fields.LineName, {'"', '\''});
     text += ',';
     AppendDate(text, fields.LogIn);
     text += ',';

@@ -36,7 +36,8 @@ std::optional<StatFields> ParseStatLine(std::string_view line, const Locale& loc
 std::optional<StatFields> ParseOldStatLine(std::string_view line, const Locale& locale);
 
 /// Appends the record's line with its end. There is no escaping: characters that the line could not be read
-/// back with (line breaks, a quote in the name, a comma in note or user) are replaced by similar ones.
+/// back with (line breaks, a quote in the name, a comma in note or user) are replaced by similar ones, an
+/// empty name by a blank.
 void AppendStatLine(std::string& text, const StatFields& fields);
 
 /// The fields that a record is stored with.

@@ -1,10 +1,14 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/PosixFiles.h"
 
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace korvalin;
 
@@ -65,6 +69,106 @@ TEST_F(PosixFilesTest, ReplacesWhollyOrNotAtAll) {
     EXPECT_EQ(folder.Read("link.txt"), "new");
 }
 
+TEST_F(PosixFilesTest, AppendsDurablyWhollyOrNotAtAll) {
+    const auto append = [&](const fs::path& path) {
+        return files.AppendDurably(path, "head\n", "line\n", "\n");
+    };
+    const std::pair<const char*, const char*> rows[] = {
+        {"", "head\nline\n"}, {"whole\n", "whole\nline\n"}, {"torn", "torn\nline\n"}};
+    for (const auto& [before, after] : rows) {
+        folder.Write("data.txt", before);
+        EXPECT_EQ(append(folder / "data.txt"), 0);
+        EXPECT_EQ(folder.Read("data.txt"), after);
+    }
+    EXPECT_EQ(append(folder / "new.txt"), 0);
+    EXPECT_EQ(folder.Read("new.txt"), "head\nline\n");
+    EXPECT_EQ(ModeOf("new.txt"), 0600U);
+
+    const std::string torn(98, 'x');
+    folder.Write("data.txt", torn);
+    WithFileLimit(100, [&] { EXPECT_EQ(append(folder / "data.txt"), ENOSPC); });
+    WithFileLimit(98, [&] { EXPECT_EQ(append(folder / "data.txt"), EFBIG); });
+    EXPECT_EQ(folder.Read("data.txt"), torn);
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    const std::pair<fs::path, int> wrong[] = {
+        {folder / "none/data.txt", ENOENT}, {folder.Path(), EISDIR}, {folder / "pipe", EINVAL}};
+    for (const auto& [path, error] : wrong)
+        EXPECT_EQ(append(path), error) << path;
+}
+
+TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {
+    const Descriptor flocked(open(folder.Write("flocked", "").c_str(), O_RDWR));
+    ASSERT_EQ(flock(flocked.Get(), LOCK_EX), 0);
+    const Descriptor locked(open(folder.Write("locked", "").c_str(), O_RDWR));
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    ASSERT_EQ(fcntl(locked.Get(), F_SETLK, &whole), 0);
+    const auto isHeld = [&](const char* name) {
+        EXPECT_EQ(files.Hold(folder / name), nullptr) << name;
+        EXPECT_EQ(files.AppendDurably(folder / name, "", "line\n", "\n"), EAGAIN) << name;
+    };
+    // Forked before the file is held: a lock lives until the last copy of its descriptor is closed.
+    folder.Write("data", "");
+    Signal held;
+    Signal begun;
+    ChildProcess one([&] { isHeld("flocked"); });
+    ChildProcess two([&] { isHeld("locked"); });
+    ChildProcess patient([&] {
+        held.Await();
+        EXPECT_EQ(files.Hold(folder / "data"), nullptr);
+        begun.Send();
+        EXPECT_EQ(files.AppendDurably(folder / "data", "", "line\n", "\n"), 0);
+    });
+    std::unique_ptr<FileLock> hold = files.Hold(folder / "data");
+    EXPECT_NE(hold, nullptr);
+    EXPECT_EQ(files.Hold(folder / "none"), nullptr);
+    held.Send();
+    begun.Await();
+    EXPECT_EQ(folder.Read("data"), "");
+    hold.reset();
+    patient.Finish();
+    EXPECT_EQ(folder.Read("data"), "line\n");
+    one.Finish();
+    two.Finish();
+    EXPECT_EQ(folder.Read("flocked") + folder.Read("locked"), "");
+}
+
+TEST_F(PosixFilesTest, ReplacesAndKeepsTheOldFileUnderAnotherName) {
+    const auto replace = [&](const char* kept, std::string_view content) {
+        return files.ReplaceKeeping(folder / "data", folder / kept, [&](const Files::Sink& sink) {
+            return sink(content.substr(0, 2)) && sink(content.substr(2));
+        });
+    };
+    fs::permissions(folder.Write("data", "old"), fs::perms(0640));
+    fs::create_symlink(folder / "elsewhere", folder / "data.new"); // nothing is written through it
+    ASSERT_TRUE(replace("kept", "new content"));
+    EXPECT_EQ(folder.Read("data") + " " + folder.Read("kept"), "new content old");
+    EXPECT_EQ(ModeOf("data"), 0640U);
+    EXPECT_FALSE(replace("kept", "newer")) << "the name is taken";
+    EXPECT_FALSE(files.ReplaceKeeping(folder / "data", folder / "kept2", [](const auto&) { return false; }));
+    WithFileLimit(10, [&] { EXPECT_FALSE(replace("kept2", std::string(20, 'x'))); });
+    EXPECT_EQ(folder.Read("data") + " " + folder.Read("kept"), "new content old");
+    EXPECT_EQ(Entries(), 2) << "something half-written is left";
+
+    for (int run = 0; run < 2; ++run) {
+        Signal written;
+        ChildProcess killed([&] {
+            static_cast<void>(files.ReplaceKeeping(folder / "data", folder / "kept2", [&](const auto& sink) {
+                EXPECT_TRUE(sink("half"));
+                written.Send();
+                return pause() == 0;
+            }));
+        });
+        written.Await();
+        killed.Kill();
+        EXPECT_EQ(folder.Read("data"), "new content");
+        EXPECT_EQ(Entries(), 3) << "killed runs leave one file, whatever their number";
+    }
+    ASSERT_TRUE(replace("kept2", "newest"));
+    EXPECT_EQ(folder.Read("data") + " " + folder.Read("kept2"), "newest new content");
+    EXPECT_EQ(Entries(), 3);
+}
+
 TEST_F(PosixFilesTest, CopiesContentAndPermissions) {
     const std::string content = std::string(200'000, 'x') + std::string("\0end", 4);
     fs::permissions(folder.Write("from", content), fs::perms(0444));
@@ -100,6 +204,9 @@ TEST(PosixFiles, TellsOfAFolderThatMayNotBeWritten) {
     EXPECT_EQ(files.CreateFolders(folder / "new"), EACCES);
     EXPECT_FALSE(files.Replace(folder / "data.txt", "new"));
     EXPECT_FALSE(files.Append(folder / "new.txt", "new"));
+    EXPECT_EQ(files.AppendDurably(folder / "new.txt", "", "new", ""), EACCES);
+    EXPECT_FALSE(files.ReplaceKeeping(folder / "data.txt", folder / "kept",
+                                      [](const Files::Sink& sink) { return sink("new"); }));
     EXPECT_EQ(folder.Read("data.txt"), "old");
     fs::permissions(folder.Path(), fs::perms(0700));
 }

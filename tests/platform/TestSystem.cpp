@@ -2,6 +2,7 @@
 #include "fakes/TemporaryFolder.h"
 #include "platform/linux/ExitWatch.h"
 #include "platform/linux/FlockInstanceLock.h"
+#include "platform/linux/FlockRecordingLock.h"
 #include "platform/linux/SystemClock.h"
 
 #include <chrono>
@@ -47,6 +48,28 @@ TEST(FlockInstanceLock, IsHeldByTheEarlierProcessUntilItEnds) {
     folder.Write("file", "");
     EXPECT_FALSE(FlockInstanceLock(folder / "file", "Korvalin").PreviousInstanceRunning())
         << "holds nobody up";
+}
+
+TEST(FlockRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
+    const TemporaryFolder folder;
+    const TemporaryFolder another;
+    Signal held;
+    ChildProcess earlier([&] {
+        FlockRecordingLock lock;
+        held.Send(lock.Take(folder.Path()) && lock.Take(folder.Path()) ? 1 : 0);
+        pause();
+    });
+    ASSERT_EQ(held.Await(), 1);
+    FlockRecordingLock lock;
+    EXPECT_FALSE(lock.Take(folder.Path()));
+    EXPECT_TRUE(lock.Take(another.Path()));
+    EXPECT_FALSE(lock.Take(folder.Path()));
+    EXPECT_FALSE(FlockRecordingLock().Take(another.Path())) << "lost by asking for a folder in vain";
+    EXPECT_TRUE(lock.Take(folder / "none")) << "holds nobody up";
+    earlier.Kill();
+    EXPECT_TRUE(lock.Take(folder.Path()));
+    EXPECT_TRUE(FlockRecordingLock().Take(another.Path())) << "still held after another folder was taken";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 0);
 }
 
 TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {

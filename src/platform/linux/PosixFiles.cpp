@@ -83,9 +83,9 @@ bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::func
 // A second name for the same file; a copy where the file system has none.
 bool KeepAs(const std::filesystem::path& path, const std::filesystem::path& kept) {
     if (link(path.c_str(), kept.c_str()) == 0) return true;
+    if (errno == EEXIST) return false;
     const Descriptor source(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    return errno != EEXIST && source &&
-           WriteBeside(kept, ModeOf(path), [&](int file) { return CopyAll(source.Get(), file); });
+    return source && WriteBeside(kept, ModeOf(path), [&](int file) { return CopyAll(source.Get(), file); });
 }
 
 // Takes back what a write that ran out of space has left, unless another program has appended behind it

@@ -1,0 +1,175 @@
+#include "StatsFixture.h"
+#include "stats/Recorder.h"
+
+#include <cerrno>
+
+using namespace korvalin;
+
+namespace {
+
+constexpr std::string_view header =
+    "Line,LogIn,LogOut,Duration,Bytes Transmitted,Bytes Received,Bytes Total,User,IP,Info\r\n";
+
+class RecorderTest : public StatsFixture {
+  protected:
+    RecorderTest() {
+        WriteTexts("GER\tmodStats\t2\tbeendet\nGER\tmodStats\t3\tabgemeldet\nGER\tmodStats\t4\tTask-Manager\n"
+                   "GER\tmodStats\t5\tGrund\nGER\tfrmStatistik\t15\tGetrennt\n");
+        settings.SetReg("Language", std::string("GER"));
+        EXPECT_TRUE(language.InitProgramTexts());
+        book.Plug({[](const std::string& entry) { return "alias of " + entry; },
+                   [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
+                   [] {}});
+        lines.PreviousLineTable = TableFromOne<LineRecord>();
+        lines.LineCount = 0;
+    }
+    LineRecord& AddLine(const std::string& name, Date logIn, Date duration, double received) {
+        LineRecord line;
+        line.EntryName = name;
+        line.LogIn = logIn;
+        line.Duration = duration;
+        line.BytesReceived = received;
+        line.BytesTransmitted = 700;
+        line.User = "alice";
+        lines.PreviousLineTable.Append(line);
+        return lines.PreviousLineTable(++lines.LineCount);
+    }
+    std::string Stats() const { return folder.Read("Korvalin_Stats.db"); }
+    std::string Export() const { return folder.Read("Korvalin_Stats.csv"); }
+    // The names of the recorded lines, in order.
+    std::string Recorded() const {
+        std::string names;
+        std::istringstream file(Stats());
+        for (std::string line; std::getline(file, line);)
+            names += line.substr(1, line.find('"', 1) - 1) + " ";
+        return names;
+    }
+    // The error log without times.
+    std::string LogEntries() const {
+        std::string entries;
+        std::istringstream log(Log());
+        for (std::string line; std::getline(log, line);)
+            entries += line.substr(line.find('\t') + 1, line.size() - line.find('\t') - 2) + "\n";
+        return entries;
+    }
+
+    Recorder recorder{
+        {lines, files, errors, language, clock, recordingLock, locale, [this] { return folder.Path(); }}};
+};
+
+TEST_F(RecorderTest, TellsWhyARecordWasWritten) {
+    AddLine("eth0", clock.Now(), OneSecond, 1);
+    const std::pair<int, const char*> rows[] = {{0, "beendet"},      {1, "beendet"},   {2, "abgemeldet"},
+                                                {3, "Task-Manager"}, {10, "Getrennt"}, {7, "Grund 7."}};
+    for (const auto& [reason, text] : rows) {
+        std::filesystem::remove(folder / "Korvalin_Stats.db");
+        recorder.SaveStatsLine(static_cast<CloseReason>(reason), 1);
+        EXPECT_EQ(Stats(), "\"eth0\",#2024-03-15 12:00:00#,#00:00:01#,700,1,\"2024-03-15 12:00:00 " +
+                               std::string(text) + "\",\"alice\"\r\n");
+    }
+}
+
+TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
+    AddLine("Büro", At("2024-03-15 11:48:00"), At("00:12:00"), 5'000'000);
+    AddLine("a,\"b\"", At("2024-03-14"), At("1899-12-31 01:00:00"), 1e13);
+    locale.ShortDate = "dd.mm.yyyy";
+    recorder.SaveStatsLine(CloseReason::SystemEnd, 0);
+    EXPECT_EQ(Stats(), "\"Büro\",#2024-03-15 11:48:00#,#00:12:00#,700,5000000,"
+                       "\"15.03.2024 12:00:00 abgemeldet\",\"alice\"\r\n"
+                       "\"a,'b'\",#2024-03-14#,#1899-12-31 01:00:00#,700,10000000000000,"
+                       "\"15.03.2024 12:00:00 abgemeldet\",\"alice\"\r\n");
+    const std::string german =
+        std::string(header) +
+        "Büro,15.03.2024 11:48:00,15.03.2024 12:00:00,00:12:00,700,5000000,5000700,alice,,"
+        "15.03.2024 12:00:00 abgemeldet\r\n"
+        "a,\"b\",14.03.2024,15.03.2024 01:00:00,31.12.1899 01:00:00,700,10000000000000,"
+        "10000000000700,alice,,15.03.2024 12:00:00 abgemeldet\r\n";
+    EXPECT_EQ(Export(), german);
+    locale.ShortDate = "m/d/yyyy";
+    locale.Time = "h:nn:ss AMPM";
+    recorder.SaveStatsLine(CloseReason::SystemEnd, 1);
+    EXPECT_EQ(Export(), german + "Büro,3/15/2024 11:48:00 AM,3/15/2024 12:00:00 PM,12:12:00 AM,700,5000000,"
+                                 "5000700,alice,,3/15/2024 12:00:00 PM abgemeldet\r\n");
+    EXPECT_EQ(Load(Stats()), 2) << "both are read back, the first one's copies as one";
+}
+
+TEST_F(RecorderTest, LeavesOutWhatHardlyMovedAndGivesTheRestADuration) {
+    lines.ProgramStart = clock.Now() - 90 * OneSecond;
+    AddLine("few", clock.Now(), 0, 1000);
+    AddLine("short", clock.Now(), OneSecond, 0);
+    AddLine("loud", clock.Now(), 0, 1001);
+    recorder.SaveStatsLine(CloseReason::LineEnded, 1);
+    EXPECT_EQ(Stats() + Export(), "");
+    recorder.SaveStatsLine(CloseReason::Program, 0);
+    EXPECT_EQ(Recorded(), "short loud ");
+    EXPECT_NE(Stats().find("\"loud\",#2024-03-15 12:00:00#,#00:01:30#,"), std::string::npos);
+    EXPECT_NE(Export().find("loud,2024-03-15 12:00:00,2024-03-15 12:01:30,00:01:30,"), std::string::npos);
+}
+
+TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLog) {
+    AddLine("eth0", At("2024-03-15 11:00:00"), At("01:00:00"), 5);
+    const std::string stat = "SaveStats\t\"eth0\",#2024-03-15 11:00:00#,#01:00:00#,700,5,"
+                             "\"2024-03-15 12:00:00 Getrennt\",\"alice\"\n";
+    const std::string exported = "SaveStats\teth0,2024-03-15 11:00:00,2024-03-15 12:00:00,01:00:00,700,5,705,"
+                                 "alice,,2024-03-15 12:00:00 Getrennt\n";
+    const auto locked = [&](const char* name) {
+        return "SaveStats\tFile locked: " + (folder / name).string() + "\n";
+    };
+    struct {
+        int Error;
+        bool Denied;
+    } const rows[] = {{EAGAIN, true}, {EACCES, true},  {EPERM, true},
+                      {EROFS, true},  {ENOSPC, false}, {EIO, false}};
+    for (const auto& row : rows) {
+        std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
+        clock.Advance(0);
+        files.DurableResult = row.Error;
+        recorder.SaveStatsLine(CloseReason::LineEnded, 1);
+        EXPECT_EQ(LogEntries(), (row.Denied ? locked("Korvalin_Stats.db") : "") + stat +
+                                    (row.Denied ? locked("Korvalin_Stats.csv") : "") + exported);
+        int reports = 0;
+        for (const std::string& text : TakeBoxes())
+            reports += text.find("SaveStatsLine") != std::string::npos ? 1 : 0;
+        EXPECT_EQ(reports, row.Denied ? 0 : 2) << row.Error;
+    }
+}
+
+TEST_F(RecorderTest, DoesNothingWhileAnotherProgramRecords) {
+    AddLine("eth0", clock.Now(), OneSecond, 1);
+    recordingLock.AnotherRecords = true;
+    EXPECT_FALSE(recorder.TakeOver());
+    recorder.SaveStatsLine(CloseReason::Program, 0);
+    EXPECT_EQ(Stats() + Export() + Log(), "");
+}
+
+TEST_F(RecorderTest, EachEndedLineIsRecordedOnce) {
+    const auto start = [&](const Lines& adapters) {
+        std::filesystem::remove(folder / "Korvalin_Stats.db");
+        network.Rows.clear();
+        for (const std::string& name : adapters)
+            network.Add(name, 5000, 1);
+        Pass();
+        Pass();
+        std::filesystem::remove(folder / "Korvalin_Stats.db");
+    };
+    start({"eth0", "eth1"});
+    network.Rows.clear();
+    Pass();
+    EXPECT_EQ(Recorded(), "eth0 eth1 ") << "both at once";
+
+    start({"eth0", "eth1"});
+    network.Rows.erase(network.Rows.begin());
+    Pass();
+    EXPECT_EQ(Recorded(), "eth0 ") << "eth1 has moved up";
+    recorder.SaveStatsLine(CloseReason::Program, 0);
+    EXPECT_EQ(Recorded(), "eth0 eth1 ") << "closed within the same second";
+
+    start({"eth0", "eth1"});
+    network.Rows[0].Description = "usb0";
+    Pass();
+    EXPECT_EQ(Recorded(), "eth0 ") << "replaced";
+    recorder.SaveStatsLine(CloseReason::Program, 0);
+    EXPECT_EQ(Recorded(), "eth0 eth1 ");
+}
+
+} // namespace
