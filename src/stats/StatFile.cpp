@@ -14,6 +14,7 @@
 #include "stats/StatLine.h"
 #include "traffic/LineRecord.h"
 
+#include <fstream>
 #include <span>
 
 namespace korvalin {
@@ -38,6 +39,41 @@ StatRecord RecordOf(const StatFields& fields, TextPool& texts) {
     record.Info = texts.Store(fields.Info);
     record.User = texts.Intern(fields.User);
     return record;
+}
+
+// Thrown through the reader when the user wants no more of it.
+struct LoadCancelled {};
+
+std::uintmax_t SizeOf(const fs::path& path) {
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(path, error);
+    return error ? 0 : size;
+}
+
+// Where the last bytes begin that a mark remembers.
+std::uintmax_t MarkBegin(std::uintmax_t end) {
+    constexpr std::uintmax_t markBytes = 256;
+    return end - std::min(end, markBytes);
+}
+
+// Bytes [begin, end) of a file; fewer when there are not so many.
+std::string ReadPart(const fs::path& path, std::uintmax_t begin, std::uintmax_t end) {
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(begin));
+    std::string part(end - begin, '\0');
+    file.read(part.data(), static_cast<std::streamsize>(part.size()));
+    part.resize(static_cast<std::size_t>(file.gcount()));
+    return part;
+}
+
+// What was appended since, from its first line on; nullopt when the file is another one by now.
+std::optional<std::string> AppendedSince(const FileMark& mark, const fs::path& path) {
+    const std::uintmax_t size = SizeOf(path);
+    const std::string there = ReadPart(path, mark.Bytes - mark.LastBytes.size(), mark.Bytes);
+    if (size < mark.Bytes || there != mark.LastBytes) return std::nullopt;
+    std::string appended = ReadPart(path, mark.Bytes, size);
+    appended.erase(0, appended.find_first_not_of("\r\n"));
+    return appended;
 }
 
 void SortByLine(std::span<StatRecord> records, const Locale& locale) {
@@ -65,7 +101,7 @@ fs::path StatFile::StatFilePath() const {
     return dataFolder_() / StatFileName;
 }
 
-std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair) {
+std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Progress& progress) {
     constexpr std::string_view procName = "LoadStatFile";
     records = StatRecords();
     report_ = LoadReport();
@@ -74,9 +110,14 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair) {
     bool whole = true;
     // Held from the first line to the rewrite: what another program appends in between would be lost.
     std::unique_ptr<FileLock> lock;
-    if (FileExists(StatFilePath())) {
-        if (repair) lock = files_.Hold(StatFilePath());
-        whole = errors_.Step(procName, [&] { Read(records); });
+    try {
+        if (FileExists(StatFilePath())) {
+            if (repair) lock = files_.Hold(StatFilePath());
+            whole = errors_.Step(procName, [&] { Read(records, progress); });
+        }
+    } catch (const LoadCancelled&) {
+        records = StatRecords();
+        return 0;
     }
     if (!repair && lines_.AnyLineConnected) errors_.Step(procName, [&] { AddRunning(records); });
     errors_.Step(procName, [&] { Tidy(records); });
@@ -100,20 +141,29 @@ void StatFile::Convert(const fs::path& oldFile) {
 
 // Sorts part by part while the records are in the cache: the sort of all of them then moves whole runs, and
 // keeps windows waiting for a shorter time.
-void StatFile::Read(StatRecords& records) {
+void StatFile::Read(StatRecords& records, const Progress& progress) {
     const fs::path path = StatFilePath();
-    std::error_code ignored;
-    if (const auto size = fs::file_size(path, ignored); !ignored)
-        records.List.reserve(std::min(size / shortLineBytes, mostForeseen));
+    const std::uintmax_t size = SizeOf(path);
+    records.List.reserve(std::min(size / shortLineBytes, mostForeseen));
     linesRead_ = 0;
     std::size_t sorted = 0;
-    bytesRead_ = ReadLines(path, [&](std::string_view line) {
+    std::uintmax_t seen = 0;
+    records.ReadTo.Bytes = ReadLines(path, [&](std::string_view line) {
         TakeLine(line, records);
-        if (++linesRead_ % linesPerPause == 0) events_.ProcessPending();
+        seen += line.size() + StatLineEnd.size();
+        if (++linesRead_ % linesPerPause == 0) Pause(progress, seen, size);
         if (records.List.size() - sorted < recordsPerSort) return;
         SortByLine(std::span(records.List).subspan(sorted), locale_);
         sorted = records.List.size();
     });
+    records.ReadTo.LastBytes = ReadPart(path, MarkBegin(records.ReadTo.Bytes), records.ReadTo.Bytes);
+}
+
+void StatFile::Pause(const Progress& progress, std::uintmax_t seen, std::uintmax_t size) {
+    events_.ProcessPending();
+    if (!progress || size == 0) return;
+    const double fraction = static_cast<double>(seen) / static_cast<double>(size);
+    if (!progress(std::min(fraction, 1.0))) throw LoadCancelled();
 }
 
 void StatFile::TakeLine(std::string_view line, StatRecords& records) {
@@ -147,22 +197,57 @@ void StatFile::Tidy(StatRecords& records) {
 }
 
 void StatFile::Repair(const StatRecords& records) {
-    const fs::path path = StatFilePath();
     // A program that knows nothing of the lock has written: the next start may repair.
-    if (fs::file_size(path) != bytesRead_) return;
+    if (fs::file_size(StatFilePath()) != records.ReadTo.Bytes) return;
+    FileMark written;
+    if (!Rewrite(records, std::vector<bool>(records.List.size()), {}, written))
+        throw NumberedError(0, "The statistics file could not be repaired: " + StatFilePath().string());
+}
+
+// Writes the records, all but those left out, and what another load has not seen yet behind them.
+bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& leftOut,
+                       std::string_view appended, FileMark& written) {
+    const fs::path path = StatFilePath();
     const fs::path backup = FreeBackupName(path, clock_.Now(), '_');
     const bool replaced = files_.ReplaceKeeping(path, backup, [&](const Files::Sink& sink) {
         std::string part;
-        for (const StatRecord& record : records.List) {
-            AppendStatLine(part, FieldsOf(record));
-            if (part.size() < writeBytes) continue;
-            if (!sink(part)) return false;
+        const auto write = [&] {
+            written.Bytes += part.size();
+            if (!part.empty()) written.LastBytes = part.substr(MarkBegin(part.size()));
+            const bool done = sink(part);
             part.clear();
+            return done;
+        };
+        for (std::size_t i = 0; i < records.List.size(); ++i) {
+            if (leftOut[i]) continue;
+            AppendStatLine(part, FieldsOf(records.List[i]));
+            if (part.size() >= writeBytes && !write()) return false;
         }
-        return sink(part);
+        return write() && sink(appended);
     });
-    if (!replaced) throw NumberedError(0, "The statistics file could not be repaired: " + path.string());
-    report_.Backup = backup;
+    if (replaced) report_.Backup = backup;
+    return replaced;
+}
+
+StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted) {
+    const auto lock = files_.Hold(StatFilePath());
+    if (!lock) return FileExists(StatFilePath()) ? Deletion::Held : Deletion::Changed;
+    const auto appended = AppendedSince(records.ReadTo, StatFilePath());
+    if (!appended) return Deletion::Changed;
+    std::vector<bool> leftOut(records.List.size());
+    for (std::size_t i = 0; i < records.List.size(); ++i)
+        leftOut[i] = records.List[i].FileIndex == 0;
+    for (const std::uint32_t i : deleted)
+        leftOut.at(i) = true;
+    FileMark written;
+    if (!Rewrite(records, leftOut, *appended, written)) return Deletion::Failed;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < records.List.size(); ++i) {
+        if (!leftOut[i]) records.List[kept++] = records.List[i];
+    }
+    records.List.resize(kept);
+    records.ReadTo = std::move(written);
+    return Deletion::Done;
 }
 
 } // namespace korvalin

@@ -7,6 +7,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace korvalin {
 
@@ -32,6 +35,8 @@ struct LoadReport {
 class StatFile {
   public:
     using DataFolderOf = std::function<std::filesystem::path()>;
+    /// Told now and then which fraction of the file was read; false cancels the load.
+    using Progress = std::function<bool(double fraction)>;
 
     StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
              const LineState& lines, Aliases& aliases, const Locale& locale);
@@ -41,19 +46,34 @@ class StatFile {
     /// Replaces `records` by those of the file, sorted by line and log-in, duplicates merged, aliases set.
     /// With `repair` a damaged file, or one with many duplicates, is rewritten and the old one kept as a
     /// backup; without, the connections that are open now are added as "Running". Windows stay alive
-    /// meanwhile. Returns the number of records; what went wrong has been reported.
-    std::int32_t LoadStatFile(StatRecords& records, bool repair);
+    /// meanwhile. Returns the number of records; what went wrong has been reported. A load that is cancelled
+    /// has none.
+    std::int32_t LoadStatFile(StatRecords& records, bool repair, const Progress& progress = {});
+
+    enum class Deletion {
+        Done,
+        Held,    ///< another program holds the file
+        Changed, ///< the file is not the one that the records come from
+        Failed   ///< the new file could not be written
+    };
+    /// Deletes records (by their index in the list) from the file, which is kept as a backup, and from the
+    /// list. What was appended to the file since it was loaded stays. Open connections leave the list, too.
+    /// Unless it is Done, file and list are as they were.
+    [[nodiscard]] Deletion DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted);
 
     /// About the last LoadStatFile.
     const LoadReport& Report() const { return report_; }
 
   private:
     void Convert(const std::filesystem::path& oldFile);
-    void Read(StatRecords& records);
+    void Read(StatRecords& records, const Progress& progress);
+    void Pause(const Progress& progress, std::uintmax_t seen, std::uintmax_t size);
     void TakeLine(std::string_view line, StatRecords& records);
     void AddRunning(StatRecords& records);
     void Tidy(StatRecords& records);
     void Repair(const StatRecords& records);
+    bool Rewrite(const StatRecords& records, const std::vector<bool>& leftOut, std::string_view appended,
+                 FileMark& written);
 
     DataFolderOf dataFolder_;
     Files& files_;
@@ -65,7 +85,6 @@ class StatFile {
     const Locale& locale_;
     LoadReport report_;
     // Of the load that is going on.
-    std::uintmax_t bytesRead_ = 0;
     std::size_t linesRead_ = 0;
     std::string decoded_; // the last line that was not in UTF-8
 };

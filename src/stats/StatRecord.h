@@ -4,6 +4,7 @@
 #include "stats/TextPool.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace korvalin {
@@ -36,10 +37,17 @@ struct alignas(64) StatRecord {
 /// What Info says of a connection that is still open.
 inline constexpr std::string_view InfoRunning = "Running";
 
+/// How far a file was read, and what stood there: to find what was appended since.
+struct FileMark {
+    std::uintmax_t Bytes = 0;
+    std::string LastBytes;
+};
+
 /// Records and the texts they refer to.
 struct alignas(64) StatRecords {
     std::vector<StatRecord> List;
     TextPool Texts;
+    FileMark ReadTo;
 };
 
 } // namespace korvalin

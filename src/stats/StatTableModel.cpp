@@ -54,7 +54,8 @@ QVariant StatTableModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant StatTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation == Qt::Horizontal && role == Qt::DisplayRole) return QString::fromStdString(Header(section));
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
+        return QString::fromStdString(Header(section));
     return {};
 }
 
@@ -71,7 +72,8 @@ void StatTableModel::Arrange() {
     if (sortColumn_ < 0) {
         std::sort(rows_.begin(), rows_.end()); // the records' own order
     } else {
-        SortRows(*records_, columns_[static_cast<std::size_t>(sortColumn_)].Shows, ascending_, locale_, rows_);
+        SortRows(*records_, columns_[static_cast<std::size_t>(sortColumn_)].Shows, ascending_, locale_,
+                 rows_);
     }
     std::int32_t number = 0;
     for (const std::uint32_t row : rows_)

@@ -83,9 +83,8 @@ void TariffEditor::FillLines() {
         controls_.cboLines.clear();
         for (const AliasInfo& line : aliases_.Lines())
             controls_.cboLines.addItem(QString::fromStdString(line.LineName));
-        const int chosen =
-            controls_.cboLines.findText(QString::fromStdString(settings_.GetText(chosenLine)),
-                                        Qt::MatchFixedString); // in any letter case
+        const int chosen = controls_.cboLines.findText(QString::fromStdString(settings_.GetText(chosenLine)),
+                                                       Qt::MatchFixedString); // in any letter case
         controls_.cboLines.setCurrentIndex(std::max(chosen, controls_.cboLines.count() > 0 ? 0 : -1));
     }
     ShowTariff();

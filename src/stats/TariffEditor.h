@@ -14,8 +14,8 @@ namespace korvalin {
 class Aliases;
 class Settings;
 
-/// Shows and stores the alias of a line and the alias's tariff. Each value is stored as soon as its control is
-/// left or changed.
+/// Shows and stores the alias of a line and the alias's tariff. Each value is stored as soon as its control
+/// is left or changed.
 class TariffEditor : public QObject {
     Q_OBJECT
 
@@ -30,7 +30,8 @@ class TariffEditor : public QObject {
         QCheckBox& boxUp1MB;
         QCheckBox& boxTrayVolumeLine;
     };
-    /// `changed` is called after a change that sums depend on; `aliasChanged` when records have another alias.
+    /// `changed` is called after a change that sums depend on; `aliasChanged` when records have another
+    /// alias.
     struct Hooks {
         std::function<void()> Changed;
         std::function<void()> AliasChanged;

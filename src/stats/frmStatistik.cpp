@@ -2,7 +2,7 @@
 
 #include "base/Locale.h"
 #include "base/Text.h"
-#include "display/UnitFormat.h"
+#include "base/Units.h"
 #include "errors/Errors.h"
 #include "forms/ListPlace.h"
 #include "forms/Twips.h"
@@ -212,7 +212,8 @@ void frmStatistik::Open() {
 
 void frmStatistik::RestoreGeometry() {
     const auto pixels = [&](const char* name) { return TwipsToPixels(parts_.Settings.GetNumber(name)); };
-    const QRect place(pixels("STATS_Left"), pixels("STATS_Top"), pixels("STATS_Width"), pixels("STATS_Height"));
+    const QRect place(pixels("STATS_Left"), pixels("STATS_Top"), pixels("STATS_Width"),
+                      pixels("STATS_Height"));
     resize(place.size());
     // The screen it lay on may be gone.
     if (QGuiApplication::screenAt(place.center()) != nullptr) move(place.topLeft());
@@ -222,7 +223,9 @@ void frmStatistik::RestoreGeometry() {
 void frmStatistik::SaveGeometry() {
     const QRect inner = isMaximized() ? normalGeometry() : geometry();
     const QPoint corner = isMaximized() ? inner.topLeft() : pos();
-    const auto store = [&](const char* name, int value) { parts_.Settings.SetReg(name, PixelsToTwips(value)); };
+    const auto store = [&](const char* name, int value) {
+        parts_.Settings.SetReg(name, PixelsToTwips(value));
+    };
     store("STATS_Left", corner.x());
     store("STATS_Top", corner.y());
     store("STATS_Width", inner.width());
@@ -302,7 +305,8 @@ void frmStatistik::FillStats() {
         recordModel_.SetRows(records_.List, FilterRows(records_.List, filter));
         if (sumsNeedRecalculation_) {
             sumModel_.SetRows(sums_.List, {});
-            parts_.PeriodSums.CalcStatSums(records_, static_cast<SumPeriod>(ui_->optStatSum->checkedId()), sums_);
+            parts_.PeriodSums.CalcStatSums(records_, static_cast<SumPeriod>(ui_->optStatSum->checkedId()),
+                                           sums_);
             sumsNeedRecalculation_ = false;
         }
         sumModel_.SetRows(sums_.List, FilterRows(sums_.List, filter));
@@ -330,7 +334,7 @@ void frmStatistik::cboFilter_Click() {
 
 void frmStatistik::cboKBMB_Click() {
     unit_.Name = ui_->cboKBMB->currentText().toStdString();
-    unit_.Bytes = parts_.Units.UnitFactor(unit_.Name);
+    unit_.Bytes = FindUnitFactor(unit_.Name).value_or(1000);
     recordModel_.SetUnit(unit_);
     sumModel_.SetUnit(unit_);
     graph_->SetUnit(unit_.Name, unit_.Bytes);
@@ -343,7 +347,8 @@ void frmStatistik::SortByColumn(QTableView& list, int column) {
     header.setSortIndicatorShown(true);
     header.setSortIndicator(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
     StatTableModel& model = ModelOf(list);
-    const KeepListPlace place(list, [&](int row) { return std::pair(std::string(), double(model.RecordOf(row))); });
+    const KeepListPlace place(list,
+                              [&](int row) { return std::pair(std::string(), double(model.RecordOf(row))); });
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     model.sort(column, header.sortIndicatorOrder());
     QGuiApplication::restoreOverrideCursor();
@@ -435,8 +440,13 @@ void frmStatistik::mnuDelete_Click() {
     for (const int row : rows)
         deleted.push_back(recordModel_.RecordOf(row));
     recordModel_.SetRows(records_.List, {});
-    if (parts_.StatFile.DeleteRecords(records_, std::move(deleted))) return RecordsChanged();
+    const StatFile::Deletion deletion = parts_.StatFile.DeleteRecords(records_, deleted);
+    if (deletion == StatFile::Deletion::Done) return RecordsChanged();
     FillStats();
+    const int reason = deletion == StatFile::Deletion::Held ? 27 : deletion == StatFile::Deletion::Changed ? 28 : 29;
+    parts_.Errors.DisplayError("mnuDelete", 0,
+                               parts_.Language.Lng("frmStatistik", reason) + "\n" +
+                                   parts_.StatFile.StatFilePath().string());
 }
 
 // ---- export
@@ -444,9 +454,9 @@ void frmStatistik::mnuDelete_Click() {
 std::string frmStatistik::ExportCaption(const ListTexts& list) const {
     std::string range;
     if (!records_.List.empty()) {
-        const auto [first, last] =
-            std::minmax_element(records_.List.begin(), records_.List.end(),
-                                [](const auto& left, const auto& right) { return left.LogOut < right.LogOut; });
+        const auto [first, last] = std::minmax_element(
+            records_.List.begin(), records_.List.end(),
+            [](const auto& left, const auto& right) { return left.LogOut < right.LogOut; });
         range = FormatPattern(first->LogOut, parts_.UserLocale.ShortDate) + " - " +
                 FormatPattern(last->LogOut, parts_.UserLocale.ShortDate);
     }
@@ -455,7 +465,8 @@ std::string frmStatistik::ExportCaption(const ListTexts& list) const {
 
 template <typename Make>
 void frmStatistik::Export(const QString& suffix, const Make& make) {
-    const QString path = chooseFile_(this, QStringLiteral("Korvalin.") + suffix, QStringLiteral("*.") + suffix);
+    const QString path =
+        chooseFile_(this, QStringLiteral("Korvalin.") + suffix, QStringLiteral("*.") + suffix);
     if (path.isEmpty()) return;
     QTableView& list = List();
     std::vector<int> rows = SelectedRows(list);

@@ -25,7 +25,6 @@ class MonthSums;
 class PeriodSums;
 class Settings;
 class TariffEditor;
-class UnitFormat;
 struct ListTexts;
 
 /// The window of recorded connections, their sums, tariffs and graph.
@@ -43,12 +42,12 @@ class frmStatistik : public QWidget {
         korvalin::Aliases& Aliases;
         korvalin::MonthSums& MonthSums;
         korvalin::PeriodSums& PeriodSums;
-        korvalin::UnitFormat& Units;
         korvalin::Clock& Clock;
         const Locale& UserLocale;
     };
     /// Asks for the name of a file to save under; empty when the user gives none.
-    using ChooseFile = std::function<QString(QWidget* parent, const QString& suggestion, const QString& filter)>;
+    using ChooseFile =
+        std::function<QString(QWidget* parent, const QString& suggestion, const QString& filter)>;
 
     explicit frmStatistik(const Parts& parts);
     ~frmStatistik() override;
