@@ -122,7 +122,6 @@ TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLog) {
                       {EROFS, true},  {ENOSPC, false}, {EIO, false}};
     for (const auto& row : rows) {
         std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
-        clock.Advance(0);
         files.DurableResult = row.Error;
         recorder.SaveStatsLine(CloseReason::LineEnded, 1);
         EXPECT_EQ(LogEntries(), (row.Denied ? locked("Korvalin_Stats.db") : "") + stat +
