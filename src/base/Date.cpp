@@ -71,21 +71,32 @@ std::optional<Date> TimeOf(int hour, int minute, int second) {
     return TimeSerial(hour, minute, second);
 }
 
-// The digits of a fixed form "0000-00-00"; a 0 stands for any digit. nullopt when the text has another form.
-std::optional<std::array<int, 3>> ReadForm(std::string_view text, std::string_view form) {
-    std::array<int, 3> numbers{};
-    std::size_t field = 0;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-        if (form[i] != '0') {
-            if (text[i] != form[i]) return std::nullopt;
-            ++field;
-        } else if (text[i] < '0' || text[i] > '9') {
-            return std::nullopt;
-        } else {
-            numbers[field] = numbers[field] * 10 + (text[i] - '0');
-        }
-    }
-    return numbers;
+// The number that two digits make; -1 when they are none.
+int TwoDigits(std::string_view text, std::size_t at) {
+    const int tens = text[at] - '0';
+    const int ones = text[at + 1] - '0';
+    return tens < 0 || tens > 9 || ones < 0 || ones > 9 ? -1 : tens * 10 + ones;
+}
+
+// "yyyy-mm-dd"
+std::optional<Date> ReadIsoDay(std::string_view text) {
+    const int century = TwoDigits(text, 0);
+    const int year = TwoDigits(text, 2);
+    const int month = TwoDigits(text, 5);
+    const int day = TwoDigits(text, 8);
+    const bool hasForm = text[4] == '-' && text[7] == '-';
+    if (!hasForm || century < 0 || year < 0 || month < 0 || day < 0) return std::nullopt;
+    return DateOf(century * 100 + year, month, day);
+}
+
+// "hh:mm:ss"
+std::optional<Date> ReadIsoTime(std::string_view text) {
+    const int hour = TwoDigits(text, 0);
+    const int minute = TwoDigits(text, 3);
+    const int second = TwoDigits(text, 6);
+    const bool hasForm = text[2] == ':' && text[5] == ':';
+    if (!hasForm || hour < 0 || minute < 0 || second < 0) return std::nullopt;
+    return TimeOf(hour, minute, second);
 }
 
 std::optional<Date> DateFromTokens(const std::array<Token, 3>& tokens, const Locale& locale) {
@@ -194,25 +205,14 @@ std::string FormatDuration(Date span) {
 }
 
 std::optional<Date> ParseDateIso(std::string_view text) {
-    constexpr std::string_view dateForm = "0000-00-00";
-    constexpr std::string_view timeForm = "00:00:00";
-    const bool hasDate =
-        text.size() == dateForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
-    const bool hasTime =
-        text.size() == timeForm.size() || text.size() == dateForm.size() + 1 + timeForm.size();
-    if (!hasDate && !hasTime) return std::nullopt;
-    std::optional<Date> date = 0.0;
-    if (hasDate) {
-        const auto parts = ReadForm(text, dateForm);
-        if (!parts) return std::nullopt;
-        date = DateOf((*parts)[0], (*parts)[1], (*parts)[2]);
-    }
-    if (!hasTime || !date) return date;
-    if (hasDate && text[dateForm.size()] != ' ') return std::nullopt;
-    const auto parts = ReadForm(text.substr(text.size() - timeForm.size()), timeForm);
-    if (!parts) return std::nullopt;
-    const std::optional<Date> time = TimeOf((*parts)[0], (*parts)[1], (*parts)[2]);
-    return time ? std::optional(*date + *time) : std::nullopt;
+    constexpr std::size_t dayLength = 10;
+    constexpr std::size_t timeLength = 8;
+    if (text.size() == timeLength) return ReadIsoTime(text);
+    if (text.size() == dayLength) return ReadIsoDay(text);
+    if (text.size() != dayLength + 1 + timeLength || text[dayLength] != ' ') return std::nullopt;
+    const std::optional<Date> day = ReadIsoDay(text);
+    const std::optional<Date> time = ReadIsoTime(text.substr(dayLength + 1));
+    return day && time ? std::optional(*day + *time) : std::nullopt;
 }
 
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace korvalin {
 namespace {
@@ -41,6 +42,19 @@ bool SecondByteFits(std::uint8_t lead, std::uint8_t second) {
     }
 }
 
+// Where the first byte beyond ASCII may stand, from `from` on. Nearly all text is ASCII: eight bytes at a
+// time.
+std::size_t SkipAscii(std::string_view bytes, std::size_t from) {
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    std::uint64_t eight = 0;
+    while (from + sizeof eight <= bytes.size()) {
+        std::memcpy(&eight, bytes.data() + from, sizeof eight);
+        if ((eight & highBits) != 0) break;
+        from += sizeof eight;
+    }
+    return from;
+}
+
 void AppendUtf8(std::string& text, char16_t code) {
     if (code < 0x80) {
         text += static_cast<char>(code);
@@ -57,7 +71,7 @@ void AppendUtf8(std::string& text, char16_t code) {
 } // namespace
 
 bool IsValidUtf8(std::string_view bytes) {
-    for (std::size_t i = 0; i < bytes.size();) {
+    for (std::size_t i = SkipAscii(bytes, 0); i < bytes.size(); i = SkipAscii(bytes, i)) {
         const std::uint8_t lead = Byte(bytes[i]);
         const std::size_t length = SequenceLength(lead);
         if (length == 0 || i + length > bytes.size()) return false;

@@ -6,8 +6,9 @@
 
 namespace korvalin {
 
-MessageAnswer ConsoleMessageBoxes::Show(const std::string& text, const std::string& title, MessageIcon,
+MessageAnswer ConsoleMessageBoxes::Show(const std::string& text, const std::string& title, MessageIcon icon,
                                         MessageButtons buttons) {
+    showedError_ = showedError_ || icon == MessageIcon::Critical;
     fmt::print(stderr, "{}: {}\n", title, text);
     return buttons == MessageButtons::Ok ? MessageAnswer::Ok : MessageAnswer::No;
 }

@@ -11,6 +11,12 @@ class ConsoleMessageBoxes : public MessageBoxes {
                        MessageButtons buttons) override;
     void ShowWaiting(const std::string& text, const std::string& title) override;
     void CloseWaiting() override {}
+
+    /// Whether an error was shown.
+    bool ShowedError() const { return showedError_; }
+
+  private:
+    bool showedError_ = false;
 };
 
 } // namespace korvalin

@@ -1,55 +1,160 @@
+#include "base/Locale.h"
 #include "cli/ConsoleMessageBoxes.h"
 #include "cli/LinesCommand.h"
 #include "cli/NoScreen.h"
 #include "cli/PlainEvents.h"
+#include "cli/RecordCommand.h"
 #include "cli/SettingsCommand.h"
+#include "cli/StatisticsCommands.h"
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxSystem.h"
+#include "platform/linux/TerminationSignals.h"
 #include "startup/Program.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
+#include <optional>
+
+namespace korvalin {
+namespace {
+
+struct Arguments {
+    std::string Name, Value;
+    LinesFormat LineFormat = LinesFormat::Table;
+    OutputFormat Format = OutputFormat::Table;
+    SumPeriod Period = SumPeriod::Day;
+    RecordFilter Filter;
+    bool Watch = false;
+};
+
+// An option that takes one of a few words.
+template <typename Value>
+CLI::Option* AddChoice(CLI::App* command, const char* name, const char* description, Value& value,
+                       const std::map<std::string, Value>& choices) {
+    std::string words;
+    for (const auto& [word, meaning] : choices)
+        words += (words.empty() ? "" : "|") + word;
+    return command->add_option(name, value, description)
+        ->transform(CLI::CheckedTransformer(choices).description(""))
+        ->type_name(words);
+}
+
+class CommandLine {
+  public:
+    explicit CommandLine(const Locale& locale) : locale_(locale) {
+        App.require_subcommand(1);
+        AddSettings();
+        AddLines();
+        AddStatistics();
+    }
+
+    CLI::App App{"Korvalin on the command line: settings, monitored lines and statistics."};
+    korvalin::Arguments Arguments;
+    CLI::App* List = nullptr;
+    CLI::App* Get = nullptr;
+    CLI::App* Set = nullptr;
+    CLI::App* Lines = nullptr;
+    CLI::App* Records = nullptr;
+    CLI::App* Sums = nullptr;
+    CLI::App* Repair = nullptr;
+    CLI::App* Record = nullptr;
+
+  private:
+    void AddSettings() {
+        CLI::App* settings = App.add_subcommand("settings", "Read and change settings");
+        settings->require_subcommand(1);
+        List = settings->add_subcommand("list",
+                                        "All settings with their kind and value (stores missing defaults)");
+        Get = settings->add_subcommand("get", "One setting, with its default and range applied");
+        Get->add_option("NAME", Arguments.Name, "Name of the setting")->required();
+        Set = settings->add_subcommand("set", "Store a setting in its corrected form; \"\" deletes it");
+        Set->add_option("NAME", Arguments.Name, "Name of the setting")->required();
+        Set->add_option("VALUE", Arguments.Value, "The new value")->required();
+    }
+
+    void AddLines() {
+        Lines = App.add_subcommand("lines", "The monitored lines with their bytes and rates");
+        Lines->add_flag("--watch", Arguments.Watch, "Every second, until interrupted");
+        AddChoice<LinesFormat>(Lines, "--format", "With json one document a line", Arguments.LineFormat,
+                               {{"table", LinesFormat::Table}, {"json", LinesFormat::Json}});
+    }
+
+    void AddStatistics() {
+        Records = App.add_subcommand("records", "The recorded connections");
+        AddFilter(Records);
+        AddDate(Records, "--from", "First day on which a connection ended", Arguments.Filter.From);
+        AddDate(Records, "--till", "Last day on which a connection ended", Arguments.Filter.Till);
+        Sums = App.add_subcommand("sums", "Sums of the connections per alias and period");
+        AddChoice<SumPeriod>(
+            Sums, "--period", "Weeks begin on Sunday, months as the alias's tariff says", Arguments.Period,
+            {{"day", SumPeriod::Day}, {"week", SumPeriod::Week}, {"month", SumPeriod::BillingMonth}})
+            ->required();
+        AddFilter(Sums);
+        Repair = App.add_subcommand("repair",
+                                    "Load the statistics as at the program's start, and repair their file");
+        Record = App.add_subcommand("record", "Record connections without a window, until SIGTERM or SIGINT");
+    }
+
+    void AddFilter(CLI::App* command) {
+        command->add_option("--alias", Arguments.Filter.Alias, "Only this alias");
+        AddChoice<OutputFormat>(
+            command, "--format", "How it is printed", Arguments.Format,
+            {{"table", OutputFormat::Table}, {"json", OutputFormat::Json}, {"csv", OutputFormat::Csv}});
+    }
+
+    void AddDate(CLI::App* command, const char* name, const char* description, std::optional<Date>& date) {
+        command->add_option_function<std::string>(
+            name,
+            [this, name, &date](const std::string& text) {
+                date = ParseDate(text, locale_);
+                if (!date) throw CLI::ValidationError(name, "no date: " + text);
+                date = DayOf(*date);
+            },
+            std::string(description) + ", as 2004-12-31 or in the locale's form");
+    }
+
+    const Locale& locale_;
+};
+
+// Messages need words; without a choice of language they are English.
+void LoadTexts(Program& program) {
+    if (!program.language.LoadLanguageChoices()) return;
+    const std::string chosen = program.settings.GetText("Language");
+    program.language.UseLanguage(chosen.empty() ? "ENG" : chosen);
+}
+
+int Run(const CommandLine& line, Program& program, const TerminationSignals* signals) {
+    const Arguments& arguments = line.Arguments;
+    if (line.List->parsed()) ListSettings(program.settings);
+    if (line.Get->parsed()) PrintSetting(program.settings, arguments.Name);
+    if (line.Set->parsed()) StoreSetting(program.settings, arguments.Name, arguments.Value);
+    if (line.Lines->parsed()) PrintLines(program, arguments.LineFormat, arguments.Watch);
+    if (line.Records->parsed()) PrintRecords(program, arguments.Filter, arguments.Format);
+    if (line.Sums->parsed()) PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
+    if (line.Repair->parsed()) RepairStatistics(program);
+    return signals != nullptr ? RecordUntilSignal(program, *signals) : EXIT_SUCCESS;
+}
+
+} // namespace
+} // namespace korvalin
+
 int main(int argc, char** argv) {
     using namespace korvalin;
-    CLI::App app{"Korvalin on the command line: settings and monitored lines."};
-    app.require_subcommand(1);
+    const Locale locale = ReadSystemLocale();
+    CommandLine line(locale);
+    CLI11_PARSE(line.App, argc, argv);
 
-    std::string name;
-    std::string value;
-    CLI::App* settings = app.add_subcommand("settings", "Read and change settings");
-    settings->require_subcommand(1);
-    CLI::App* list =
-        settings->add_subcommand("list", "All settings with their kind and value (stores missing defaults)");
-    CLI::App* get = settings->add_subcommand("get", "One setting, with its default and range applied");
-    get->add_option("NAME", name, "Name of the setting")->required();
-    CLI::App* set = settings->add_subcommand("set", "Store a setting in its corrected form; \"\" deletes it");
-    set->add_option("NAME", name, "Name of the setting")->required();
-    set->add_option("VALUE", value, "The new value")->required();
-
-    bool watch = false;
-    LinesFormat format = LinesFormat::Table;
-    CLI::App* lines = app.add_subcommand("lines", "The monitored lines with their bytes and rates");
-    lines->add_flag("--watch", watch, "Every second, until interrupted");
-    lines->add_option("--format", format, "table or json (one document a line)")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, LinesFormat>{{"table", LinesFormat::Table}, {"json", LinesFormat::Json}}));
-    CLI11_PARSE(app, argc, argv);
-
+    // Blocked from the beginning: one that comes early must not end the program unrecorded.
+    std::optional<TerminationSignals> signals;
+    if (line.Record->parsed()) signals.emplace();
     ConsoleMessageBoxes messageBoxes;
     NoScreen screen;
     PlainEvents events;
     LinuxSystem system;
-    Program program(system.PortsWith(events, messageBoxes, screen), ReadSystemLocale());
-    // Messages need words; without a choice of language they are English.
-    if (program.language.LoadLanguageChoices()) {
-        const std::string chosen = program.settings.GetText("Language");
-        program.language.UseLanguage(chosen.empty() ? "ENG" : chosen);
-    }
+    Program program(system.PortsWith(events, messageBoxes, screen), locale);
+    LoadTexts(program);
     system.TellNotes(program.errors);
-
-    if (list->parsed()) ListSettings(program.settings);
-    if (get->parsed()) PrintSetting(program.settings, name);
-    if (set->parsed()) StoreSetting(program.settings, name, value);
-    if (lines->parsed()) PrintLines(program, format, watch);
-    return 0;
+    const int exitCode = Run(line, program, signals ? &*signals : nullptr);
+    return messageBoxes.ShowedError() ? EXIT_FAILURE : exitCode;
 }

@@ -7,7 +7,7 @@
 #include "display/TrayIcon.h"
 #include "display/WindowFrame.h"
 #include "display/WindowGeometry.h"
-#include "stats/CloseReason.h"
+#include "traffic/CloseReason.h"
 
 #include <QTimer>
 #include <QWidget>

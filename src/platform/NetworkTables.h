@@ -34,6 +34,8 @@ struct InterfaceRow {
     /// The system counts in 64 bits: the counters never wrap, and one that falls was reset.
     bool Counts64Bits = false;
     std::string Description;
+    /// An IP address of the adapter, version 4 before 6; empty when it has none that is known elsewhere.
+    std::string Address;
 };
 
 /// The fields of MIB_TCPSTATS that are shown.

@@ -5,6 +5,7 @@
 #include "lang/ApplyFormTexts.h"
 #include "lang/frmLanguage.h"
 #include "platform/linux/ExitWatch.h"
+#include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/qt/QtEvents.h"
@@ -40,6 +41,15 @@ std::string ButtonCaption(Language& language, MessageAnswer answer) {
     }
 }
 
+TrayUse UseOfChartLine(Program& program) {
+    const auto line = static_cast<std::size_t>(program.infoTexts.ChartLineNo);
+    if (line < 1 || line > program.lines.LineTable.Size()) return {};
+    const LineRecord& record = program.lines.LineTable(line);
+    const PeriodUse use =
+        program.monthSums.UseOf(record.EntryName, record.BytesReceived + record.BytesTransmitted);
+    return {use.UsedBytes, use.FreeBytes, use.TrayVol, use.FractionElapsed};
+}
+
 } // namespace
 
 int RunDesktop(int argc, char** argv) {
@@ -55,7 +65,9 @@ int RunDesktop(int argc, char** argv) {
     QtScreen screen;
     QtEvents events;
     LinuxSystem system;
-    Program program(system.PortsWith(events, messageBoxes, screen), ReadQtLocale(QLocale::system()));
+    Locale locale = ReadQtLocale(QLocale::system());
+    locale.Collate = SystemCollation();
+    Program program(system.PortsWith(events, messageBoxes, screen), std::move(locale));
     messageBoxes.Plug([&](MessageAnswer answer) { return ButtonCaption(program.language, answer); });
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
@@ -68,8 +80,9 @@ int RunDesktop(int argc, char** argv) {
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale, tray, messageBoxes});
-    // Recording, billing and dialling are not there yet.
-    window.Plug({[](CloseReason) {}, [] { return TrayUse(); }, [] { return std::size_t{0}; }});
+    // Dialling is not there yet: the phone book is empty.
+    window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
+                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
@@ -77,6 +90,7 @@ int RunDesktop(int argc, char** argv) {
         messageBoxes.DisplayLost();
         window.DisplayLost();
     });
+    program.LoadStatistics();
     window.Form_Load();
     const int exitCode = QApplication::exec();
     system.TellNotes(program.errors);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stats/CloseReason.h"
+#include "traffic/CloseReason.h"
 
 #include <QObject>
 #include <QSocketNotifier>

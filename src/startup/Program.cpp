@@ -71,6 +71,8 @@ void Program::LoadRecords() {
 }
 
 void Program::LoadStatistics() {
+    if (!recorder.TakeOver())
+        errors.WriteErrorLog("Another program records into this data folder.", "SaveStats");
     StatRecords records;
     statFile.LoadStatFile(records, true);
     monthSums.CalcStatsThisMonth(records);

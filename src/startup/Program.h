@@ -37,7 +37,8 @@ class Program {
     /// Loads the settings into the records below, notes the program's start and sizes the history.
     void LoadRecords();
 
-    /// Loads the statistics file, repairing it, for the sums of the current billing periods.
+    /// Begins to record, and loads the statistics file, repairing it, for the sums of the current billing
+    /// periods.
     void LoadStatistics();
 
     /// LoadRecords, and brings the entry for starting with the system in line with the settings.

@@ -97,11 +97,10 @@ std::string Recorder::ExportLines(const std::vector<const LineRecord*>& lines, s
     std::string text;
     for (const LineRecord* line : lines) {
         const Date duration = DurationOf(*line);
-        const std::string_view noAddress = "";
         text += fmt::format("{},{},{},{},{},{},{},{},{},{}", line->EntryName, date(line->LogIn),
                             date(line->LogIn + duration), date(duration), number(line->BytesTransmitted),
                             number(line->BytesReceived), number(line->BytesTransmitted + line->BytesReceived),
-                            line->User, noAddress, info);
+                            line->User, line->IpAddress, info);
         text += StatLineEnd;
     }
     return text;

@@ -51,7 +51,7 @@ Ranks RankTexts(std::vector<DistinctText> texts, const Locale& locale) {
     return rankOf;
 }
 
-Ranks RanksOf(const std::vector<StatRecord>& records, TextField field, const Locale& locale) {
+Ranks RanksOf(std::span<const StatRecord> records, TextField field, const Locale& locale) {
     Ranks ranks(records.size());
     std::unordered_map<const void*, std::uint32_t> numbers;
     std::vector<DistinctText> texts;
@@ -73,7 +73,7 @@ Ranks RanksOf(const std::vector<StatRecord>& records, TextField field, const Loc
     return ranks;
 }
 
-Dates DatesOf(const std::vector<StatRecord>& records, DateField field) {
+Dates DatesOf(std::span<const StatRecord> records, DateField field) {
     Dates dates(records.size());
     std::transform(records.begin(), records.end(), dates.begin(),
                    [field](const StatRecord& record) { return record.*field; });
@@ -135,8 +135,7 @@ void SortRuns(const std::vector<Key1>& keys1, const std::vector<Key2>& keys2, bo
 
 // Calls use(keys) with the key's values: ranks for a text, dates as they are.
 template <typename Use>
-void WithKeys(const std::vector<StatRecord>& records, std::string_view name, const Locale& locale,
-              Use&& use) {
+void WithKeys(std::span<const StatRecord> records, std::string_view name, const Locale& locale, Use&& use) {
     if (const DateField field = DateFieldOf(name)) {
         use(DatesOf(records, field));
     } else {
@@ -151,25 +150,22 @@ void SortByKey(const Dates& dates, Index& index) {
     QuickSortIndexedArray(dates, index, 0, index.size());
 }
 
-// Moves every record to its place along the cycles of the order: no second array of records.
-void Arrange(std::vector<StatRecord>& records, Index order) {
-    for (std::uint32_t start = 0; start < order.size(); ++start) {
-        if (order[start] == start) continue;
-        const StatRecord first = records[start];
-        std::uint32_t to = start;
-        while (order[to] != start) {
-            records[to] = records[order[to]];
-            to = std::exchange(order[to], to);
-        }
-        records[to] = first;
-        order[to] = to;
+// Swaps every record into its place: no second array of records. What stood there goes to where the right one
+// was, and `order` then tells that. Records that stay together are moved in the order they lie in memory.
+void Arrange(std::span<StatRecord> records, Index order) {
+    for (std::uint32_t place = 0; place < order.size(); ++place) {
+        std::uint32_t from = order[place];
+        while (from < place)
+            from = order[from];
+        order[place] = from;
+        if (from != place) std::swap(records[place], records[from]);
     }
 }
 
 } // namespace
 
-std::vector<std::uint32_t> StatOrder(const std::vector<StatRecord>& records, StatSortKey key1,
-                                     StatSortKey key2, const Locale& locale) {
+std::vector<std::uint32_t> StatOrder(std::span<const StatRecord> records, StatSortKey key1, StatSortKey key2,
+                                     const Locale& locale) {
     Index index(records.size());
     std::iota(index.begin(), index.end(), 0U);
     WithKeys(records, key1.Name, locale, [&](const auto& keys1) {
@@ -182,7 +178,7 @@ std::vector<std::uint32_t> StatOrder(const std::vector<StatRecord>& records, Sta
     return index;
 }
 
-void SortStats(std::vector<StatRecord>& records, StatSortKey key1, StatSortKey key2, const Locale& locale) {
+void SortStats(std::span<StatRecord> records, StatSortKey key1, StatSortKey key2, const Locale& locale) {
     Arrange(records, StatOrder(records, key1, key2, locale));
 }
 

@@ -3,6 +3,7 @@
 #include "stats/StatRecord.h"
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -19,11 +20,11 @@ struct StatSortKey {
 
 /// The order that SortStats would give, as indices into the records (from 0). Equal records keep their order;
 /// descending is ascending read backwards, equal records included. n log n at worst, whatever the input.
-std::vector<std::uint32_t> StatOrder(const std::vector<StatRecord>& records, StatSortKey key1,
-                                     StatSortKey key2, const Locale& locale);
+std::vector<std::uint32_t> StatOrder(std::span<const StatRecord> records, StatSortKey key1, StatSortKey key2,
+                                     const Locale& locale);
 
 /// Sorts in place by the first key, and records that share it by the second one (none when its name is
 /// empty).
-void SortStats(std::vector<StatRecord>& records, StatSortKey key1, StatSortKey key2, const Locale& locale);
+void SortStats(std::span<StatRecord> records, StatSortKey key1, StatSortKey key2, const Locale& locale);
 
 } // namespace korvalin

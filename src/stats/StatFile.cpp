@@ -14,6 +14,8 @@
 #include "stats/StatLine.h"
 #include "traffic/LineRecord.h"
 
+#include <span>
+
 namespace korvalin {
 namespace {
 
@@ -21,6 +23,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t toleratedMerges = 25;   // more are worth a rewrite
 constexpr std::size_t linesPerPause = 1000;   // between two looks at the window's events
+constexpr std::size_t recordsPerSort = 4096;  // fit the cache
 constexpr std::uintmax_t shortLineBytes = 64; // most lines are longer: room for them is asked for at once
 constexpr std::uintmax_t mostForeseen = 10'000'000;
 constexpr std::size_t writeBytes = 256 * 1024;
@@ -37,7 +40,15 @@ StatRecord RecordOf(const StatFields& fields, TextPool& texts) {
     return record;
 }
 
+void SortByLine(std::span<StatRecord> records, const Locale& locale) {
+    SortStats(records, {"LineName", true}, {"LogIn", true}, locale);
+}
+
 } // namespace
+
+bool LoadReport::NeedsRepair() const {
+    return Dropped > 0 || Merged > toleratedMerges;
+}
 
 StatFile::StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
                    const LineState& lines, Aliases& aliases, const Locale& locale)
@@ -69,9 +80,8 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair) {
     }
     if (!repair && lines_.AnyLineConnected) errors_.Step(procName, [&] { AddRunning(records); });
     errors_.Step(procName, [&] { Tidy(records); });
-    const bool damaged = report_.Dropped > 0 || report_.Merged > toleratedMerges;
     // A file without any record is probably none of ours.
-    const bool worthIt = damaged && !records.List.empty();
+    const bool worthIt = report_.NeedsRepair() && !records.List.empty();
     if (lock && whole && worthIt) errors_.Step(procName, [&] { Repair(records); });
     return static_cast<std::int32_t>(records.List.size());
 }
@@ -88,15 +98,21 @@ void StatFile::Convert(const fs::path& oldFile) {
     report_.Converted = true;
 }
 
+// Sorts part by part while the records are in the cache: the sort of all of them then moves whole runs, and
+// keeps windows waiting for a shorter time.
 void StatFile::Read(StatRecords& records) {
     const fs::path path = StatFilePath();
     std::error_code ignored;
     if (const auto size = fs::file_size(path, ignored); !ignored)
         records.List.reserve(std::min(size / shortLineBytes, mostForeseen));
     linesRead_ = 0;
+    std::size_t sorted = 0;
     bytesRead_ = ReadLines(path, [&](std::string_view line) {
         TakeLine(line, records);
         if (++linesRead_ % linesPerPause == 0) events_.ProcessPending();
+        if (records.List.size() - sorted < recordsPerSort) return;
+        SortByLine(std::span(records.List).subspan(sorted), locale_);
+        sorted = records.List.size();
     });
 }
 
@@ -123,7 +139,7 @@ void StatFile::AddRunning(StatRecords& records) {
 }
 
 void StatFile::Tidy(StatRecords& records) {
-    SortStats(records.List, {"LineName", true}, {"LogIn", true}, locale_);
+    SortByLine(records.List, locale_);
     report_.Merged = MergeDuplicates(records.List);
     aliases_.FillAlias(records);
     for (StatRecord& record : records.List)

@@ -19,8 +19,11 @@ struct Locale;
 
 /// What a load met in the file.
 struct LoadReport {
-    std::size_t Dropped = 0;      ///< lines that are no records
-    std::size_t Merged = 0;       ///< records that described a connection already there
+    std::size_t Dropped = 0; ///< lines that are no records
+    std::size_t Merged = 0;  ///< records that described a connection already there
+    /// Whether the file is to be rewritten: it is damaged or has many duplicates.
+    bool NeedsRepair() const;
+
     bool Converted = false;       ///< the file was made from that of an older release
     std::filesystem::path Backup; ///< where the old file went when it was rewritten; empty: it was not
 };

@@ -9,8 +9,8 @@
 namespace korvalin {
 
 /// One recorded connection, or the sum of several in a period ("sums" fields). Its texts live in the
-/// StatRecords that holds it.
-struct StatRecord {
+/// StatRecords that holds it. Aligned so that moving it touches two lines of the cache, not three.
+struct alignas(64) StatRecord {
     std::int32_t FileIndex = 0; ///< position among the valid lines of the file, from 1; 0: not from the file
     std::int32_t ListRow = 0;   ///< row in the list that shows it; 0: not shown
     PooledText LineName;        ///< phone-book entry or adapter
@@ -37,7 +37,7 @@ struct StatRecord {
 inline constexpr std::string_view InfoRunning = "Running";
 
 /// Records and the texts they refer to.
-struct StatRecords {
+struct alignas(64) StatRecords {
     std::vector<StatRecord> List;
     TextPool Texts;
 };

@@ -37,12 +37,22 @@ PooledText TextPool::Store(std::string_view text) {
     return PooledText(stored);
 }
 
+// The place of the last text that looks like this one.
+PooledText& TextPool::RecentLike(std::string_view text) {
+    constexpr std::size_t places = 64;
+    if (recent_.empty()) recent_.resize(places);
+    const auto first = static_cast<unsigned char>(text.front());
+    const auto last = static_cast<unsigned char>(text.back());
+    return recent_[(text.size() + first * 3U + last * 5U) % places];
+}
+
 PooledText TextPool::Intern(std::string_view text) {
+    if (text.empty()) return {};
+    PooledText& recent = RecentLike(text);
+    if (recent.View() == text) return recent;
     const auto found = interned_.find(text);
-    if (found != interned_.end()) return *found;
-    const PooledText stored = Store(text);
-    if (!text.empty()) interned_.insert(stored);
-    return stored;
+    recent = found != interned_.end() ? *found : *interned_.insert(Store(text)).first;
+    return recent;
 }
 
 } // namespace korvalin

@@ -56,8 +56,11 @@ class TextPool {
         bool operator()(std::string_view left, std::string_view right) const { return left == right; }
     };
 
+    PooledText& RecentLike(std::string_view text);
+
     std::vector<Block> blocks_;
     std::unordered_set<PooledText, Hash, Equal> interned_;
+    std::vector<PooledText> recent_; // asked before the table: few names serve a million records
 };
 
 } // namespace korvalin

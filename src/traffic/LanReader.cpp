@@ -94,6 +94,7 @@ void LanReader::FillLine(const InterfaceRow& row, const Reading& reading, LineRe
     line.Duration = reading.Time - state_.ProgramStart;
     line.DeviceName = Trim(row.Description);
     line.EntryName = line.DeviceName;
+    line.IpAddress = row.Address;
     line.LineName = book_.GetAlias(line.EntryName);
 }
 

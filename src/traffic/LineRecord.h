@@ -33,6 +33,7 @@ struct LineRecord {
     Date Duration = 0;
     Date SampleTime = 0;
     std::string DeviceName;
+    std::string IpAddress;   ///< empty when the line has none
     std::string EntryName;   ///< phone-book entry or adapter description
     std::int32_t Handle = 0; ///< of a dial-up connection; 0 for adapters
     std::uint32_t Bps = 0;   ///< dial-up line speed in bits per second

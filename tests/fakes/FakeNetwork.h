@@ -29,7 +29,7 @@ class FakeNetworkTables : public NetworkTables {
     /// Adds an Ethernet adapter that counts in 64 bits.
     InterfaceRow& Add(const std::string& description, std::uint64_t in, std::uint64_t out) {
         Rows.push_back({static_cast<std::uint32_t>(Rows.size() + 1), IfTypeEthernet,
-                        OperationalStatus::Operational, in, out, true, description});
+                        OperationalStatus::Operational, in, out, true, description, ""});
         return Rows.back();
     }
 };

@@ -7,7 +7,8 @@ TEST(QtLocale, TranslatesPatternsAndMarks) {
     struct {
         const char* Name;
         std::string ShortDate, Time, DecimalMark, GroupingMark, March, Sunday;
-    } const rows[] = {{"de_DE", "dd.mm.yyyy", "hh:nn:ss", ",", ".", "März", "Sonntag"},
+    } const rows[] = {{"C", "yyyy-mm-dd", "hh:nn:ss", ".", ",", "March", "Sunday"},
+                      {"de_DE", "dd.mm.yyyy", "hh:nn:ss", ",", ".", "März", "Sonntag"},
                       {"en_US", "m/d/yyyy", "h:nn:ss AMPM", ".", ",", "March", "Sunday"},
                       {"fi_FI", "d.m.yyyy", "h.nn.ss", ",", "\u00A0", "maaliskuu", "sunnuntai"},
                       {"fr_CA", "yyyy-mm-dd", "hh:nn:ss", ",", "\u00A0", "mars", "dimanche"}, // "H 'h' mm"

@@ -125,6 +125,7 @@ class Display:
         read, write = os.pipe()
         server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
                                   pass_fds=[write], stderr=subprocess.DEVNULL)
+        self.server = server
         self.stack.callback(server.wait)
         self.stack.callback(server.kill)
         os.close(write)

@@ -156,7 +156,7 @@ TEST_F(Adapters, TheSlotOfARenamedOrReplacedAdapterCountsAsAnotherSource) {
     const std::uint32_t before = lines.LineTable(1).CounterSource;
     Pass();
     EXPECT_EQ(lines.LineTable(1).CounterSource, before);
-    network.Rows[0] = {7, IfTypeEthernet, OperationalStatus::Operational, 99'000, 40, true, "lan0"};
+    network.Rows[0] = {7, IfTypeEthernet, OperationalStatus::Operational, 99'000, 40, true, "lan0", ""};
     Pass();
     EXPECT_NE(lines.LineTable(1).CounterSource, before);
     EXPECT_EQ(lines.LineTable(1).StartReceived, 99'000) << "averages count from here";

@@ -96,6 +96,7 @@ bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row) {
     row.InOctets = row.OutOctets = 0;
     row.Counts64Bits = false;
     row.Description.clear();
+    row.Address.clear();
     LinkAttributes attributes{row};
     mnl_attr_parse(&message, sizeof(ifinfomsg), TakeAttribute, &attributes);
     row.OperStatus = OperationalStatusOf(attributes.State, link->ifi_flags);

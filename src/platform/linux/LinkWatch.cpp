@@ -12,7 +12,7 @@ bool LinkWatch::Open() {
     socket_ = Descriptor(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE));
     sockaddr_nl address{};
     address.nl_family = AF_NETLINK;
-    address.nl_groups = RTMGRP_LINK;
+    address.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR | RTMGRP_IPV6_IFADDR;
     if (socket_ && bind(socket_.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
         return true;
     socket_ = Descriptor();

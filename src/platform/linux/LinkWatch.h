@@ -4,8 +4,8 @@
 
 namespace korvalin {
 
-/// Listens to the kernel's announcements of links that come, go or change their name or state. Their counters
-/// are not announced.
+/// Listens to the kernel's announcements of links that come, go or change their name, state or addresses. Their
+/// counters are not announced.
 class LinkWatch {
   public:
     /// True when a link has changed since the last call, and whenever that cannot be known: at the first

@@ -1,9 +1,11 @@
 #include "platform/linux/NetlinkNetworkTables.h"
 
+#include "platform/linux/AddressMessage.h"
 #include "platform/linux/LinkMessage.h"
 #include "platform/linux/TcpFigures.h"
 
 #include <libmnl/libmnl.h>
+#include <linux/if_addr.h>
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 
@@ -72,7 +74,24 @@ int NetlinkNetworkTables::ReadLinks() {
     if (!std::is_sorted(links_.begin(), links_.end(), IndexBefore)) {
         std::sort(links_.begin(), links_.end(), IndexBefore); // old kernels dump in the order of name hashes
     }
+    if (error == 0) ReadAddresses();
     return error;
+}
+
+// An adapter without a known address is as good as one without any.
+void NetlinkNetworkTables::ReadAddresses() {
+    Request request(RTM_GETADDR, ifaddrmsg{});
+    RowFinder finder(links_);
+    const auto restart = [this] {
+        for (InterfaceRow& row : links_)
+            row.Address.clear();
+    };
+    static_cast<void>(socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
+        const auto address = ReadAddressMessage(message);
+        InterfaceRow* row = address ? finder.Find(address->Link) : nullptr;
+        // Version 4 is told first, and the first one counts.
+        if (row != nullptr && row->Address.empty()) row->Address = address->Text;
+    }));
 }
 
 // The counters of the links that are known. False when it cannot be done or links and counters do not match.

@@ -19,6 +19,7 @@ class NetlinkNetworkTables : public NetworkTables {
 
   private:
     int ReadLinks();
+    void ReadAddresses();
     bool ReadCounters();
 
     NetlinkSocket socket_;

@@ -100,6 +100,7 @@ void FillNames(std::array<std::string, Count>& names, const Name& nameOf) {
 
 Locale ReadQtLocale(const QLocale& locale) {
     Locale result;
+    if (locale.language() == QLocale::C) return result; // nobody's habits
     result.DecimalMark = locale.decimalPoint().toStdString();
     result.GroupingMark = locale.groupSeparator().toStdString();
     result.ShortDate = TranslateDate(locale.dateFormat(QLocale::ShortFormat)).toStdString();

@@ -1,0 +1,185 @@
+// One operation on the statistics a run, measured from inside; prints a JSON object. A process of its own, so
+// that its peak memory is that of the operation.
+#include "StatGenerator.h"
+#include "cli/ConsoleMessageBoxes.h"
+#include "cli/NoScreen.h"
+#include "platform/Events.h"
+#include "platform/linux/LinuxSystem.h"
+#include "startup/Program.h"
+#include "stats/StatFileName.h"
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <sys/resource.h>
+
+namespace korvalin {
+namespace {
+
+namespace fs = std::filesystem;
+using Clockwork = std::chrono::steady_clock;
+
+class Stopwatch {
+  public:
+    double Milliseconds() const {
+        return std::chrono::duration<double, std::milli>(Clockwork::now() - start_).count();
+    }
+
+  private:
+    Clockwork::time_point start_ = Clockwork::now();
+};
+
+// Notes for how long nobody looked at a window's events.
+class WatchedEvents : public Events {
+  public:
+    void ProcessPending() override {
+        longest_ = std::max(longest_, sinceLast_.Milliseconds());
+        sinceLast_ = Stopwatch();
+    }
+    void Sleep(int) override {}
+
+    void Restart() {
+        longest_ = 0;
+        sinceLast_ = Stopwatch();
+    }
+    double LongestGap() const { return longest_; }
+
+  private:
+    Stopwatch sinceLast_;
+    double longest_ = 0;
+};
+
+// A program with this machine's back ends whose data folder is `dataFolder`; its settings lie in a folder
+// that goes with it.
+class Bench {
+  public:
+    explicit Bench(const fs::path& dataFolder) : settings_(MakeFolder()) {
+        setenv("XDG_CONFIG_HOME", settings_.c_str(), 1);
+        setenv("XDG_DATA_HOME", settings_.c_str(), 1);
+        system_ = std::make_unique<LinuxSystem>();
+        program = std::make_unique<Program>(system_->PortsWith(events, boxes_, screen_), Locale());
+        program->settings.SetReg("DataPath", fs::absolute(dataFolder).string());
+        if (program->language.LoadLanguageChoices()) program->language.UseLanguage("ENG");
+        program->LoadRecords();
+    }
+    ~Bench() {
+        program.reset();
+        system_.reset();
+        std::error_code ignored;
+        fs::remove_all(settings_, ignored);
+    }
+    Bench(const Bench&) = delete;
+    Bench& operator=(const Bench&) = delete;
+
+    WatchedEvents events;
+    std::unique_ptr<Program> program;
+
+  private:
+    static fs::path MakeFolder() {
+        std::string folder = (fs::temp_directory_path() / "korvalin-bench-XXXXXX").string();
+        if (mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        return folder;
+    }
+
+    fs::path settings_;
+    ConsoleMessageBoxes boxes_;
+    NoScreen screen_;
+    std::unique_ptr<LinuxSystem> system_;
+};
+
+std::uint64_t PeakBytes() {
+    constexpr std::uint64_t unit = 1024;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<std::uint64_t>(usage.ru_maxrss) * unit;
+}
+
+// The gap also counts from the beginning to the first look at the events, and from the last one to the end.
+nlohmann::json Load(const fs::path& folder) {
+    Bench bench(folder);
+    StatRecords records;
+    bench.events.Restart();
+    const Stopwatch watch;
+    const std::int32_t count = bench.program->statFile.LoadStatFile(records, false);
+    const double milliseconds = watch.Milliseconds();
+    bench.events.ProcessPending();
+    return {{"milliseconds", milliseconds},
+            {"longest_gap_milliseconds", bench.events.LongestGap()},
+            {"peak_bytes", PeakBytes()},
+            {"records", count}};
+}
+
+nlohmann::json Sums(const fs::path& folder) {
+    const Bench bench(folder);
+    StatRecords records;
+    StatRecords sums;
+    const std::int32_t count = bench.program->statFile.LoadStatFile(records, false);
+    const Stopwatch watch;
+    bench.program->periodSums.CalcStatSums(records, SumPeriod::Day, sums);
+    return {{"milliseconds", watch.Milliseconds()},
+            {"peak_bytes", PeakBytes()},
+            {"records", count},
+            {"sums", sums.List.size()}};
+}
+
+nlohmann::json Record(const fs::path& folder, std::size_t count) {
+    const Bench bench(folder);
+    LineRecord& line = bench.program->lines.PreviousLineTable(1);
+    StatGenerator generator(count);
+    std::vector<double> times;
+    for (std::size_t i = 0; i < count; ++i) {
+        const StatFields fields = generator.Next();
+        line.EntryName = fields.LineName;
+        line.LogIn = fields.LogIn;
+        line.Duration = fields.Duration;
+        line.BytesReceived = fields.BytesReceived;
+        line.BytesTransmitted = fields.BytesTransmitted;
+        line.User = fields.User;
+        const Stopwatch watch;
+        bench.program->recorder.SaveStatsLine(CloseReason::LineEnded, 1);
+        times.push_back(watch.Milliseconds());
+    }
+    std::sort(times.begin(), times.end());
+    return {{"median_milliseconds", times.at(count / 2)},
+            {"maximum_milliseconds", times.back()},
+            {"records", count}};
+}
+
+nlohmann::json Generate(const fs::path& file, std::size_t count, RecordOrder order) {
+    WriteStatistics(file, count, order);
+    return {{"records", count}, {"bytes", fs::file_size(file)}};
+}
+
+constexpr const char* usage = "statbench generate N FILE [shuffled]\n"
+                              "statbench load FOLDER\n"
+                              "statbench sums FOLDER\n"
+                              "statbench record FOLDER N\n";
+
+nlohmann::json Run(const std::vector<std::string>& words) {
+    const std::string command = words.empty() ? "" : words[0];
+    const auto count = [&](std::size_t word) { return std::stoul(words.at(word)); };
+    if (command == "generate") {
+        const bool shuffled = words.size() > 3 && words[3] == "shuffled";
+        return Generate(words.at(2), count(1), shuffled ? RecordOrder::Shuffled : RecordOrder::ByEnd);
+    }
+    if (command == "load") return Load(words.at(1));
+    if (command == "sums") return Sums(words.at(1));
+    if (command == "record") return Record(words.at(1), count(2));
+    throw std::invalid_argument(usage);
+}
+
+} // namespace
+} // namespace korvalin
+
+int main(int argc, char** argv) {
+    try {
+        std::cout << korvalin::Run({argv + 1, argv + argc}) << "\n";
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << "\n";
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,39 @@
+#include "cli/RecordCommand.h"
+
+#include "platform/linux/TerminationSignals.h"
+#include "startup/Program.h"
+
+#include <fmt/format.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <poll.h>
+
+namespace korvalin {
+namespace {
+
+// The signal that arrived within the time; 0 when there was none.
+int AwaitSignal(const TerminationSignals& signals, int milliseconds) {
+    pollfd waiting{signals.Get(), POLLIN, 0};
+    return poll(&waiting, 1, milliseconds) > 0 ? signals.Take() : 0;
+}
+
+} // namespace
+
+int RecordUntilSignal(Program& program, const TerminationSignals& signals) {
+    if (!program.recorder.TakeOver()) {
+        fmt::print(stderr, "Another program records into {}\n", program.dataFolder.GetDataPath().string());
+        return EXIT_FAILURE;
+    }
+    program.LoadRecords();
+    SamplingLoop& loop = program.samplingLoop;
+    int signal = 0;
+    while (signal == 0) {
+        loop.TimerMain_Timer();
+        signal = AwaitSignal(signals, loop.MillisecondsToNextStep());
+    }
+    program.recorder.SaveStatsLine(signal == SIGTERM ? CloseReason::SystemEnd : CloseReason::TaskManager, 0);
+    return EXIT_SUCCESS;
+}
+
+} // namespace korvalin

@@ -1,0 +1,81 @@
+#include "cli/StatisticsCommands.h"
+
+#include "base/Text.h"
+#include "startup/Program.h"
+
+#include <fmt/format.h>
+
+namespace korvalin {
+namespace {
+
+bool Matches(const StatRecord& record, const RecordFilter& filter) {
+    const Date day = DayOf(record.End());
+    return (filter.Alias.empty() || EqualsNoCase(record.Alias, filter.Alias)) &&
+           (!filter.From || day >= *filter.From) && (!filter.Till || day <= *filter.Till);
+}
+
+} // namespace
+
+void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format) {
+    StatRecords records;
+    program.statFile.LoadStatFile(records, false);
+    Output output(format, {{"fileIndex", -9},
+                           {"lineName", 16},
+                           {"alias", 16},
+                           {"logIn", 19},
+                           {"logOut", 19},
+                           {"durationSeconds", -15},
+                           {"bytesReceived", -16},
+                           {"bytesTransmitted", -16},
+                           {"info", 40},
+                           {"user", 0}});
+    for (const StatRecord& record : records.List) {
+        if (!Matches(record, filter)) continue;
+        output.Row({NumberCell(record.FileIndex), TextCell(record.LineName), TextCell(record.Alias),
+                    DateTimeCell(record.LogIn), DateTimeCell(record.LogOut), SecondsCell(record.Duration),
+                    NumberCell(record.BytesReceived), NumberCell(record.BytesTransmitted),
+                    TextCell(record.Info), TextCell(record.User)});
+    }
+}
+
+void PrintSums(Program& program, SumPeriod period, const std::string& alias, OutputFormat format) {
+    program.LoadRecords(); // the user's volume unit, by which volumes are rounded
+    StatRecords records;
+    StatRecords sums;
+    program.statFile.LoadStatFile(records, false);
+    program.periodSums.CalcStatSums(records, period, sums);
+    Output output(format, {{"alias", 16},
+                           {"periodBegin", 11},
+                           {"periodEnd", 10},
+                           {"label", 25},
+                           {"connections", -11},
+                           {"durationSeconds", -15},
+                           {"durationRoundedSeconds", -22},
+                           {"bytesReceived", -16},
+                           {"bytesTransmitted", -16},
+                           {"volumeRounded", -16}});
+    for (const StatRecord& sum : sums.List) {
+        if (!alias.empty() && !EqualsNoCase(sum.Alias, alias)) continue;
+        output.Row({TextCell(sum.Alias), DateCell(sum.StatPeriodBegin), DateCell(sum.StatPeriodEnd),
+                    TextCell(sum.PeriodLabel), NumberCell(sum.ConnCount), SecondsCell(sum.Duration),
+                    SecondsCell(sum.DurationRounded), NumberCell(sum.BytesReceived),
+                    NumberCell(sum.BytesTransmitted), NumberCell(sum.VolumeRounded)});
+    }
+}
+
+void RepairStatistics(Program& program) {
+    StatRecords records;
+    const int count = program.statFile.LoadStatFile(records, true);
+    const LoadReport& report = program.statFile.Report();
+    fmt::print("{}: {} records\n", program.statFile.StatFilePath().string(), count);
+    if (report.Converted)
+        fmt::print("converted from the file of an older release, which stays where it is\n");
+    fmt::print("merged: {}\ndropped: {}\n", report.Merged, report.Dropped);
+    if (!report.Backup.empty()) {
+        fmt::print("rewritten; the old file is {}\n", report.Backup.string());
+    } else if (report.NeedsRepair()) {
+        fmt::print("not rewritten: another program holds the file, or it cannot be written\n");
+    }
+}
+
+} // namespace korvalin
