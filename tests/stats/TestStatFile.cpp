@@ -66,6 +66,13 @@ TEST_F(StatFileTest, DropsWhatIsNoRecordAndNumbersTheRest) {
     EXPECT_TRUE(records.List.empty());
 }
 
+TEST_F(StatFileTest, SortsALongFileAsAWhole) {
+    const std::string half = Apart(5000);
+    EXPECT_EQ(Load(ReplaceAll(half, "eth0", "wlan0") + half), 10'000);
+    EXPECT_EQ(Stored(), half + ReplaceAll(half, "eth0", "wlan0"));
+    EXPECT_EQ(records.List.front().FileIndex, 5001);
+}
+
 TEST_F(StatFileTest, ConvertsTheFileOfOlderReleasesOnce) {
     locale.ShortDate = "dd.mm.yyyy";
     locale.DecimalMark = ",";
