@@ -7,6 +7,7 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -285,6 +286,16 @@ class Tray(unittest.TestCase):
         host.tell("activate")
         rig.wait_for(self.main_window, "the window")
         self.assertIn("Exit", host.tell("menu"))
+
+    def test_a_host_that_hangs_holds_nobody_up(self):
+        self.session_bus()
+        host = self.host(NotifierHost(self.home.env))
+        host.process.send_signal(signal.SIGSTOP)
+        self.start()
+        rig.wait_for(self.main_window, "the window", seconds=4)
+        time.sleep(6)  # longer than anyone waits for the answer
+        host.process.send_signal(signal.SIGCONT)
+        rig.wait_for(host.item, "the icon")
 
     def test_a_hidden_start_with_a_host_never_shows_the_window(self):
         self.session_bus()

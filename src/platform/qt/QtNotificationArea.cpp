@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QSystemTrayIcon>
+#include <QTextDocument>
 
 namespace korvalin {
 namespace {
@@ -30,6 +31,8 @@ TrayHost QtNotificationArea::FindHost() {
     const bool mayCome = notifier == StatusNotifierHost::State::Unasked ||
                          (notifier == StatusNotifierHost::State::Expected && looks_ < patience);
     if (mayNotify && mayCome) return TrayHost::Unknown;
+    // The toolkit would ask it too, and wait for the answer.
+    if (mayNotify && notifier == StatusNotifierHost::State::Silent) return TrayHost::Absent;
     return embedHost_.IsThere() ? TrayHost::Present : TrayHost::Absent;
 }
 
@@ -73,7 +76,11 @@ void QtNotificationArea::SetIcon(const QIcon& icon) {
 }
 
 void QtNotificationArea::SetTip(const std::string& tip) {
-    if (icon_ != nullptr) icon_->setToolTip(QString::fromStdString(tip));
+    if (icon_ == nullptr) return;
+    const QString text = QString::fromStdString(tip);
+    // The toolkit shows this one itself, and would take a name like "<b>" for markup.
+    const bool looksLikeMarkup = protocol_ == Protocol::XEmbed && Qt::mightBeRichText(text);
+    icon_->setToolTip(looksLikeMarkup ? Qt::convertFromPlainText(text) : text);
 }
 
 std::vector<int> QtNotificationArea::IconSizes() const {
