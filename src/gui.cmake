@@ -27,6 +27,10 @@ add_library(korvalin_gui STATIC
   platform/qt/StatusNotifierHost.cpp
   platform/qt/WaitingMessage.cpp
   platform/qt/XEmbedHost.cpp
+  stats/StatTableModel.cpp
+  stats/TariffEditor.cpp
+  stats/frmStatistik.cpp
+  stats/frmStatistik.ui
   startup/Desktop.cpp
   startup/EndRequests.cpp)
 set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTORCC ON AUTOUIC ON)

@@ -1,0 +1,295 @@
+#include "fakes/CoreFixture.h"
+#include "stats/frmStatistik.h"
+
+using namespace korvalin;
+
+namespace {
+
+const char* const file = "\"Line1\",#2004-12-31 22:22:22#,#01:23:45#,1000000,2500000,\"one\",\"user1\"\r\n"
+                         "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"two\",\"\"\r\n"
+                         "\"Line2\",#2005-01-11 10:00:00#,#36:05:07#,0,1,\"bad\",\"\"\r\n"
+                         "\"Line2\",#2005-02-01 00:00:00#,#00:00:30#,0,5000000,\"three\",\"\"\r\n"
+                         "\"Line3\",#2005-01-31 23:59:00#,#00:00:59#,10,20,\"four\",\"\"\r\n";
+
+class Statistics : public CoreFixture {
+  protected:
+    Statistics() {
+        screen.Size = screen.Mode = ScreenSize{800, 800};
+        clock.SetWallClock(DateSerial(2005, 2, 10) + TimeSerial(12, 0, 0));
+        for (const auto& [line, alias] : {std::pair("Line1", "Home"), {"Line2", "Mobile"}, {"Line3", "Mobile"}})
+            settings.SetReg(std::string(line) + "_Alias", std::string(alias));
+        settings.SetReg("Stat_Dimension", std::string("KB"));
+    }
+    ~Statistics() override { window.reset(); }
+
+    void Open(const std::string& content = file) {
+        if (!program) {
+            ASSERT_TRUE(StartProgram());
+            folder.Write("data/Korvalin/Korvalin_Stats.db", content);
+            program->LoadStatistics();
+        }
+        window = std::make_unique<frmStatistik>(frmStatistik::Parts{
+            settings, program->language, program->errors, boxes, program->statFile, program->aliases,
+            program->monthSums, program->periodSums, clock, program->locale});
+        window->Plug([this](QWidget*, const QString&, const QString&) { return savePath; });
+        window->Open();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QWidget>("SSTab")->isEnabled() && Rows().size() > 0; }));
+    }
+    template <typename T>
+    T* Find(const char* name) {
+        return window->findChild<T*>(QString::fromLatin1(name));
+    }
+    QTableView* List(const char* name = "ListStats") { return Find<QTableView>(name); }
+    QAction* Item(const char* name) { return Find<QAction>(name); }
+    void Page(int index) { Find<QTabWidget>("SSTab")->setCurrentIndex(index); }
+    std::string Cell(int row, int column, const char* list = "ListStats") {
+        return List(list)->model()->index(row, column).data().toString().toStdString();
+    }
+    // One column of the list, cell by cell.
+    Lines Rows(int column = 7, const char* list = "ListStats") {
+        Lines cells;
+        for (int row = 0; row < List(list)->model()->rowCount(); ++row)
+            cells.push_back(Cell(row, column, list));
+        return cells;
+    }
+    void Select(const std::vector<int>& rows) {
+        List()->clearSelection();
+        for (const int row : rows)
+            List()->selectionModel()->select(List()->model()->index(row, 0),
+                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+    std::vector<int> Selected() {
+        std::vector<int> rows;
+        for (const QModelIndex& index : List()->selectionModel()->selectedRows())
+            rows.push_back(index.row());
+        std::sort(rows.begin(), rows.end());
+        return rows;
+    }
+    void ChooseIn(const char* combo, const char* text) {
+        auto* box = Find<QComboBox>(combo);
+        const int index = box->findText(QString::fromUtf8(text));
+        ASSERT_GE(index, 0) << text;
+        box->setCurrentIndex(index);
+        emit box->activated(index);
+    }
+    void Type(QLineEdit* edit, const char* text) {
+        edit->setFocus();
+        edit->selectAll();
+        QTest::keyClicks(edit, QString::fromUtf8(text));
+        QTest::keyClick(edit, Qt::Key_Return);
+    }
+    std::string StatFileText() const { return folder.Read("data/Korvalin/Korvalin_Stats.db"); }
+    std::size_t Backups() const {
+        std::size_t count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(folder / "data/Korvalin"))
+            count += entry.path().filename().string().starts_with("Korvalin_Stats.db_") ? 1 : 0;
+        return count;
+    }
+
+    QString savePath;
+    std::unique_ptr<frmStatistik> window;
+};
+
+TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
+    Open();
+    EXPECT_EQ(Rows(), (Lines{"one", "two", "three", "four"})) << "the damaged line is none";
+    EXPECT_EQ(Cell(0, 0) + "|" + Cell(0, 1) + "|" + Cell(0, 2) + "|" + Cell(0, 3),
+              "Home|2004-12-31 22:22:22|1:23:45|2004-12-31 23:46:07");
+    EXPECT_EQ(Cell(0, 4) + "|" + Cell(0, 5) + "|" + Cell(0, 6), "1,000.00 KB|2,500.00 KB|3,500.00 KB");
+    EXPECT_TRUE(List()->isColumnHidden(8)) << "the position in the file is not for display";
+    EXPECT_EQ(Rows(1, "ListStatsSum"),
+              (Lines{"2004-12-31 Fri", "2005-02-01 Tue", "2005-01-31 Mon", "2005-01-10 Mon"}));
+
+    ChooseIn("cboFilter", "Mobile");
+    EXPECT_EQ(Rows(), (Lines{"two", "three", "four"}));
+    EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile", "Mobile", "Mobile"}));
+    EXPECT_EQ(settings.GetText("Z_StatFilter"), "Mobile");
+    ChooseIn("cboKBMB", "MB");
+    EXPECT_EQ(Cell(1, 5), "5.00 MB");
+    EXPECT_EQ(settings.GetText("Stat_Dimension"), "MB");
+    Page(2);
+    QTest::mouseClick(Find<QRadioButton>("optStatSum2"), Qt::LeftButton);
+    EXPECT_EQ(Rows(1, "ListStatsSum"), (Lines{"February 2005", "January 2005"}));
+    EXPECT_EQ(Rows(2, "ListStatsSum"), (Lines{"1", "2"}));
+    EXPECT_EQ(settings.GetNumber("z_optStatSum"), 2);
+    ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
+    QEvent changed(QEvent::LanguageChange);
+    QCoreApplication::sendEvent(window.get(), &changed);
+    EXPECT_EQ(List()->model()->headerData(5, Qt::Horizontal).toString(), QStringLiteral("Empfangen"));
+    EXPECT_EQ(Rows(), (Lines{"two", "three", "four"})) << "the filter stays";
+}
+
+TEST_F(Statistics, AHeaderSortsAndTheCurrentRowStays) {
+    Open();
+    List()->setCurrentIndex(List()->model()->index(2, 0)); // "three"
+    auto* header = List()->horizontalHeader();
+    const auto clickHeader = [&](int column) {
+        const QPoint at(header->sectionViewportPosition(column) + 10, header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    };
+    clickHeader(5);
+    EXPECT_EQ(Rows(), (Lines{"four", "two", "one", "three"}));
+    EXPECT_EQ(List()->currentIndex().row(), 3);
+    clickHeader(5);
+    EXPECT_EQ(Rows(), (Lines{"three", "one", "two", "four"}));
+    ChooseIn("cboFilter", "Mobile");
+    EXPECT_EQ(Rows(), (Lines{"three", "two", "four"})) << "sorted as before";
+    EXPECT_EQ(Cell(List()->currentIndex().row(), 7), "three");
+}
+
+TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
+    Open();
+    Item("mnuSelectAll")->trigger();
+    EXPECT_EQ(Selected().size(), 4U);
+    Item("mnuSelectNone")->trigger();
+    EXPECT_TRUE(Selected().empty());
+    List()->setCurrentIndex(List()->model()->index(1, 0));
+    Item("mnuSelectMonth")->trigger();
+    EXPECT_EQ(Selected(), (std::vector<int>{1, 3})) << "January 2005, its end not counted";
+    Select({1, 0});
+    Item("mnuCopy")->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
+              "Alias\tConnected\tDuration\tDisconnected\tSent\tReceived\tTotal\tNote\t\r\n"
+              "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n"
+              "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\ttwo\t\r\n");
+}
+
+TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
+    Open();
+    const std::string before = StatFileText();
+    Select({1});
+    boxes.Answers = {MessageAnswer::Cancel};
+    Item("mnuDelete")->trigger();
+    EXPECT_NE(boxes.Take().Text.find("selected record"), std::string::npos);
+    EXPECT_EQ(StatFileText(), before);
+    EXPECT_EQ(Rows().size(), 4U);
+
+    // A connection that ended after the window was opened must not be lost.
+    const std::string appended = "\"Line9\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n";
+    std::ofstream(folder / "data/Korvalin/Korvalin_Stats.db", std::ios::app | std::ios::binary) << appended;
+    Select({0, 2, 3});
+    boxes.Answers = {MessageAnswer::Yes};
+    Item("mnuDelete")->trigger();
+    EXPECT_EQ(boxes.Take().Text.substr(0, 17), "Total 3 records a");
+    EXPECT_EQ(Rows(), (Lines{"two"}));
+    EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile"}));
+    EXPECT_EQ(StatFileText(), "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"two\",\"\"\r\n" + appended);
+    EXPECT_EQ(Backups(), 2U) << "one of the repair at the start";
+}
+
+TEST_F(Statistics, ADeletionThatFailsSaysSoAndLosesNothing) {
+    struct {
+        const char* Case;
+        std::function<void()> Break;
+        const char* Message;
+    } const rows[] = {
+        {"held", [&] { files.Held = true; }, "Another program is using"},
+        {"full", [&] { files.DiskFull = true; }, "could not be written"},
+        {"replaced", [&] { folder.Write("data/Korvalin/Korvalin_Stats.db", "short"); }, "has changed"},
+    };
+    Open();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.Case);
+        files.Held = files.DiskFull = false;
+        row.Break();
+        const std::string before = StatFileText();
+        Select({0});
+        boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
+        clock.Advance(10);
+        Item("mnuDelete")->trigger();
+        boxes.Take(); // the question
+        EXPECT_NE(boxes.Take().Text.find(row.Message), std::string::npos);
+        EXPECT_EQ(StatFileText(), before);
+        EXPECT_EQ(Rows().size(), 4U);
+    }
+    files.DiskFull = false;
+}
+
+TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
+    Open();
+    Page(2);
+    ChooseIn("cboLines", "Line2");
+    EXPECT_EQ(settings.GetText("Z_StatLineChosen"), "Line2");
+    EXPECT_EQ(Find<QLineEdit>("txtAlias")->text(), QStringLiteral("Mobile"));
+    Type(Find<QComboBox>("cboFreeVolume")->lineEdit(), "2000000");
+    EXPECT_EQ(settings.GetNumber("Mobile_FreeVolume"), 10000) << "corrected";
+    EXPECT_EQ(Find<QComboBox>("cboFreeVolume")->currentText(), QStringLiteral("10000"));
+    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).FreeBytes, 1e10);
+    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, 7e6) << "5 MB and nothing, each rounded up";
+    QTest::mouseClick(Find<QCheckBox>("boxUp1MB"), Qt::LeftButton, {}, QPoint(8, 8));
+    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, 5e6);
+    QTest::mouseClick(Find<QCheckBox>("boxTrayVolumeLine"), Qt::LeftButton, {}, QPoint(8, 8));
+    EXPECT_TRUE(program->monthSums.UseOf("Line2", 0).TrayVol);
+    ChooseIn("cboMonthStartDay", "5");
+    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, 0) << "the period began on the fifth";
+    ChooseIn("cboRoundSeconds", "60");
+    EXPECT_EQ(Cell(3, 7, "ListStatsSum"), "6:00");
+
+    Type(Find<QLineEdit>("txtAlias"), "  Travel ");
+    EXPECT_EQ(settings.GetText("Line2_Alias"), "Travel");
+    EXPECT_EQ(settings.GetNumber("Travel_FreeVolume"), 10000) << "inherited";
+    EXPECT_EQ(Rows(0), (Lines{"Home", "Travel", "Travel", "Mobile"}));
+    ChooseIn("cboLines", "Line3");
+    Type(Find<QLineEdit>("txtAlias"), "Home");
+    EXPECT_EQ(settings.GetNumber("Home_FreeVolume"), 0) << "a line that joins an alias takes its tariff";
+}
+
+TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
+    Open();
+    savePath = QString::fromStdString((folder / "out").string());
+    Item("mnuExportTXT")->trigger();
+    const std::string text = folder.Read("out");
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5) << "a header and all rows";
+    Select({1});
+    Item("mnuExportHTML")->trigger();
+    const std::string page = folder.Read("out");
+    EXPECT_NE(page.find("<td>two</td>"), std::string::npos);
+    EXPECT_EQ(page.find("<td>one</td>"), std::string::npos);
+    EXPECT_NE(page.find("All aliases, 2004-12-31 - 2005-02-01, KB"), std::string::npos);
+    EXPECT_EQ(page.find("<svg"), std::string::npos);
+    Page(1);
+    Item("mnuExportHTML")->trigger();
+    EXPECT_NE(folder.Read("out").find("<svg"), std::string::npos) << "with the graph";
+    savePath = QString::fromStdString((folder / "missing/out").string());
+    Item("mnuExportTXT")->trigger();
+    EXPECT_NE(boxes.Take().Text.find("missing/out"), std::string::npos);
+}
+
+TEST_F(Statistics, ComesBackWhereItWasLeft) {
+    Open();
+    window->setGeometry(50, 60, 700, 500);
+    ChooseIn("cboFilter", "Home");
+    window->close();
+    EXPECT_EQ(settings.GetNumber("STATS_Width"), 700 * TwipsPerPixel);
+    window.reset();
+    Open();
+    EXPECT_EQ(window->geometry(), QRect(50, 60, 700, 500));
+    EXPECT_EQ(Rows(), (Lines{"one"}));
+    window->showMaximized();
+    window->close();
+    EXPECT_EQ(settings.GetNumber("STATS_State"), 2);
+    EXPECT_EQ(settings.GetNumber("STATS_Width"), 700 * TwipsPerPixel) << "its size when it is not";
+}
+
+TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
+    std::string content;
+    for (int i = 0; i < 5000; ++i)
+        content += file;
+    ASSERT_TRUE(StartProgram());
+    folder.Write("data/Korvalin/Korvalin_Stats.db", content);
+    Open(content);
+    int pauses = 0;
+    events.OnProcessPending = [&] {
+        if (++pauses != 5) return;
+        EXPECT_TRUE(Find<QProgressBar>("prgLoading")->isVisible());
+        EXPECT_GT(Find<QProgressBar>("prgLoading")->value(), 5);
+        EXPECT_FALSE(Find<QTabWidget>("SSTab")->isEnabled());
+        Find<QPushButton>("cmdCancel")->click();
+    };
+    window->close();
+    window->Open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return pauses == 5 && !window->isVisible(); }));
+    EXPECT_TRUE(Rows().empty());
+}
+
+} // namespace
