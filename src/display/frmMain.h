@@ -52,12 +52,14 @@ class frmMain : public QWidget, public MonitorWindow {
         std::function<TrayUse()> PeriodUse = [] { return TrayUse(); };
         /// Number of entries in the phone book.
         std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
+        /// Opens the statistics window; its menu entry is hidden while nobody does.
+        std::function<void()> OpenStatistics;
     };
 
     explicit frmMain(const Parts& parts);
     ~frmMain() override;
 
-    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
+    void Plug(Hooks hooks);
 
     /// Puts texts, place and modes on the window, shows it as the settings want and starts the timer.
     void Form_Load();

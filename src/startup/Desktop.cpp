@@ -15,6 +15,7 @@
 #include "platform/qt/QtScreen.h"
 #include "startup/EndRequests.h"
 #include "startup/Program.h"
+#include "stats/frmStatistik.h"
 
 #include <QApplication>
 #include <QLocale>
@@ -77,13 +78,23 @@ int RunDesktop(int argc, char** argv) {
     if (!program.Main()) return EXIT_SUCCESS;
     system.TellNotes(program.errors);
 
+    std::unique_ptr<frmStatistik> statistics; // made when it is first wanted
+    const auto openStatistics = [&] {
+        if (!statistics) {
+            statistics = std::make_unique<frmStatistik>(frmStatistik::Parts{
+                program.settings, program.language, program.errors, messageBoxes, program.statFile,
+                program.aliases, program.monthSums, program.periodSums, system.SystemTime(), program.locale});
+        }
+        statistics->Open();
+    };
     QtNotificationArea tray;
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale, tray, messageBoxes});
     // Dialling is not there yet: the phone book is empty.
     window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
-                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }});
+                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; },
+                 openStatistics});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
