@@ -55,7 +55,7 @@ class StatFaults : public StatsFixture {
 };
 
 TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
-    const std::string clean = NumberedUpTo(5000);
+    const std::string clean = NumberedUpTo(2000);
     const std::string damaged = "damaged\r\n" + clean + "damaged\r\n\r\n" + NumberedUpTo(10);
     const auto repair = [&] { stats.LoadStatFile(records, true); };
     const auto begin = Clock::now();
@@ -76,7 +76,7 @@ TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
         const std::string left = File();
         ASSERT_TRUE(left == damaged || left == clean) << "half a file";
         ASSERT_TRUE(left == damaged || Backups() == Lines{damaged}) << "the old file is gone";
-        ASSERT_EQ(stats.LoadStatFile(records, true), 5000);
+        ASSERT_EQ(stats.LoadStatFile(records, true), 2000);
         ASSERT_EQ(Stored(), clean);
         ASSERT_EQ(File(), clean);
         ASSERT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
@@ -135,16 +135,15 @@ TEST_F(StatFaults, NothingAppendedDuringRepairsIsLost) {
     });
     pollfd end{done.ReadEnd(), POLLIN, 0};
     int repairs = 0;
-    while (poll(&end, 1, 0) == 0) {
+    do {
         ASSERT_TRUE(posix.Append(folder / "Korvalin_Stats.db", "damaged\r\n"));
         clock.Advance(1);
         stats.LoadStatFile(records, true);
         if (!stats.Report().Backup.empty()) ++repairs;
-    }
+    } while (poll(&end, 1, 0) == 0 || repairs == 0);
     recorder.Finish();
     EXPECT_EQ(stats.LoadStatFile(records, false), count);
     EXPECT_EQ(Stored(), NumberedUpTo(count));
-    EXPECT_GT(repairs, 0);
 }
 
 TEST_F(StatFaults, AFileThatShrinksWhileItIsReadIsNotRewritten) {
