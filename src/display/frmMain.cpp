@@ -107,7 +107,6 @@ void frmMain::ApplyTexts() {
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
-    parts_.Tray.LookForHost();
     if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
 }
 
