@@ -135,16 +135,15 @@ TEST_F(StatFaults, NothingAppendedDuringRepairsIsLost) {
     });
     pollfd end{done.ReadEnd(), POLLIN, 0};
     int repairs = 0;
-    while (poll(&end, 1, 0) == 0) {
+    do {
         ASSERT_TRUE(posix.Append(folder / "Korvalin_Stats.db", "damaged\r\n"));
         clock.Advance(1);
         stats.LoadStatFile(records, true);
         if (!stats.Report().Backup.empty()) ++repairs;
-    }
+    } while (poll(&end, 1, 0) == 0 || repairs == 0);
     recorder.Finish();
     EXPECT_EQ(stats.LoadStatFile(records, false), count);
     EXPECT_EQ(Stored(), NumberedUpTo(count));
-    EXPECT_GT(repairs, 0);
 }
 
 TEST_F(StatFaults, AFileThatShrinksWhileItIsReadIsNotRewritten) {
