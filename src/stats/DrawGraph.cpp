@@ -123,10 +123,12 @@ class Drawing {
     }
 
     void DrawValues() {
+        // Below one unit a bar needs a decimal more than the grid.
+        const int decimals = scale_.Decimals > 0 ? scale_.Decimals + 1 : 0;
         ForTextsWithRoom(
             [&](const PeriodVolume& period) {
                 const double bytes = ShownVolume(period, view_.Send, view_.Received);
-                return bytes > 0 ? VolumeText(bytes, view_, scale_, locale_) : std::string();
+                return bytes > 0 ? VolumeText(bytes, view_, decimals, locale_) : std::string();
             },
             [&](double centre, const std::string& text) {
                 canvas_.PrintUpwards(centre, valueDistance, text, TextAnchor::Start);
@@ -152,8 +154,7 @@ std::optional<GraphScale> ScaleOf(const PeriodGraph& graph, const GraphView& vie
     return view.FixedTop > 0 ? ScaleOfTop(view.FixedTop) : ScaleFor(maximum);
 }
 
-std::string VolumeText(double bytes, const GraphView& view, const GraphScale& scale, const Locale& locale) {
-    const int decimals = scale.Decimals > 0 ? scale.Decimals + 1 : 0;
+std::string VolumeText(double bytes, const GraphView& view, int decimals, const Locale& locale) {
     return ScaleText(bytes / view.UnitBytes, decimals, locale) + " " + view.UnitName;
 }
 

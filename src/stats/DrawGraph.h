@@ -29,8 +29,8 @@ bool HasGraph(const PeriodGraph& graph, const GraphView& view);
 /// The scale of a graph; nullopt when its largest volume is beyond every scale.
 std::optional<GraphScale> ScaleOf(const PeriodGraph& graph, const GraphView& view);
 
-/// The value texts of a scale have whole numbers; below one unit those of bars a decimal more than its grid.
-std::string VolumeText(double bytes, const GraphView& view, const GraphScale& scale, const Locale& locale);
+/// A volume in the view's unit.
+std::string VolumeText(double bytes, const GraphView& view, int decimals, const Locale& locale);
 
 /// Draws a graph on an empty canvas. Bars beyond the scale's top run just above it. Texts that would touch
 /// the one before are left out, and so are marks of periods too dense to tell them apart.

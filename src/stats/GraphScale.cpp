@@ -54,16 +54,16 @@ double GridDivisor(double leadingDigits) {
     return 0;
 }
 
-int DecimalsOf(double step) {
-    constexpr int most = 12;
-    int decimals = 0;
-    while (decimals < most &&
-           std::abs(std::round(TimesPowerOfTen(step, decimals)) - TimesPowerOfTen(step, decimals)) > 1e-6)
-        ++decimals;
-    return decimals;
-}
-
 } // namespace
+
+int DecimalsOf(double value) {
+    constexpr int most = 12;
+    for (int decimals = 0; decimals < most; ++decimals) {
+        const double scaled = TimesPowerOfTen(value, decimals);
+        if (std::abs(scaled - std::round(scaled)) <= scaled * tolerance) return decimals;
+    }
+    return most;
+}
 
 double RoundTop(double value) {
     const int exponent = ExponentOf(value);

@@ -31,6 +31,9 @@ double RoundTop(double value);
 /// has no scale.
 std::vector<double> RoundTopsAround(double maximum);
 
+/// The decimals that a value needs, at most 12.
+int DecimalsOf(double value);
+
 /// A value of a scale as text, thousands grouped.
 std::string ScaleText(double value, int decimals, const Locale& locale);
 
