@@ -32,7 +32,10 @@ add_library(korvalin_gui STATIC
   stats/frmStatistik.cpp
   stats/frmStatistik.ui
   startup/Desktop.cpp
-  startup/EndRequests.cpp)
+  startup/EndRequests.cpp
+  stats/GraphPage.cpp
+  stats/GraphPage.ui
+  stats/PictureCanvas.cpp)
 set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTORCC ON AUTOUIC ON)
 target_compile_definitions(korvalin_gui PUBLIC QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
                                                QT_NO_URL_CAST_FROM_STRING QT_STRICT_ITERATORS)

@@ -167,6 +167,13 @@ Date DayOf(Date date) {
     return std::floor(date);
 }
 
+int WeekdayOf(Date date) {
+    constexpr int daysPerWeek = 7;
+    // Day 0 of the calendar was a Saturday.
+    const double weekday = std::fmod(DayOf(date) - 1, daysPerWeek);
+    return static_cast<int>(weekday < 0 ? weekday + daysPerWeek : weekday);
+}
+
 Date RoundToSecond(Date date) {
     return std::round(date * SecondsPerDay) / SecondsPerDay;
 }

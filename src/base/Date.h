@@ -33,6 +33,9 @@ DateParts SplitDate(Date date);
 /// The date without its time of day.
 Date DayOf(Date date);
 
+/// 0 is Sunday, 6 Saturday.
+int WeekdayOf(Date date);
+
 /// The date-time at the nearest whole second: what sums of moments and spans lose in the last bit is
 /// restored.
 Date RoundToSecond(Date date);

@@ -52,7 +52,9 @@ std::string FormatNumber(double value, std::string_view pattern, const Locale& l
     const std::size_t decimals = point == std::string_view::npos ? 0 : pattern.size() - point - 1;
     // printf rounds the exact binary value; nudging by half a unit in the 15th digit gives what the decimal
     // digits shown to a person suggest (0.05 is 0.1, not 0.0).
-    const std::string plain = fmt::format("{:.{}f}", std::abs(value) * (1 + 1e-15), decimals);
+    constexpr double noSuchHalves = 1e14; // from here on the nudge would be a number that is shown
+    const double nudge = std::abs(value) < noSuchHalves ? 1e-15 : 0;
+    const std::string plain = fmt::format("{:.{}f}", std::abs(value) * (1 + nudge), decimals);
     std::string whole = plain.substr(0, plain.find('.'));
     if (pattern.find(',') != std::string_view::npos) InsertGrouping(whole, locale.GroupingMark);
     std::string text = whole;

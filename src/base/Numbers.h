@@ -20,7 +20,7 @@ std::optional<std::int32_t> ParseWholeNumber(std::string_view text);
 /// Rounds halves to the nearest even integer.
 double RoundToEven(double value);
 
-/// Formats with one of the patterns "0", "0.0", "0.00", "#,##0", "#,##0.0", "#,##0.00": as many decimals as
+/// Formats with a pattern such as "0", "0.0", "0.00", "#,##0", "#,##0.0", "#,##0.00": as many decimals as
 /// zeros after the point, thousands grouped when the pattern contains a comma. Halves are rounded away from
 /// zero.
 std::string FormatNumber(double value, std::string_view pattern, const Locale& locale);

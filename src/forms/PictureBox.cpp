@@ -38,19 +38,20 @@ PictureBox::~PictureBox() {
 // ---- the image
 
 // The image follows the widget's size and its screen's resolution, which changes when a window moves to
-// another screen.
-void PictureBox::EnsureImage() {
+// another screen. True when there is a new one.
+bool PictureBox::EnsureImage() {
     const double ratio = devicePixelRatioF();
     const auto pixels = [ratio](int length) {
         return std::max(1, static_cast<int>(std::lround(length * ratio)));
     };
     const QSize size(pixels(width()), pixels(height()));
-    if (image_.size() == size && image_.devicePixelRatio() == ratio) return;
+    if (image_.size() == size && image_.devicePixelRatio() == ratio) return false;
     EndPainting();
     image_ = QImage(size, QImage::Format_RGB32);
     image_.setDevicePixelRatio(ratio);
     image_.fill(ToColor(backColor_));
     metrics_ = QFontMetricsF(font_, &image_);
+    return true;
 }
 
 // Shapes are drawn in device pixels, so that a thin line covers whole ones at every resolution.
@@ -90,7 +91,7 @@ QImage PictureBox::Picture() const {
 }
 
 void PictureBox::paintEvent(QPaintEvent* event) {
-    EnsureImage();
+    if (EnsureImage()) emit DrawingLost();
     EndPainting();
     QPainter painter(this);
     painter.setClipRect(event->rect());
@@ -99,7 +100,7 @@ void PictureBox::paintEvent(QPaintEvent* event) {
 
 void PictureBox::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    EnsureImage();
+    if (EnsureImage()) emit DrawingLost();
 }
 
 // ---- the scale
@@ -178,6 +179,17 @@ void PictureBox::Box(double x1, double y1, double x2, double y2, std::int32_t co
     FillSpans(color);
 }
 
+void PictureBox::Outline(double x1, double y1, double x2, double y2, std::int32_t color) {
+    const QSize pixel(1, 1);
+    const QRect box = QRect(PixelAt(x1, y1), pixel).united(QRect(PixelAt(x2, y2), pixel));
+    const int pen = std::min({PenWidth(), box.width(), box.height()});
+    const QSize row(box.width(), pen);
+    const QSize column(pen, box.height());
+    spans_ = {QRect(box.topLeft(), row), QRect(QPoint(box.left(), box.bottom() - pen + 1), row),
+              QRect(box.topLeft(), column), QRect(QPoint(box.right() - pen + 1, box.top()), column)};
+    FillSpans(color);
+}
+
 void PictureBox::DrawPoints(std::int32_t color) {
     if (points_.size() < 2) return;
     if (drawStyle_ == DrawStyle::Solid && RunsRightward(points_)) {
@@ -202,18 +214,30 @@ void PictureBox::SetFont(const std::string& name, double points, bool bold) {
     if (painter_) painter_->setFont(font_);
 }
 
-void PictureBox::Print(std::string_view text) {
+// The base line begins at a device pixel; the font's size is in points, so the text is drawn in logical ones.
+void PictureBox::DrawText(const QPointF& baseline, double angle, std::string_view text) {
     QPainter& painter = Painter();
-    const double ratio = image_.devicePixelRatio();
-    const QString shown = ToText(text);
-    const QPointF corner = PixelScale().ToPixels(currentX_, currentY_);
     painter.setPen(ToColor(foreColor_));
     painter.save();
-    painter.resetTransform(); // the font's size is in points
-    painter.drawText(QPointF(corner.x() / ratio, std::round(corner.y() + metrics_.ascent() * ratio) / ratio),
-                     shown);
+    painter.resetTransform();
+    painter.translate(baseline / image_.devicePixelRatio());
+    painter.rotate(angle);
+    painter.drawText(QPointF(0, 0), ToText(text));
     painter.restore();
-    currentX_ += ScaleX(metrics_.horizontalAdvance(shown));
+}
+
+void PictureBox::Print(std::string_view text) {
+    const QPointF corner = PixelScale().ToPixels(currentX_, currentY_);
+    const double ascent = metrics_.ascent() * image_.devicePixelRatio();
+    DrawText({corner.x(), std::round(corner.y() + ascent)}, 0, text);
+    currentX_ += TextWidth(text);
+}
+
+void PictureBox::PrintUpwards(std::string_view text) {
+    const QPointF corner = PixelScale().ToPixels(currentX_, currentY_);
+    const double ascent = metrics_.ascent() * image_.devicePixelRatio();
+    DrawText({std::round(corner.x() + ascent), corner.y()}, -90, text);
+    currentY_ -= ScaleY(metrics_.horizontalAdvance(ToText(text)));
 }
 
 double PictureBox::TextWidth(std::string_view text) const {

@@ -59,6 +59,9 @@ class PictureBox : public QWidget {
     /// Fills the box between two corners; the pixels of both corners belong to it.
     void Box(double x1, double y1, double x2, double y2, std::int32_t color);
 
+    /// The border of the box that Box would fill, as thick as a line.
+    void Outline(double x1, double y1, double x2, double y2, std::int32_t color);
+
     /// Straight segments from point to point; a point has the members X and Y.
     template <typename Point>
     void Polyline(const std::vector<Point>& points, std::int32_t color) {
@@ -72,6 +75,9 @@ class PictureBox : public QWidget {
 
     /// Prints in the fore colour and moves CurrentX behind the text.
     void Print(std::string_view text);
+    /// Prints upwards: the text's cell, turned to the left, has its lower left corner at CurrentX, CurrentY,
+    /// and CurrentY moves behind the text.
+    void PrintUpwards(std::string_view text);
 
     // In units of the scale; a height is negative when the scale's is.
     double TextWidth(std::string_view text) const;
@@ -97,6 +103,10 @@ class PictureBox : public QWidget {
     /// The picture as it is now, at the screen's own resolution.
     QImage Picture() const;
 
+  signals:
+    /// The picture has another size or resolution than before, so what was drawn is gone.
+    void DrawingLost();
+
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -110,7 +120,7 @@ class PictureBox : public QWidget {
     Scale PixelScale();
     QPoint PixelAt(double x, double y);
 
-    void EnsureImage();
+    bool EnsureImage();
     void EndPainting();
     QPainter& Painter();
     int PenWidth() const;
@@ -118,6 +128,7 @@ class PictureBox : public QWidget {
     void FillSpans(std::int32_t color);
     void DrawPoints(std::int32_t color);
     double TextHeightPixels(std::string_view text) const;
+    void DrawText(const QPointF& baseline, double angle, std::string_view text);
 
     QImage image_;
     std::optional<QPainter> painter_; // open from the first drawing call to the next showing

@@ -6,18 +6,10 @@
 #include "stats/Aliases.h"
 #include "stats/SortStats.h"
 
-#include <cmath>
-
 namespace korvalin {
 namespace {
 
 constexpr int daysPerWeek = 7;
-
-// 0 is Sunday; day 0 of the calendar was a Saturday.
-std::size_t WeekdayOf(Date day) {
-    const double weekday = std::fmod(day - 1, daysPerWeek);
-    return static_cast<std::size_t>(weekday < 0 ? weekday + daysPerWeek : weekday);
-}
 
 } // namespace
 
@@ -58,10 +50,10 @@ void PeriodSums::Begin(StatRecord& sum, const StatRecord& first, std::size_t ali
     switch (period) {
     case SumPeriod::Day:
         sum.StatPeriodBegin = sum.StatPeriodEnd = day;
-        label = shortDate(day) + " " + locale_.ShortDayNames.at(WeekdayOf(day));
+        label = shortDate(day) + " " + locale_.ShortDayNames.at(static_cast<std::size_t>(WeekdayOf(day)));
         break;
     case SumPeriod::Week:
-        sum.StatPeriodBegin = day - static_cast<double>(WeekdayOf(day));
+        sum.StatPeriodBegin = day - WeekdayOf(day);
         sum.StatPeriodEnd = sum.StatPeriodBegin + daysPerWeek - 1;
         label = shortDate(sum.StatPeriodBegin) + "-" + shortDate(sum.StatPeriodEnd);
         break;

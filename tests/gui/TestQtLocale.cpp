@@ -18,6 +18,7 @@ TEST(QtLocale, TranslatesPatternsAndMarks) {
         EXPECT_EQ(locale.ShortDate + "|" + locale.Time, row.ShortDate + "|" + row.Time);
         EXPECT_EQ(locale.DecimalMark + locale.GroupingMark, row.DecimalMark + row.GroupingMark) << row.Name;
         EXPECT_EQ(locale.MonthNames[2] + locale.DayNames[0], row.March + row.Sunday);
+        EXPECT_EQ(locale.ShortMonthNames[2].substr(0, 2), row.March.substr(0, 2));
     }
 }
 

@@ -34,6 +34,7 @@ def read_texts():
 
 def uses():
     """Every (section, number) in the sources, with the file that uses it."""
+    pages = {"GraphPage": "frmStatistik"}  # pages with the texts of the window that they are a part of
     helper_sections = {"Errors.cpp": "modGlobal", "ConnectionState.cpp": "modConnInfo"}
     for path in sorted((root / "src").rglob("*")):
         if path.suffix not in (".cpp", ".h", ".ui"):
@@ -41,11 +42,14 @@ def uses():
         source = path.read_text()
         if path.suffix == ".ui":
             window = re.search(r"<class>(\w+)</class>", source)[1]
+            window = pages.get(window, window)
             for number in re.findall(r"#LngNo:(\d+)", source):
                 yield f"{window}Obj", number, path
             continue
         for section, number in re.findall(r'Lng\("(\w+)",\s*(\d+)', source):
             yield section, number, path
+        for number in re.findall(r"\bStatText\((\d+)\)", source):
+            yield "frmStatistik", number, path
         for number in re.findall(r"\b[Tt]ext\((\d+)\)", source):
             yield helper_sections.get(path.name, "modAllgemein"), number, path
         for pieces in re.findall(r"ShowPieces\([^{;]*\{([^}]*)\}", source):

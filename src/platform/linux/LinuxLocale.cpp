@@ -72,6 +72,8 @@ void TakeDates(Locale& result, const SystemLocale& system) {
     // ALTMON is the name that stands alone; the MON of Slavic languages is the genitive that follows a day.
     for (int i = 0; i < 12; ++i)
         result.MonthNames[static_cast<std::size_t>(i)] = Text(ALTMON_1 + i, system);
+    for (int i = 0; i < 12; ++i)
+        result.ShortMonthNames[static_cast<std::size_t>(i)] = Text(ABMON_1 + i, system);
     for (int i = 0; i < 7; ++i)
         result.DayNames[static_cast<std::size_t>(i)] = Text(DAY_1 + i, system);
     for (int i = 0; i < 7; ++i)

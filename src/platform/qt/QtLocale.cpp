@@ -105,7 +105,11 @@ Locale ReadQtLocale(const QLocale& locale) {
     result.GroupingMark = locale.groupSeparator().toStdString();
     result.ShortDate = TranslateDate(locale.dateFormat(QLocale::ShortFormat)).toStdString();
     result.Time = TranslateTime(locale.timeFormat(QLocale::ShortFormat)).toStdString();
-    FillNames(result.MonthNames, [&](int month) { return locale.standaloneMonthName(month + 1); });
+    const auto monthName = [&](QLocale::FormatType format) {
+        return [&locale, format](int month) { return locale.standaloneMonthName(month + 1, format); };
+    };
+    FillNames(result.MonthNames, monthName(QLocale::LongFormat));
+    FillNames(result.ShortMonthNames, monthName(QLocale::ShortFormat));
     // The toolkit's week starts on Monday (1) and ends on Sunday (7).
     const auto dayName = [&](QLocale::FormatType format) {
         return [&locale, format](int day) { return locale.standaloneDayName(day == 0 ? 7 : day, format); };

@@ -1,0 +1,33 @@
+#include "stats/GraphLabels.h"
+
+#include "base/Locale.h"
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
+namespace korvalin {
+
+std::string BriefDate(Date date, const Locale& locale) {
+    return FormatPattern(date, ReplaceAll(locale.ShortDate, "yyyy", "yy"));
+}
+
+std::string PeriodLabel(const PeriodVolume& period, SumPeriod kind, std::size_t count, const Locale& locale) {
+    constexpr std::size_t many = 13;
+    constexpr std::size_t longest = 9; // characters that the room below the base line holds
+    if (kind == SumPeriod::BillingMonth) {
+        const DateParts begin = SplitDate(period.Begin);
+        return fmt::format("{} {:02}", locale.ShortMonthNames.at(static_cast<std::size_t>(begin.Month) - 1),
+                           begin.Year % 100);
+    }
+    const std::string whole = FormatPattern(period.Begin, locale.ShortDate);
+    const bool shorten = count >= many || CharacterCount(whole) > longest;
+    return shorten ? BriefDate(period.Begin, locale) : whole;
+}
+
+std::string PeriodRange(const PeriodVolume& period, const Locale& locale) {
+    const std::string begin = FormatPattern(period.Begin, locale.ShortDate);
+    const Date last = period.End - 1;
+    return last == period.Begin ? begin : begin + " - " + FormatPattern(last, locale.ShortDate);
+}
+
+} // namespace korvalin
