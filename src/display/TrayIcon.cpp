@@ -49,7 +49,6 @@ TrayIcon::TrayIcon(NotificationArea& area, QMenu& menu, const LineState& lines, 
       imgTrayIcon_(ProgramIcon()) {}
 
 TrayIcon::~TrayIcon() {
-    area_.Plug({});
     area_.Remove();
 }
 

@@ -67,6 +67,7 @@ frmMain::frmMain(const Parts& parts)
 
 frmMain::~frmMain() {
     parts_.Loop.Attach(nullptr);
+    parts_.Tray.Plug({});
 }
 
 void frmMain::ConnectMenu() {
