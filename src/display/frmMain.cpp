@@ -119,7 +119,7 @@ void frmMain::DrawChart(bool force) {
 }
 
 void frmMain::IconDraw() {
-    tray_.IconDraw(parts_.Info, hooks_.PeriodUse);
+    tray_.IconDraw(parts_.Info, hooks_.UseOfChartLine);
 }
 
 void frmMain::AddTrayIcon() {
