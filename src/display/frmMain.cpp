@@ -67,6 +67,7 @@ frmMain::frmMain(const Parts& parts)
 
 frmMain::~frmMain() {
     parts_.Loop.Attach(nullptr);
+    parts_.Tray.Plug({});
 }
 
 void frmMain::Plug(Hooks hooks) {
@@ -124,7 +125,7 @@ void frmMain::DrawChart(bool force) {
 }
 
 void frmMain::IconDraw() {
-    tray_.IconDraw(parts_.Info, hooks_.PeriodUse);
+    tray_.IconDraw(parts_.Info, hooks_.UseOfChartLine);
 }
 
 void frmMain::AddTrayIcon() {

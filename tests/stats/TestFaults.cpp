@@ -30,8 +30,8 @@ class StatFaults : public StatsFixture {
             content += Numbered(i);
         return content;
     }
-    int AppendDurably(const std::string& line) {
-        return posix.AppendDurably(folder / "Korvalin_Stats.db", "", line, "\r\n");
+    int AppendLines(const std::string& line) {
+        return posix.AppendLines(folder / "Korvalin_Stats.db", "", line, "\r\n", Files::Flush::Yes);
     }
     // Runs `body` in another process and kills it after a part of `whole`.
     template <typename Body>
@@ -90,7 +90,7 @@ TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
     for (int run = 0; run < 30; ++run) {
         Signal written;
         KillAfter(std::chrono::milliseconds(40), part(random), [&] {
-            for (int number = acknowledged + 1; AppendDurably(Numbered(number)) == 0; ++number)
+            for (int number = acknowledged + 1; AppendLines(Numbered(number)) == 0; ++number)
                 written.Send(number);
         });
         written.CloseWriteEnd();
@@ -104,7 +104,7 @@ TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
         acknowledged = loaded; // a kill between the write and its notice
         // What a power cut leaves of the next record damages no other one.
         std::ofstream(folder / "Korvalin_Stats.db", std::ios::app) << Numbered(loaded + 1).substr(0, 20);
-        ASSERT_EQ(AppendDurably(Numbered(++acknowledged)), 0);
+        ASSERT_EQ(AppendLines(Numbered(++acknowledged)), 0);
         ASSERT_EQ(stats.LoadStatFile(records, true), acknowledged);
     }
 }
@@ -113,7 +113,7 @@ TEST_F(StatFaults, ProgramsThatAppendAtOnceWriteWholeLines) {
     constexpr int each = 200;
     const auto append = [&](int first) {
         for (int i = 0; i < each; ++i)
-            ASSERT_EQ(AppendDurably(Numbered(first + i)), 0);
+            ASSERT_EQ(AppendLines(Numbered(first + i)), 0);
     };
     ChildProcess one([&] { append(1); });
     ChildProcess two([&] { append(1 + each); });
@@ -126,11 +126,11 @@ TEST_F(StatFaults, ProgramsThatAppendAtOnceWriteWholeLines) {
 
 TEST_F(StatFaults, NothingAppendedDuringRepairsIsLost) {
     constexpr int count = 300;
-    ASSERT_EQ(AppendDurably(Numbered(1)), 0);
+    ASSERT_EQ(AppendLines(Numbered(1)), 0);
     Signal done;
     ChildProcess recorder([&] {
         for (int i = 2; i <= count; ++i)
-            ASSERT_EQ(AppendDurably(Numbered(i)), 0);
+            ASSERT_EQ(AppendLines(Numbered(i)), 0);
         done.Send();
     });
     pollfd end{done.ReadEnd(), POLLIN, 0};
@@ -160,7 +160,7 @@ TEST_F(StatFaults, AFileThatShrinksWhileItIsReadIsNotRewritten) {
 TEST_F(StatFaults, AGigabyteWithoutALineEndIsOneDamagedLine) {
     const fs::path path = folder.Write("Korvalin_Stats.db", Numbered(1) + "damaged");
     fs::resize_file(path, 1 << 30);
-    ASSERT_EQ(AppendDurably(Numbered(2)), 0);
+    ASSERT_EQ(AppendLines(Numbered(2)), 0);
     EXPECT_EQ(stats.LoadStatFile(records, true), 2);
     EXPECT_EQ(stats.Report().Dropped, 1U);
     EXPECT_EQ(File(), NumberedUpTo(2));

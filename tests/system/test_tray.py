@@ -287,6 +287,16 @@ class Tray(unittest.TestCase):
         rig.wait_for(self.main_window, "the window")
         self.assertIn("Exit", host.tell("menu"))
 
+    def test_a_starting_desktop_is_waited_for_although_its_stand_in_is_there(self):
+        self.session_bus()
+        self.host(EmbeddingHost(self.display))
+        host = self.host(NotifierHost(self.home.env, host=False))
+        self.start()
+        rig.wait_for(self.main_window, "the window")
+        host.tell("host")
+        rig.wait_for(host.item, "the icon")
+        self.assertIsNone(self.icon())
+
     def test_a_host_that_hangs_holds_nobody_up(self):
         self.session_bus()
         host = self.host(NotifierHost(self.home.env))

@@ -5,6 +5,8 @@
 #include <QSystemTrayIcon>
 #include <QTextDocument>
 
+#include <cmath>
+
 namespace korvalin {
 namespace {
 
@@ -98,7 +100,7 @@ const QWidget* QtNotificationArea::Embedded() const {
 
 std::vector<int> QtNotificationArea::IconSizes() const {
     const double ratio = qApp->devicePixelRatio();
-    const auto toPixels = [ratio](int length) { return static_cast<int>(length * ratio + 0.5); };
+    const auto toPixels = [ratio](int length) { return static_cast<int>(std::lround(length * ratio)); };
     if (const QWidget* embedded = Embedded())
         return {toPixels(std::min(embedded->width(), embedded->height()))};
     std::vector<int> sizes;
