@@ -53,7 +53,7 @@ class frmMain : public QWidget, public MonitorWindow {
         /// Number of entries in the phone book.
         std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
         /// Opens the statistics window; its menu entry is hidden while nobody does.
-        std::function<void()> OpenStatistics;
+        std::function<void()> OpenStatistics = {};
     };
 
     explicit frmMain(const Parts& parts);

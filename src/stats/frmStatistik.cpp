@@ -142,8 +142,10 @@ void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSum
         header.resizeSection(column,
                              std::max(metrics.horizontalAdvance(sample), header.sectionSizeHint(column)));
     }
-    connect(&header, &QHeaderView::sectionClicked, this,
-            [this, &list](int column) { SortByColumn(list, column); });
+    header.setSortIndicator(-1, Qt::AscendingOrder); // the records' own order
+    header.setSortIndicatorShown(true);
+    connect(&header, &QHeaderView::sortIndicatorChanged, this,
+            [this, &list](int column, Qt::SortOrder order) { SortByColumn(list, column, order); });
 }
 
 void frmStatistik::ConnectControls() {
@@ -340,17 +342,12 @@ void frmStatistik::cboKBMB_Click() {
     graph_->SetUnit(unit_.Name, unit_.Bytes);
 }
 
-void frmStatistik::SortByColumn(QTableView& list, int column) {
-    QHeaderView& header = *list.horizontalHeader();
-    const bool again = header.isSortIndicatorShown() && header.sortIndicatorSection() == column;
-    const bool ascending = !again || header.sortIndicatorOrder() == Qt::DescendingOrder;
-    header.setSortIndicatorShown(true);
-    header.setSortIndicator(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+void frmStatistik::SortByColumn(QTableView& list, int column, Qt::SortOrder order) {
     StatTableModel& model = ModelOf(list);
     const KeepListPlace place(list,
                               [&](int row) { return std::pair(std::string(), double(model.RecordOf(row))); });
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    model.sort(column, header.sortIndicatorOrder());
+    model.sort(column, order);
     QGuiApplication::restoreOverrideCursor();
 }
 
@@ -443,7 +440,9 @@ void frmStatistik::mnuDelete_Click() {
     const StatFile::Deletion deletion = parts_.StatFile.DeleteRecords(records_, deleted);
     if (deletion == StatFile::Deletion::Done) return RecordsChanged();
     FillStats();
-    const int reason = deletion == StatFile::Deletion::Held ? 27 : deletion == StatFile::Deletion::Changed ? 28 : 29;
+    const int reason = deletion == StatFile::Deletion::Held      ? 27
+                       : deletion == StatFile::Deletion::Changed ? 28
+                                                                 : 29;
     parts_.Errors.DisplayError("mnuDelete", 0,
                                parts_.Language.Lng("frmStatistik", reason) + "\n" +
                                    parts_.StatFile.StatFilePath().string());

@@ -81,7 +81,7 @@ class frmStatistik : public QWidget {
     void optStatSum_Click(int period);
     void cboFilter_Click();
     void cboKBMB_Click();
-    void SortByColumn(QTableView& list, int column);
+    void SortByColumn(QTableView& list, int column, Qt::SortOrder order);
     void OpenContextMenu(QTableView& list, const QPoint& at);
     void mnuCopy_Click();
     void mnuDelete_Click();

@@ -16,7 +16,8 @@ class Statistics : public CoreFixture {
     Statistics() {
         screen.Size = screen.Mode = ScreenSize{800, 800};
         clock.SetWallClock(DateSerial(2005, 2, 10) + TimeSerial(12, 0, 0));
-        for (const auto& [line, alias] : {std::pair("Line1", "Home"), {"Line2", "Mobile"}, {"Line3", "Mobile"}})
+        for (const auto& [line, alias] :
+             {std::pair("Line1", "Home"), {"Line2", "Mobile"}, {"Line3", "Mobile"}})
             settings.SetReg(std::string(line) + "_Alias", std::string(alias));
         settings.SetReg("Stat_Dimension", std::string("KB"));
     }
@@ -33,7 +34,8 @@ class Statistics : public CoreFixture {
             program->monthSums, program->periodSums, clock, program->locale});
         window->Plug([this](QWidget*, const QString&, const QString&) { return savePath; });
         window->Open();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return Find<QWidget>("SSTab")->isEnabled() && Rows().size() > 0; }));
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return Find<QWidget>("SSTab")->isEnabled() && Rows().size() > 0; }));
     }
     template <typename T>
     T* Find(const char* name) {
@@ -148,10 +150,11 @@ TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
     EXPECT_EQ(Selected(), (std::vector<int>{1, 3})) << "January 2005, its end not counted";
     Select({1, 0});
     Item("mnuCopy")->trigger();
-    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
-              "Alias\tConnected\tDuration\tDisconnected\tSent\tReceived\tTotal\tNote\t\r\n"
-              "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n"
-              "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\ttwo\t\r\n");
+    EXPECT_EQ(
+        QGuiApplication::clipboard()->text().toStdString(),
+        "Alias\tConnected\tDuration\tDisconnected\tSent\tReceived\tTotal\tNote\t\r\n"
+        "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n"
+        "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\ttwo\t\r\n");
 }
 
 TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
@@ -173,7 +176,8 @@ TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
     EXPECT_EQ(boxes.Take().Text.substr(0, 17), "Total 3 records a");
     EXPECT_EQ(Rows(), (Lines{"two"}));
     EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile"}));
-    EXPECT_EQ(StatFileText(), "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"two\",\"\"\r\n" + appended);
+    EXPECT_EQ(StatFileText(),
+              "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"two\",\"\"\r\n" + appended);
     EXPECT_EQ(Backups(), 2U) << "one of the repair at the start";
 }
 
