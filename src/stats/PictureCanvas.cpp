@@ -68,9 +68,11 @@ void PictureCanvas::PrintUpwards(double x, double y, std::string_view text, Text
         picture_.SetCurrentY(bottom + above);
         picture_.PrintUpwards(text);
     };
-    for (const double aside : {-rim, 0.0, rim})
-        for (const double above : {-rim, 0.0, rim})
-            if (aside != 0 || above != 0) print(aside, above, white);
+    if (anchor == TextAnchor::Start) {
+        for (const double aside : {-rim, rim})
+            for (const double above : {-rim, rim})
+                print(aside, above, white);
+    }
     print(0, 0, black);
 }
 
