@@ -49,7 +49,6 @@ TrayIcon::TrayIcon(NotificationArea& area, QMenu& menu, const LineState& lines, 
       imgTrayIcon_(ProgramIcon()) {}
 
 TrayIcon::~TrayIcon() {
-    area_.Plug({});
     area_.Remove();
 }
 
@@ -74,7 +73,7 @@ void TrayIcon::TrayTipModify(const std::string& tip) {
     area_.SetTip(tip_);
 }
 
-void TrayIcon::IconDraw(const InfoTexts& texts, const std::function<TrayUse()>& useOf) {
+void TrayIcon::IconDraw(const InfoTexts& texts, const std::function<PeriodUse()>& useOf) {
     errors_.Step("IconDraw", [&] {
         if (!texts.TrayAnimated) {
             // Bars that no longer move would tell what is not true.
@@ -92,7 +91,7 @@ void TrayIcon::ShowStatic(const std::string& tip) {
     TrayIconModify(imgTrayIcon_, tip);
 }
 
-void TrayIcon::DrawBars(const InfoTexts& texts, const TrayUse& use) {
+void TrayIcon::DrawBars(const InfoTexts& texts, const PeriodUse& use) {
     staticIconShown_ = false;
     Drawn now = {MakeTrayBars(texts, use, locale_), ToColor(texts.ChartBackgroundColor), area_.IconSizes()};
     if (drawn_ == now) return TrayTipModify(texts.TrayTipText);

@@ -40,7 +40,7 @@ class TrayIcon {
     void TrayTipModify(const std::string& tip);
 
     /// Shows the texts of this second; `useOf` tells the use of the charted line's period.
-    void IconDraw(const InfoTexts& texts, const std::function<TrayUse()>& useOf);
+    void IconDraw(const InfoTexts& texts, const std::function<PeriodUse()>& useOf);
 
     /// The picture of a machine that is offline.
     const QIcon& StaticPicture() const { return imgTrayIcon_; }
@@ -54,7 +54,7 @@ class TrayIcon {
         bool operator==(const Drawn&) const = default;
     };
 
-    void DrawBars(const InfoTexts& texts, const TrayUse& use);
+    void DrawBars(const InfoTexts& texts, const PeriodUse& use);
     void ShowStatic(const std::string& tip);
 
     NotificationArea& area_;

@@ -24,7 +24,7 @@ int HeightOf(double value) {
     return std::max(static_cast<int>(RoundToEven(std::min(value, 1.0) * TrayScale)), 1);
 }
 
-TrayBar VolumeBar(const InfoTexts& texts, const TrayUse& use) {
+TrayBar VolumeBar(const InfoTexts& texts, const PeriodUse& use) {
     const double filled = use.UsedBytes / bytesPerVolumeUnit / texts.TrayMaxVol;
     if (use.FreeBytes == 0 || !use.TrayVol) return {HeightOf(filled), blue};
     if (use.FreeBytes <= use.UsedBytes) return {HeightOf(filled), red};
@@ -40,7 +40,7 @@ double RateScale(const InfoTexts& texts, double upload, double download) {
 
 } // namespace
 
-TrayBars MakeTrayBars(const InfoTexts& texts, const TrayUse& use, const Locale& locale) {
+TrayBars MakeTrayBars(const InfoTexts& texts, const PeriodUse& use, const Locale& locale) {
     const double upload = ReadFormattedNumber(texts.RateULText, locale).value_or(0);
     const double download = ReadFormattedNumber(texts.RateDLText, locale).value_or(0);
     const double scale = RateScale(texts, upload, download);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "display/InfoTexts.h"
+#include "stats/PeriodUse.h"
 
 #include <cstdint>
 #include <string>
@@ -10,14 +11,6 @@
 namespace korvalin {
 
 struct Locale;
-
-/// What the billing rules make of the charted line's current period.
-struct TrayUse {
-    double UsedBytes = 0;
-    double FreeBytes = 0;       ///< allowance of the period; 0 = none
-    bool TrayVol = false;       ///< show what is left of the allowance instead of what is used
-    double FractionElapsed = 0; ///< of the period
-};
 
 /// Cells of the icon in each direction.
 inline constexpr int TrayScale = 16;
@@ -37,7 +30,7 @@ struct TrayBars {
 
 /// The bars for the texts of this second. The rates are read back from their texts, so the bars are true to
 /// the figures that the user sees, in the unit that the scale is set in.
-TrayBars MakeTrayBars(const InfoTexts& texts, const TrayUse& use, const Locale& locale);
+TrayBars MakeTrayBars(const InfoTexts& texts, const PeriodUse& use, const Locale& locale);
 
 /// A tooltip as the tray takes it: the first 127 characters.
 std::string_view CutTrayTip(std::string_view tip);

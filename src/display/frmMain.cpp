@@ -67,6 +67,7 @@ frmMain::frmMain(const Parts& parts)
 
 frmMain::~frmMain() {
     parts_.Loop.Attach(nullptr);
+    parts_.Tray.Plug({});
 }
 
 void frmMain::ConnectMenu() {
@@ -107,7 +108,6 @@ void frmMain::ApplyTexts() {
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
-    parts_.Tray.LookForHost();
     if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
 }
 
@@ -119,7 +119,7 @@ void frmMain::DrawChart(bool force) {
 }
 
 void frmMain::IconDraw() {
-    tray_.IconDraw(parts_.Info, hooks_.PeriodUse);
+    tray_.IconDraw(parts_.Info, hooks_.UseOfChartLine);
 }
 
 void frmMain::AddTrayIcon() {

@@ -49,7 +49,7 @@ class frmMain : public QWidget, public MonitorWindow {
         /// The window closes for good, its tray icon is gone: open connections are recorded. Called once.
         std::function<void(CloseReason reason)> Closing = [](CloseReason) {};
         /// What is used of the charted line's period, for the icon's first bar.
-        std::function<TrayUse()> PeriodUse = [] { return TrayUse(); };
+        std::function<PeriodUse()> UseOfChartLine = [] { return PeriodUse(); };
         /// Number of entries in the phone book.
         std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
     };

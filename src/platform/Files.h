@@ -22,13 +22,16 @@ class Files {
     /// it could be written; a part that did get written is cut off again.
     [[nodiscard]] virtual bool Append(const std::filesystem::path& path, std::string_view lines) = 0;
 
-    /// Appends whole lines with one write and flushes them to the medium; a file that is missing or empty
-    /// gets `header` first, one that ends within a line gets `lineEnd` first. Waits a moment for a program
-    /// that holds the file. 0 or the system's error number (EAGAIN: still held); the file is then as it was.
-    [[nodiscard]] virtual int AppendDurably(const std::filesystem::path& path, std::string_view header,
-                                            std::string_view lines, std::string_view lineEnd) = 0;
+    /// Whether lines must have reached the medium before AppendLines returns.
+    enum class Flush { No, Yes };
+    /// Appends whole lines with one write; a file that is missing or empty gets `header` first, one that ends
+    /// within a line gets `lineEnd` first. Waits a moment for a program that holds the file. 0 or the
+    /// system's error number (EAGAIN: still held); the file is then as it was, unless only the flush has
+    /// failed.
+    [[nodiscard]] virtual int AppendLines(const std::filesystem::path& path, std::string_view header,
+                                          std::string_view lines, std::string_view lineEnd, Flush flush) = 0;
 
-    /// Holds off AppendDurably and other holders. nullptr when the file is missing or somebody else holds it.
+    /// Holds off AppendLines and other holders. nullptr when the file is missing or somebody else holds it.
     [[nodiscard]] virtual std::unique_ptr<FileLock> Hold(const std::filesystem::path& path) = 0;
 
     /// Takes a part of a file's new content; false when it could not be written.

@@ -41,13 +41,11 @@ std::string ButtonCaption(Language& language, MessageAnswer answer) {
     }
 }
 
-TrayUse UseOfChartLine(Program& program) {
+PeriodUse UseOfChartLine(Program& program) {
     const auto line = static_cast<std::size_t>(program.infoTexts.ChartLineNo);
     if (line < 1 || line > program.lines.LineTable.Size()) return {};
     const LineRecord& record = program.lines.LineTable(line);
-    const PeriodUse use =
-        program.monthSums.UseOf(record.EntryName, record.BytesReceived + record.BytesTransmitted);
-    return {use.UsedBytes, use.FreeBytes, use.TrayVol, use.FractionElapsed};
+    return program.monthSums.UseOf(record.EntryName, record.BytesReceived + record.BytesTransmitted);
 }
 
 } // namespace

@@ -76,8 +76,8 @@ PeriodUse MonthSums::UseOf(std::string_view lineName, double openBytes) {
     const Date now = clock_.Now();
     alias.FractionElapsed =
         RoundToEven(1e4 * (alias.DaysElapsed - 1 + now - DayOf(now)) / alias.DaysInPeriod) / 1e4;
-    return {aliases_.RoundVolume(openBytes, index) + recorded, alias.FreeVolumeBytes, alias.FractionElapsed,
-            alias.TrayVol};
+    return {aliases_.RoundVolume(openBytes, index) + recorded, alias.FreeVolumeBytes, alias.TrayVol,
+            alias.FractionElapsed};
 }
 
 } // namespace korvalin

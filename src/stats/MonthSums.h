@@ -1,5 +1,6 @@
 #pragma once
 
+#include "stats/PeriodUse.h"
 #include "stats/StatRecord.h"
 
 #include <string_view>
@@ -10,14 +11,6 @@ class Aliases;
 class Clock;
 class Errors;
 struct LineState;
-
-/// What the billing rules make of a line's current period, the running connection included.
-struct PeriodUse {
-    double UsedBytes = 0;
-    double FreeBytes = 0;       ///< allowance of the period; 0 = none
-    double FractionElapsed = 0; ///< of the period
-    bool TrayVol = false;       ///< the tray shows what is left of the allowance
-};
 
 /// The sums of the current billing period, one per alias. They hold the records of the last
 /// CalcStatsThisMonth; a record written since counts from the next one on.

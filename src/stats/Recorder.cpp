@@ -28,6 +28,11 @@ bool IsDenied(int error) {
     return error == EAGAIN || error == EACCES || error == EPERM || error == EROFS;
 }
 
+// A name may hold a line break; a row must not.
+std::string OneLine(std::string_view text) {
+    return ReplaceAll(ReplaceAll(text, "\r", " "), "\n", " ");
+}
+
 std::string NumberText(double number, const Locale& locale) {
     if (number == std::trunc(number)) return fmt::format("{:.0f}", number);
     return ReplaceAll(fmt::format("{}", number), ".", locale.DecimalMark);
@@ -45,8 +50,10 @@ void Recorder::SaveStatsLine(CloseReason reason, std::size_t index) {
     if (lines.empty() || !TakeOver()) return;
     std::string info;
     parts_.Errors.Step(procName, [&] { info = InfoText(reason); });
-    parts_.Errors.Step(procName, [&] { Append(StatFileName, "", StatLines(lines, info)); });
-    parts_.Errors.Step(procName, [&] { Append(StatExportName, exportHeader, ExportLines(lines, info)); });
+    parts_.Errors.Step(procName,
+                       [&] { Append(StatFileName, "", StatLines(lines, info), Files::Flush::Yes); });
+    parts_.Errors.Step(
+        procName, [&] { Append(StatExportName, exportHeader, ExportLines(lines, info), Files::Flush::No); });
 }
 
 std::vector<const LineRecord*> Recorder::LinesToRecord(std::size_t index) const {
@@ -97,19 +104,20 @@ std::string Recorder::ExportLines(const std::vector<const LineRecord*>& lines, s
     std::string text;
     for (const LineRecord* line : lines) {
         const Date duration = DurationOf(*line);
-        text += fmt::format("{},{},{},{},{},{},{},{},{},{}", line->EntryName, date(line->LogIn),
-                            date(line->LogIn + duration), date(duration), number(line->BytesTransmitted),
-                            number(line->BytesReceived), number(line->BytesTransmitted + line->BytesReceived),
-                            line->User, line->IpAddress, info);
-        text += StatLineEnd;
+        const std::string row = fmt::format(
+            "{},{},{},{},{},{},{},{},{},{}", line->EntryName, date(line->LogIn), date(line->LogIn + duration),
+            date(duration), number(line->BytesTransmitted), number(line->BytesReceived),
+            number(line->BytesTransmitted + line->BytesReceived), line->User, line->IpAddress, info);
+        text.append(OneLine(row)).append(StatLineEnd);
     }
     return text;
 }
 
 // Nothing is tried again; what could not be written is kept in the log.
-void Recorder::Append(std::string_view fileName, std::string_view header, const std::string& lines) {
+void Recorder::Append(std::string_view fileName, std::string_view header, const std::string& lines,
+                      Files::Flush flush) {
     const std::filesystem::path path = parts_.DataFolder() / fileName;
-    const int error = parts_.Files.AppendDurably(path, header, lines, StatLineEnd);
+    const int error = parts_.Files.AppendLines(path, header, lines, StatLineEnd, flush);
     if (error == 0) return;
     if (IsDenied(error)) parts_.Errors.WriteErrorLog("File locked: " + path.string(), logGroup);
     for (const std::string_view line : Split(lines, '\n', lines.size())) {

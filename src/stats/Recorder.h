@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Files.h"
 #include "traffic/CloseReason.h"
 
 #include <filesystem>
@@ -12,7 +13,6 @@ namespace korvalin {
 
 class Clock;
 class Errors;
-class Files;
 class Language;
 class RecordingLock;
 struct LineRecord;
@@ -48,7 +48,8 @@ class Recorder {
     std::string InfoText(CloseReason reason) const;
     std::string StatLines(const std::vector<const LineRecord*>& lines, std::string_view info) const;
     std::string ExportLines(const std::vector<const LineRecord*>& lines, std::string_view info) const;
-    void Append(std::string_view fileName, std::string_view header, const std::string& lines);
+    void Append(std::string_view fileName, std::string_view header, const std::string& lines,
+                Files::Flush flush);
 
     Parts parts_;
 };

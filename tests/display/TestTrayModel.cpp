@@ -51,7 +51,7 @@ TEST(TrayBars, TheRatesFillTheirBarsByTheScale) {
 TEST(TrayBars, TheVolumeTellsWhatIsUsedOrLeftOfThePeriod) {
     struct {
         const char* What;
-        TrayUse Use;
+        PeriodUse Use;
         TrayBar Expected;
         int TrayMaxVol = 1000;
     } const rows[] = {

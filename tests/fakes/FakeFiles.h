@@ -15,14 +15,14 @@ class FakeFiles : public Files {
     bool DiskFull = false;
     bool CopyFails = false;
     int CreateFoldersResult = 0;
-    int DurableResult = 0; ///< what AppendDurably fails with
+    int DurableResult = 0; ///< what AppendLines fails with
     bool Held = false;     ///< another program holds every file
 
     bool Append(const std::filesystem::path& path, std::string_view lines) override {
         return Write(path, lines, std::ios::app);
     }
-    int AppendDurably(const std::filesystem::path& path, std::string_view header, std::string_view lines,
-                      std::string_view) override {
+    int AppendLines(const std::filesystem::path& path, std::string_view header, std::string_view lines,
+                    std::string_view, Flush) override {
         if (DurableResult != 0) return DurableResult;
         const bool isNew = !std::filesystem::exists(path);
         const std::string text = std::string(isNew ? header : "") + std::string(lines);

@@ -31,7 +31,6 @@ class FakeNotificationArea : public NotificationArea {
 
     void Plug(Hooks hooks) override { hooks_ = std::move(hooks); }
     TrayHost Host() const override { return State; }
-    void LookForHost() override {}
     void Add(const QIcon& icon, const std::string& tip, QMenu& menu) override {
         if (State != TrayHost::Present) return;
         Shown = true;

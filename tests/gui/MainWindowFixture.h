@@ -54,7 +54,7 @@ class MainWindow : public CoreFixture {
     int Setting(const char* name) { return settings.GetNumber(name); }
 
     FakeNotificationArea area;
-    TrayUse use;
+    PeriodUse use;
     std::size_t phoneBookEntries = 0;
     std::vector<int> closings; // the reasons, as numbers
     std::unique_ptr<frmMain> window;

@@ -71,7 +71,7 @@ TEST_F(PosixFilesTest, ReplacesWhollyOrNotAtAll) {
 
 TEST_F(PosixFilesTest, AppendsDurablyWhollyOrNotAtAll) {
     const auto append = [&](const fs::path& path) {
-        return files.AppendDurably(path, "head\n", "line\n", "\n");
+        return files.AppendLines(path, "head\n", "line\n", "\n", Files::Flush::Yes);
     };
     const std::pair<const char*, const char*> rows[] = {
         {"", "head\nline\n"}, {"whole\n", "whole\nline\n"}, {"torn", "torn\nline\n"}};
@@ -105,7 +105,7 @@ TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {
     ASSERT_EQ(fcntl(locked.Get(), F_SETLK, &whole), 0);
     const auto isHeld = [&](const char* name) {
         EXPECT_EQ(files.Hold(folder / name), nullptr) << name;
-        EXPECT_EQ(files.AppendDurably(folder / name, "", "line\n", "\n"), EAGAIN) << name;
+        EXPECT_EQ(files.AppendLines(folder / name, "", "line\n", "\n", Files::Flush::Yes), EAGAIN) << name;
     };
     // Forked before the file is held: a lock lives until the last copy of its descriptor is closed.
     folder.Write("data", "");
@@ -117,7 +117,7 @@ TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {
         held.Await();
         EXPECT_EQ(files.Hold(folder / "data"), nullptr);
         begun.Send();
-        EXPECT_EQ(files.AppendDurably(folder / "data", "", "line\n", "\n"), 0);
+        EXPECT_EQ(files.AppendLines(folder / "data", "", "line\n", "\n", Files::Flush::Yes), 0);
     });
     std::unique_ptr<FileLock> hold = files.Hold(folder / "data");
     EXPECT_NE(hold, nullptr);
@@ -204,7 +204,7 @@ TEST(PosixFiles, TellsOfAFolderThatMayNotBeWritten) {
     EXPECT_EQ(files.CreateFolders(folder / "new"), EACCES);
     EXPECT_FALSE(files.Replace(folder / "data.txt", "new"));
     EXPECT_FALSE(files.Append(folder / "new.txt", "new"));
-    EXPECT_EQ(files.AppendDurably(folder / "new.txt", "", "new", ""), EACCES);
+    EXPECT_EQ(files.AppendLines(folder / "new.txt", "", "new", "", Files::Flush::Yes), EACCES);
     EXPECT_FALSE(files.ReplaceKeeping(folder / "data.txt", folder / "kept",
                                       [](const Files::Sink& sink) { return sink("new"); }));
     EXPECT_EQ(folder.Read("data.txt"), "old");

@@ -30,8 +30,8 @@ class StatFaults : public StatsFixture {
             content += Numbered(i);
         return content;
     }
-    int AppendDurably(const std::string& line) {
-        return posix.AppendDurably(folder / "Korvalin_Stats.db", "", line, "\r\n");
+    int AppendLines(const std::string& line) {
+        return posix.AppendLines(folder / "Korvalin_Stats.db", "", line, "\r\n", Files::Flush::Yes);
     }
     // Runs `body` in another process and kills it after a part of `whole`.
     template <typename Body>
@@ -55,7 +55,7 @@ class StatFaults : public StatsFixture {
 };
 
 TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
-    const std::string clean = NumberedUpTo(5000);
+    const std::string clean = NumberedUpTo(2000);
     const std::string damaged = "damaged\r\n" + clean + "damaged\r\n\r\n" + NumberedUpTo(10);
     const auto repair = [&] { stats.LoadStatFile(records, true); };
     const auto begin = Clock::now();
@@ -76,7 +76,7 @@ TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
         const std::string left = File();
         ASSERT_TRUE(left == damaged || left == clean) << "half a file";
         ASSERT_TRUE(left == damaged || Backups() == Lines{damaged}) << "the old file is gone";
-        ASSERT_EQ(stats.LoadStatFile(records, true), 5000);
+        ASSERT_EQ(stats.LoadStatFile(records, true), 2000);
         ASSERT_EQ(Stored(), clean);
         ASSERT_EQ(File(), clean);
         ASSERT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
@@ -90,7 +90,7 @@ TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
     for (int run = 0; run < 30; ++run) {
         Signal written;
         KillAfter(std::chrono::milliseconds(40), part(random), [&] {
-            for (int number = acknowledged + 1; AppendDurably(Numbered(number)) == 0; ++number)
+            for (int number = acknowledged + 1; AppendLines(Numbered(number)) == 0; ++number)
                 written.Send(number);
         });
         written.CloseWriteEnd();
@@ -104,7 +104,7 @@ TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
         acknowledged = loaded; // a kill between the write and its notice
         // What a power cut leaves of the next record damages no other one.
         std::ofstream(folder / "Korvalin_Stats.db", std::ios::app) << Numbered(loaded + 1).substr(0, 20);
-        ASSERT_EQ(AppendDurably(Numbered(++acknowledged)), 0);
+        ASSERT_EQ(AppendLines(Numbered(++acknowledged)), 0);
         ASSERT_EQ(stats.LoadStatFile(records, true), acknowledged);
     }
 }
@@ -113,7 +113,7 @@ TEST_F(StatFaults, ProgramsThatAppendAtOnceWriteWholeLines) {
     constexpr int each = 200;
     const auto append = [&](int first) {
         for (int i = 0; i < each; ++i)
-            ASSERT_EQ(AppendDurably(Numbered(first + i)), 0);
+            ASSERT_EQ(AppendLines(Numbered(first + i)), 0);
     };
     ChildProcess one([&] { append(1); });
     ChildProcess two([&] { append(1 + each); });
@@ -126,25 +126,24 @@ TEST_F(StatFaults, ProgramsThatAppendAtOnceWriteWholeLines) {
 
 TEST_F(StatFaults, NothingAppendedDuringRepairsIsLost) {
     constexpr int count = 300;
-    ASSERT_EQ(AppendDurably(Numbered(1)), 0);
+    ASSERT_EQ(AppendLines(Numbered(1)), 0);
     Signal done;
     ChildProcess recorder([&] {
         for (int i = 2; i <= count; ++i)
-            ASSERT_EQ(AppendDurably(Numbered(i)), 0);
+            ASSERT_EQ(AppendLines(Numbered(i)), 0);
         done.Send();
     });
     pollfd end{done.ReadEnd(), POLLIN, 0};
     int repairs = 0;
-    while (poll(&end, 1, 0) == 0) {
+    do {
         ASSERT_TRUE(posix.Append(folder / "Korvalin_Stats.db", "damaged\r\n"));
         clock.Advance(1);
         stats.LoadStatFile(records, true);
         if (!stats.Report().Backup.empty()) ++repairs;
-    }
+    } while (poll(&end, 1, 0) == 0 || repairs == 0);
     recorder.Finish();
     EXPECT_EQ(stats.LoadStatFile(records, false), count);
     EXPECT_EQ(Stored(), NumberedUpTo(count));
-    EXPECT_GT(repairs, 0);
 }
 
 TEST_F(StatFaults, AFileThatShrinksWhileItIsReadIsNotRewritten) {
@@ -161,7 +160,7 @@ TEST_F(StatFaults, AFileThatShrinksWhileItIsReadIsNotRewritten) {
 TEST_F(StatFaults, AGigabyteWithoutALineEndIsOneDamagedLine) {
     const fs::path path = folder.Write("Korvalin_Stats.db", Numbered(1) + "damaged");
     fs::resize_file(path, 1 << 30);
-    ASSERT_EQ(AppendDurably(Numbered(2)), 0);
+    ASSERT_EQ(AppendLines(Numbered(2)), 0);
     EXPECT_EQ(stats.LoadStatFile(records, true), 2);
     EXPECT_EQ(stats.Report().Dropped, 1U);
     EXPECT_EQ(File(), NumberedUpTo(2));

@@ -87,15 +87,4 @@ TEST_F(PeriodSumsTest, SumsStandByAliasAndRoundEachConnection) {
     EXPECT_EQ(sums.List[1].StatPeriodBegin, sums.List[1].StatPeriodEnd);
 }
 
-TEST_F(PeriodSumsTest, AFailureIsReportedAndLeavesTheSumsSoFar) {
-    Take({{"2004-12-30 10:00:00", "2004-12-30 11:00:00"}});
-    Add("z", 1, 1);
-    aliases.FillAlias(records);
-    records.List.back().Alias = records.Texts.Store("z, unknown");
-    StatRecords sums;
-    periodSums.CalcStatSums(records, SumPeriod::BillingMonth, sums);
-    EXPECT_NE(boxes.Take().Text.find("CalcStatSums"), std::string::npos);
-    EXPECT_GE(sums.List.size(), 1U);
-}
-
 } // namespace

@@ -70,7 +70,7 @@ TEST_F(RecorderTest, TellsWhyARecordWasWritten) {
 }
 
 TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
-    AddLine("Büro", At("2024-03-15 11:48:00"), At("00:12:00"), 5'000'000);
+    AddLine("Büro", At("2024-03-15 11:48:00"), At("00:12:00"), 5'000'000).IpAddress = "192.0.2.7";
     AddLine("a,\"b\"", At("2024-03-14"), At("1899-12-31 01:00:00"), 1e13);
     locale.ShortDate = "dd.mm.yyyy";
     recorder.SaveStatsLine(CloseReason::SystemEnd, 0);
@@ -80,7 +80,7 @@ TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
                        "\"15.03.2024 12:00:00 abgemeldet\",\"alice\"\r\n");
     const std::string german =
         std::string(header) +
-        "Büro,15.03.2024 11:48:00,15.03.2024 12:00:00,00:12:00,700,5000000,5000700,alice,,"
+        "Büro,15.03.2024 11:48:00,15.03.2024 12:00:00,00:12:00,700,5000000,5000700,alice,192.0.2.7,"
         "15.03.2024 12:00:00 abgemeldet\r\n"
         "a,\"b\",14.03.2024,15.03.2024 01:00:00,31.12.1899 01:00:00,700,10000000000000,"
         "10000000000700,alice,,15.03.2024 12:00:00 abgemeldet\r\n";
@@ -89,7 +89,7 @@ TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
     locale.Time = "h:nn:ss AMPM";
     recorder.SaveStatsLine(CloseReason::SystemEnd, 1);
     EXPECT_EQ(Export(), german + "Büro,3/15/2024 11:48:00 AM,3/15/2024 12:00:00 PM,12:12:00 AM,700,5000000,"
-                                 "5000700,alice,,3/15/2024 12:00:00 PM abgemeldet\r\n");
+                                 "5000700,alice,192.0.2.7,3/15/2024 12:00:00 PM abgemeldet\r\n");
     EXPECT_EQ(Load(Stats()), 2) << "both are read back, the first one's copies as one";
 }
 
@@ -122,7 +122,6 @@ TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLog) {
                       {EROFS, true},  {ENOSPC, false}, {EIO, false}};
     for (const auto& row : rows) {
         std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
-        clock.Advance(0);
         files.DurableResult = row.Error;
         recorder.SaveStatsLine(CloseReason::LineEnded, 1);
         EXPECT_EQ(LogEntries(), (row.Denied ? locked("Korvalin_Stats.db") : "") + stat +

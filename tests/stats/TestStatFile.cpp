@@ -23,14 +23,6 @@ class StatFileTest : public StatsFixture {
             content += Line("eth0", FormatDateIso(DateSerial(2020, 1, 1) + (i + 0.5) / 10), "00:00:30", i);
         return content;
     }
-    Lines FileNames() const {
-        Lines names;
-        for (const auto& entry : fs::directory_iterator(folder.Path())) {
-            if (entry.is_regular_file()) names.push_back(entry.path().filename());
-        }
-        std::sort(names.begin(), names.end());
-        return names;
-    }
 };
 
 TEST_F(StatFileTest, ReadsEveryLineEndAndEncoding) {
@@ -72,6 +64,13 @@ TEST_F(StatFileTest, DropsWhatIsNoRecordAndNumbersTheRest) {
     EXPECT_EQ(records.List[1].LogOut, At("2024-03-15 09:01:00"));
     EXPECT_EQ(Load(""), 0);
     EXPECT_TRUE(records.List.empty());
+}
+
+TEST_F(StatFileTest, SortsALongFileAsAWhole) {
+    const std::string half = Apart(5000);
+    EXPECT_EQ(Load(ReplaceAll(half, "eth0", "wlan0") + half), 10'000);
+    EXPECT_EQ(Stored(), half + ReplaceAll(half, "eth0", "wlan0"));
+    EXPECT_EQ(records.List.front().FileIndex, 5001);
 }
 
 TEST_F(StatFileTest, ConvertsTheFileOfOlderReleasesOnce) {
@@ -154,34 +153,12 @@ TEST_F(StatFileTest, IsRewrittenOnlyWhenWorthIt) {
     }
 }
 
-TEST_F(StatFileTest, ABackupNeverTakesTheNameOfAnother) {
-    folder.Write("Korvalin_Stats.db_20240315_120000", "older");
-    Load("damaged\r\n" + Apart(1), true);
-    EXPECT_EQ(FileNames(), (Lines{"Korvalin_Stats.db", "Korvalin_Stats.db_20240315_120000",
-                                  "Korvalin_Stats.db_20240315_120001"}));
-    EXPECT_EQ(folder.Read("Korvalin_Stats.db_20240315_120000"), "older");
-}
-
-TEST_F(StatFileTest, WhatAnotherProgramAppendsMeanwhileIsNotRewrittenAway) {
-    const std::string content = "damaged\r\n" + Apart(1000);
-    events.OnProcessPending = [&] {
-        EXPECT_TRUE(files.Append(folder / "Korvalin_Stats.db", Line("new", "11:00:00", "00:01:00")));
-    };
-    EXPECT_EQ(Load(content, true), 1000);
-    EXPECT_EQ(folder.Read("Korvalin_Stats.db"), content + Line("new", "11:00:00", "00:01:00"));
-}
-
 TEST_F(StatFileTest, AFailureIsReportedAndLeavesTheRecordsLoaded) {
     files.DiskFull = true;
     const std::string content = "damaged\r\n" + Apart(2);
     EXPECT_EQ(Load(content, true), 2);
     EXPECT_NE(boxes.Take().Text.find("LoadStatFile"), std::string::npos);
     EXPECT_EQ(folder.Read("Korvalin_Stats.db"), content);
-    fs::remove(folder / "Korvalin_Stats.db");
-    fs::create_directory(folder / "Korvalin_Stats.db");
-    clock.Advance(5);
-    EXPECT_EQ(statFile.LoadStatFile(records, true), 0);
-    EXPECT_NE(boxes.Take().Text.find("LoadStatFile"), std::string::npos);
 }
 
 TEST_F(StatFileTest, OpenConnectionsAreAddedUnlessTheFileIsRepaired) {

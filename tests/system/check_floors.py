@@ -11,7 +11,7 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2] / "src"
 FLOORS = [["base"], ["platform"], ["forms"], ["errors"], ["settings"], ["lang", "inet"], ["traffic", "dialogs"], ["stats"],
           ["display"], ["settingsdlg", "cli"], ["startup"], ["cli"]]
 STANDARD = set("""algorithm array atomic cerrno charconv chrono cmath cstddef cstdint cstdio cstdlib cstring ctime deque exception
-filesystem fstream functional initializer_list ios iterator limits map memory numeric optional random set sstream stdexcept
+filesystem fstream span functional initializer_list ios iterator limits map memory numeric optional random set sstream stdexcept
 string string_view system_error thread tuple type_traits unordered_map unordered_set utility variant vector
 fmt/format.h""".split())
 

@@ -108,8 +108,8 @@ bool PosixFiles::Append(const std::filesystem::path& path, std::string_view line
     return false;
 }
 
-int PosixFiles::AppendDurably(const std::filesystem::path& path, std::string_view header,
-                              std::string_view lines, std::string_view lineEnd) {
+int PosixFiles::AppendLines(const std::filesystem::path& path, std::string_view header,
+                            std::string_view lines, std::string_view lineEnd, Flush flush) {
     const HeldFile held = OpenHeld(path, true, appendWaitMilliseconds);
     if (held.Error != 0) return held.Error;
     const int file = held.File.Get();
@@ -121,7 +121,8 @@ int PosixFiles::AppendDurably(const std::filesystem::path& path, std::string_vie
     std::string text(status.st_size == 0 ? header : last == '\n' ? std::string_view() : lineEnd);
     text += lines;
     const ssize_t written = WriteOnce(file, text);
-    if (written == static_cast<ssize_t>(text.size())) return fdatasync(file) == 0 ? 0 : errno;
+    if (written == static_cast<ssize_t>(text.size()))
+        return flush == Flush::No || fdatasync(file) == 0 ? 0 : errno;
     const int error = written < 0 ? errno : ENOSPC;
     if (written > 0) CutOff(file, written);
     return error;

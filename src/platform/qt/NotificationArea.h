@@ -32,9 +32,6 @@ class NotificationArea {
 
     virtual TrayHost Host() const = 0;
 
-    /// Notices hosts that do not announce themselves. To be called once a second.
-    virtual void LookForHost() = 0;
-
     /// Shows the icon; a right click on it opens `menu`. Nothing happens while there is no host.
     virtual void Add(const QIcon& icon, const std::string& tip, QMenu& menu) = 0;
 

@@ -1,8 +1,11 @@
 #include "platform/qt/QtNotificationArea.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMenu>
 #include <QSystemTrayIcon>
+#include <QTextDocument>
+
+#include <cmath>
 
 namespace korvalin {
 namespace {
@@ -11,26 +14,37 @@ namespace {
 constexpr int usualSizes[] = {22, 32};
 
 // A desktop that keeps a list of icons will show them; while it starts, a stand-in for older programs may
-// already be there. This many seconds are given to it.
-constexpr int patience = 15;
+// already be there. So much time is given to it.
+constexpr int patienceMilliseconds = 15'000;
 
 } // namespace
 
-QtNotificationArea::QtNotificationArea() : notifierHost_([this] { Refresh(); }) {
+QtNotificationArea::QtNotificationArea()
+    : notifierHost_([this] { Refresh(); }), embedHost_([this] { Refresh(); }) {
+    QObject::connect(&patience_, &QTimer::timeout, [this] { Refresh(); });
+    patience_.setSingleShot(true);
+    patience_.start(patienceMilliseconds);
     host_ = FindHost();
 }
 
 QtNotificationArea::~QtNotificationArea() = default;
 
-TrayHost QtNotificationArea::FindHost() {
-    const StatusNotifierHost::State notifier = notifierHost_.Now();
-    const bool mayNotify = protocol_ != Protocol::XEmbed;
-    if (mayNotify && notifier == StatusNotifierHost::State::Present) return TrayHost::Present;
-    if (protocol_ == Protocol::StatusNotifier) return TrayHost::Absent;
-    const bool mayCome = notifier == StatusNotifierHost::State::Unasked ||
-                         (notifier == StatusNotifierHost::State::Expected && looks_ < patience);
-    if (mayNotify && mayCome) return TrayHost::Unknown;
-    return embedHost_.IsThere() ? TrayHost::Present : TrayHost::Absent;
+TrayHost QtNotificationArea::FindHost() const {
+    using State = StatusNotifierHost::State;
+    const auto presentIf = [](bool there) { return there ? TrayHost::Present : TrayHost::Absent; };
+    if (protocol_ == Protocol::XEmbed) return presentIf(embedHost_.IsThere());
+    const State notifier = notifierHost_.Now();
+    if (protocol_ == Protocol::StatusNotifier) return presentIf(notifier == State::Present);
+    switch (notifier) {
+    case State::Unasked: return TrayHost::Unknown;
+    case State::Present: return TrayHost::Present;
+    case State::Silent: return TrayHost::Absent; // the toolkit would ask it too, and wait for the answer
+    case State::Expected:
+        if (patience_.isActive()) return TrayHost::Unknown;
+        break;
+    case State::Absent: break;
+    }
+    return presentIf(embedHost_.IsThere());
 }
 
 void QtNotificationArea::Refresh() {
@@ -38,11 +52,6 @@ void QtNotificationArea::Refresh() {
     if (now == host_) return;
     host_ = now;
     hooks_.HostChanged();
-}
-
-void QtNotificationArea::LookForHost() {
-    if (looks_ < patience) ++looks_;
-    Refresh();
 }
 
 void QtNotificationArea::Add(const QIcon& icon, const std::string& tip, QMenu& menu) {
@@ -73,14 +82,27 @@ void QtNotificationArea::SetIcon(const QIcon& icon) {
 }
 
 void QtNotificationArea::SetTip(const std::string& tip) {
-    if (icon_ != nullptr) icon_->setToolTip(QString::fromStdString(tip));
+    if (icon_ == nullptr) return;
+    const QString text = QString::fromStdString(tip);
+    // The toolkit shows this one itself, and would take a name like "<b>" for markup.
+    const bool looksLikeMarkup = protocol_ == Protocol::XEmbed && Qt::mightBeRichText(text);
+    icon_->setToolTip(looksLikeMarkup ? Qt::convertFromPlainText(text) : text);
+}
+
+// QSystemTrayIcon::geometry would ask the X server, every second.
+const QWidget* QtNotificationArea::Embedded() const {
+    if (protocol_ != Protocol::XEmbed || embedded_ != nullptr) return embedded_;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows)
+        if (window->inherits("QSystemTrayIconSys")) embedded_ = window;
+    return embedded_;
 }
 
 std::vector<int> QtNotificationArea::IconSizes() const {
-    const double ratio = qGuiApp->devicePixelRatio();
-    const auto toPixels = [ratio](int length) { return static_cast<int>(length * ratio + 0.5); };
-    const QRect place = icon_ != nullptr ? icon_->geometry() : QRect();
-    if (!place.isEmpty()) return {toPixels(std::min(place.width(), place.height()))};
+    const double ratio = qApp->devicePixelRatio();
+    const auto toPixels = [ratio](int length) { return static_cast<int>(std::lround(length * ratio)); };
+    if (const QWidget* embedded = Embedded())
+        return {toPixels(std::min(embedded->width(), embedded->height()))};
     std::vector<int> sizes;
     for (const int size : usualSizes)
         sizes.push_back(toPixels(size));

@@ -4,6 +4,10 @@
 #include "platform/qt/StatusNotifierHost.h"
 #include "platform/qt/XEmbedHost.h"
 
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
 #include <memory>
 
 class QSystemTrayIcon;
@@ -19,7 +23,6 @@ class QtNotificationArea : public NotificationArea {
 
     void Plug(Hooks hooks) override { hooks_ = std::move(hooks); }
     TrayHost Host() const override { return host_; }
-    void LookForHost() override;
     void Add(const QIcon& icon, const std::string& tip, QMenu& menu) override;
     void Remove() override;
     void SetIcon(const QIcon& icon) override;
@@ -29,7 +32,8 @@ class QtNotificationArea : public NotificationArea {
   private:
     enum class Protocol { Undecided, StatusNotifier, XEmbed };
 
-    TrayHost FindHost();
+    TrayHost FindHost() const;
+    const QWidget* Embedded() const;
     void Refresh();
 
     Hooks hooks_;
@@ -37,8 +41,9 @@ class QtNotificationArea : public NotificationArea {
     StatusNotifierHost notifierHost_;
     XEmbedHost embedHost_;
     TrayHost host_ = TrayHost::Unknown;
-    int looks_ = 0;
+    QTimer patience_;
     std::unique_ptr<QSystemTrayIcon> icon_;
+    mutable QPointer<QWidget> embedded_;
 };
 
 } // namespace korvalin

@@ -9,6 +9,7 @@ namespace {
 
 const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString objectPath = QStringLiteral("/StatusNotifierWatcher");
+constexpr int answerMilliseconds = 5000;
 
 } // namespace
 
@@ -35,13 +36,18 @@ void StatusNotifierHost::Ask() {
     question << service << QStringLiteral("IsStatusNotifierHostRegistered");
     question.setAutoStartService(false);
     // An earlier question that is still open has lost its interest.
-    asked_ = std::make_unique<QDBusPendingCallWatcher>(QDBusConnection::sessionBus().asyncCall(question));
+    asked_ = std::make_unique<QDBusPendingCallWatcher>(
+        QDBusConnection::sessionBus().asyncCall(question, answerMilliseconds));
     connect(asked_.get(), &QDBusPendingCallWatcher::finished, this, [this] { TakeAnswer(); });
 }
 
 void StatusNotifierHost::TakeAnswer() {
     const QDBusPendingReply<QVariant> reply = *asked_;
     asked_.release()->deleteLater();
+    if (reply.error().type() == QDBusError::NoReply) {
+        Become(State::Silent);
+        return Ask();
+    }
     if (reply.isError()) return Become(State::Absent);
     Become(reply.value().toBool() ? State::Present : State::Expected);
 }

@@ -19,6 +19,7 @@ class StatusNotifierHost : public QObject {
         Unasked, ///< the answer is still to come
         Absent,
         Expected, ///< the desktop keeps a list of icons, but nothing shows it yet
+        Silent,   ///< the desktop keeps one, but does not answer; it is asked again and again
         Present
     };
 

@@ -1,0 +1,129 @@
+#!/usr/bin/python3
+"""A desktop's list of StatusNotifierItem icons and the panel that shows them, without a picture: does what it is told on
+standard input, one command a line, and answers each with one line of JSON.
+
+    host           a panel registers with the list (with the argument "host" one is there from the start)
+    item           the icon: its tooltip and pictures; null while there is none
+    activate       a left click on the icon
+    menu           the menu's visible entries
+    choose LABEL   a click on that entry
+"""
+
+import json
+import sys
+
+import dbus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+WATCHER = "org.kde.StatusNotifierWatcher"
+ITEM = "org.kde.StatusNotifierItem"
+MENU = "com.canonical.dbusmenu"
+
+
+class Watcher(dbus.service.Object):
+    """The list. The toolkit reads a property only when it is introspectable."""
+
+    def __init__(self, bus, has_host):
+        self.items, self.has_host = [], has_host
+        self.name = dbus.service.BusName(WATCHER, bus)
+        super().__init__(bus, "/StatusNotifierWatcher")
+        bus.add_signal_receiver(self.owner_changed, "NameOwnerChanged", "org.freedesktop.DBus")
+
+    def owner_changed(self, name, _, owner):
+        if not owner:
+            self.items = [item for item in self.items if item[0] != name]
+
+    @dbus.service.method(WATCHER, in_signature="s", sender_keyword="sender")
+    def RegisterStatusNotifierItem(self, service, sender):
+        self.items.append((sender, service if service.startswith("/") else "/StatusNotifierItem"))
+        self.StatusNotifierItemRegistered(sender)
+
+    @dbus.service.signal(WATCHER, signature="s")
+    def StatusNotifierItemRegistered(self, service):
+        pass
+
+    @dbus.service.signal(WATCHER)
+    def StatusNotifierHostRegistered(self):
+        pass
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
+    def Get(self, _, name):
+        return {"IsStatusNotifierHostRegistered": self.has_host, "ProtocolVersion": dbus.Int32(0)}[name]
+
+    @dbus.service.method(dbus.INTROSPECTABLE_IFACE, out_signature="s")
+    def Introspect(self):
+        return (f'<node><interface name="{WATCHER}"><property name="IsStatusNotifierHostRegistered" type="b" '
+                'access="read"/><method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>'
+                "</interface></node>")
+
+
+class Host:
+    """The panel."""
+
+    def __init__(self, bus, watcher):
+        self.bus, self.watcher = bus, watcher
+
+    def host(self):
+        self.watcher.has_host = True
+        self.watcher.StatusNotifierHostRegistered()
+
+    def item_object(self):
+        return self.bus.get_object(*self.watcher.items[-1], introspect=False)
+
+    def properties(self):
+        return dbus.Interface(self.item_object(), dbus.PROPERTIES_IFACE).GetAll(ITEM)
+
+    def item(self):
+        if not self.watcher.items:
+            return None
+        found = self.properties()
+        return {"id": found["Id"], "tip": found["ToolTip"][2],
+                "pictures": [{"size": [int(width), int(height)], "argb": bytes(pixels).hex()}
+                             for width, height, pixels in found["IconPixmap"]]}
+
+    def activate(self):
+        dbus.Interface(self.item_object(), ITEM).Activate(10, 10)
+
+    def layout(self):
+        menu = dbus.Interface(self.bus.get_object(self.watcher.items[-1][0], self.properties()["Menu"], introspect=False),
+                              MENU)
+        menu.AboutToShow(0)
+        _, (_, _, entries) = menu.GetLayout(0, -1, dbus.Array([], signature="s"))
+        return menu, {str(entry[1]["label"]).replace("_", ""): entry[0] for entry in entries
+                      if entry[1].get("visible", True) and "label" in entry[1]}
+
+    def menu(self):
+        return list(self.layout()[1])
+
+    def choose(self, label):
+        menu, entries = self.layout()
+        menu.Event(entries[label], "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
+
+
+def main():
+    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+    bus = dbus.SessionBus()
+    host = Host(bus, Watcher(bus, "host" in sys.argv[1:]))
+    loop = GLib.MainLoop()
+
+    def obey(*_):
+        words = sys.stdin.readline().split()
+        if not words:
+            loop.quit()
+            return False
+        try:
+            answer = getattr(host, words[0])(*words[1:])
+        except dbus.DBusException as error:  # the program is ending
+            answer = {"error": str(error)}
+        print(json.dumps(answer), flush=True)
+        return True
+
+    GLib.io_add_watch(sys.stdin, GLib.IO_IN | GLib.IO_HUP, obey)
+    print(json.dumps("ready"), flush=True)
+    loop.run()
+
+
+if __name__ == "__main__":
+    main()
