@@ -30,7 +30,8 @@ class GraphCanvas {
 
     /// Prints beside a point, vertically centred on it.
     virtual void Print(double x, double y, std::string_view text, TextAnchor anchor) = 0;
-    /// Prints upwards above (Start) or below (End) a point, horizontally centred on it.
+    /// Prints upwards above (Start) or below (End) a point, horizontally centred on it. Above it the letters
+    /// have a white rim: they stand on bars and their outlines.
     virtual void PrintUpwards(double x, double y, std::string_view text, TextAnchor anchor) = 0;
 
     virtual double TextWidth(std::string_view text) const = 0;

@@ -108,10 +108,11 @@ void GraphSvg::Print(double x, double y, std::string_view text, TextAnchor ancho
 }
 
 void GraphSvg::PrintUpwards(double x, double y, std::string_view text, TextAnchor anchor) {
-    elements_ += fmt::format("<text transform=\"translate({:.2f} {:.2f}) rotate(-90)\" text-anchor=\"{}\">"
-                             "{}</text>\n",
-                             PageX(x) + fontPixels * capitalHeight / 2, PageY(y),
-                             anchor == TextAnchor::Start ? "start" : "end", Escaped(text));
+    const bool start = anchor == TextAnchor::Start;
+    elements_ += fmt::format(
+        "<text transform=\"translate({:.2f} {:.2f}) rotate(-90)\" text-anchor=\"{}\"{}>{}</text>\n",
+        PageX(x) + fontPixels * capitalHeight / 2, PageY(y), start ? "start" : "end",
+        start ? " stroke=\"#ffffff\" stroke-width=\"2\" paint-order=\"stroke\"" : "", Escaped(text));
 }
 
 double GraphSvg::TextWidth(std::string_view text) const {

@@ -1,20 +1,21 @@
 #include "stats/PictureCanvas.h"
 
 #include "forms/PictureBox.h"
-
-#include <cmath>
+#include "platform/Screen.h"
 
 namespace korvalin {
 namespace {
 
 constexpr std::int32_t white = 0xFFFFFF;
+constexpr std::int32_t black = 0x000000;
 constexpr double fontPoints = 8;
+constexpr double rim = TwipsPerPixel;
 
 } // namespace
 
 PictureCanvas::PictureCanvas(PictureBox& picture) : picture_(picture) {
     picture_.SetBackColor(white);
-    picture_.SetForeColor(0);
+    picture_.SetForeColor(black);
     picture_.SetFont("Arial", fontPoints, false);
     picture_.SetDrawWidth(1);
     picture_.SetDrawStyle(DrawStyle::Solid);
@@ -59,9 +60,20 @@ void PictureCanvas::Print(double x, double y, std::string_view text, TextAnchor 
 }
 
 void PictureCanvas::PrintUpwards(double x, double y, std::string_view text, TextAnchor anchor) {
-    picture_.SetCurrentX(x - TextHeight() / 2);
-    picture_.SetCurrentY(anchor == TextAnchor::Start ? y : y - TextWidth(text));
-    picture_.PrintUpwards(text);
+    const double left = x - TextHeight() / 2;
+    const double bottom = anchor == TextAnchor::Start ? y : y - TextWidth(text);
+    const auto print = [&](double aside, double above, std::int32_t color) {
+        picture_.SetForeColor(color);
+        picture_.SetCurrentX(left + aside);
+        picture_.SetCurrentY(bottom + above);
+        picture_.PrintUpwards(text);
+    };
+    if (anchor == TextAnchor::Start) {
+        for (const double aside : {-rim, rim})
+            for (const double above : {-rim, rim})
+                print(aside, above, white);
+    }
+    print(0, 0, black);
 }
 
 double PictureCanvas::TextWidth(std::string_view text) const {

@@ -155,6 +155,49 @@ TEST_F(PictureBoxTest, PrintsBesideWhatItPrintedBefore) {
     EXPECT_EQ(Drawn().first.left(), first.left());
 }
 
+TEST_F(PictureBoxTest, PrintsUpwards) {
+    SetScale(0, 1000, 100, -1000);
+    picture.SetFont("DejaVu Sans", 9, false);
+    picture.SetCurrentX(20);
+    picture.SetCurrentY(100);
+    picture.PrintUpwards("Größe ");
+    EXPECT_EQ(picture.CurrentX(), 20);
+    const double width = picture.TextWidth("Größe ") * 2; // of the text, in pixels
+    EXPECT_NEAR(picture.CurrentY(), 100 + width * 10, 1e-9);
+    const QRect cell(Device(40), Device(90 - width), Device(-picture.TextHeight() / 10), Device(width));
+    const QRect first = Drawn().first;
+    EXPECT_TRUE(cell.adjusted(-1, -1, 1, 1).contains(first)) << first.x() << " " << first.y();
+    EXPECT_GT(first.width(), cell.width() / 2);
+    EXPECT_GT(first.height(), cell.height() / 2);
+    EXPECT_GT(first.bottom(), cell.bottom() - cell.height() / 6) << "the text begins at the bottom";
+    picture.PrintUpwards("k");
+    EXPECT_LT(Drawn().first.top(), cell.top());
+}
+
+TEST_F(PictureBoxTest, OutlinesWhatABoxFills) {
+    picture.Box(20, 10, 60, 30, red);
+    const QRect box = Drawn().first;
+    picture.SetBackColor(white);
+    picture.Outline(60, 30, 20, 10, red);
+    EXPECT_EQ(Drawn().first, box);
+    const int pen = Device(1);
+    const QImage image = picture.Picture();
+    for (const QPoint corner : {box.topLeft(), box.topRight(), box.bottomLeft(), box.bottomRight()})
+        EXPECT_EQ(image.pixelColor(corner), Qt::red);
+    EXPECT_EQ(image.pixelColor(box.topLeft() + QPoint(pen - 1, pen - 1)), Qt::red);
+    EXPECT_EQ(image.pixelColor(box.topLeft() + QPoint(pen, pen)), Qt::white);
+    EXPECT_EQ(image.pixelColor(box.bottomRight() - QPoint(pen, pen)), Qt::white);
+}
+
+TEST_F(PictureBoxTest, TellsWhenItsDrawingIsLost) {
+    QSignalSpy lost(&picture, &PictureBox::DrawingLost);
+    picture.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&picture));
+    EXPECT_EQ(lost.count(), 0);
+    picture.resize(150, 80);
+    EXPECT_EQ(lost.count(), 1);
+}
+
 TEST_F(PictureBoxTest, ShowsWhatWasDrawnAndClears) {
     picture.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&picture));

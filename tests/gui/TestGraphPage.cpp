@@ -1,0 +1,354 @@
+#include "fakes/CoreFixture.h"
+#include "forms/PictureBox.h"
+#include "lang/ApplyFormTexts.h"
+#include "stats/GraphPage.h"
+
+#include <QXmlStreamReader>
+
+#include <cmath>
+
+using namespace korvalin;
+
+// These tests also run at another pixel ratio: see CMakeLists.txt.
+namespace {
+
+constexpr QRgb green = 0xFF00FF00;
+constexpr QRgb red = 0xFFFF0000;
+constexpr QRgb black = 0xFF000000;
+constexpr QRgb white = 0xFFFFFFFF;
+
+class GraphPageTest : public CoreFixture {
+  protected:
+    GraphPageTest() {
+        locale.ShortDate = "dd.mm.yyyy";
+        settings.SetReg("GFrom", DateSerial(2024, 3, 6));
+        settings.SetReg("GPeriodType", 0);
+        for (int day = 0; day < 2000; ++day)
+            Add("dsl", DateSerial(2024, 3, 15 - day), 1.6e6, 0.4e6);
+        Add("umts", DateSerial(2024, 3, 14), 7e6, 0);
+        aliases.FillAlias(records);
+    }
+    void Add(const char* line, Date day, double received, double transmitted) {
+        StatRecord record;
+        record.LineName = records.Texts.Intern(line);
+        record.LogIn = day;
+        record.Duration = TimeSerial(1, 0, 0);
+        record.LogOut = record.End();
+        record.BytesReceived = received;
+        record.BytesTransmitted = transmitted;
+        records.List.push_back(record);
+    }
+    // Ten days with 2 MB each on a scale up to 3 MB.
+    void Open() {
+        ASSERT_TRUE(program != nullptr || StartProgram());
+        page = new GraphPage({settings, program->language, errors, aliases, boxes, clock, locale}, &window);
+        page->setGeometry(0, 0, 640, 460);
+        ApplyFormTexts(window, program->language);
+        window.resize(640, 460);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        page->ShowRecords(records);
+    }
+    void Reopen() {
+        delete page;
+        Open();
+    }
+
+    template <typename Control>
+    Control* Find(const char* name) {
+        return page->findChild<Control*>(QString::fromLatin1(name));
+    }
+    PictureBox* Picture() { return Find<PictureBox>("PicChart"); }
+    QComboBox* Combo(const char* name) { return Find<QComboBox>(name); }
+    void Type(const char* name, const char* text) {
+        QLineEdit* edit = Combo(name)->lineEdit();
+        edit->selectAll();
+        QTest::keyClicks(edit, QString::fromLatin1(text));
+        QTest::keyClick(edit, Qt::Key_Return);
+    }
+    std::string Shown(const char* name) { return Combo(name)->currentText().toStdString(); }
+    std::string Stored(const char* name) {
+        return settings.Primitives().RegReadString(SettingsKeyPath, name);
+    }
+
+    // In device pixels.
+    int Device(double logical) { return static_cast<int>(std::lround(logical * page->devicePixelRatioF())); }
+    int BaseRow() { return Picture()->Picture().height() - Device(60); }
+    int TopRow() { return Device(10); }
+    // The vertical axis, where neither texts nor ticks are beside it.
+    int AxisColumn() {
+        const QImage image = Picture()->Picture();
+        const int row = BaseRow() - (BaseRow() - TopRow()) / 2;
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, row) == black) return x;
+        return -1;
+    }
+    int CentreOf(int bar, int count) {
+        const double width = Picture()->Picture().width() - AxisColumn();
+        return AxisColumn() + static_cast<int>(std::lround((bar + 0.5) * width / count));
+    }
+    int Count(QRgb color, int column) {
+        const QImage image = Picture()->Picture();
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            count += image.pixel(column, y) == color ? 1 : 0;
+        return count;
+    }
+    int CountInRow(QRgb color, int row) {
+        const QImage image = Picture()->Picture();
+        int count = 0;
+        for (int x = AxisColumn() + Device(2); x < image.width(); ++x)
+            count += image.pixel(x, row) == color ? 1 : 0;
+        return count;
+    }
+    bool NothingDrawn() {
+        const QImage image = Picture()->Picture();
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (image.pixel(x, y) != white) return false;
+        return true;
+    }
+    // What the tooltip says when the mouse rests there.
+    std::string TipAt(int deviceX) {
+        const QPoint point(static_cast<int>(deviceX / page->devicePixelRatioF()), 50);
+        QHelpEvent event(QEvent::ToolTip, point, Picture()->mapToGlobal(point));
+        QCoreApplication::sendEvent(Picture(), &event);
+        return QToolTip::text().toStdString();
+    }
+
+    Aliases aliases{settings, errors, clock, [] { return 1e6; }};
+    StatRecords records;
+    struct Window : QWidget {
+        Window() { setObjectName(QStringLiteral("frmStatistik")); }
+    } window;
+    GraphPage* page = nullptr;
+};
+
+TEST_F(GraphPageTest, DrawsBarsOfTheirVolumes) {
+    Open();
+    const double height = BaseRow() - TopRow();
+    struct {
+        const char* Uncheck;
+        double Green, Red; // shares of the height
+    } const rows[] = {{"", 0.4 / 3, 1.6 / 3}, {"boxGSend", 0, 1.6 / 2}, {"boxGReceived", 0.4 / 0.5, 0}};
+    for (const auto& row : rows) {
+        if (auto* box = Find<QCheckBox>(row.Uncheck)) box->click();
+        for (const int bar : {0, 4, 9}) {
+            const int column = CentreOf(bar, 10) + Device(5);
+            EXPECT_NEAR(Count(green, column), row.Green * height, Device(3)) << row.Uncheck << bar;
+            EXPECT_NEAR(Count(red, column), row.Red * height, Device(3)) << row.Uncheck << bar;
+        }
+        if (auto* box = Find<QCheckBox>(row.Uncheck)) box->click();
+    }
+    EXPECT_EQ(Count(green, CentreOf(4, 10) + Device(5)) > 0, true) << "both are shown again";
+    Find<QCheckBox>("boxGSend")->click();
+    Find<QCheckBox>("boxGReceived")->click();
+    EXPECT_TRUE(NothingDrawn());
+}
+
+TEST_F(GraphPageTest, BarsTouchAndLoseTheirOutlinesWhereManyStand) {
+    settings.SetReg("GFrom", DateSerial(2020, 1, 1));
+    Open();
+    struct {
+        const char* Periods;
+        bool White, Outlines;
+    } const rows[] = {{"35", true, true},
+                      {"60", true, true},
+                      {"61", false, true},
+                      {"250", false, true},
+                      {"251", false, false}};
+    for (const auto& row : rows) {
+        Type("cboGMaxPeriods", row.Periods);
+        const int throughGreen = BaseRow() - (BaseRow() - TopRow()) / 15;
+        EXPECT_EQ(CountInRow(white, throughGreen) > Device(10), row.White) << row.Periods;
+        EXPECT_EQ(CountInRow(black, throughGreen) > Device(10), row.Outlines) << row.Periods;
+    }
+}
+
+TEST_F(GraphPageTest, EveryControlRedraws) {
+    settings.SetReg("GFrom", DateSerial(2024, 1, 3));
+    Open();
+    const std::pair<const char*, std::function<void()>> changes[] = {
+        {"alias", [&] { Combo("cboGAlias")->setCurrentText(QStringLiteral("umts")); }},
+        {"alias", [&] { Combo("cboGAlias")->setCurrentText(QStringLiteral("dsl")); }},
+        {"maximum periods", [&] { Type("cboGMaxPeriods", "70"); }},
+        {"from", [&] { Type("cboGFrom", "1.2.24"); }},
+        {"till", [&] { Type("cboGTill", "1.3.2024"); }},
+        {"top", [&] { Combo("cboGMax")->setCurrentIndex(2); }},
+        {"values", [&] { Find<QCheckBox>("boxShowValue")->click(); }},
+        {"unit", [&] { page->SetUnit("KB", 1000); }},
+        {"sent", [&] { Find<QCheckBox>("boxGSend")->click(); }},
+        {"week", [&] { Combo("cboGPeriodType")->setCurrentIndex(1); }},
+        {"weekday", [&] { Combo("cboGWeekday")->setCurrentIndex(3); }},
+        {"month", [&] { Combo("cboGPeriodType")->setCurrentIndex(2); }},
+        {"records",
+         [&] {
+             records.List.pop_back();
+             records.List.erase(records.List.begin(), records.List.begin() + 30);
+             page->ShowRecords(records);
+         }},
+        {"button", [&] {
+             records.List.clear();
+             Find<QPushButton>("cmdGDraw")->click();
+         }}};
+    QImage before = Picture()->Picture();
+    for (const auto& [name, change] : changes) {
+        change();
+        EXPECT_NE(Picture()->Picture(), before) << name;
+        before = Picture()->Picture();
+    }
+    EXPECT_TRUE(NothingDrawn());
+}
+
+TEST_F(GraphPageTest, RedrawsInEverySize) {
+    Open();
+    for (const QSize size : {QSize(900, 600), QSize(560, 340)}) {
+        window.resize(size);
+        page->resize(size);
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return Picture()->Picture().width() > Device(size.width() - 40); }));
+        EXPECT_NEAR(Count(red, CentreOf(4, 10) + Device(5)), 1.6 / 3 * (BaseRow() - TopRow()), Device(3));
+    }
+}
+
+TEST_F(GraphPageTest, CorrectsWhatIsTyped) {
+    Open();
+    Combo("cboGMaxPeriods")->setFocus();
+    struct {
+        const char *Combo, *Setting, *Typed;
+        std::string Shown, Stored;
+    } const rows[] = {{"cboGFrom", "GFrom", "31.2.24", "06.03.2024", "2024-03-06 00:00:00"},
+                      {"cboGFrom", "GFrom", "yesterday", "06.03.2024", "2024-03-06 00:00:00"},
+                      {"cboGFrom", "GFrom", "1.3.24", "01.03.2024", "2024-03-01 00:00:00"},
+                      {"cboGFrom", "GFrom", "1.1.1950", "15.03.2023", "2023-03-15 00:00:00"},
+                      {"cboGFrom", "GFrom", "1.1.2030", "15.03.2024", "2024-03-15 00:00:00"},
+                      {"cboGTill", "GTill", "1.3.2024", "15.03.2024", ""}, // before the first day
+                      {"cboGFrom", "GFrom", "1.3.2024", "01.03.2024", "2024-03-01 00:00:00"},
+                      {"cboGTill", "GTill", "10.3.2024", "10.03.2024", "2024-03-10 00:00:00"},
+                      {"cboGTill", "GTill", "15.3.2024", "15.03.2024", ""}, // today, tomorrow as well
+                      {"cboGMaxPeriods", "GMaxPeriods", "5000", "1000", "1000"},
+                      {"cboGMaxPeriods", "GMaxPeriods", "0", "12", "12"},
+                      {"cboGMaxPeriods", "GMaxPeriods", "7", "7", "7"}};
+    for (const auto& row : rows) {
+        Type(row.Combo, row.Typed);
+        EXPECT_EQ(Shown(row.Combo), row.Shown) << row.Typed;
+        EXPECT_EQ(Stored(row.Setting), row.Stored) << row.Typed;
+    }
+    settings.SetReg("dsl_MonthStartDay", 20);
+    aliases.FillAliasInfo(aliases.AliasIndex("dsl"));
+    Combo("cboGPeriodType")->setCurrentIndex(2);
+    EXPECT_EQ(Shown("cboGFrom") + Shown("cboGTill"), "20.02.202419.03.2024");
+    Combo("cboGFrom")->setCurrentIndex(Combo("cboGFrom")->count() - 1); // the first record
+    emit Combo("cboGFrom")->activated(Combo("cboGFrom")->count() - 1);
+    EXPECT_EQ(Shown("cboGFrom"), "20.09.2018");
+}
+
+TEST_F(GraphPageTest, RemembersItsSettings) {
+    QLocale::setDefault(QLocale(QLocale::German));
+    Open();
+    EXPECT_EQ(Shown("cboGAlias") + Shown("cboGMaxPeriods"), "dsl24") << "the first with records";
+    EXPECT_EQ(Shown("cboGWeekday"), "Monday");
+    Combo("cboGAlias")->setCurrentText(QStringLiteral("umts"));
+    Combo("cboGPeriodType")->setCurrentIndex(1);
+    Type("cboGMaxPeriods", "3");
+    Type("cboGFrom", "1.2.2024");
+    Type("cboGTill", "3.3.2024");
+    Find<QCheckBox>("boxShowValue")->click();
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    Reopen();
+    EXPECT_EQ(Shown("cboGAlias") + Shown("cboGPeriodType") + Shown("cboGMaxPeriods"), "umtsWeek3");
+    EXPECT_EQ(Shown("cboGFrom") + Shown("cboGTill"), "28.01.202409.03.2024") << "weeks begin on Sunday here";
+    EXPECT_TRUE(Find<QCheckBox>("boxShowValue")->isChecked());
+    EXPECT_EQ(Shown("cboGWeekday"), "Sunday");
+    settings.SetReg("GAlias", "nobody");
+    Reopen();
+    EXPECT_EQ(Shown("cboGAlias"), "dsl");
+}
+
+TEST_F(GraphPageTest, TellsThePeriodUnderTheMouse) {
+    Open();
+    EXPECT_EQ(TipAt(CentreOf(0, 10)), "06.03.2024\nSent: 0.4 MB\nReceived: 1.6 MB\nTotal: 2.0 MB");
+    EXPECT_EQ(TipAt(CentreOf(9, 10)).substr(0, 10), "15.03.2024");
+    Find<QCheckBox>("boxGSend")->click();
+    Combo("cboGPeriodType")->setCurrentIndex(2);
+    EXPECT_EQ(TipAt(CentreOf(0, 1)), "01.03.2024 - 31.03.2024\nReceived: 24.0 MB");
+    TipAt(AxisColumn() - Device(4));
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); })) << "beside the bars";
+}
+
+TEST_F(GraphPageTest, OffersFixedTopsInItsUnit) {
+    Open();
+    EXPECT_EQ(Shown("cboGMax"), "Automatic");
+    Combo("cboGMax")->setCurrentText(QStringLiteral("20 MB"));
+    EXPECT_NEAR(Count(red, CentreOf(4, 10) + Device(5)), 1.6 / 20 * (BaseRow() - TopRow()), Device(3));
+    page->SetUnit("KiB", 1024);
+    EXPECT_EQ(Shown("cboGMax"), "20,000 KiB");
+    page->SetUnit("GB", 1e9);
+    EXPECT_EQ(Shown("cboGMax"), "0.05 GB");
+    Combo("cboGMax")->setCurrentIndex(0);
+    EXPECT_NEAR(Count(red, CentreOf(4, 10) + Device(5)), 1.6 / 2 * (BaseRow() - TopRow()), Device(3));
+}
+
+TEST_F(GraphPageTest, TakesTheTextsOfItsWindowAndLanguage) {
+    Open();
+    const auto label = [&](const char* name) { return Find<QLabel>(name)->text().toStdString(); };
+    EXPECT_EQ(label("lblGMaxPeriods") + Shown("cboGPeriodType"), "Maximum periods:Day");
+    Combo("cboGPeriodType")->setCurrentIndex(2);
+    program->language.UseLanguage("GER");
+    ApplyTextsToLoadedForms(program->language);
+    EXPECT_EQ(label("lblGMaxPeriods") + Shown("cboGPeriodType") + Shown("cboGMax"),
+              "Höchstens Zeiträume:AbrechnungsmonatAutomatisch");
+    for (const char* name :
+         {"cboGAlias", "cboGFrom", "cboGTill", "cboGPeriodType", "cboGWeekday", "cboGMaxPeriods", "cboGMax"})
+        EXPECT_FALSE(QAccessible::queryAccessibleInterface(Combo(name))->text(QAccessible::Name).isEmpty())
+            << name;
+}
+
+TEST_F(GraphPageTest, AnImpossibleScaleIsToldOnce) {
+    Open();
+    program->language.UseLanguage("GER");
+    records.List[0].BytesReceived = INFINITY;
+    Find<QPushButton>("cmdGDraw")->click();
+    page->SetUnit("KB", 1000);
+    EXPECT_EQ(TakeBoxes(), Lines{"Fehler in DrawGraph"});
+    EXPECT_TRUE(NothingDrawn() && page->Svg().empty());
+    EXPECT_TRUE(TipAt(100).empty());
+    records.List[0].BytesReceived = 1;
+    Find<QPushButton>("cmdGDraw")->click();
+    EXPECT_FALSE(NothingDrawn());
+}
+
+TEST_F(GraphPageTest, WithoutAnAliasNothingIsDrawn) {
+    aliases.Clear();
+    Open();
+    EXPECT_EQ(Shown("cboGAlias"), "");
+    EXPECT_TRUE(NothingDrawn() && page->Svg().empty());
+    EXPECT_EQ(page->Title(), "");
+}
+
+TEST_F(GraphPageTest, ExportsTheSameBars) {
+    Open();
+    EXPECT_EQ(page->Title(), "dsl, 06.03.2024 - 15.03.2024, MB");
+    page->SetUnit("<&\"", 1e6);
+    Find<QCheckBox>("boxShowValue")->click();
+    const std::string svg = page->Svg();
+    QXmlStreamReader reader(QByteArray::fromStdString(svg));
+    std::map<std::string, int> bars; // by colour and height
+    QStringList texts;
+    while (!reader.atEnd()) {
+        if (reader.readNext() != QXmlStreamReader::StartElement) continue;
+        const auto value = [&](const char* name) {
+            return reader.attributes().value(QLatin1String(name)).toString().toStdString();
+        };
+        if (reader.name() == QLatin1String("rect")) ++bars[value("fill") + " " + value("height")];
+        if (reader.name() == QLatin1String("text")) texts << reader.readElementText();
+    }
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
+    // The drawing area is 400 - 60 - 10 pixels high.
+    EXPECT_EQ(bars["#00ff00 44.00"], 10);
+    EXPECT_EQ(bars["#ff0000 176.00"], 10);
+    EXPECT_EQ(texts.count(QStringLiteral("2 <&\"")), 10);
+    EXPECT_TRUE(texts.contains(QStringLiteral("06.03.24")) && texts.contains(QStringLiteral("3")));
+}
+
+} // namespace
