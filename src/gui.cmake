@@ -16,6 +16,7 @@ add_library(korvalin_gui STATIC
   forms/Loaded.cpp
   forms/PictureBox.cpp
   forms/ProgramIcon.cpp
+  forms/RoomyStyle.h
   lang/ApplyFormTexts.cpp
   lang/frmLanguage.cpp
   lang/frmLanguage.ui

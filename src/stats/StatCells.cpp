@@ -110,14 +110,15 @@ std::string CellText(const StatRecord& record, Field field, const VolumeUnit& un
 }
 
 bool IsFigure(Field field) {
-    return field != Field::Alias && field != Field::Info && field != Field::PeriodLabel;
+    return field != Field::Alias && field != Field::LogIn && field != Field::LogOut && field != Field::Info &&
+           field != Field::PeriodLabel;
 }
 
 std::string SampleText(Field field, bool ofSums, const Locale& locale) {
     const Date sample = DateSerial(2004, 12, 31) + TimeSerial(22, 22, 22);
     const std::string date = FormatPattern(sample, locale.ShortDate);
     switch (field) {
-    case Field::Alias: return "Mobile broadband";
+    case Field::Alias: return "Mobile line";
     case Field::LogIn:
     case Field::LogOut: return FormatDateGeneral(sample, locale);
     case Field::Duration:

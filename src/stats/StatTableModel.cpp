@@ -44,18 +44,22 @@ int StatTableModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
+QVariant StatTableModel::Alignment(int column) const {
+    const bool figure = IsFigure(columns_.at(static_cast<std::size_t>(column)).Shows);
+    return QVariant::fromValue((figure ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+}
+
 QVariant StatTableModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     if (role == Qt::DisplayRole) return QString::fromStdString(Text(index.row(), index.column()));
-    const bool figure = IsFigure(columns_[static_cast<std::size_t>(index.column())].Shows);
-    if (role == Qt::TextAlignmentRole)
-        return QVariant::fromValue((figure ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    if (role == Qt::TextAlignmentRole) return Alignment(index.column());
     return {};
 }
 
 QVariant StatTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
-        return QString::fromStdString(Header(section));
+    if (orientation != Qt::Horizontal) return {};
+    if (role == Qt::DisplayRole) return QString::fromStdString(Header(section));
+    if (role == Qt::TextAlignmentRole) return Alignment(section);
     return {};
 }
 

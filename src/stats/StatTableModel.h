@@ -44,6 +44,7 @@ class StatTableModel : public QAbstractTableModel {
 
   private:
     void Arrange();
+    QVariant Alignment(int column) const;
 
     std::vector<StatColumn> columns_;
     Language& language_;

@@ -128,13 +128,14 @@ void frmStatistik::SetUpLists() {
 
 void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSums) {
     list.setModel(&model);
+    list.setStyle(&listStyle_);
+    list.horizontalHeader()->setStyle(&listStyle_);
     const QFontMetrics metrics = list.fontMetrics();
     list.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     list.verticalHeader()->setDefaultSectionSize(metrics.height() + 6);
     QHeaderView& header = *list.horizontalHeader();
     header.setSectionsClickable(true);
     header.setStretchLastSection(true);
-    header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     for (int column = 0; column < model.columnCount(); ++column) {
         const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
         const QString sample =

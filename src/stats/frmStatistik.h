@@ -1,5 +1,6 @@
 #pragma once
 
+#include "forms/RoomyStyle.h"
 #include "stats/StatFile.h"
 #include "stats/StatTableModel.h"
 
@@ -102,6 +103,7 @@ class frmStatistik : public QWidget {
     Parts parts_;
     ChooseFile chooseFile_;
     std::unique_ptr<Ui::frmStatistik> ui_;
+    RoomyStyle listStyle_;
     StatRecords records_;
     StatRecords sums_;
     VolumeUnit unit_;
