@@ -26,7 +26,7 @@ class Statistics : public CoreFixture {
     void Open(const std::string& content = file) {
         if (!program) {
             ASSERT_TRUE(StartProgram());
-            folder.Write("data/Korvalin/Korvalin_Stats.db", content);
+            folder.Write((program->dataFolder.GetDataPath() / "Korvalin_Stats.db").string(), content);
             program->LoadStatistics();
         }
         window = std::make_unique<frmStatistik>(frmStatistik::Parts{
@@ -279,8 +279,6 @@ TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
     std::string content;
     for (int i = 0; i < 5000; ++i)
         content += file;
-    ASSERT_TRUE(StartProgram());
-    folder.Write("data/Korvalin/Korvalin_Stats.db", content);
     Open(content);
     int pauses = 0;
     events.OnProcessPending = [&] {
