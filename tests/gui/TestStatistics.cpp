@@ -279,7 +279,8 @@ TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
     std::string content;
     for (int i = 0; i < 5000; ++i)
         content += file;
-    Open(content);
+    Open();
+    folder.Write("data/Korvalin/Korvalin_Stats.db", content);
     int pauses = 0;
     events.OnProcessPending = [&] {
         if (++pauses != 5) return;
