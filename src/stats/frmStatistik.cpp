@@ -183,6 +183,11 @@ void frmStatistik::ApplyTexts() {
     ui_->SSTab->setTabText(0, text("frmStatistik", 25));
     ui_->SSTab->setTabText(1, text("frmStatistik", 26));
     ui_->SSTab->setTabText(2, text("frmMainObj", 7));
+    const auto nameAsTab = [this](QTableView* list, int tab) {
+        list->setAccessibleName(ui_->SSTab->tabText(tab).remove(QLatin1Char('&')));
+    };
+    nameAsTab(ui_->ListStats, 0);
+    nameAsTab(ui_->ListStatsSum, 2);
     ui_->prgLoading->setFormat(text("frmStatistikObj", 37));
     for (StatTableModel* model : {&recordModel_, &sumModel_})
         emit model->headerDataChanged(Qt::Horizontal, 0, model->columnCount() - 1);
@@ -268,6 +273,10 @@ void frmStatistik::LoadRecords() {
     FillFilter();
     FillStats();
     graph_->ShowRecords(records_);
+    if (OnGraph())
+        ui_->SSTab->setFocus();
+    else
+        List().setFocus();
 }
 
 void frmStatistik::ShowLoading(bool loading) {
@@ -438,7 +447,8 @@ void frmStatistik::mnuDelete_Click() {
     std::vector<std::uint32_t> deleted;
     for (const int row : rows)
         deleted.push_back(recordModel_.RecordOf(row));
-    const KeepListPlace place(*ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
+    const KeepListPlace place(
+        *ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
     recordModel_.SetRows(records_.List, {});
     const StatFile::Deletion deletion = parts_.StatFile.DeleteRecords(records_, deleted);
     if (deletion == StatFile::Deletion::Done) return RecordsChanged();

@@ -134,6 +134,26 @@ TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
     EXPECT_EQ(Rows(), (Lines{"two", "three", "four"})) << "the filter stays";
 }
 
+TEST_F(Statistics, TheKeyboardReachesEverything) {
+    Open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == window.get(); }));
+    const auto pressTab = [&] {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        return QApplication::focusWidget()->objectName().toStdString();
+    };
+    EXPECT_TRUE(List()->hasFocus()) << "an arrow key moves in the list and changes no setting";
+    EXPECT_EQ(pressTab(), "cboFilter") << "a list does not keep the key to itself";
+    Page(2);
+    Lines controls;
+    while (controls.empty() || (controls.back() != "cboFilter" && controls.size() < 20))
+        controls.push_back(pressTab());
+    EXPECT_EQ(controls, (Lines{"cboKBMB", "qt_tabwidget_tabbar", "optStatSum0", "ListStatsSum", "cboLines",
+                               "txtAlias", "cboFreeHours", "cboFreeVolume", "cboMonthStartDay",
+                               "cboRoundSeconds", "boxUp1MB", "boxTrayVolumeLine", "cboFilter"}));
+    for (const char* name : {"ListStats", "ListStatsSum"})
+        EXPECT_FALSE(List(name)->accessibleName().isEmpty());
+}
+
 TEST_F(Statistics, AHeaderSortsAndTheCurrentRowStays) {
     Open();
     List()->setCurrentIndex(List()->model()->index(2, 0)); // "three"
@@ -168,6 +188,13 @@ TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
         "Alias\tConnected\tDuration\tDisconnected\tSent\tReceived\tTotal\tNote\t\r\n"
         "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n"
         "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\ttwo\t\r\n");
+}
+
+TEST_F(Statistics, ACopiedNoteKeepsWhatOnlyLooksLikeAUnit) {
+    Open("\"Line1\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"limit 5 KB\",\"\"\r\n");
+    Item("mnuSelectAll")->trigger();
+    Item("mnuCopy")->trigger();
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().endsWith(QStringLiteral("\t1.23\tlimit 5 KB\t\r\n")));
 }
 
 TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
