@@ -3,6 +3,7 @@
 #include <QScrollBar>
 #include <QTableView>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,22 +12,28 @@
 namespace korvalin {
 
 /// Keeps a list's current row and scroll position while its rows are put in anew. The row is known by a key
-/// that the same record has before and after.
+/// that the same record has before and after; when it has gone, the row at a given place becomes current.
 class KeepListPlace {
   public:
     using Key = std::pair<std::string, double>;
     using KeyOf = std::function<Key(int row)>;
 
-    KeepListPlace(QTableView& list, KeyOf keyOf)
-        : list_(list), keyOf_(std::move(keyOf)), scroll_(list.verticalScrollBar()->value()) {
+    KeepListPlace(QTableView& list, KeyOf keyOf, std::optional<int> otherwise = {})
+        : list_(list),
+          keyOf_(std::move(keyOf)),
+          otherwise_(otherwise),
+          scroll_(list.verticalScrollBar()->value()) {
         if (list_.currentIndex().isValid()) current_ = keyOf_(list_.currentIndex().row());
     }
     ~KeepListPlace() {
-        for (int row = 0; current_ && row < list_.model()->rowCount(); ++row) {
-            if (keyOf_(row) != *current_) continue;
+        const int rows = list_.model()->rowCount();
+        int row = 0;
+        while (current_ && row < rows && keyOf_(row) != *current_)
+            ++row;
+        if (row == rows && otherwise_) row = std::min(*otherwise_, rows - 1);
+        if (current_ && row >= 0 && row < rows) {
             list_.selectionModel()->setCurrentIndex(list_.model()->index(row, 0),
                                                     QItemSelectionModel::NoUpdate);
-            break;
         }
         list_.verticalScrollBar()->setValue(scroll_);
     }
@@ -36,6 +43,7 @@ class KeepListPlace {
   private:
     QTableView& list_;
     KeyOf keyOf_;
+    std::optional<int> otherwise_;
     int scroll_;
     std::optional<Key> current_;
 };

@@ -123,7 +123,7 @@ std::string SampleText(Field field, bool ofSums, const Locale& locale) {
     case Field::LogOut: return FormatDateGeneral(sample, locale);
     case Field::Duration:
     case Field::DurationRounded: return ofSums ? "1023:59:59" : "23:59:59";
-    case Field::Info: return FormatDateGeneral(sample, locale) + " System shut down or user logged off";
+    case Field::Info: return FormatDateGeneral(sample, locale) + " Korvalin was closed with Taskmanager";
     case Field::PeriodLabel: return date + " - " + date;
     case Field::ConnCount: return "1,000";
     case Field::FileIndex: return "1000000";

@@ -22,8 +22,8 @@ bool IsMinutesAndSeconds(std::string_view text) {
     return text[colon + 1] < '6' && (colon == 1 || text[0] < '6');
 }
 
-std::string CopiedCell(std::string text, std::string_view unitName) {
-    if (text.size() > unitName.size() && text.ends_with(unitName) &&
+std::string CopiedCell(std::string text, bool isFigure, std::string_view unitName) {
+    if (isFigure && text.size() > unitName.size() && text.ends_with(unitName) &&
         text[text.size() - unitName.size() - 1] == ' ') {
         text.resize(text.size() - unitName.size() - 1);
     } else if (text.size() >= 4 && IsMinutesAndSeconds(text)) {
@@ -57,7 +57,8 @@ std::string CopiedText(const ListTexts& list) {
     for (std::size_t row = 0; row < list.RowCount; ++row) {
         for (std::size_t column = 0; column < list.Headers.size(); ++column) {
             std::string cell = list.Cell(row, column);
-            text.append(column == 0 ? cell : CopiedCell(std::move(cell), list.UnitName)).append(separator);
+            if (column > 0) cell = CopiedCell(std::move(cell), list.IsFigure[column], list.UnitName);
+            text.append(cell).append(separator);
         }
         text += lineEnd;
     }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* chosenLine = "Z_StatLineChosen";
 constexpr int mostFreeHours = 30; // in the list; any number may be typed
+constexpr int firstShownFreeHours = 10;
 constexpr int daysInMonth = 31;
 constexpr const char* tariffSuffixes[] = {"_FreeHours", "_FreeVolume", "_MonthStartDay", "_RoundSeconds",
                                           "_Up1MB",     "_TrayTime",   "_TrayVol"};
@@ -33,9 +34,11 @@ void ShowNumber(QComboBox& list, int number) {
 
 } // namespace
 
-TariffEditor::TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases, Hooks hooks)
-    : controls_(controls), settings_(settings), aliases_(aliases), hooks_(std::move(hooks)) {
+TariffEditor::TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases,
+                           std::function<void()> changed)
+    : controls_(controls), settings_(settings), aliases_(aliases), changed_(std::move(changed)) {
     AddNumbers(controls_.cboFreeHours, mostFreeHours);
+    controls_.cboFreeHours.setCurrentIndex(firstShownFreeHours - 1);
     AddNumbers(controls_.cboMonthStartDay, daysInMonth);
     for (const int step : {1, 10, 60})
         controls_.cboRoundSeconds.addItem(QString::number(step));
@@ -77,13 +80,14 @@ std::string TariffEditor::Alias() const {
     return line.empty() ? std::string() : aliases_.GetAlias(line);
 }
 
-void TariffEditor::FillLines() {
+void TariffEditor::ShowLines(const std::vector<AliasInfo>& lines) {
     {
         const QScopedValueRollback guard(showing_, true);
+        const std::string shown = Line().empty() ? settings_.GetText(chosenLine) : Line();
         controls_.cboLines.clear();
-        for (const AliasInfo& line : aliases_.Lines())
+        for (const AliasInfo& line : lines)
             controls_.cboLines.addItem(QString::fromStdString(line.LineName));
-        const int chosen = controls_.cboLines.findText(QString::fromStdString(settings_.GetText(chosenLine)),
+        const int chosen = controls_.cboLines.findText(QString::fromStdString(shown),
                                                        Qt::MatchFixedString); // in any letter case
         controls_.cboLines.setCurrentIndex(std::max(chosen, controls_.cboLines.count() > 0 ? 0 : -1));
     }
@@ -125,7 +129,7 @@ void TariffEditor::txtAlias_Validate() {
     // A line that joins an alias takes part in its tariff; a new alias begins with the old one's.
     if (aliases_.AliasIndex(alias) == 0) InheritTariff(old, alias);
     settings_.SetReg(line + "_Alias", alias);
-    hooks_.AliasChanged();
+    changed_();
     ShowTariff();
 }
 
@@ -145,7 +149,7 @@ void TariffEditor::StoreNumber(QComboBox& control, const char* suffix) {
     settings_.SetReg(setting, value);
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
     ShowTariff();
-    if (changed) hooks_.Changed();
+    if (changed) changed_();
 }
 
 void TariffEditor::StoreFlag(QCheckBox& control, const char* suffix) {
@@ -153,7 +157,7 @@ void TariffEditor::StoreFlag(QCheckBox& control, const char* suffix) {
     if (showing_ || alias.empty()) return;
     settings_.SetReg(alias + suffix, control.isChecked());
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
-    hooks_.Changed();
+    changed_();
 }
 
 } // namespace korvalin

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 class QCheckBox;
 class QComboBox;
@@ -12,6 +13,7 @@ class QLineEdit;
 namespace korvalin {
 
 class Aliases;
+struct AliasInfo;
 class Settings;
 
 /// Shows and stores the alias of a line and the alias's tariff. Each value is stored as soon as its control
@@ -30,17 +32,12 @@ class TariffEditor : public QObject {
         QCheckBox& boxUp1MB;
         QCheckBox& boxTrayVolumeLine;
     };
-    /// `changed` is called after a change that sums depend on; `aliasChanged` when records have another
-    /// alias.
-    struct Hooks {
-        std::function<void()> Changed;
-        std::function<void()> AliasChanged;
-    };
+    /// `changed` is called after a change of an alias or of what sums depend on.
+    TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases,
+                 std::function<void()> changed);
 
-    TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases, Hooks hooks);
-
-    /// Lists the known lines and shows the tariff of the one chosen last.
-    void FillLines();
+    /// Lists these lines and shows the tariff of the one that was shown before, or else was chosen last.
+    void ShowLines(const std::vector<AliasInfo>& lines);
 
   private:
     void ConnectControls();
@@ -56,7 +53,7 @@ class TariffEditor : public QObject {
     Controls controls_;
     Settings& settings_;
     Aliases& aliases_;
-    Hooks hooks_;
+    std::function<void()> changed_;
     bool showing_ = false; // what changes is not the user's doing
 };
 

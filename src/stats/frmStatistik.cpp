@@ -91,13 +91,7 @@ frmStatistik::frmStatistik(const Parts& parts)
         TariffEditor::Controls{*ui_->cboLines, *ui_->txtAlias, *ui_->cboFreeHours, *ui_->cboFreeVolume,
                                *ui_->cboMonthStartDay, *ui_->cboRoundSeconds, *ui_->boxUp1MB,
                                *ui_->boxTrayVolumeLine},
-        parts_.Settings, parts_.Aliases,
-        TariffEditor::Hooks{[this] { RecordsChanged(); },
-                            [this] {
-                                RecordsChanged();
-                                FillFilter();
-                                tariff_->FillLines();
-                            }});
+        parts_.Settings, parts_.Aliases, [this] { RecordsChanged(); });
     SetUpControls();
     ApplyTexts();
     SetUpLists();
@@ -189,6 +183,11 @@ void frmStatistik::ApplyTexts() {
     ui_->SSTab->setTabText(0, text("frmStatistik", 25));
     ui_->SSTab->setTabText(1, text("frmStatistik", 26));
     ui_->SSTab->setTabText(2, text("frmMainObj", 7));
+    const auto nameAsTab = [this](QTableView* list, int tab) {
+        list->setAccessibleName(ui_->SSTab->tabText(tab).remove(QLatin1Char('&')));
+    };
+    nameAsTab(ui_->ListStats, 0);
+    nameAsTab(ui_->ListStatsSum, 2);
     ui_->prgLoading->setFormat(text("frmStatistikObj", 37));
     for (StatTableModel* model : {&recordModel_, &sumModel_})
         emit model->headerDataChanged(Qt::Horizontal, 0, model->columnCount() - 1);
@@ -210,7 +209,10 @@ void frmStatistik::Open() {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     raise();
     activateWindow();
-    if (!wasOpen && !loading_) QTimer::singleShot(0, this, [this] { LoadRecords(); });
+    cancelled_ = false; // a load that the close box has just cancelled goes on
+    if (wasOpen || loading_) return;
+    loading_ = true;
+    QTimer::singleShot(0, this, [this] { LoadRecords(); });
 }
 
 void frmStatistik::RestoreGeometry() {
@@ -239,6 +241,8 @@ void frmStatistik::SaveGeometry() {
 void frmStatistik::closeEvent(QCloseEvent* event) {
     SaveGeometry();
     event->accept();
+    // What is being typed is stored while the records are still there for the sums that follow from it.
+    if (QWidget* edited = focusWidget()) edited->clearFocus();
     cancelled_ = true;
     // While they are loaded the records are in use.
     if (!loading_) ReleaseRecords();
@@ -254,8 +258,6 @@ void frmStatistik::ReleaseRecords() {
 }
 
 void frmStatistik::LoadRecords() {
-    loading_ = true;
-    cancelled_ = false;
     ShowLoading(true);
     ReleaseRecords();
     parts_.StatFile.LoadStatFile(records_, false, [this](double fraction) {
@@ -267,10 +269,14 @@ void frmStatistik::LoadRecords() {
     if (cancelled_) return ReleaseRecords();
     ShowLoading(false);
     sumsNeedRecalculation_ = true;
-    tariff_->FillLines();
+    tariff_->ShowLines(records_.List.empty() ? std::vector<AliasInfo>() : parts_.Aliases.Lines());
     FillFilter();
     FillStats();
     graph_->ShowRecords(records_);
+    if (OnGraph())
+        ui_->SSTab->setFocus();
+    else
+        List().setFocus();
 }
 
 void frmStatistik::ShowLoading(bool loading) {
@@ -296,12 +302,14 @@ void frmStatistik::FillFilter() {
     ui_->cboFilter->setCurrentIndex(std::max(stored.isEmpty() ? 0 : index, 0));
 }
 
+std::pair<std::string, double> frmStatistik::KeyOfRecord(int row) const {
+    return {std::string(), static_cast<double>(recordModel_.Record(row).FileIndex)};
+}
+
 void frmStatistik::FillStats() {
     parts_.Errors.Step("FillStats", [&] {
         const std::string filter = ui_->cboFilter->currentData().toString().toStdString();
-        const KeepListPlace recordPlace(*ui_->ListStats, [this](int row) {
-            return std::pair(std::string(), static_cast<double>(recordModel_.Record(row).FileIndex));
-        });
+        const KeepListPlace recordPlace(*ui_->ListStats, [this](int row) { return KeyOfRecord(row); });
         const KeepListPlace sumPlace(*ui_->ListStatsSum, [this](int row) {
             return std::pair(std::string(sumModel_.Record(row).Alias), sumModel_.Record(row).StatPeriodBegin);
         });
@@ -319,6 +327,8 @@ void frmStatistik::FillStats() {
 // Tariffs, aliases or the records themselves have changed: everything made of them follows.
 void frmStatistik::RecordsChanged() {
     parts_.MonthSums.CalcStatsThisMonth(records_);
+    FillFilter();
+    if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
     sumsNeedRecalculation_ = true;
     FillStats();
     graph_->ShowRecords(records_);
@@ -437,6 +447,8 @@ void frmStatistik::mnuDelete_Click() {
     std::vector<std::uint32_t> deleted;
     for (const int row : rows)
         deleted.push_back(recordModel_.RecordOf(row));
+    const KeepListPlace place(
+        *ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
     recordModel_.SetRows(records_.List, {});
     const StatFile::Deletion deletion = parts_.StatFile.DeleteRecords(records_, deleted);
     if (deletion == StatFile::Deletion::Done) return RecordsChanged();

@@ -58,6 +58,9 @@ class frmStatistik : public QWidget {
     /// Shows the window where it was left, or brings it to the front, and loads the records.
     void Open();
 
+    /// Whether the records are not there yet.
+    bool Loading() const { return loading_; }
+
     /// Fills both lists anew.
     void FillStats();
 
@@ -79,6 +82,7 @@ class frmStatistik : public QWidget {
     void ShowLoading(bool loading);
     void RecordsChanged();
     void FillFilter();
+    std::pair<std::string, double> KeyOfRecord(int row) const;
     void optStatSum_Click(int period);
     void cboFilter_Click();
     void cboKBMB_Click();

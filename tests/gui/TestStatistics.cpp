@@ -34,8 +34,14 @@ class Statistics : public CoreFixture {
             program->monthSums, program->periodSums, clock, program->locale});
         window->Plug([this](QWidget*, const QString&, const QString&) { return savePath; });
         window->Open();
-        ASSERT_TRUE(
-            QTest::qWaitFor([&] { return Find<QWidget>("SSTab")->isEnabled() && Rows().size() > 0; }));
+        AwaitRecords();
+    }
+    void AwaitRecords() {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !window->Loading(); }));
+    }
+    std::filesystem::path StatFilePath() const { return program->statFile.StatFilePath(); }
+    void Append(const std::string& line) {
+        std::ofstream(StatFilePath(), std::ios::app | std::ios::binary) << line;
     }
     template <typename T>
     T* Find(const char* name) {
@@ -80,6 +86,13 @@ class Statistics : public CoreFixture {
         QTest::keyClicks(edit, QString::fromUtf8(text));
         QTest::keyClick(edit, Qt::Key_Return);
     }
+    // Long enough for pauses in its load.
+    void WriteLongFile() {
+        std::string content;
+        for (int i = 0; i < 5000; ++i)
+            content += file;
+        folder.Write("data/Korvalin/Korvalin_Stats.db", content);
+    }
     std::string StatFileText() const { return folder.Read("data/Korvalin/Korvalin_Stats.db"); }
     std::size_t Backups() const {
         std::size_t count = 0;
@@ -121,6 +134,26 @@ TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
     EXPECT_EQ(Rows(), (Lines{"two", "three", "four"})) << "the filter stays";
 }
 
+TEST_F(Statistics, TheKeyboardReachesEverything) {
+    Open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == window.get(); }));
+    const auto pressTab = [&] {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        return QApplication::focusWidget()->objectName().toStdString();
+    };
+    EXPECT_TRUE(List()->hasFocus()) << "an arrow key moves in the list and changes no setting";
+    EXPECT_EQ(pressTab(), "cboFilter") << "a list does not keep the key to itself";
+    Page(2);
+    Lines controls;
+    while (controls.empty() || (controls.back() != "cboFilter" && controls.size() < 20))
+        controls.push_back(pressTab());
+    EXPECT_EQ(controls, (Lines{"cboKBMB", "qt_tabwidget_tabbar", "optStatSum0", "ListStatsSum", "cboLines",
+                               "txtAlias", "cboFreeHours", "cboFreeVolume", "cboMonthStartDay",
+                               "cboRoundSeconds", "boxUp1MB", "boxTrayVolumeLine", "cboFilter"}));
+    for (const char* name : {"ListStats", "ListStatsSum"})
+        EXPECT_FALSE(List(name)->accessibleName().isEmpty());
+}
+
 TEST_F(Statistics, AHeaderSortsAndTheCurrentRowStays) {
     Open();
     List()->setCurrentIndex(List()->model()->index(2, 0)); // "three"
@@ -157,6 +190,13 @@ TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
         "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\ttwo\t\r\n");
 }
 
+TEST_F(Statistics, ACopiedNoteKeepsWhatOnlyLooksLikeAUnit) {
+    Open("\"Line1\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"limit 5 KB\",\"\"\r\n");
+    Item("mnuSelectAll")->trigger();
+    Item("mnuCopy")->trigger();
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().endsWith(QStringLiteral("\t1.23\tlimit 5 KB\t\r\n")));
+}
+
 TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
     Open();
     const std::string before = StatFileText();
@@ -169,7 +209,7 @@ TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
 
     // A connection that ended after the window was opened must not be lost.
     const std::string appended = "\"Line9\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n";
-    std::ofstream(folder / "data/Korvalin/Korvalin_Stats.db", std::ios::app | std::ios::binary) << appended;
+    Append(appended);
     Select({0, 2, 3});
     boxes.Answers = {MessageAnswer::Yes};
     Item("mnuDelete")->trigger();
@@ -238,6 +278,86 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     EXPECT_EQ(settings.GetNumber("Home_FreeVolume"), 0) << "a line that joins an alias takes its tariff";
 }
 
+TEST_F(Statistics, AnAliasThatIsRenamedWhileItIsTheFilterLeavesNoEmptyList) {
+    Open();
+    ChooseIn("cboFilter", "Home");
+    Page(2);
+    ChooseIn("cboLines", "Line1");
+    Type(Find<QLineEdit>("txtAlias"), "Office");
+    EXPECT_EQ(Find<QComboBox>("cboFilter")->currentText(), QStringLiteral("All aliases"));
+    EXPECT_EQ(Rows(0), (Lines{"Office", "Mobile", "Mobile", "Mobile"}));
+    EXPECT_EQ(Rows(0, "ListStatsSum").size(), 4U);
+}
+
+TEST_F(Statistics, AnEditedLineStaysChosenWhenAnotherOneHasCome) {
+    Open();
+    window->close();
+    Append("\"A\",#2005-01-01 10:00:00#,#00:00:10#,0,0,\"\",\"\"\r\n"); // sorted before the others
+    window->Open();
+    AwaitRecords();
+    Page(2);
+    ASSERT_EQ(Find<QComboBox>("cboLines")->currentText(), QStringLiteral("Line1"));
+    Type(Find<QLineEdit>("txtAlias"), "Office");
+    EXPECT_EQ(Find<QComboBox>("cboLines")->currentText(), QStringLiteral("Line1"));
+    EXPECT_EQ(Find<QLineEdit>("txtAlias")->text(), QStringLiteral("Office"));
+}
+
+TEST_F(Statistics, WhatIsBeingTypedCountsWhenTheWindowIsClosed) {
+    Open();
+    Page(2);
+    ChooseIn("cboLines", "Line2");
+    auto* alias = Find<QLineEdit>("txtAlias");
+    alias->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return alias->hasFocus(); }));
+    alias->selectAll();
+    QTest::keyClicks(alias, QStringLiteral("Travel"));
+    const double used = program->monthSums.UseOf("Line2", 0).UsedBytes;
+    window->close();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(settings.GetText("Line2_Alias"), "Travel");
+    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, used);
+}
+
+TEST_F(Statistics, AFileWithoutRecordsLeavesListsAndLinesEmpty) {
+    Open("");
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_TRUE(Rows(0, "ListStatsSum").empty());
+    EXPECT_EQ(Find<QComboBox>("cboLines")->count(), 0);
+    EXPECT_FALSE(Find<QLineEdit>("txtAlias")->isEnabled());
+    EXPECT_EQ(Find<QComboBox>("cboFreeHours")->currentText(), QStringLiteral("10"));
+    for (const char* item : {"mnuSelectAll", "mnuSelectMonth", "mnuDelete", "mnuCopy"})
+        Item(item)->trigger();
+    EXPECT_TRUE(StatFileText().empty());
+}
+
+TEST_F(Statistics, ADeletionLeavesTheUserWhereHeWas) {
+    std::string content;
+    for (int i = 0; i < 500; ++i) {
+        content += "\"Line1\",#" + FormatDateIso(DateSerial(2005, 1, 1) + (i + 0.5) / 24) +
+                   "#,#00:00:10#,0,0,\"" + std::to_string(i) + "\",\"\"\r\n";
+    }
+    Open(content);
+    List()->verticalScrollBar()->setValue(300);
+    List()->setCurrentIndex(List()->model()->index(302, 0));
+    for (const char* shown : {"303", "304"}) {
+        boxes.Answers = {MessageAnswer::Yes};
+        Item("mnuDelete")->trigger();
+        boxes.Take();
+        clock.Advance(1);
+        EXPECT_EQ(List()->verticalScrollBar()->value(), 300);
+        ASSERT_EQ(List()->currentIndex().row(), 302);
+        EXPECT_EQ(Cell(302, 7), shown);
+        EXPECT_TRUE(Selected().empty()) << "nothing more is deleted by chance";
+        Select({302});
+    }
+    boxes.Answers = {MessageAnswer::Yes};
+    Item("mnuSelectAll")->trigger();
+    Item("mnuDelete")->trigger();
+    boxes.Take();
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_TRUE(StatFileText().empty());
+}
+
 TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     Open();
     savePath = QString::fromStdString((folder / "out").string());
@@ -276,11 +396,8 @@ TEST_F(Statistics, ComesBackWhereItWasLeft) {
 }
 
 TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
-    std::string content;
-    for (int i = 0; i < 5000; ++i)
-        content += file;
     Open();
-    folder.Write("data/Korvalin/Korvalin_Stats.db", content);
+    WriteLongFile();
     int pauses = 0;
     events.OnProcessPending = [&] {
         if (++pauses != 5) return;
@@ -293,6 +410,28 @@ TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
     window->Open();
     ASSERT_TRUE(QTest::qWaitFor([&] { return pauses == 5 && !window->isVisible(); }));
     EXPECT_TRUE(Rows().empty());
+}
+
+TEST_F(Statistics, ClosedAndOpenedAgainItLoadsOnce) {
+    Open();
+    WriteLongFile();
+    int pauses = 0;
+    bool reopened = false;
+    events.OnProcessPending = [&] {
+        ++pauses;
+        if (std::exchange(reopened, true)) return;
+        window->close();
+        window->Open();
+        QCoreApplication::processEvents(); // would begin a load within the load
+        EXPECT_EQ(pauses, 1);
+    };
+    window->close();
+    window->Open();
+    window->close();
+    window->Open();
+    AwaitRecords();
+    EXPECT_EQ(Rows().size(), 4U);
+    EXPECT_EQ(pauses, 25) << "a pause every thousand lines";
 }
 
 } // namespace
