@@ -1,16 +1,13 @@
 // One operation on the statistics a run, measured from inside; prints a JSON object. A process of its own, so
 // that its peak memory is that of the operation.
+#include "BenchProgram.h"
 #include "StatGenerator.h"
 #include "cli/ConsoleMessageBoxes.h"
-#include "cli/NoScreen.h"
 #include "platform/Events.h"
-#include "platform/linux/LinuxSystem.h"
-#include "startup/Program.h"
 #include "stats/StatFileName.h"
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -20,17 +17,6 @@ namespace korvalin {
 namespace {
 
 namespace fs = std::filesystem;
-using Clockwork = std::chrono::steady_clock;
-
-class Stopwatch {
-  public:
-    double Milliseconds() const {
-        return std::chrono::duration<double, std::milli>(Clockwork::now() - start_).count();
-    }
-
-  private:
-    Clockwork::time_point start_ = Clockwork::now();
-};
 
 // Notes for how long nobody looked at a window's events.
 class WatchedEvents : public Events {
@@ -52,42 +38,12 @@ class WatchedEvents : public Events {
     double longest_ = 0;
 };
 
-// A program with this machine's back ends whose data folder is `dataFolder`; its settings lie in a folder
-// that goes with it.
-class Bench {
-  public:
-    explicit Bench(const fs::path& dataFolder) : settings_(MakeFolder()) {
-        setenv("XDG_CONFIG_HOME", settings_.c_str(), 1);
-        setenv("XDG_DATA_HOME", settings_.c_str(), 1);
-        system_ = std::make_unique<LinuxSystem>();
-        program = std::make_unique<Program>(system_->PortsWith(events, boxes_, screen_), Locale());
-        program->settings.SetReg("DataPath", fs::absolute(dataFolder).string());
-        if (program->language.LoadLanguageChoices()) program->language.UseLanguage("ENG");
-        program->LoadRecords();
-    }
-    ~Bench() {
-        program.reset();
-        system_.reset();
-        std::error_code ignored;
-        fs::remove_all(settings_, ignored);
-    }
-    Bench(const Bench&) = delete;
-    Bench& operator=(const Bench&) = delete;
+struct Bench {
+    explicit Bench(const fs::path& dataFolder) : program(dataFolder, events, boxes) {}
 
     WatchedEvents events;
-    std::unique_ptr<Program> program;
-
-  private:
-    static fs::path MakeFolder() {
-        std::string folder = (fs::temp_directory_path() / "korvalin-bench-XXXXXX").string();
-        if (mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        return folder;
-    }
-
-    fs::path settings_;
-    ConsoleMessageBoxes boxes_;
-    NoScreen screen_;
-    std::unique_ptr<LinuxSystem> system_;
+    ConsoleMessageBoxes boxes;
+    BenchProgram program;
 };
 
 std::uint64_t PeakBytes() {

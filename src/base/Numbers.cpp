@@ -63,6 +63,12 @@ std::string FormatNumber(double value, std::string_view pattern, const Locale& l
     return negative ? "-" + text : text;
 }
 
+void AppendTwoDigits(std::string& text, int number) {
+    const std::array<char, 2> digits = {static_cast<char>('0' + number / 10),
+                                        static_cast<char>('0' + number % 10)};
+    text.append(digits.data(), digits.size());
+}
+
 std::optional<double> ReadFormattedNumber(std::string_view text, const Locale& locale) {
     std::string plain(text);
     if (!locale.GroupingMark.empty()) plain = ReplaceAll(plain, locale.GroupingMark, "");

@@ -54,6 +54,44 @@ void StableSort(std::vector<std::uint32_t>& rows, bool ascending, const Less& le
     });
 }
 
+// Eight bytes of a text from `begin` on, as a number that compares like them; missing ones are 0.
+std::uint64_t EightBytes(std::string_view text, std::size_t begin) {
+    constexpr std::size_t count = 8;
+    std::uint64_t bytes = 0;
+    for (std::size_t i = begin; i < begin + count; ++i)
+        bytes = bytes << 8 | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
+    return bytes;
+}
+
+// A note's place among the others: most differ within sixteen bytes, and only those that do not are looked
+// up while sorting.
+struct NoteEntry {
+    std::uint64_t First, Second;
+    std::uint32_t Position, Row; // notes that are equal keep their order
+
+    int Compare(const NoteEntry& other, const std::vector<StatRecord>& records) const {
+        if (First != other.First) return First < other.First ? -1 : 1;
+        if (Second != other.Second) return Second < other.Second ? -1 : 1;
+        return records[Row].Info.View().compare(records[other.Row].Info.View());
+    }
+};
+
+void SortByNote(const std::vector<StatRecord>& records, bool ascending, std::vector<std::uint32_t>& rows) {
+    std::vector<NoteEntry> entries;
+    entries.reserve(rows.size());
+    for (const std::uint32_t row : rows) {
+        const std::string_view note = records[row].Info;
+        entries.push_back(
+            {EightBytes(note, 0), EightBytes(note, 8), static_cast<std::uint32_t>(entries.size()), row});
+    }
+    std::sort(entries.begin(), entries.end(), [&](const NoteEntry& left, const NoteEntry& right) {
+        const int order = left.Compare(right, records);
+        return order == 0 ? left.Position < right.Position : (order < 0) == ascending;
+    });
+    std::transform(entries.begin(), entries.end(), rows.begin(),
+                   [](const NoteEntry& entry) { return entry.Row; });
+}
+
 } // namespace
 
 const std::vector<StatColumn>& RecordColumns() {
@@ -152,11 +190,7 @@ std::vector<std::uint32_t> FilterRows(std::vector<StatRecord>& records, const st
 
 void SortRows(const std::vector<StatRecord>& records, Field field, bool ascending, const Locale& locale,
               std::vector<std::uint32_t>& rows) {
-    if (field == Field::Info) {
-        return StableSort(rows, ascending, [&](std::uint32_t left, std::uint32_t right) {
-            return records[left].Info.View() < records[right].Info.View();
-        });
-    }
+    if (field == Field::Info) return SortByNote(records, ascending, rows);
     std::vector<double> values;
     if (field == Field::Alias) {
         values = AliasPositions(records, locale);

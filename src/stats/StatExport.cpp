@@ -2,6 +2,8 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
+
 namespace korvalin {
 namespace {
 
@@ -32,7 +34,12 @@ std::string CopiedCell(std::string text, bool isFigure, std::string_view unitNam
     return text;
 }
 
+bool IsMarkup(char c) {
+    return c == '&' || c == '<' || c == '>' || c == '"';
+}
+
 std::string Escaped(std::string_view text) {
+    if (std::none_of(text.begin(), text.end(), IsMarkup)) return std::string(text);
     std::string escaped = ReplaceAll(text, "&", "&amp;");
     escaped = ReplaceAll(escaped, "<", "&lt;");
     return ReplaceAll(ReplaceAll(escaped, ">", "&gt;"), "\"", "&quot;");

@@ -71,6 +71,25 @@ std::optional<double> ParseOldNumber(std::string_view field, const Locale& local
     return ParseNumber(ReplaceAll(field, locale.DecimalMark, "."));
 }
 
+// "yyyy-mm-dd"
+void AppendDay(std::string& text, const DateParts& parts) {
+    AppendTwoDigits(text, parts.Year / 100);
+    AppendTwoDigits(text, parts.Year % 100);
+    text += '-';
+    AppendTwoDigits(text, parts.Month);
+    text += '-';
+    AppendTwoDigits(text, parts.Day);
+}
+
+// "hh:mm:ss"
+void AppendTime(std::string& text, const DateParts& parts) {
+    AppendTwoDigits(text, parts.Hour);
+    text += ':';
+    AppendTwoDigits(text, parts.Minute);
+    text += ':';
+    AppendTwoDigits(text, parts.Second);
+}
+
 // Dates outside the years that can be read become the first or the last of those.
 void AppendDate(std::string& text, Date date) {
     const Date first = DateSerial(100, 1, 1);
@@ -78,16 +97,22 @@ void AppendDate(std::string& text, Date date) {
     const DateParts p = SplitDate(std::clamp(date, first, last));
     const bool noDay = p.Year == 1899 && p.Month == 12 && p.Day == 30;
     const bool noTime = p.Hour == 0 && p.Minute == 0 && p.Second == 0;
-    auto out = std::back_inserter(text);
     text += '#';
-    if (!noDay) fmt::format_to(out, "{:04}-{:02}-{:02}", p.Year, p.Month, p.Day);
+    if (!noDay) AppendDay(text, p);
     if (!noDay && !noTime) text += ' ';
-    if (!noTime || noDay) fmt::format_to(out, "{:02}:{:02}:{:02}", p.Hour, p.Minute, p.Second);
+    if (!noTime || noDay) AppendTime(text, p);
     text += '#';
 }
 
+// Counters of bytes are whole; a rewrite of the file has millions of them.
 void AppendNumber(std::string& text, double number) {
-    if (number == std::trunc(number)) {
+    constexpr double exactBelow = 1e15;
+    if (!std::signbit(number) && number < exactBelow && number == std::trunc(number)) {
+        std::array<char, 16> digits;
+        const auto end =
+            std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<std::uint64_t>(number));
+        text.append(digits.data(), end.ptr);
+    } else if (number == std::trunc(number)) {
         fmt::format_to(std::back_inserter(text), "{:.0f}", number);
     } else {
         fmt::format_to(std::back_inserter(text), "{}", number);
@@ -100,9 +125,12 @@ struct Replacement {
 
 void AppendText(std::string& text, std::string_view value, Replacement unreadable) {
     text += '"';
-    for (const char c : value) {
-        const bool breaksLine = c == '\r' || c == '\n' || c == '\0';
-        text += breaksLine ? ' ' : c == unreadable.From ? unreadable.To : c;
+    const std::size_t begin = text.size();
+    text += value;
+    for (std::size_t i = begin; i < text.size(); ++i) {
+        char& c = text[i];
+        if (c == '\r' || c == '\n' || c == '\0') c = ' ';
+        if (c == unreadable.From) c = unreadable.To;
     }
     text += '"';
 }

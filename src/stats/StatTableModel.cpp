@@ -74,7 +74,8 @@ void StatTableModel::sort(int column, Qt::SortOrder order) {
 
 void StatTableModel::Arrange() {
     if (sortColumn_ < 0) {
-        std::sort(rows_.begin(), rows_.end()); // the records' own order
+        // The records' own order, which a new selection has already.
+        if (!std::is_sorted(rows_.begin(), rows_.end())) std::sort(rows_.begin(), rows_.end());
     } else {
         SortRows(*records_, columns_[static_cast<std::size_t>(sortColumn_)].Shows, ascending_, locale_,
                  rows_);

@@ -1,5 +1,6 @@
 #include "StatsFixture.h"
 #include "stats/SortStats.h"
+#include "stats/StatCells.h"
 
 #include <numeric>
 
@@ -81,6 +82,26 @@ TEST_F(SortStatsTest, NoOrderOfTheInputMakesItSlowOrWrong) {
                                }))
             << what;
     }
+}
+
+TEST_F(SortStatsTest, NotesOrderByTheirBytesAndEqualOnesKeepTheirOrder) {
+    const std::string_view notes[] = {"31.12.2004 22:22:22 off",
+                                      "31.12.2004 22:22:21 off",
+                                      "",
+                                      "31.12.2004 22:22",
+                                      "\xC3\xA4",
+                                      "31.12.2004 22:22:22 off",
+                                      "31.12.2",
+                                      std::string_view("31.12.2\0", 8),
+                                      "z"};
+    for (const std::string_view note : notes)
+        Add("a", 1, 0).Info = records.Texts.Store(note);
+    std::vector<std::uint32_t> rows(records.List.size());
+    std::iota(rows.begin(), rows.end(), 0U);
+    SortRows(records.List, StatColumn::Field::Info, true, locale, rows);
+    EXPECT_EQ(rows, (std::vector<std::uint32_t>{2, 6, 7, 3, 1, 0, 5, 8, 4}));
+    SortRows(records.List, StatColumn::Field::Info, false, locale, rows);
+    EXPECT_EQ(rows, (std::vector<std::uint32_t>{4, 8, 0, 5, 1, 3, 7, 6, 2}));
 }
 
 } // namespace
