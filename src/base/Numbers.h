@@ -25,8 +25,8 @@ double RoundToEven(double value);
 /// zero.
 std::string FormatNumber(double value, std::string_view pattern, const Locale& locale);
 
-/// Appends a number from 0 to 99 as two digits: for the dates of a million lines, where a general formatter
-/// takes most of the time.
+/// Appends a number from 0 to 99 as two digits: for the dates of a million lines, which keep a window
+/// waiting.
 void AppendTwoDigits(std::string& text, int number);
 
 /// Reads back what FormatNumber made; nullopt when the text is anything else.

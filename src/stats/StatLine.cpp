@@ -92,8 +92,8 @@ void AppendTime(std::string& text, const DateParts& parts) {
 
 // Dates outside the years that can be read become the first or the last of those.
 void AppendDate(std::string& text, Date date) {
-    const Date first = DateSerial(100, 1, 1);
-    const Date last = DateSerial(9999, 12, 31) + TimeSerial(23, 59, 59);
+    static const Date first = DateSerial(100, 1, 1);
+    static const Date last = DateSerial(9999, 12, 31) + TimeSerial(23, 59, 59);
     const DateParts p = SplitDate(std::clamp(date, first, last));
     const bool noDay = p.Year == 1899 && p.Month == 12 && p.Day == 30;
     const bool noTime = p.Hour == 0 && p.Minute == 0 && p.Second == 0;
