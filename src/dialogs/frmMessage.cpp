@@ -38,6 +38,7 @@ void frmMessage::Form_Load() {
     PlaceMessage();
     setAccessibleDescription(Msg_Text);
     setFixedSize(TwipsToPixels(innerWidthTwips), layout()->totalSizeHint().height());
+    layout()->activate(); // shown once more, the window may have its size already
 }
 
 // A short text stands in the middle, a longer one is as wide as the window and wraps.

@@ -21,9 +21,9 @@ constexpr int buttonsAboveBottomTwips = 600;
 constexpr int sideMargin = 20;
 constexpr int smallestMargin = 10;
 constexpr int widestMessage = 480;
-// Of the screen; a larger message scrolls.
-constexpr double highestMessage = 0.6;
-constexpr double widestBox = 0.8;
+// Parts of the screen; a larger message scrolls.
+constexpr double widestOnScreen = 0.7;
+constexpr double highestOnScreen = 0.6;
 constexpr int firstResult = 1; // of the dialog: 0 is a box without an answer
 
 struct Icon {
@@ -55,17 +55,25 @@ std::optional<int> FindCancelWord(const PopupMessage::ButtonCaptions& captions, 
     return static_cast<int>(found - captions.begin());
 }
 
+QSize RoomForMessage(const QScreen* screen) {
+    if (screen == nullptr) return {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
+    const QSize size = screen->availableSize();
+    return {static_cast<int>(size.width() * widestOnScreen),
+            static_cast<int>(size.height() * highestOnScreen)};
+}
+
 // Wraps a long message. Its width is the narrowest one that takes no more lines than the widest: no last line
 // with a single word.
-QSize MessageSize(QLabel& label, int room) {
+QSize MessageSize(QLabel& label, const QSize& room) {
     const QSize asItIs = label.sizeHint();
-    if (asItIs.width() <= widestMessage) return asItIs;
+    const int widest = std::min(widestMessage, room.width());
+    if (asItIs.width() <= widest) return asItIs;
     label.setWordWrap(true);
     constexpr int step = 8;
-    int width = std::max(widestMessage, label.minimumSizeHint().width());
+    int width = std::max(widest, label.minimumSizeHint().width());
     const int height = label.heightForWidth(width);
-    if (height > room) return {width, height};
-    while (width - step > widestMessage / 2 && label.heightForWidth(width - step) <= height)
+    if (height > room.height()) return {width, height};
+    while (width - step > widest / 2 && label.heightForWidth(width - step) <= height)
         width -= step;
     return {width, height};
 }
@@ -113,16 +121,13 @@ void frmPopupMsg::ShowMessage(const QString& message) {
     QLabel& label = *ui_->lblMessage;
     label.setText(message);
     setAccessibleDescription(message);
-    const QSize screenSize =
-        screen() != nullptr ? screen()->availableSize() : QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-    const QSize room(static_cast<int>(screenSize.width() * widestBox),
-                     static_cast<int>(screenSize.height() * highestMessage));
-    label.setFixedSize(MessageSize(label, room.height()));
-    const QSize size = label.size();
+    const QSize room = RoomForMessage(screen());
+    label.setFixedSize(MessageSize(label, room));
     const int scrollBar = ui_->scrMessage->verticalScrollBar()->sizeHint().width();
-    const QSize bars(size.height() > room.height() ? scrollBar : 0,
-                     size.width() > room.width() ? scrollBar : 0);
-    ui_->scrMessage->setFixedSize((size + bars).boundedTo(room));
+    const QSize bars(label.height() > room.height() ? scrollBar : 0,
+                     label.width() > room.width() ? scrollBar : 0);
+    ui_->scrMessage->setFixedSize(label.size().boundedTo(room) + bars);
+    if (!bars.isNull()) ui_->scrMessage->setFocusPolicy(Qt::TabFocus); // the keyboard scrolls it too
 }
 
 void frmPopupMsg::ShowButtons(const PopupMessage::ButtonCaptions& captions) {
