@@ -5,6 +5,15 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 
 add_library(korvalin_gui STATIC
   ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
+  dialogs/LinkButton.cpp
+  dialogs/MessageTexts.cpp
+  dialogs/QtMessageBoxes.cpp
+  dialogs/frmAbout.cpp
+  dialogs/frmAbout.ui
+  dialogs/frmMessage.cpp
+  dialogs/frmMessage.ui
+  dialogs/frmPopupMsg.cpp
+  dialogs/frmPopupMsg.ui
   display/ChartPainter.cpp
   display/LinesMenu.cpp
   display/TrayIcon.cpp
@@ -22,11 +31,9 @@ add_library(korvalin_gui STATIC
   lang/frmLanguage.ui
   platform/qt/QtEvents.cpp
   platform/qt/QtLocale.cpp
-  platform/qt/QtMessageBoxes.cpp
   platform/qt/QtNotificationArea.cpp
   platform/qt/QtScreen.cpp
   platform/qt/StatusNotifierHost.cpp
-  platform/qt/WaitingMessage.cpp
   platform/qt/XEmbedHost.cpp
   stats/StatTableModel.cpp
   stats/TariffEditor.cpp

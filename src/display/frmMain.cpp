@@ -73,12 +73,14 @@ frmMain::~frmMain() {
 void frmMain::Plug(Hooks hooks) {
     hooks_ = std::move(hooks);
     ui_->mnuStatistik->setVisible(static_cast<bool>(hooks_.OpenStatistics));
+    ui_->mnuInfo->setVisible(static_cast<bool>(hooks_.OpenAbout));
 }
 
 void frmMain::ConnectMenu() {
     // Whoever opens it: the chart, the tray, a desktop that draws the menu itself.
     connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenusIfChanged(true); });
     connect(ui_->mnuStatistik, &QAction::triggered, this, [this] { hooks_.OpenStatistics(); });
+    connect(ui_->mnuInfo, &QAction::triggered, this, [this] { hooks_.OpenAbout(); });
     connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
     connect(ui_->mnuNurTitel, &QAction::triggered, this, [this] { mnuNurTitel_Click(); });
     connect(ui_->mnuVordergrund, &QAction::triggered, this, [this] { mnuVordergrund_Click(); });

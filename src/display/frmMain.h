@@ -54,6 +54,8 @@ class frmMain : public QWidget, public MonitorWindow {
         std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
         /// Opens the statistics window; its menu entry is hidden while nobody does.
         std::function<void()> OpenStatistics = {};
+        /// Opens the about box; its menu entry is hidden while nobody does.
+        std::function<void()> OpenAbout = {};
     };
 
     explicit frmMain(const Parts& parts);

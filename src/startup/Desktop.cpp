@@ -1,5 +1,7 @@
 #include "startup/Desktop.h"
 
+#include "dialogs/QtMessageBoxes.h"
+#include "dialogs/frmAbout.h"
 #include "display/frmMain.h"
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
@@ -10,7 +12,6 @@
 #include "platform/linux/TerminationSignals.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtLocale.h"
-#include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtNotificationArea.h"
 #include "platform/qt/QtScreen.h"
 #include "startup/EndRequests.h"
@@ -19,6 +20,7 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QPointer>
 
 #include <cstdlib>
 
@@ -32,15 +34,6 @@ void ChoosePlatform() {
     // A Wayland compositor lets no program place its window or keep it on top; XWayland does.
     if (getenv("WAYLAND_DISPLAY") != nullptr && getenv("DISPLAY") != nullptr)
         setenv("QT_QPA_PLATFORM", "xcb", 0);
-}
-
-std::string ButtonCaption(Language& language, MessageAnswer answer) {
-    switch (answer) {
-    case MessageAnswer::Yes: return language.Lng("frmMessageObj", 3);
-    case MessageAnswer::No: return language.Lng("frmMessageObj", 4);
-    case MessageAnswer::Cancel: return language.Lng("frmMessageObj", 5);
-    default: return language.Lng("frmMessageObj", 2);
-    }
 }
 
 PeriodUse UseOfChartLine(Program& program) {
@@ -68,7 +61,7 @@ int RunDesktop(int argc, char** argv) {
     Locale locale = ReadQtLocale(QLocale::system());
     locale.Collate = SystemCollation();
     Program program(system.PortsWith(events, messageBoxes, screen), std::move(locale));
-    messageBoxes.Plug([&](MessageAnswer answer) { return ButtonCaption(program.language, answer); });
+    messageBoxes.Plug(program.language);
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
         dialog.exec();
@@ -85,14 +78,22 @@ int RunDesktop(int argc, char** argv) {
         }
         statistics->Open();
     };
+    QPointer<frmAbout> about; // exists only while it is shown
+    const auto openAbout = [&] {
+        if (!about) {
+            about = new frmAbout({program.language, system.UserShell(), Program::Version().Numbers()});
+            about->setAttribute(Qt::WA_DeleteOnClose);
+        }
+        about->Open();
+    };
     QtNotificationArea tray;
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale, tray, messageBoxes});
     // Dialling is not there yet: the phone book is empty.
     window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
-                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; },
-                 openStatistics});
+                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }, openStatistics,
+                 openAbout});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
@@ -103,6 +104,7 @@ int RunDesktop(int argc, char** argv) {
     program.LoadStatistics();
     window.Form_Load();
     const int exitCode = QApplication::exec();
+    delete about; // nobody deletes a window that is closed at the very end
     system.TellNotes(program.errors);
     return exitCode;
 }

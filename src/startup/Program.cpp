@@ -54,6 +54,10 @@ Program::Program(const Ports& ports, Locale userLocale)
                    [this] { samplingLoop.ResizeRateHistory(); }});
 }
 
+ProgramVersion Program::Version() {
+    return BuiltVersion;
+}
+
 void Program::PlugErrors() {
     errors.Plug({[this](int number) { return language.Lng("modGlobal", number, false, true, true); },
                  [this] { return dataFolder.GetDataPath(); }, [] { std::_Exit(EXIT_FAILURE); }});

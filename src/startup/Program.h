@@ -31,6 +31,8 @@ class Program {
   public:
     Program(const Ports& ports, Locale locale);
 
+    static ProgramVersion Version();
+
     /// The start-up sequence; true when the main window is to be shown.
     [[nodiscard]] bool Main() { return startup.Main(); }
 

@@ -51,7 +51,7 @@ class FakeShell : public Shell {
     std::filesystem::path Executable;
     std::vector<std::filesystem::path> Started;
     bool Starts = true;
-    std::vector<std::string> Pages;
+    std::vector<std::string> Pages, Addresses;
     std::vector<std::string> MissingComponents;
     std::string Language = "de";
     int Platform = PlatformSupported;
@@ -73,6 +73,10 @@ class FakeShell : public Shell {
     bool OpenPage(const std::string& address) override {
         Pages.push_back(address);
         return true;
+    }
+    bool OpenAddress(const std::string& address) override {
+        if (Starts) Addresses.push_back(address);
+        return Starts;
     }
 };
 

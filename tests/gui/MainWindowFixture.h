@@ -25,7 +25,8 @@ class MainWindow : public CoreFixture {
             settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
             program->infoTexts, program->liveTexts, program->errors, clock, program->locale, area, boxes});
         window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      [this] { return use; }, [this] { return phoneBookEntries; }, openStatistics});
+                      [this] { return use; }, [this] { return phoneBookEntries; }, openStatistics,
+                      openAbout});
         window->Form_Load();
     }
     // Seconds pass, each with an update.
@@ -56,7 +57,7 @@ class MainWindow : public CoreFixture {
     FakeNotificationArea area;
     PeriodUse use;
     std::size_t phoneBookEntries = 0;
-    std::function<void()> openStatistics;
+    std::function<void()> openStatistics, openAbout;
     std::vector<int> closings; // the reasons, as numbers
     std::unique_ptr<frmMain> window;
 };

@@ -1,63 +1,85 @@
-#include "platform/qt/QtMessageBoxes.h"
+#include "dialogs/QtMessageBoxes.h"
+#include "fakes/CoreFixture.h"
+#include "gui/WhenPopupShows.h"
 
 using namespace korvalin;
 
 namespace {
 
-class QtMessageBoxesTest : public testing::Test {
+class QtMessageBoxesTest : public CoreFixture {
   protected:
     // Shows a question and does this to it as soon as it is there.
-    MessageAnswer Ask(const std::function<void(QMessageBox&)>& action,
+    MessageAnswer Ask(const std::function<void(frmPopupMsg&)>& action,
                       MessageButtons buttons = MessageButtons::YesNo) {
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr) return;
-            timer.stop();
-            action(*box);
-        });
-        timer.start(0);
-        return boxes.Show("<b>Größe</b>\r\n&& more", "Korvalin – Frage", MessageIcon::Warning, buttons);
+        const WhenPopupShows popup(action);
+        return messages.Show("<b>Größe</b>\r\n&& more", "Korvalin – Frage", MessageIcon::Warning, buttons);
     }
 
-    QtMessageBoxes boxes;
+    QtMessageBoxes messages;
 };
 
 TEST_F(QtMessageBoxesTest, AnswersWhatTheUserChose) {
-    const std::pair<std::function<void(QMessageBox&)>, MessageAnswer> rows[] = {
-        {[](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); }, MessageAnswer::Yes},
-        {[](QMessageBox& box) { box.button(QMessageBox::No)->click(); }, MessageAnswer::No},
-        {[](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }, MessageAnswer::Yes},
-        {[](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }, MessageAnswer::No},
-        {[](QMessageBox& box) { box.close(); }, MessageAnswer::No}};
-    for (const auto& [action, expected] : rows)
-        EXPECT_EQ(Ask(action), expected) << static_cast<int>(expected);
-    EXPECT_EQ(Ask([](QMessageBox& box) { box.close(); }, MessageButtons::Ok), MessageAnswer::Ok);
+    const auto click = [](int index) {
+        return [index](frmPopupMsg& box) { QTest::mouseClick(PopupButton(box, index), Qt::LeftButton); };
+    };
+    const auto press = [](Qt::Key key) {
+        return [key](frmPopupMsg& box) { QTest::keyClick(box.focusWidget(), key); };
+    };
+    const auto close = [](frmPopupMsg& box) { box.close(); };
+    const auto takeAway = [](frmPopupMsg& box) { box.hide(); }; // as the program's end does
+    using Buttons = MessageButtons;
+    using Answer = MessageAnswer;
+    struct {
+        MessageButtons Choice;
+        std::function<void(frmPopupMsg&)> Action;
+        MessageAnswer Expected;
+    } const rows[] = {
+        {Buttons::YesNo, click(0), Answer::Yes},
+        {Buttons::YesNo, click(1), Answer::No},
+        {Buttons::YesNo, press(Qt::Key_Return), Answer::Yes},
+        {Buttons::YesNo, press(Qt::Key_Escape), Answer::No},
+        {Buttons::YesNo, close, Answer::No},
+        {Buttons::YesNo, takeAway, Answer::No},
+        {Buttons::Ok, press(Qt::Key_Escape), Answer::Ok},
+        {Buttons::Ok, close, Answer::Ok},
+        {Buttons::YesNoCancel, click(1), Answer::No},
+        {Buttons::YesNoCancel, click(2), Answer::Cancel},
+        {Buttons::YesNoCancel, press(Qt::Key_Escape), Answer::Cancel},
+        {Buttons::YesNoCancel, takeAway, Answer::Cancel},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Ask(row.Action, row.Choice), row.Expected) << &row - rows;
+    messages.DisplayLost();
+    EXPECT_EQ(messages.Show("", "", MessageIcon::Question, Buttons::YesNoCancel), Answer::No)
+        << "nobody is there to answer";
 }
 
 TEST_F(QtMessageBoxesTest, ShowsTextsAsTheyAreInTheProgramsLanguage) {
-    const auto look = [](const char* yes) {
-        return [yes](QMessageBox& box) {
-            EXPECT_EQ(box.text(), QStringLiteral("<b>Größe</b>\n&& more"));
-            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    const auto look = [](const char* captions) {
+        return [captions](frmPopupMsg& box) {
+            const auto* message = box.findChild<QLabel*>(QStringLiteral("lblMessage"));
+            EXPECT_EQ(message->text(), QStringLiteral("<b>Größe</b>\n&& more"));
+            EXPECT_EQ(message->textFormat(), Qt::PlainText);
+            EXPECT_TRUE(message->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
             EXPECT_EQ(box.windowTitle(), QStringLiteral("Korvalin – Frage"));
-            EXPECT_EQ(box.icon(), QMessageBox::Warning);
-            EXPECT_EQ(box.button(QMessageBox::Yes)->text(), QLatin1String(yes));
-            box.close();
+            EXPECT_EQ(PopupCaptions(box), captions);
         };
     };
-    boxes.Plug([](MessageAnswer) { return ""; });
-    Ask(look("&Yes"));
-    boxes.Plug([](MessageAnswer answer) { return answer == MessageAnswer::Yes ? "&Ja" : "&Nein"; });
-    Ask(look("&Ja"));
+    Ask(look("&Yes|&No|&Cancel"), MessageButtons::YesNoCancel);
+    messages.Plug(language);
+    Ask(look("&Yes|&No"));
+    settings.SetReg("Language", "GER");
+    std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng", programFolder / "Korvalin.lng");
+    ASSERT_TRUE(language.InitProgramTexts());
+    Ask(look("&Ja|&Nein|&Abbrechen"), MessageButtons::YesNoCancel);
 }
 
-TEST_F(QtMessageBoxesTest, StandsAboveAWindowThatStaysOnTopAndSurvivesItsEnd) {
+TEST_F(QtMessageBoxesTest, StandsAboveAllWindowsAndSurvivesTheEndOfItsOwn) {
     auto window = std::make_unique<QWidget>(nullptr, Qt::Window | Qt::WindowStaysOnTopHint);
     window->show();
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    const auto answer = Ask([&](QMessageBox& box) {
+    const MessageAnswer answer = Ask([&](frmPopupMsg& box) {
         EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
         ASSERT_EQ(box.parentWidget(), window.get());
         window.reset();

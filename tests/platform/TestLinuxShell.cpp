@@ -90,4 +90,13 @@ TEST_F(LinuxShellTest, OpensPagesOfTheWebOnly) {
     EXPECT_FALSE(LinuxShell("no-such-opener").OpenPage("http://example.org"));
 }
 
+TEST_F(LinuxShellTest, OpensAddressesOfAnySchemeButNoOptionsOrPaths) {
+    LinuxShell shell(program.string());
+    for (const char* address :
+         {"", ":", "mailto:", "--help:x", "/etc/passwd", "a path:x", "mailto:a b", "x:a\nb"})
+        EXPECT_FALSE(shell.OpenAddress(address)) << address;
+    ASSERT_TRUE(shell.OpenAddress("mailto:a@example.org?subject=Korvalin%20V1.2.3"));
+    EXPECT_EQ(Report()[0], "1:mailto:a@example.org?subject=Korvalin%20V1.2.3");
+}
+
 } // namespace

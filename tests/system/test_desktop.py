@@ -120,6 +120,25 @@ class Desktop(unittest.TestCase):
         rig.wait_for(lambda: abs(self.display.geometry(window)["HEIGHT"] + 20 - before["HEIGHT"]) < 25, "the chart")
         rig.wait_for(lambda: self.color(window, 40, 40) == BACKGROUND, "its picture")
 
+    def test_the_about_box_opens_its_links_and_exists_only_while_it_is_shown(self):
+        opener = self.home.path / "bin/xdg-open"
+        opener.parent.mkdir()
+        opener.write_text(f'#!/bin/sh\necho "$1" >> "{self.home.path}/opened"\n')
+        opener.chmod(0o700)
+        self.home.env["PATH"] = f"{opener.parent}:{os.environ['PATH']}"
+        process, window = self.started()
+        for keys in (["Escape"], ["Tab", "Tab", "Tab", "Return"]):  # from OK to the third link
+            self.choose(window, "a")
+            box = rig.wait_for(lambda: self.display.window("^Korvalin - About$"), "the about box")
+            self.display.tool("xdotool", "windowactivate", "--sync", box, "key", *keys)
+            rig.wait_for(lambda: not self.display.tool("xdotool", "search", "--name", "^Korvalin - About$"), "its end")
+        opened = self.home.path / "opened"
+        rig.wait_for(lambda: opened.exists() and opened.read_text().startswith("mailto:support@example.org?subject="),
+                     "the mail program")
+        self.choose(window, "a")
+        rig.wait_for(lambda: self.display.window("^Korvalin - About$"), "the about box")
+        self.end(process)  # an open box is no hindrance
+
     def test_exit_ends_with_success_and_the_place_is_kept(self):
         process, window = self.started()
         self.display.tool("xdotool", "windowmove", "--sync", window, "123", "234")

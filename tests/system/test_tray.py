@@ -249,7 +249,7 @@ class Tray(unittest.TestCase):
         host.tell("activate")
         window = rig.wait_for(self.main_window, "the window")
         # The host has the menu's entries, and the chart still opens it.
-        self.assertEqual(host.tell("menu"), ["Statistics", "Show title bar", "Title bar only", "Always on top", "Exit"])
+        self.assertEqual(host.tell("menu"), ["Statistics", "About", "Show title bar", "Title bar only", "Always on top", "Exit"])
         rig.wait_for(lambda: self.click(window, 60, 50, "3") or self.menu(), "the menu")
         self.display.tool("xdotool", "key", "Escape")
         host.tell("choose", "Exit")

@@ -19,15 +19,23 @@ std::string LanguageOf(std::string_view localeName) {
     return language.size() == 2 && letters ? language : std::string();
 }
 
-// A page's address as it may be handed to another program: of the web, in one piece.
 bool IsWebAddress(std::string_view address) {
-    const bool web = StartsWithNoCase(address, "http://") || StartsWithNoCase(address, "https://");
-    return web && std::none_of(address.begin(), address.end(), [](char c) { return c >= 0 && c <= ' '; });
+    return StartsWithNoCase(address, "http://") || StartsWithNoCase(address, "https://");
+}
+
+// An address as it may be handed to another program: it begins with its scheme, so it is neither an option
+// nor a path, and it is in one piece.
+bool IsAddress(std::string_view address) {
+    constexpr std::string_view schemeMarks = "abcdefghijklmnopqrstuvwxyz0123456789+-.";
+    const std::string scheme = ToLower(address.substr(0, address.find(':')));
+    return scheme.size() + 1 < address.size() && scheme.find_first_not_of(schemeMarks) == std::string::npos &&
+           !scheme.empty() && scheme[0] >= 'a' && scheme[0] <= 'z' &&
+           std::none_of(address.begin(), address.end(), [](char c) { return c >= 0 && c <= ' '; });
 }
 
 } // namespace
 
-LinuxShell::LinuxShell(std::string pageOpener) : pageOpener_(std::move(pageOpener)) {}
+LinuxShell::LinuxShell(std::string opener) : opener_(std::move(opener)) {}
 
 std::filesystem::path LinuxShell::SettingsFolder() {
     return ConfigFolder();
@@ -73,7 +81,11 @@ bool LinuxShell::StartProgram(const std::filesystem::path& program) {
 }
 
 bool LinuxShell::OpenPage(const std::string& address) {
-    return IsWebAddress(address) && StartDetached({pageOpener_, address});
+    return IsWebAddress(address) && OpenAddress(address);
+}
+
+bool LinuxShell::OpenAddress(const std::string& address) {
+    return IsAddress(address) && StartDetached({opener_, address});
 }
 
 } // namespace korvalin

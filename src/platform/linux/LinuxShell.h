@@ -6,8 +6,8 @@ namespace korvalin {
 
 class LinuxShell : public Shell {
   public:
-    /// `pageOpener` is the program that opens a page in the user's browser.
-    explicit LinuxShell(std::string pageOpener = "xdg-open");
+    /// `opener` is the program that finds the user's program for an address.
+    explicit LinuxShell(std::string opener = "xdg-open");
 
     std::filesystem::path SpecialFolder(int id) override;
     std::filesystem::path SettingsFolder() override;
@@ -20,9 +20,10 @@ class LinuxShell : public Shell {
     bool StartProgram(const std::filesystem::path& program) override;
     /// Only addresses of http and https are opened.
     bool OpenPage(const std::string& address) override;
+    bool OpenAddress(const std::string& address) override;
 
   private:
-    std::string pageOpener_;
+    std::string opener_;
 };
 
 } // namespace korvalin

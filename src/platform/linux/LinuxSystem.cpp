@@ -44,6 +44,10 @@ Clock& LinuxSystem::SystemTime() {
     return backEnds_->Clock;
 }
 
+Shell& LinuxSystem::UserShell() {
+    return backEnds_->Shell;
+}
+
 void LinuxSystem::TellNotes(Errors& errors) {
     for (const std::string& note : backEnds_->Store.TakeNotes())
         errors.WriteErrorLog(note, "settings store");

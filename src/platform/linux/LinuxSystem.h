@@ -20,6 +20,7 @@ class LinuxSystem {
     Ports PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen);
 
     Clock& SystemTime();
+    Shell& UserShell();
 
     /// Writes to the error log what went wrong before there was one (a damaged settings store moved aside).
     void TellNotes(Errors& errors);

@@ -1,25 +1,23 @@
 #pragma once
 
+#include "dialogs/MessageTexts.h"
 #include "platform/MessageBoxes.h"
 
-#include <functional>
 #include <memory>
 
 namespace korvalin {
 
-class WaitingMessage;
+class frmMessage;
 
-/// Message windows of the desktop. Texts are shown as they are, never as rich text.
+/// Message windows of the desktop, all in the program's own look. Texts are shown as they are, never as rich
+/// text.
 class QtMessageBoxes : public MessageBoxes {
   public:
-    /// Caption of a button in the program's language; empty while there are no texts.
-    using CaptionOf = std::function<std::string(MessageAnswer answer)>;
-
     QtMessageBoxes();
     ~QtMessageBoxes() override;
 
-    /// Until then, and where a caption is empty, the buttons are English.
-    void Plug(CaptionOf captionOf) { captionOf_ = std::move(captionOf); }
+    /// Until then, and where a text is empty, the buttons are English.
+    void Plug(Language& language) { texts_.Plug(language); }
 
     /// From now on nobody can answer: the display is gone.
     void DisplayLost() { displayLost_ = true; }
@@ -30,8 +28,10 @@ class QtMessageBoxes : public MessageBoxes {
     void CloseWaiting() override;
 
   private:
-    CaptionOf captionOf_;
-    std::unique_ptr<WaitingMessage> waiting_;
+    QString Caption(MessageAnswer answer) const;
+
+    MessageTexts texts_;
+    std::unique_ptr<frmMessage> waiting_;
     bool displayLost_ = false;
 };
 

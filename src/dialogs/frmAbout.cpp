@@ -1,0 +1,118 @@
+#include "dialogs/frmAbout.h"
+
+#include "dialogs/MakerInfo.h"
+#include "errors/Errors.h"
+#include "forms/ProgramIcon.h"
+#include "lang/ApplyFormTexts.h"
+#include "lang/Language.h"
+#include "platform/Shell.h"
+#include "ui_frmAbout.h"
+
+#include <QPointer>
+
+namespace korvalin {
+namespace {
+
+// Logical pixels; the icon brings a picture for four times as many.
+constexpr int pictureSize = 64;
+
+} // namespace
+
+frmAbout::frmAbout(Parts parts) : parts_(std::move(parts)), ui_(std::make_unique<Ui::frmAbout>()) {
+    ui_->setupUi(this);
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
+    Form_Load();
+    connect(ui_->lblLinkKorvalin, &QPushButton::clicked, this, [this] { lblLinkKorvalin_Click(); });
+    connect(ui_->picKorvalin, &QPushButton::clicked, this, [this] { picKorvalin_Click(); });
+    connect(ui_->lblInfoLink, &QPushButton::clicked, this, [this] { lblInfoLink_Click(); });
+    connect(ui_->lblSupportMail, &QPushButton::clicked, this, [this] { lblSupportMail_Click(); });
+    connect(ui_->cmdOK, &QPushButton::clicked, this, &QDialog::close);
+    connect(ui_->cmdUpdate, &QPushButton::clicked, this, [this] { cmdUpdate_Click(); });
+}
+
+frmAbout::~frmAbout() = default;
+
+void frmAbout::Plug(Hooks hooks) {
+    hooks_ = std::move(hooks);
+    ui_->cmdUpdate->setVisible(static_cast<bool>(hooks_.CheckUpdate));
+}
+
+void frmAbout::Open() {
+    show();
+    raise();
+    activateWindow();
+}
+
+void frmAbout::Form_Load() {
+    const QString title = QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size()));
+    setWindowIcon(ProgramIcon());
+    ui_->picKorvalin->setIcon(ProgramIcon());
+    ui_->picKorvalin->setIconSize({pictureSize, pictureSize});
+    ui_->picKorvalin->setAccessibleName(title);
+    ui_->lblTitle->setText(title);
+    ui_->lblLinkKorvalin->setText(QString::fromUtf8(maker::ProgramPage));
+    ui_->lblInfoLink->setText(QString::fromUtf8(maker::HelpPage));
+    ui_->lblSupportMail->setText(QString::fromUtf8(maker::SupportMail));
+    ui_->lblStatus->hide();
+    ui_->cmdUpdate->hide();
+    ShowTexts();
+    ui_->cmdOK->setFocus();
+}
+
+void frmAbout::ShowTexts() {
+    ApplyFormTexts(*this, parts_.Language);
+    const auto text = [](const std::string& utf8) { return QString::fromStdString(utf8); };
+    Language& language = parts_.Language;
+    setWindowTitle(text(std::string(ProgramTitle) + " " + language.Lng("frmAbout", 203)));
+    ui_->lblVersion->setText(text(language.Lng("frmAbout", 201) + " Version " + parts_.Version));
+    ui_->lblAuthor->setText(text(language.Lng("frmAbout", 202) + maker::Author));
+}
+
+void frmAbout::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) ShowTexts();
+}
+
+void frmAbout::ShowStatus(const QString& text) {
+    ui_->lblStatus->setText(text);
+    ui_->lblStatus->setVisible(!text.isEmpty());
+}
+
+// A box that went although nothing opens would leave the user without the address too.
+void frmAbout::OpenLink(const QString& address) {
+    if (parts_.Shell.OpenAddress(address.toStdString())) {
+        close();
+    } else {
+        ShowStatus(QString::fromStdString(parts_.Language.Lng("frmAbout", 204)));
+    }
+}
+
+void frmAbout::lblLinkKorvalin_Click() {
+    OpenLink(ui_->lblLinkKorvalin->text());
+}
+
+void frmAbout::picKorvalin_Click() {
+    OpenLink(ui_->lblLinkKorvalin->text());
+}
+
+void frmAbout::lblInfoLink_Click() {
+    OpenLink(ui_->lblInfoLink->text());
+}
+
+// In an address a blank is written as "%20".
+void frmAbout::lblSupportMail_Click() {
+    OpenLink(QLatin1String("mailto:") + ui_->lblSupportMail->text() + QLatin1String("?subject=Korvalin%20V") +
+             QString::fromStdString(parts_.Version));
+}
+
+void frmAbout::cmdUpdate_Click() {
+    // The check lets events pass: the box may be closed, and the button must not be pressed twice.
+    const QPointer<frmAbout> box = this;
+    const Hooks hooks = hooks_;
+    ui_->cmdUpdate->setEnabled(false);
+    const int result = hooks.CheckUpdate();
+    if (box) ui_->cmdUpdate->setEnabled(true);
+    if (result == NewProgramStarted) hooks.EndProgram();
+}
+
+} // namespace korvalin

@@ -1,0 +1,58 @@
+#include "dialogs/frmMessage.h"
+
+#include "dialogs/MessageTexts.h"
+#include "forms/ProgramIcon.h"
+#include "forms/Twips.h"
+#include "ui_frmMessage.h"
+
+namespace korvalin {
+namespace {
+
+constexpr int innerWidthTwips = 6000;
+constexpr int marginTwips = 200;
+constexpr int extraWidthTwips = 20; // for glyphs that lean out of their cell
+
+} // namespace
+
+frmMessage::frmMessage(const MessageTexts& texts)
+    : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint),
+      texts_(texts),
+      ui_(std::make_unique<Ui::frmMessage>()) {
+    ui_->setupUi(this);
+    setWindowIcon(ProgramIcon());
+    texts_.ApplyTo(*this);
+    connect(ui_->cmdOK, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+frmMessage::~frmMessage() = default;
+
+void frmMessage::showEvent(QShowEvent* event) {
+    if (!event->spontaneous()) Form_Load();
+    QDialog::showEvent(event); // places the window by its size
+}
+
+void frmMessage::Form_Load() {
+    if (Msg_Text.isEmpty()) Msg_Text = texts_.Lng("frmMessage", 1, "no text");
+    ui_->cmdOK->setVisible((Msg_Options & MessageWaits) == 0);
+    ui_->cmdOK->setFocus();
+    PlaceMessage();
+    setAccessibleDescription(Msg_Text);
+    setFixedSize(TwipsToPixels(innerWidthTwips), layout()->totalSizeHint().height());
+    layout()->activate(); // shown once more, the window may have its size already
+}
+
+// A short text stands in the middle, a longer one is as wide as the window and wraps.
+void frmMessage::PlaceMessage() {
+    const int margin = TwipsToPixels(marginTwips);
+    const int widest = TwipsToPixels(innerWidthTwips) - 2 * margin;
+    QLabel& label = *ui_->lblMessage;
+    layout()->setContentsMargins(margin, margin, margin, margin);
+    label.setWordWrap(false);
+    label.setText(Msg_Text);
+    const int textWidth = label.sizeHint().width();
+    label.setWordWrap(textWidth >= widest);
+    const int width = label.wordWrap() ? widest : textWidth + TwipsToPixels(extraWidthTwips);
+    label.setFixedSize(width, label.heightForWidth(width));
+}
+
+} // namespace korvalin

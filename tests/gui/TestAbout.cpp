@@ -1,0 +1,106 @@
+#include "dialogs/MakerInfo.h"
+#include "dialogs/frmAbout.h"
+#include "gui/MainWindowFixture.h"
+#include "lang/ApplyFormTexts.h"
+
+using namespace korvalin;
+
+namespace {
+
+/// The about box, opened from the main window's menu.
+class About : public MainWindow {
+  protected:
+    About() {
+        openAbout = [this] {
+            about = std::make_unique<frmAbout>(frmAbout::Parts{program->language, shell, "2.1.700"});
+            about->Open();
+        };
+    }
+    void Open() {
+        if (!window) Start();
+        Choose("mnuInfo");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(about.get()));
+    }
+    std::string Text(const char* label) {
+        return about->findChild<QLabel*>(QString::fromLatin1(label))->text().toStdString();
+    }
+    QPushButton* Button(const char* name) {
+        return about->findChild<QPushButton*>(QString::fromLatin1(name));
+    }
+
+    std::unique_ptr<frmAbout> about;
+};
+
+TEST_F(About, TellsVersionAndAuthorInBothLanguages) {
+    Open();
+    EXPECT_EQ(about->windowTitle(), QStringLiteral("Korvalin - About"));
+    EXPECT_EQ(Text("lblVersion"), "Installed Version 2.1.700");
+    EXPECT_EQ(Text("lblAuthor"), std::string("Developed by ") + maker::Author);
+    ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
+    ApplyTextsToLoadedForms(program->language);
+    EXPECT_EQ(about->windowTitle(), QStringLiteral("Korvalin - Info"));
+    EXPECT_EQ(Text("lblVersion"), "Installierte Version 2.1.700");
+    EXPECT_EQ(Text("lblAuthor"), std::string("Entwickelt von ") + maker::Author);
+    EXPECT_EQ(Text("lblInfoCaption"), "&Hilfe:");
+    EXPECT_TRUE(about->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    QTest::keyClick(about.get(), Qt::Key_Return);
+    EXPECT_FALSE(about->isVisible());
+}
+
+TEST_F(About, LinksOpenWhatTheySayByMouseAndKeyboardAndCloseTheBox) {
+    const std::string mail = std::string("mailto:") + maker::SupportMail + "?subject=Korvalin%20V2.1.700";
+    struct {
+        const char* Name;
+        std::string Address;
+    } const rows[] = {{"lblLinkKorvalin", maker::ProgramPage},
+                      {"lblInfoLink", maker::HelpPage},
+                      {"lblSupportMail", mail},
+                      {"picKorvalin", maker::ProgramPage}};
+    for (const auto& row : rows) {
+        for (const Qt::Key key : {Qt::Key_unknown, Qt::Key_Return, Qt::Key_Space}) {
+            Open();
+            QPushButton* link = Button(row.Name);
+            EXPECT_EQ(link->cursor().shape(), Qt::PointingHandCursor);
+            if (key == Qt::Key_unknown) {
+                QTest::mouseClick(link, Qt::LeftButton);
+            } else if (link->focusPolicy() != Qt::NoFocus) { // of the picture: its link stands beside it
+                for (int tabs = 0; tabs < 5 && about->focusWidget() != link; ++tabs)
+                    QTest::keyClick(about->focusWidget(), Qt::Key_Tab);
+                QTest::keyClick(about->focusWidget(), key);
+            } else {
+                continue;
+            }
+            EXPECT_EQ(std::exchange(shell.Addresses, {}), Lines{row.Address}) << row.Name;
+            EXPECT_FALSE(about->isVisible()) << row.Name;
+        }
+    }
+}
+
+TEST_F(About, StaysAndSaysSoWhenNothingOpensALink) {
+    shell.Starts = false;
+    Open();
+    EXPECT_EQ(Text("lblStatus"), "");
+    Button("lblInfoLink")->click();
+    EXPECT_TRUE(about->isVisible());
+    EXPECT_EQ(Text("lblStatus"), "No program on this system opens this address.");
+}
+
+TEST_F(About, ChecksForAnUpdateOnDemandOnly) {
+    Open();
+    EXPECT_FALSE(Button("cmdUpdate")->isVisible()) << "nobody checks";
+    for (const int result : {8, 9}) {
+        bool programEnded = false;
+        about->Plug({[&] {
+                         EXPECT_FALSE(Button("cmdUpdate")->isEnabled());
+                         about->ShowStatus(QStringLiteral("Looking ..."));
+                         EXPECT_TRUE(about->findChild<QLabel*>(QStringLiteral("lblStatus"))->isVisible());
+                         return result;
+                     },
+                     [&] { programEnded = true; }});
+        Button("cmdUpdate")->click();
+        EXPECT_EQ(programEnded, result == 9);
+        EXPECT_TRUE(Button("cmdUpdate")->isEnabled());
+    }
+}
+
+} // namespace

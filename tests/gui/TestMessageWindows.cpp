@@ -1,0 +1,139 @@
+#include "dialogs/MessageTexts.h"
+#include "dialogs/frmMessage.h"
+#include "fakes/CoreFixture.h"
+#include "forms/Twips.h"
+#include "gui/WhenPopupShows.h"
+
+using namespace korvalin;
+
+namespace {
+
+QLabel* Label(const QWidget& window, const char* name) {
+    return window.findChild<QLabel*>(QString::fromLatin1(name));
+}
+
+int Show(const PopupMessage& message, const std::function<void(frmPopupMsg&)>& action) {
+    const MessageTexts english;
+    const WhenPopupShows popup(action);
+    return frmPopupMsg::ShowMsg(english, message);
+}
+
+TEST(PopupMsg, ShowsTheIconOfItsStyle) {
+    const std::pair<int, QStyle::StandardPixmap> rows[] = {{16, QStyle::SP_MessageBoxCritical},
+                                                           {32, QStyle::SP_MessageBoxQuestion},
+                                                           {48, QStyle::SP_MessageBoxWarning},
+                                                           {64, QStyle::SP_MessageBoxInformation},
+                                                           {0, QStyle::SP_MessageBoxInformation}};
+    QStringList meanings;
+    for (const auto& [style, picture] : rows) {
+        Show({QStringLiteral("text"), style}, [&, picture = picture](frmPopupMsg& box) {
+            const QLabel* icon = Label(box, "picIcon");
+            const QPixmap shown = icon->pixmap(Qt::ReturnByValue);
+            EXPECT_EQ(shown.toImage(), box.style()->standardIcon(picture).pixmap(shown.size()).toImage());
+            meanings << icon->accessibleName();
+        });
+    }
+    EXPECT_EQ(meanings.join(QLatin1Char(' ')), QStringLiteral("Error Question Warning Note Note"));
+}
+
+TEST(PopupMsg, SettlesTitleCaptionsAndTheCancelButton) {
+    constexpr int ignored = -1;
+    struct {
+        std::array<const char*, 3> Given;
+        const char* Captions;
+        int Cancel;
+    } const rows[] = {
+        {{"", "", ""}, "OK", ignored},
+        {{"A", "", "C"}, "A|C", ignored},
+        {{"A", "&No", ""}, "A|&No", 1},
+        {{"A", "", "&Cancel"}, "A|&Cancel", 1},
+        {{"&Cancel", "&No", "C"}, "&Cancel|&No|C", 0},
+        {{"A", "&No", "&Cancel"}, "A|&No|&Cancel", 1},
+        {{"A", "B", "&Cancel"}, "A|B|&Cancel", 2},
+        {{"A", "No", "cancel"}, "A|No|cancel", ignored},
+    };
+    for (const auto& row : rows) {
+        PopupMessage message;
+        for (std::size_t i = 0; i < row.Given.size(); ++i)
+            message.Captions[i] = QLatin1String(row.Given[i]);
+        const int answer = Show(message, [&](frmPopupMsg& box) {
+            EXPECT_EQ(box.windowTitle(), QStringLiteral("Korvalin"));
+            EXPECT_EQ(PopupCaptions(box), row.Captions);
+            EXPECT_EQ(box.windowFlags().testFlag(Qt::WindowCloseButtonHint), row.Cancel != ignored);
+            EXPECT_EQ(box.focusWidget(), PopupButton(box, 0));
+            Label(box, "picIcon")->setFocus();
+            EXPECT_EQ(box.focusWidget(), PopupButton(box, 0));
+            QTest::keyClick(&box, Qt::Key_Escape);
+            EXPECT_EQ(box.isVisible(), row.Cancel == ignored);
+        });
+        if (row.Cancel != ignored) {
+            EXPECT_EQ(answer, row.Cancel) << row.Captions;
+        }
+    }
+}
+
+TEST(PopupMsg, FitsItsTextAndTheScreen) {
+    const QString sentence = QStringLiteral("A sentence that is a part of a longer text. ");
+    for (const int sentences : {1, 10, 1000}) {
+        Show({sentence.repeated(sentences)}, [&](frmPopupMsg& box) {
+            const QRect screen = box.screen()->availableGeometry();
+            EXPECT_TRUE(screen.contains(box.geometry())) << sentences;
+            EXPECT_LE((box.geometry().center() - screen.center()).manhattanLength(), 4);
+            const QLabel* label = Label(box, "lblMessage");
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+            const auto* scroll = box.findChild<QScrollArea*>();
+            EXPECT_EQ(scroll->verticalScrollBar()->isVisible(), sentences == 1000);
+            EXPECT_FALSE(scroll->horizontalScrollBar()->isVisible());
+            const int aroundIt = PixelsToTwips(box.height() - scroll->height());
+            EXPECT_TRUE(sentences == 1 || std::abs(aroundIt - 1300) < 100) << aroundIt;
+        });
+    }
+}
+
+class Message : public testing::Test {
+  protected:
+    void Show(const QString& text, std::uint32_t options = 0) {
+        message.Msg_Text = text;
+        message.Msg_Options = options;
+        message.show();
+    }
+    const MessageTexts english;
+    frmMessage message{english};
+    QLabel* label = Label(message, "lblMessage");
+    QPushButton* cmdOK = message.findChild<QPushButton*>(QStringLiteral("cmdOK"));
+};
+
+TEST_F(Message, CentresAShortTextWrapsALongOneAndNamesAnEmptyOne) {
+    const int margin = TwipsToPixels(200);
+    const QString longText = QStringLiteral("word ").repeated(60);
+    const std::pair<QString, QString> rows[] = {
+        {QString(), QStringLiteral("no text")},
+        {QStringLiteral("<b>short</b>"), QStringLiteral("<b>short</b>")},
+        {longText, longText}};
+    for (const auto& [given, shown] : rows) {
+        const bool wraps = given == longText;
+        Show(given);
+        EXPECT_EQ(label->text(), shown);
+        EXPECT_EQ(label->y(), margin);
+        EXPECT_EQ(label->height() > 2 * label->fontMetrics().height(), wraps);
+        EXPECT_EQ(label->x() == margin, wraps);
+        EXPECT_NEAR(label->geometry().center().x(), message.width() / 2, 1);
+        EXPECT_NEAR(cmdOK->geometry().center().x(), message.width() / 2, 1);
+        EXPECT_GT(cmdOK->y(), label->geometry().bottom());
+        EXPECT_TRUE(message.rect().contains(cmdOK->geometry()));
+        message.close();
+        EXPECT_TRUE(message.isVisible()) << "only its button closes it";
+        QTest::mouseClick(cmdOK, Qt::LeftButton);
+        EXPECT_FALSE(message.isVisible());
+    }
+}
+
+TEST_F(Message, ThatWaitsHasNothingToClickAway) {
+    Show(QStringLiteral("Please wait."), MessageWaits);
+    EXPECT_FALSE(cmdOK->isVisible());
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape})
+        QTest::keyClick(&message, key);
+    EXPECT_TRUE(message.isVisible());
+}
+
+} // namespace
