@@ -25,7 +25,9 @@ class MainWindow : public CoreFixture {
             settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
             program->infoTexts, program->liveTexts, program->errors, clock, program->locale, area, boxes});
         window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      [this] { return use; }, [this] { return phoneBookEntries; }, openStatistics});
+                      [this] { return use; },
+                      [] { return std::size_t{0}; },
+                      {}});
         window->Form_Load();
     }
     // Seconds pass, each with an update.
@@ -55,8 +57,6 @@ class MainWindow : public CoreFixture {
 
     FakeNotificationArea area;
     PeriodUse use;
-    std::size_t phoneBookEntries = 0;
-    std::function<void()> openStatistics;
     std::vector<int> closings; // the reasons, as numbers
     std::unique_ptr<frmMain> window;
 };

@@ -117,26 +117,12 @@ TEST_F(Chart, TextsAreWithinThePictureAndClearOfTheRules) {
     EXPECT_GT(black, 50) << "the volume row";
 }
 
-TEST_F(Chart, IsNotDrawnWhileNobodySeesIt) {
-    Draw();
-    painter.DrawChart(picture, texts(), false, true);
-    picture.SetBackColor(0x123456);
-    Online(9000, 10);
-    painter.DrawChart(picture, texts(), false, true);
-    EXPECT_EQ(At(100, 60), Rgb(0x123456)) << "not visible";
-    painter.DrawChart(picture, texts(), true, false);
-    EXPECT_EQ(At(100, 60), Rgb(0x123456)) << "the main window is hidden";
-    EXPECT_NE(texts().CaptionText.find("UL/DL"), std::string::npos) << "the texts are renewed all the same";
-}
-
 TEST_F(Chart, CarriesColoursOnFourDays) {
-    clock.SetWallClock(DateSerial(2010, 6, 13) + 0.5);
-    Draw();
-    const int top = RuleRow(true);
-    EXPECT_EQ(At(10, top + 3), Rgb(0x000000));
-    clock.SetWallClock(DateSerial(2010, 6, 14) + 0.5);
-    Draw();
-    EXPECT_EQ(At(10, top + 3), Rgb(15323561));
+    for (const auto& [day, color] : {std::pair(13, 0x000000), {14, 15323561}}) {
+        clock.SetWallClock(DateSerial(2010, 6, day) + 0.5);
+        Draw();
+        EXPECT_EQ(At(10, RuleRow(true) + 3), Rgb(color)) << day;
+    }
 }
 
 } // namespace

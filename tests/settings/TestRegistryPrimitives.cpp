@@ -42,13 +42,4 @@ TEST(RegistryPrimitives, WriteCreatesTheKeyAsLongAsThatHelps) {
     }
 }
 
-TEST(RegistryPrimitives, ATextThatIsTooLongReadsAsNothing) {
-    FakeRegistry registry;
-    RegistryPrimitives primitives(registry);
-    for (const std::size_t length : {1023U, 1024U}) {
-        ASSERT_TRUE(primitives.RegWriteString(path, "name", std::string(length, 'x')));
-        EXPECT_EQ(primitives.RegReadString(path, "name").size(), length == 1023 ? length : 0);
-    }
-}
-
 } // namespace

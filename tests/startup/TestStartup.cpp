@@ -1,6 +1,4 @@
 #include "fakes/CoreFixture.h"
-#include "settings/RegistryPrimitives.h"
-#include "startup/AutoStart.h"
 #include "startup/DataFolder.h"
 #include "startup/Startup.h"
 #include "startup/UpdateInstallation.h"
@@ -31,7 +29,7 @@ class StartupTest : public CoreFixture {
                                   programFolder);
         Components components(settings, language, boxes, shell, events, data, download, "page");
         return Startup({settings, language, errors, boxes, shell, clock, lock, data, update, components,
-                        download, [this] { Calls.push_back("lines"); }, LoadUserVar},
+                        download, CreateLineTable, [this] { Calls.push_back("settings"); }},
                        version)
             .Main();
     }
@@ -39,7 +37,7 @@ class StartupTest : public CoreFixture {
     static constexpr const char* goodTexts = "GER\tmodAllgemein\t1\tWrong system\n";
     std::string Download;
     Lines Downloads, Calls;
-    std::function<void()> LoadUserVar = [this] { Calls.push_back("settings"); };
+    std::function<void()> CreateLineTable = [this] { Calls.push_back("lines"); };
 };
 
 TEST_F(StartupTest, PreparesTheMainWindow) {
@@ -71,14 +69,10 @@ TEST_F(StartupTest, EndsForANewerProgramAndWhereItCannotRun) {
 }
 
 TEST_F(StartupTest, AnErrorInOneStepEndsOnlyThatStep) {
-    fs::create_directories(folder / "log");
-    const auto backup = folder.Write("log/Korvalin_Stats.db_x", "x");
-    fs::last_write_time(backup, std::chrono::file_clock::from_sys(std::chrono::sys_seconds()));
-    settings.SetReg("DeleteStatistics", 1);
-    LoadUserVar = [] { throw NumberedError(7, "settings"); };
+    CreateLineTable = [] { throw NumberedError(7, "lines"); };
     EXPECT_TRUE(Main());
     EXPECT_NE(boxes.Take().Text.find("Main"), std::string::npos);
-    EXPECT_FALSE(fs::exists(backup));
+    EXPECT_EQ(Calls, Lines{"settings"});
 }
 
 TEST_F(StartupTest, GetsALanguageFile) {
@@ -107,7 +101,6 @@ TEST_F(StartupTest, GetsALanguageFile) {
     } const rows[] = {{false, good, {yes}, {missing}, 1, true},
                       {false, good, {no, no}, {missing, unusable, corrupted}, 0, false},
                       {false, good, {no, yes}, {missing, unusable, corrupted}, 1, true},
-                      {false, "", {yes, yes}, {missing, unusable, corrupted}, 2, false},
                       {true, good, {yes}, {unusable, corrupted}, 1, true},
                       {true, "bad", {yes}, {unusable, corrupted, unusable}, 1, false}};
     for (const auto& row : rows) {
@@ -128,10 +121,10 @@ TEST_F(StartupTest, NotesANewVersion) {
         ProgramVersion Version;
         const char* Text;
         bool StaysUnwanted, ChecksSoon;
-    } const rows[] = {
-        {"v2.1.7", {2, 1, 7}, "v2.1.7", true, false},     {"V2.1.5", {2, 1, 7}, "V2.1.7", true, true},
-        {"V2.0.5", {2, 1, 7}, "V2.1.7", false, true},     {"", {2, 1, 99}, "V2.1.99", false, true},
-        {"V2.1.12", {2, 1, 129}, "V2.1.12", true, false}, {"V2.1.1", {2, 1, 100}, "V2.1.10", true, true}};
+    } const rows[] = {{"v2.1.7", {2, 1, 7}, "v2.1.7", true, false},
+                      {"V2.1.5", {2, 1, 7}, "V2.1.7", true, true},
+                      {"V2.0.5", {2, 1, 7}, "V2.1.7", false, true},
+                      {"V2.1.12", {2, 1, 129}, "V2.1.12", true, false}};
     for (const auto& row : rows) {
         settings.SetReg("PrgVersion", row.Stored);
         settings.SetReg("msinetNotWanted", true);
@@ -141,18 +134,6 @@ TEST_F(StartupTest, NotesANewVersion) {
         EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.StaysUnwanted) << row.Stored;
         EXPECT_EQ(settings.GetDate("UpdateCheckLast"),
                   row.ChecksSoon ? DateSerial(2024, 1, 15) : clock.Now());
-    }
-}
-
-TEST_F(StartupTest, EntersAndLeavesTheAutoStart) {
-    constexpr const char* runKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-    RegistryPrimitives primitives(registry);
-    AutoStartEntry entry(settings, primitives, programFolder / "Korvalin.exe");
-    for (const bool enable : {true, false}) {
-        entry.AutoStart(enable);
-        EXPECT_EQ(primitives.RegReadString(runKey, "Korvalin"),
-                  enable ? (programFolder / "Korvalin").string() : "");
-        EXPECT_EQ(settings.GetBool("AutoStart"), enable);
     }
 }
 
