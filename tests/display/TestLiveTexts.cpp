@@ -89,10 +89,6 @@ TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
         live.FillInfoStrings(texts);
         EXPECT_EQ(texts.TrayTipText, row.Expected) << row.Flags;
     }
-    texts.TrayTextFlags = 128;
-    texts.ShowDuration = false;
-    live.FillInfoStrings(texts);
-    EXPECT_EQ(texts.TrayTipText, "") << "an adapter's time only when wanted";
     lines.AnyLineConnected = false;
     live.FillInfoStrings(texts);
     EXPECT_EQ(texts.TrayTipText, "Korvalin - t10");

@@ -52,7 +52,6 @@ class MainWindow : public CoreFixture {
     }
     PictureBox* Picture() { return window->findChild<PictureBox*>(QStringLiteral("PicChart")); }
     QLabel* Handle() { return window->findChild<QLabel*>(QStringLiteral("lblMove")); }
-    QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
     int Setting(const char* name) { return settings.GetNumber(name); }
 
     FakeNotificationArea area;

@@ -103,20 +103,6 @@ TEST_F(Chart, TimeLinesCountFromTheRightEdge) {
         EXPECT_FALSE(marked(x)) << x;
 }
 
-TEST_F(Chart, TextsAreWithinThePictureAndClearOfTheRules) {
-    Online(1234, 10);
-    texts().DisplayChoiceDL = 1;
-    texts().DisplayChoiceUL = 1;
-    Draw();
-    EXPECT_EQ(texts().RateDLText, "1.2");
-    int black = 0;
-    for (int y = RuleRow(false) + 1; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            black += qGray(At(x, y)) < 80 ? 1 : 0;
-    }
-    EXPECT_GT(black, 50) << "the volume row";
-}
-
 TEST_F(Chart, CarriesColoursOnFourDays) {
     for (const auto& [day, color] : {std::pair(13, 0x000000), {14, 15323561}}) {
         clock.SetWallClock(DateSerial(2010, 6, day) + 0.5);

@@ -18,18 +18,6 @@ TEST_F(MainWindow, StartsWithTheChartOfTheMachinesTraffic) {
     EXPECT_TRUE(curve);
 }
 
-TEST_F(MainWindow, TheMenuHoldsOnlyWhatWorksAndSpeaksBothLanguages) {
-    Start();
-    QStringList shown;
-    for (const QAction* action : Menu()->actions())
-        if (action->isVisible() && !action->isSeparator()) shown << action->text();
-    EXPECT_EQ(shown.join(QLatin1Char('|')).toStdString(),
-              "Show title &bar|Title bar &only|Always on to&p|E&xit");
-    ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
-    window->ApplyTexts();
-    EXPECT_EQ(Item("mnuBeenden")->text(), QStringLiteral("&Beenden"));
-}
-
 TEST_F(MainWindow, TheCaptionAndStayingOnTopAreSwitchedAndRemembered) {
     Start();
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::FramelessWindowHint));

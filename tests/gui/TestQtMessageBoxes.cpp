@@ -25,7 +25,6 @@ class QtMessageBoxesTest : public testing::Test {
 
 TEST_F(QtMessageBoxesTest, AnswersWhatTheUserChose) {
     const std::pair<std::function<void(QMessageBox&)>, MessageAnswer> rows[] = {
-        {[](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); }, MessageAnswer::Yes},
         {[](QMessageBox& box) { box.button(QMessageBox::No)->click(); }, MessageAnswer::No},
         {[](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }, MessageAnswer::Yes},
         {[](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }, MessageAnswer::No},
@@ -46,7 +45,6 @@ TEST_F(QtMessageBoxesTest, ShowsTextsAsTheyAreInTheProgramsLanguage) {
             box.close();
         };
     };
-    boxes.Plug([](MessageAnswer) { return ""; });
     Ask(look("&Yes"));
     boxes.Plug([](MessageAnswer answer) { return answer == MessageAnswer::Yes ? "&Ja" : "&Nein"; });
     Ask(look("&Ja"));

@@ -31,9 +31,10 @@ class Variable {
 TEST(LinuxShell, TakesTheLanguageFromTheFirstVariableThatIsSet) {
     struct {
         const char *All, *Messages, *Lang, *Expected;
-    } const rows[] = {{"de_DE.UTF-8", "fr_FR", "it_IT", "de"},  {"", "fr_FR@euro", "it_IT", "fr"},
-                      {nullptr, nullptr, "IT", "it"},           {"C", "fr_FR", "it_IT", "en"},
-                      {nullptr, nullptr, "ast_ES.UTF-8", "en"}, {nullptr, nullptr, nullptr, "en"}};
+    } const rows[] = {{"de_DE.UTF-8", "fr_FR", "it_IT", "de"},
+                      {"", "fr_FR@euro", "it_IT", "fr"},
+                      {"C", "fr_FR", "it_IT", "en"},
+                      {nullptr, nullptr, "ast_ES.UTF-8", "en"}};
     for (const auto& row : rows) {
         const Variable all("LC_ALL", row.All);
         const Variable messages("LC_MESSAGES", row.Messages);

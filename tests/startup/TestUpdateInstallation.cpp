@@ -32,7 +32,6 @@ class UpdateInstallationTest : public CoreFixture {
     const fs::file_time_type now_ = fs::file_time_type::clock::now();
     const fs::path old_ = programFolder / "Korvalin.exe";
     const fs::path new_ = programFolder / "Korvalin_new.exe";
-    const fs::path texts_ = programFolder / "Korvalin.lng";
 };
 
 TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
@@ -87,40 +86,22 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     EXPECT_FALSE(Run("Korvalin.exe"));
 }
 
-TEST_F(UpdateInstallationTest, EndsWhileAFileIsHeld) {
+TEST_F(UpdateInstallationTest, EndsWhileTheOldProgramIsHeld) {
     const std::string held = "Still there: " + old_.string();
-    const Lines programHeld = {held + "!", held + " but " + new_.string() + " is new."};
-    struct {
-        fs::path Held;
-        double ReleasedAfter;
-        Lines Shown;
-        bool Started;
-    } const rows[] = {{old_, 1e9, programHeld, false},
-                      {old_, 40, {programHeld[0]}, true},
-                      {old_, 20, {}, true},
-                      {texts_, 1e9, {"Still there: " + texts_.string() + "?"}, false}};
-    const std::string lines = folder.Read("program/Korvalin.lng");
-    for (const auto& row : rows) {
-        fs::remove_all(old_);
-        folder.Write("program/Korvalin.lng", lines);
-        language.InitProgramTexts();
+    const Lines asked = {held + "!", held + " but " + new_.string() + " is new."};
+    const std::pair<double, Lines> rows[] = {{1e9, asked}, {40, {asked[0]}}, {20, {}}}; // released after
+    for (const auto& [released, shown] : rows) {
         Put("Korvalin_new.exe", 300);
-        folder.Write("program/KorvalinLng_new.lng", lines);
+        fs::remove_all(old_);
+        fs::create_directories(old_); // a folder of the file's name cannot be deleted
         const double start = clock.AwakeSeconds();
-        // A folder of the file's name cannot be deleted; the texts turn into one once they are loaded.
-        if (row.Held == old_) fs::create_directories(old_);
         events.OnProcessPending = [&] {
-            if (row.Held == texts_ && !fs::is_directory(texts_)) {
-                fs::remove(texts_);
-                fs::create_directories(texts_);
-            }
-            if (clock.AwakeSeconds() > start + row.ReleasedAfter) fs::remove_all(row.Held);
+            if (clock.AwakeSeconds() > start + released) fs::remove_all(old_);
         };
         shell.Started.clear();
         EXPECT_TRUE(Run("Korvalin_new.exe"));
-        EXPECT_EQ(TakeBoxes(), row.Shown);
-        EXPECT_EQ(shell.Started.size(), row.Started ? 1U : 0U);
-        fs::remove_all(row.Held);
+        EXPECT_EQ(TakeBoxes(), shown);
+        EXPECT_EQ(shell.Started.size(), released < 1e9 ? 1U : 0U);
     }
 }
 

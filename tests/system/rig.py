@@ -48,11 +48,6 @@ class Home:
     def store(self):
         return self.path / "config/korvalin/registry.db"
 
-    @property
-    def log(self):
-        path = self.path / "data/Korvalin/Korvalin_ErrorLog.txt"
-        return path.read_text() if path.exists() else ""
-
     def cli(self, *arguments, check=True):
         return subprocess.run([BIN / "korvalin-cli", *arguments], env=self.env, check=check, text=True,
                               capture_output=True, timeout=30).stdout.strip()
