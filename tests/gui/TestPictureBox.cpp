@@ -179,16 +179,4 @@ TEST_F(PictureBoxTest, OutlinesWhatABoxFills) {
         EXPECT_EQ(picture.Picture().pixelColor(inside), Qt::white);
 }
 
-TEST_F(PictureBoxTest, ShowsWhatWasDrawnAndClears) {
-    picture.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&picture));
-    picture.Box(20, 10, 60, 30, red);
-    picture.Refresh();
-    const QImage before = picture.Picture();
-    EXPECT_EQ(picture.grab().toImage().convertToFormat(before.format()), before);
-    picture.Cls();
-    EXPECT_TRUE(Drawn().first.isEmpty());
-    EXPECT_EQ(picture.CurrentX(), 0);
-}
-
 } // namespace

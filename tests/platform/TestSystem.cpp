@@ -68,7 +68,6 @@ TEST(FlockRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
     earlier.Kill();
     EXPECT_TRUE(lock.Take(folder.Path()));
     EXPECT_TRUE(FlockRecordingLock().Take(another.Path())) << "still held after another folder was taken";
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 0);
 }
 
 TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {

@@ -167,7 +167,6 @@ TEST_F(DataFolderTest, ChangesTheFolderAsTheUserAnswers) {
     } const rows[] = {{false, false, {}, {}, moved, "db=old "},
                       {false, true, {}, {}, moved, both},
                       {true, true, {yes}, {keep}, "db=old ", "db=new "},
-                      {true, true, {no, no}, {keep, move}, "db=old ", "db=new "},
                       {true, true, {no, yes}, {keep, move}, moved, both},
                       {true, false, {no}, {move}, "db=old ", ""}};
     int number = 0;
