@@ -27,15 +27,12 @@ TEST(TrayBars, TheRatesFillTheirBarsByTheScale) {
         {"automatic: the larger is full", "10.0", "40.0", 0, 4, 16},
         {"below 1 is automatic too", "40.0", "10.0", -5, 16, 4},
         {"nothing at all", "0.0", "0.0", 0, 0, 0},
-        {"nothing, fixed scale", "0.0", "0.0", 30, 0, 0},
         {"fixed scale", "15.0", "3.0", 30, 8, 2},
         {"beyond the scale", "31.0", "5000000.0", 30, 16, 16},
         {"however small", "0.1", "0.9", 30, 1, 1},
         {"halves go to the even height", "2.5", "3.5", 16, 2, 4},
-        {"decimal comma", "7,5", "22,5", 30, 4, 12, german},
         {"grouped", "1.024,0", "512,0", 0, 16, 8, german},
         {"no number", "", "-", 30, 0, 0},
-        {"negative", "-5.0", "5.0", 0, 0, 16},
     };
     for (const auto& row : rows) {
         InfoTexts texts;
@@ -60,11 +57,8 @@ TEST(TrayBars, TheVolumeTellsWhatIsUsedOrLeftOfThePeriod) {
         {"more than the bar holds", {5000 * MB, 0, false, 0}, {16, blue}},
         {"nothing used", {0, 0, false, 0}, {0, blue}},
         {"other scale", {50 * MB, 0, false, 0}, {8, blue}, 100},
-        {"6 tenths left, half of the time", {400 * MB, 1000 * MB, true, 0.5}, {10, green}},
         {"6 tenths left, 7 tenths of the time", {400 * MB, 1000 * MB, true, 0.3}, {10, magenta}},
-        {"3 tenths left, 8 tenths of the time", {700 * MB, 1000 * MB, true, 0.2}, {5, magenta}},
         {"as much left as time", {500 * MB, 1000 * MB, true, 0.5}, {8, green}},
-        {"nothing used of it", {0, 1000 * MB, true, 0}, {16, green}},
         {"used up exactly", {250 * MB, 250 * MB, true, 0.9}, {4, red}},
         {"used up and more", {2500 * MB, 1000 * MB, true, 0.9}, {16, red}},
     };

@@ -11,18 +11,12 @@ class WindowGeometryTest : public CoreFixture {
     WindowGeometry geometry{settings, screen};
 };
 
-TEST_F(WindowGeometryTest, WhatIsStoredDescribesTheWindowWithItsCaption) {
+TEST_F(WindowGeometryTest, WhatIsStoredDescribesTheWindowWithItsCaptionUnlessOnlyThatIsLeft) {
     geometry.Save({1000, 2300, 4000, 1200}, 300, false);
-    EXPECT_EQ(settings.GetNumber("MON_Top_1024"), 2000);
-    EXPECT_EQ(settings.GetNumber("MON_Height"), 1500);
     EXPECT_EQ(geometry.Restore(300), (TwipsRect{1000, 2300, 4000, 1200}));
     EXPECT_EQ(geometry.Restore(0), (TwipsRect{1000, 2000, 4000, 1500}));
-}
-
-TEST_F(WindowGeometryTest, TitleOnlyKeepsTheHeight) {
-    geometry.Save({1000, 2000, 4000, 1500}, 0, false);
-    geometry.Save({1100, 2100, 4100, 300}, 0, true);
-    EXPECT_EQ(geometry.Restore(0), (TwipsRect{1100, 2100, 4100, 1500}));
+    geometry.Save({1100, 2100, 4100, 800}, 0, true);
+    EXPECT_EQ(geometry.Restore(0), (TwipsRect{1100, 2100, 4100, 1500})) << "the height is the chart's";
 }
 
 TEST_F(WindowGeometryTest, EveryResolutionHasItsOwnPlace) {

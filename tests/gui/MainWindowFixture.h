@@ -25,8 +25,7 @@ class MainWindow : public CoreFixture {
             settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
             program->infoTexts, program->liveTexts, program->errors, clock, program->locale, area, boxes});
         window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      [this] { return use; }, [this] { return phoneBookEntries; }, openStatistics,
-                      openAbout});
+                      [this] { return use; }, [] { return std::size_t{0}; }, openStatistics, openAbout});
         window->Form_Load();
     }
     // Seconds pass, each with an update.
@@ -51,12 +50,10 @@ class MainWindow : public CoreFixture {
     }
     PictureBox* Picture() { return window->findChild<PictureBox*>(QStringLiteral("PicChart")); }
     QLabel* Handle() { return window->findChild<QLabel*>(QStringLiteral("lblMove")); }
-    QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
     int Setting(const char* name) { return settings.GetNumber(name); }
 
     FakeNotificationArea area;
     PeriodUse use;
-    std::size_t phoneBookEntries = 0;
     std::function<void()> openStatistics, openAbout;
     std::vector<int> closings; // the reasons, as numbers
     std::unique_ptr<frmMain> window;

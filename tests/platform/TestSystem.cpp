@@ -41,7 +41,6 @@ TEST(FlockInstanceLock, IsHeldByTheEarlierProcessUntilItEnds) {
     ASSERT_EQ(held.Await(), 1);
     FlockInstanceLock lock(folder / "new/folder", "Korvalin");
     EXPECT_TRUE(lock.PreviousInstanceRunning());
-    EXPECT_FALSE(FlockInstanceLock(folder / "new/folder", "korvalin-cli").PreviousInstanceRunning());
     earlier.Kill();
     EXPECT_FALSE(lock.PreviousInstanceRunning());
     EXPECT_TRUE(FlockInstanceLock(folder / "new/folder", "Korvalin").PreviousInstanceRunning());
@@ -69,7 +68,6 @@ TEST(FlockRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
     earlier.Kill();
     EXPECT_TRUE(lock.Take(folder.Path()));
     EXPECT_TRUE(FlockRecordingLock().Take(another.Path())) << "still held after another folder was taken";
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 0);
 }
 
 TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {

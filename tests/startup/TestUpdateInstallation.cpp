@@ -32,49 +32,52 @@ class UpdateInstallationTest : public CoreFixture {
     const fs::file_time_type now_ = fs::file_time_type::clock::now();
     const fs::path old_ = programFolder / "Korvalin.exe";
     const fs::path new_ = programFolder / "Korvalin_new.exe";
-    const fs::path texts_ = programFolder / "Korvalin.lng";
 };
 
 TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
     struct {
-        std::size_t NewLength; // 0: none
+        std::size_t NewLength;
         int NewAge, CurrentAge;
-        bool HasCurrent, Started;
-    } const rows[] = {{0, 0, 0, true, false},
-                      {200'000, 1, 2, true, true},
+        bool Starts, Started;
+    } const rows[] = {{200'000, 1, 2, true, true},
+                      {200'000, 1, 2, false, false}, // cannot be started
                       {199'999, 1, 2, true, false},
-                      {200'000, 1, 1, true, false},
-                      {200'000, 9, 0, false, true}};
+                      {200'000, 1, 1, true, false}};
+    EXPECT_FALSE(Run("Korvalin.exe")) << "there is none";
     for (const auto& row : rows) {
-        fs::remove(old_);
-        fs::remove(new_);
-        if (row.HasCurrent) {
-            Put("Korvalin.exe", 10, hours(row.CurrentAge));
-            fs::permissions(old_, fs::perms::owner_all);
-        }
-        if (row.NewLength > 0) Put("Korvalin_new.exe", row.NewLength, hours(row.NewAge));
-        shell.Started.clear();
+        Put("Korvalin.exe", 10, hours(row.CurrentAge));
+        fs::permissions(old_, fs::perms::owner_all);
+        Put("Korvalin_new.exe", row.NewLength, hours(row.NewAge));
+        shell.Starts = row.Starts;
         EXPECT_EQ(Run("Korvalin.exe"), row.Started);
-        EXPECT_EQ(shell.Started.size(), row.Started ? 1U : 0U);
-        EXPECT_EQ(fs::exists(new_), row.Started);
-        if (row.Started && row.HasCurrent) {
+        EXPECT_EQ(fs::exists(new_), row.Started) << "what is of no use is removed";
+        if (row.Started) {
             EXPECT_NE(fs::status(new_).permissions() & fs::perms::owner_exec, fs::perms::none);
         }
+        fs::remove(new_);
     }
+    EXPECT_EQ(shell.Started, std::vector<fs::path>{new_});
 }
 
 TEST_F(UpdateInstallationTest, InstallsItself) {
     Put("Korvalin.exe", 10);
     Put("KORVALIN_NEW.EXE", 200'000, hours(-5)); // a clock that was set back since
+    const double start = clock.AwakeSeconds();
+    lock.OldProgramRuns = [&] {
+        EXPECT_EQ(fs::file_size(old_), 10U) << "its file could be deleted while it runs";
+        return clock.AwakeSeconds() < start + 12;
+    };
     folder.Write("program/KorvalinLng_new.lng", "new texts");
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
     EXPECT_EQ(boxes.Waiting, Lines{"Wait"});
     EXPECT_FALSE(boxes.WaitingOpen);
+    EXPECT_GE(clock.AwakeSeconds(), start + 12);
+    lock.OldProgramRuns = [] { return false; };
     EXPECT_EQ(shell.Started, std::vector<fs::path>{old_});
     EXPECT_EQ(fs::file_size(old_), 200'000U);
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), "new texts");
     EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
-    EXPECT_EQ(settings.GetDate("UpdateLast"), clock.Now());
+    EXPECT_NEAR(settings.GetDate("UpdateLast"), clock.Now(), OneSecond);
     folder.Write("program/KorvalinLng_new.txt", "of the other name");
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), "of the other name");
@@ -83,40 +86,22 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     EXPECT_FALSE(Run("Korvalin.exe"));
 }
 
-TEST_F(UpdateInstallationTest, EndsWhileAFileIsHeld) {
+TEST_F(UpdateInstallationTest, EndsWhileTheOldProgramIsHeld) {
     const std::string held = "Still there: " + old_.string();
-    const Lines programHeld = {held + "!", held + " but " + new_.string() + " is new."};
-    struct {
-        fs::path Held;
-        double ReleasedAfter;
-        Lines Shown;
-        bool Started;
-    } const rows[] = {{old_, 1e9, programHeld, false},
-                      {old_, 40, {programHeld[0]}, true},
-                      {old_, 20, {}, true},
-                      {texts_, 1e9, {"Still there: " + texts_.string() + "?"}, false}};
-    const std::string lines = folder.Read("program/Korvalin.lng");
-    for (const auto& row : rows) {
-        fs::remove_all(old_);
-        folder.Write("program/Korvalin.lng", lines);
-        language.InitProgramTexts();
+    const Lines asked = {held + "!", held + " but " + new_.string() + " is new."};
+    const std::pair<double, Lines> rows[] = {{1e9, asked}, {40, {asked[0]}}, {20, {}}}; // released after
+    for (const auto& [released, shown] : rows) {
         Put("Korvalin_new.exe", 300);
-        folder.Write("program/KorvalinLng_new.lng", lines);
+        fs::remove_all(old_);
+        fs::create_directories(old_); // a folder of the file's name cannot be deleted
         const double start = clock.AwakeSeconds();
-        // A folder of the file's name cannot be deleted; the texts turn into one once they are loaded.
-        if (row.Held == old_) fs::create_directories(old_);
         events.OnProcessPending = [&] {
-            if (row.Held == texts_ && !fs::is_directory(texts_)) {
-                fs::remove(texts_);
-                fs::create_directories(texts_);
-            }
-            if (clock.AwakeSeconds() > start + row.ReleasedAfter) fs::remove_all(row.Held);
+            if (clock.AwakeSeconds() > start + released) fs::remove_all(old_);
         };
         shell.Started.clear();
         EXPECT_TRUE(Run("Korvalin_new.exe"));
-        EXPECT_EQ(TakeBoxes(), row.Shown);
-        EXPECT_EQ(shell.Started.size(), row.Started ? 1U : 0U);
-        fs::remove_all(row.Held);
+        EXPECT_EQ(TakeBoxes(), shown);
+        EXPECT_EQ(shell.Started.size(), released < 1e9 ? 1U : 0U);
     }
 }
 
@@ -130,26 +115,6 @@ TEST_F(UpdateInstallationTest, GoesOnItselfWhenTheDiskIsFull) {
     EXPECT_TRUE(shell.Started.empty());
     EXPECT_EQ(fs::file_size(old_), 10U) << "the old program is still there";
     EXPECT_EQ(settings.GetDate("UpdateLast"), 0);
-}
-
-TEST_F(UpdateInstallationTest, WaitsForTheOldProgramsEndThoughItsFileCouldBeDeleted) {
-    Put("Korvalin.exe", 10);
-    Put("Korvalin_new.exe", 300);
-    const double start = clock.AwakeSeconds();
-    lock.OldProgramRuns = [&] {
-        EXPECT_EQ(fs::file_size(old_), 10U);
-        return clock.AwakeSeconds() < start + 12;
-    };
-    EXPECT_TRUE(Run("Korvalin_new.exe"));
-    EXPECT_GE(clock.AwakeSeconds(), start + 12);
-    EXPECT_EQ(shell.Started, std::vector<fs::path>{old_});
-}
-
-TEST_F(UpdateInstallationTest, AFileThatCannotBeStartedIsRemovedAndTheProgramGoesOn) {
-    Put("Korvalin_new.exe", 200'000);
-    shell.Starts = false;
-    EXPECT_FALSE(Run("Korvalin.exe"));
-    EXPECT_FALSE(fs::exists(new_));
 }
 
 } // namespace

@@ -11,7 +11,7 @@ import tempfile
 import time
 import unittest
 
-BIN = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else None
+BIN = pathlib.Path(sys.argv[1]).resolve() if len(sys.argv) > 1 else None
 SKIPPED = 77
 
 
@@ -47,11 +47,6 @@ class Home:
     @property
     def store(self):
         return self.path / "config/korvalin/registry.db"
-
-    @property
-    def log(self):
-        path = self.path / "data/Korvalin/Korvalin_ErrorLog.txt"
-        return path.read_text() if path.exists() else ""
 
     def cli(self, *arguments, check=True):
         return subprocess.run([BIN / "korvalin-cli", *arguments], env=self.env, check=check, text=True,
@@ -160,6 +155,91 @@ class Display:
     def geometry(self, window):
         lines = self.tool("xdotool", "getwindowgeometry", "--shell", window).split()
         return {key: int(value) for key, value in (line.split("=") for line in lines)}
+
+
+def ended(process):
+    """Kills it, and closes its pipes."""
+    process.kill()
+    process.wait()
+    for pipe in (process.stdin, process.stdout, process.stderr):
+        if pipe:
+            pipe.close()
+
+
+class Case(unittest.TestCase):
+    """A test in folders of its own; what it starts ends with it."""
+
+    def setUp(self):
+        self.home = self.enter(Home())
+
+    def enter(self, context):
+        value = context.__enter__()
+        self.addCleanup(context.__exit__, None, None, None)
+        return value
+
+    def launch(self, command, inside=None, **options):
+        """A process, perhaps in a network namespace."""
+        command = ["ip", "netns", "exec", inside, *command] if inside else command
+        process = subprocess.Popen(command, env=self.home.env, text=True, **options)
+        self.addCleanup(ended, process)
+        return process
+
+
+class DesktopCase(Case):
+    """The window, on a display that the tests of a class share."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.display = Display()
+        cls.display.__enter__()
+        cls.addClassCleanup(cls.display.__exit__)
+
+    def setUp(self):
+        super().setUp()
+        self.home.env["DISPLAY"] = self.display.name
+
+    def start(self, program="korvalin", inside=None, **settings):
+        """The program past the first start's question."""
+        self.home.set(**{"Language": "ENG", **settings})
+        return self.launch([BIN / program], inside, stderr=subprocess.PIPE)
+
+    # Its windows have no title without a caption; their class tells them, and their width what they are.
+
+    def find(self, matches, *options):
+        found = self.display.tool("xdotool", "search", *options, "--class", "korvalin").split()
+        places = ((window, self.display.geometry(window)) for window in found)
+        return next((window for window, place in places if place and matches(place)), None)
+
+    def any_window(self):
+        """The main window, also while it is out of sight."""
+        return self.find(lambda place: place["WIDTH"] > 200)
+
+    def main_window(self, seconds=20):
+        return wait_for(lambda: self.find(lambda place: place["WIDTH"] > 200, "--onlyvisible"), "the main window", seconds)
+
+    def menu(self):
+        return self.find(lambda place: 64 < place["WIDTH"] < 200, "--onlyvisible")
+
+    def wait_for_state(self, state):
+        """Normal, Iconic, or Withdrawn: out of sight for the taskbar too."""
+        def told():
+            window = self.any_window()
+            text = self.display.tool("xprop", "-id", window, "WM_STATE") if window else None
+            return text and (state in text if "window state:" in text else state == "Withdrawn")
+
+        wait_for(told, state)
+
+    def color(self, window, x, y):
+        place = self.display.geometry(window)
+        text = self.display.tool("import", "-window", "root", "-crop", f"1x1+{place['X'] + x}+{place['Y'] + y}", "-depth",
+                                 "8", "txt:-")
+        return next((word[1:] for word in text.split() if word.startswith("#") and len(word) == 7), "")
+
+    def click(self, window, x, y, button="1"):
+        self.display.tool("xdotool", "mousemove", "--window", window, str(x), str(y), "click", button)
+
+    def press(self, window, *keys):
+        self.display.tool("xdotool", "windowactivate", "--sync", window, "key", *keys)
 
 
 def main():

@@ -5,7 +5,6 @@ import json
 import subprocess
 import sys
 import threading
-import unittest
 
 import rig
 
@@ -55,23 +54,14 @@ def rate(line, seconds):
     return next(r["received"] for r in line["rates"] if r["seconds"] == seconds)
 
 
-class Lines(unittest.TestCase):
+class Lines(rig.Case):
     def setUp(self):
+        super().setUp()
         self.network = self.enter(rig.Network())
-        self.home = self.enter(rig.Home())
-
-    def enter(self, context):
-        value = context.__enter__()
-        self.addCleanup(context.__exit__, None, None, None)
-        return value
 
     def send(self, packets_a_second, seconds):
-        sender = self.network.start(self.network.there,
-                                    [sys.executable, "-c", SENDER, str(packets_a_second), str(seconds)],
-                                    stdout=subprocess.PIPE, text=True)
-        self.addCleanup(sender.stdout.close)
-        self.addCleanup(sender.wait)
-        return sender
+        return self.launch([sys.executable, "-c", SENDER, str(packets_a_second), str(seconds)], self.network.there,
+                           stdout=subprocess.PIPE)
 
     def test_bytes_and_rates_are_the_kernels(self):
         sender = self.send(500, 14)
@@ -94,6 +84,10 @@ class Lines(unittest.TestCase):
         with Watch(self.network, self.home) as watch:
             here = self.network.here
             rig.wait_for(lambda: watch.names == ["wire0"], "the adapter")
+            self.network.inside(self.network.there, "ip", "link", "set", "wire1", "down")
+            rig.wait_for(lambda: watch.names == [], "no line without a carrier")
+            self.network.inside(self.network.there, "ip", "link", "set", "wire1", "up")
+            rig.wait_for(lambda: watch.names == ["wire0"], "the adapter again")
             self.network.inside(here, "ip", "link", "set", "wire0", "down")
             rig.wait_for(lambda: watch.names == [], "no line while it is down")
             self.network.inside(here, "ip", "link", "set", "wire0", "name", "lan0", "up")

@@ -31,7 +31,6 @@ TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
     } const rows[] = {{false, 4294967000, 1000, 4294967296.0 + 1000, false},
                       {false, 3000000, 1000000, 1000000, true},
                       {true, 4294967000, 1000, 1000, true},
-                      {true, 99000000000, 99000000500, 99000000500.0, false},
                       {false, 2147483648 + 500, 499, 4294967296.0 + 499, false},
                       {false, 2147483648 + 500, 500, 500, true}};
     for (const auto& row : rows) {
@@ -49,50 +48,13 @@ TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
     }
 }
 
-TEST_F(Adapters, ANewAdapterGrowsTheTableAndHasTheTypeDecidedAgain) {
-    network.Add("eth0", 1000, 0);
-    Pass();
-    EXPECT_EQ(lines.MonitoredLineType, "") << "the first adapter is a new one too";
-    Pass();
-    EXPECT_EQ(lines.MonitoredLineType, "LAN");
-    network.Add("eth1", 1000, 0);
-    Pass();
-    EXPECT_EQ(lines.LineCount, 2U);
-    EXPECT_EQ(lines.MonitoredLineType, "");
-    internet.State = {true, InternetConnectionLan};
-    Pass();
-    EXPECT_EQ(lines.MonitoredLineType, "LAN");
-    EXPECT_TRUE(lines.LineTable(2).Connected);
-}
-
-TEST_F(Adapters, OneThatDropsOutIsRecordedWithItsLastState) {
-    network.Add("eth0", 1000, 0);
-    network.Add("eth1", 7000, 0);
-    Pass();
-    Pass();
-    network.Rows.pop_back();
-    Pass();
-    ASSERT_EQ(closed.size(), 1U);
-    EXPECT_EQ(closed[0].Line, 2U);
-    EXPECT_EQ(closed[0].EntryName, "eth1");
-    EXPECT_EQ(closed[0].BytesReceived, 7000);
-    EXPECT_EQ(lines.LineCount, 1U);
-    EXPECT_EQ(lines.LineTable.Size(), 1U);
-
-    network.Result = 5; // a table that cannot be read has no adapters
-    Pass();
-    EXPECT_EQ(closed.size(), 2U);
-    EXPECT_EQ(lines.LineCount, 0U);
-    EXPECT_FALSE(lines.AnyLineConnected);
-    EXPECT_EQ(lines.LineTable(1).LogIn, 0);
-}
-
 TEST_F(Adapters, OneThatGoesTogetherWithTheLastRouteIsRecorded) {
     network.Add("eth0", 1000, 0);
     Pass();
     Pass();
     network.Add("eth1", 2000, 0);
-    Pass(); // grown: the type is decided again at the next pass
+    Pass();
+    EXPECT_EQ(lines.MonitoredLineType, "") << "grown: the type is decided again at the next pass";
     network.Rows.clear();
     internet.State = {false, 0};
     Pass();
@@ -103,22 +65,20 @@ TEST_F(Adapters, OneThatGoesTogetherWithTheLastRouteIsRecorded) {
     EXPECT_EQ(closed.size(), 2U) << "once";
 }
 
-TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecorded) {
+TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastState) {
+    const auto disconnected = OperationalStatus::Disconnected;
     struct {
         const char* Case;
         std::function<void(std::vector<InterfaceRow>&)> Change;
-        Lines Ended, Open;
+        std::string Ended, Open;
     } const rows[] = {
-        {"the first drops out, the others move up", [](auto& r) { r.erase(r.begin()); }, {"a"}, {"b", "c"}},
-        {"the middle one loses its carrier",
-         [](auto& r) { r[1].OperStatus = OperationalStatus::Disconnected; },
-         {"b"},
-         {"a", "c"}},
-        {"one is replaced by another", [](auto& r) { r[2].Description = "d"; }, {"c"}, {"a", "b"}},
-        {"a new one comes before them",
-         [](auto& r) { r.insert(r.begin(), r[0])->Description = "n"; },
-         {},
-         {}},
+        {"the first drops out, the others move up", [](auto& r) { r.erase(r.begin()); }, "a", "bc"},
+        {"the last drops out", [](auto& r) { r.pop_back(); }, "c", "ab"},
+        {"the middle one loses its carrier", [&](auto& r) { r[1].OperStatus = disconnected; }, "b", "ac"},
+        {"one is replaced by another", [](auto& r) { r[2].Description = "d"; }, "c", "ab"},
+        {"a new one comes before them", [](auto& r) { r.insert(r.begin(), r[0])->Description = "n"; }, "",
+         "abc"},
+        {"the table cannot be read", [&](auto&) { network.Result = 5; }, "abc", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Case);
@@ -130,16 +90,20 @@ TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecorded) {
         closed.clear();
         row.Change(network.Rows);
         Pass();
-        Lines names;
-        for (const Closed& line : closed)
-            names.push_back(line.EntryName);
+        std::string names;
+        for (const Closed& line : closed) {
+            names += line.EntryName;
+            EXPECT_EQ(line.BytesReceived, 5000);
+        }
         EXPECT_EQ(names, row.Ended);
-        Lines open; // should the program end now
+        std::string open; // should the program end now
         for (const LineRecord& line : lines.PreviousLineTable)
-            if (!row.Open.empty() && line.Connected) open.push_back(line.EntryName);
+            open += line.EntryName;
         EXPECT_EQ(open, row.Open);
         network.Rows.clear();
+        network.Result = 0;
         Pass();
+        EXPECT_FALSE(lines.AnyLineConnected);
     }
 }
 
@@ -166,10 +130,8 @@ TEST_F(Adapters, TheSlotOfARenamedOrReplacedAdapterCountsAsAnotherSource) {
 
 TEST_F(Adapters, LogInMovesWithAWallClockThatIsSet) {
     network.Add("eth0", 1000, 0);
-    const Date start = clock.Now();
     Pass(10);
     const Date logIn = lines.LineTable(1).LogIn;
-    EXPECT_NEAR(logIn, start - 2 * OneSecond, 1e-9) << "before the program started";
     clock.SetWallClock(clock.Now() + 1.0 / 24);
     monitor.ShiftMoments(1.0 / 24);
     Pass(1);
