@@ -104,6 +104,7 @@ void TariffEditor::ShowTariff() {
           static_cast<QWidget*>(&controls_.boxTrayVolumeLine)})
         control->setEnabled(!alias.empty());
     controls_.txtAlias.setText(QString::fromStdString(alias));
+    controls_.txtAlias.setCursorPosition(0);
     if (alias.empty()) return;
     const AliasInfo& info = aliases_.Alias(aliases_.AliasIndex(alias));
     ShowNumber(controls_.cboFreeHours, info.FreeHours);

@@ -129,7 +129,7 @@ void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSum
     list.verticalHeader()->setDefaultSectionSize(metrics.height() + 6);
     QHeaderView& header = *list.horizontalHeader();
     header.setSectionsClickable(true);
-    header.setStretchLastSection(true);
+    header.setStretchLastSection(!ofSums); // a note may be long, a figure would only be far away
     for (int column = 0; column < model.columnCount(); ++column) {
         const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
         const QString sample =
@@ -449,10 +449,11 @@ void frmStatistik::mnuDelete_Click() {
         deleted.push_back(recordModel_.RecordOf(row));
     const KeepListPlace place(
         *ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
-    recordModel_.SetRows(records_.List, {});
     const StatFile::Deletion deletion = parts_.StatFile.DeleteRecords(records_, deleted);
-    if (deletion == StatFile::Deletion::Done) return RecordsChanged();
-    FillStats();
+    if (deletion == StatFile::Deletion::Done) {
+        recordModel_.SetRows(records_.List, {}); // its rows are numbers of records that have moved
+        return RecordsChanged();
+    }
     const int reason = deletion == StatFile::Deletion::Held      ? 27
                        : deletion == StatFile::Deletion::Changed ? 28
                                                                  : 29;

@@ -245,6 +245,7 @@ TEST_F(Statistics, ADeletionThatFailsSaysSoAndLosesNothing) {
         EXPECT_NE(boxes.Take().Text.find(row.Message), std::string::npos);
         EXPECT_EQ(StatFileText(), before);
         EXPECT_EQ(Rows().size(), 4U);
+        EXPECT_EQ(Selected(), std::vector<int>{0}) << "to try again";
     }
     files.DiskFull = false;
 }
@@ -287,6 +288,20 @@ TEST_F(Statistics, AnAliasThatIsRenamedWhileItIsTheFilterLeavesNoEmptyList) {
     EXPECT_EQ(Find<QComboBox>("cboFilter")->currentText(), QStringLiteral("All aliases"));
     EXPECT_EQ(Rows(0), (Lines{"Office", "Mobile", "Mobile", "Mobile"}));
     EXPECT_EQ(Rows(0, "ListStatsSum").size(), 4U);
+}
+
+TEST_F(Statistics, ALongAliasFitsTheSettingsAndTheWindow) {
+    Open();
+    Page(2);
+    const int width = window->minimumSizeHint().width();
+    auto* alias = Find<QLineEdit>("txtAlias");
+    alias->setFocus();
+    alias->setText(QString(2000, QChar(0x65E5)));
+    QTest::keyClick(alias, Qt::Key_Return);
+    EXPECT_EQ(settings.GetText("Line1_Alias").size(), 3U * 255);
+    EXPECT_EQ(Cell(0, 0), settings.GetText("Line1_Alias"));
+    QCoreApplication::processEvents();
+    EXPECT_LE(window->minimumSizeHint().width(), width + 200);
 }
 
 TEST_F(Statistics, AnEditedLineStaysChosenWhenAnotherOneHasCome) {

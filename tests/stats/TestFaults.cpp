@@ -83,6 +83,48 @@ TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
     }
 }
 
+TEST_F(StatFaults, ADeletionThatIsKilledLosesAndDoublesNothing) {
+    constexpr int count = 20'000;
+    const std::string before = NumberedUpTo(count);
+    const std::string appended = Numbered(count + 1); // since the load
+    std::string after;
+    for (int i = 1; i <= count; ++i) {
+        if (i % 2 != 0) after += Numbered(i);
+    }
+    folder.Write("Korvalin_Stats.db", before);
+    ASSERT_EQ(stats.LoadStatFile(records, false), count);
+    ASSERT_EQ(AppendLines(appended), 0);
+    std::vector<std::uint32_t> evens;
+    for (std::uint32_t i = 1; i < count; i += 2)
+        evens.push_back(i);
+    const auto deletion = [&] { ASSERT_EQ(stats.DeleteRecords(records, evens), StatFile::Deletion::Done); };
+    const auto begin = Clock::now();
+    ChildProcess(deletion).Finish();
+    const auto whole = Clock::now() - begin;
+    ASSERT_EQ(File(), after + appended);
+
+    constexpr int runs = 100;
+    for (int run = 0; run < runs; ++run) {
+        fs::remove(folder / "Korvalin_Stats.db"); // the backup is a second name of the one before
+        for (const auto& entry : fs::directory_iterator(folder.Path())) {
+            if (entry.path().filename().string().starts_with("Korvalin_Stats.db_")) fs::remove(entry.path());
+        }
+        folder.Write("Korvalin_Stats.db", before + appended);
+        KillAfter(whole, 1.2 * run / runs, deletion);
+        const std::string left = File();
+        const bool isOld = left == before + appended;
+        ASSERT_TRUE(isOld || left == after + appended) << "half a file";
+        ASSERT_TRUE(isOld || Backups() == Lines{before + appended}) << "the old file is gone";
+        // What was left half done is no hindrance, neither to the recorder nor to another try.
+        ASSERT_EQ(AppendLines(Numbered(count + 2)), 0);
+        ASSERT_EQ(File(), left + Numbered(count + 2));
+    }
+    folder.Write("Korvalin_Stats.db", before);
+    ChildProcess(deletion).Finish();
+    EXPECT_EQ(File(), after);
+    EXPECT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
+}
+
 TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
     int acknowledged = 0;
     std::mt19937 random(7);
