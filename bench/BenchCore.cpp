@@ -56,7 +56,8 @@ class ManyAdapters : public NetworkTables {
     explicit ManyAdapters(std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
             rows_.push_back({static_cast<std::uint32_t>(i + 1), IfTypeEthernet,
-                             OperationalStatus::Operational, 1000, 1000, true, "veth" + std::to_string(i), ""});
+                             OperationalStatus::Operational, 1000, 1000, true, "veth" + std::to_string(i),
+                             ""});
         }
     }
     int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {

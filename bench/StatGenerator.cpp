@@ -88,7 +88,7 @@ void WriteStatistics(const std::filesystem::path& path, std::size_t count, Recor
     StatGenerator generator(count);
     std::vector<std::string> lines(count);
     for (std::string& line : lines)
-        AppendStatLine(line, generator.Next());
+        WriteStatRecord(line, generator.Next());
     if (order == RecordOrder::Shuffled) {
         std::mt19937_64 engine(count);
         for (std::size_t i = count; i > 1; --i)

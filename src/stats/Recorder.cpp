@@ -91,8 +91,8 @@ std::string Recorder::InfoText(CloseReason reason) const {
 std::string Recorder::StatLines(const std::vector<const LineRecord*>& lines, std::string_view info) const {
     std::string text;
     for (const LineRecord* line : lines) {
-        AppendStatLine(text, {line->EntryName, line->LogIn, DurationOf(*line), line->BytesTransmitted,
-                              line->BytesReceived, info, line->User});
+        WriteStatRecord(text, {line->EntryName, line->LogIn, DurationOf(*line), line->BytesTransmitted,
+                               line->BytesReceived, info, line->User});
     }
     return text;
 }

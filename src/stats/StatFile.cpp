@@ -132,7 +132,7 @@ void StatFile::Convert(const fs::path& oldFile) {
     std::string content;
     ReadLines(oldFile, [&](std::string_view line) {
         const std::string text = DecodeLine(line);
-        if (const auto fields = ParseOldStatLine(text, locale_)) AppendStatLine(content, *fields);
+        if (const auto fields = ParseOldStatLine(text, locale_)) WriteStatRecord(content, *fields);
     });
     if (!files_.Replace(StatFilePath(), content))
         throw NumberedError(0, "The older statistics could not be converted: " + oldFile.string());
@@ -220,7 +220,7 @@ bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& left
         };
         for (std::size_t i = 0; i < records.List.size(); ++i) {
             if (leftOut[i]) continue;
-            AppendStatLine(part, FieldsOf(records.List[i]));
+            WriteStatRecord(part, FieldsOf(records.List[i]));
             if (part.size() >= writeBytes && !write()) return false;
         }
         return write() && sink(appended);

@@ -168,7 +168,7 @@ std::optional<StatFields> ParseOldStatLine(std::string_view line, const Locale& 
     return StatFields{fields[0], *logIn, *duration, *transmitted, *received, fields[6], {}};
 }
 
-void AppendStatLine(std::string& text, const StatFields& fields) {
+void WriteStatRecord(std::string& text, const StatFields& fields) {
     // A line without a name would not be read; blanks around a name do not count.
     AppendText(text, fields.LineName.empty() ? " " : fields.LineName, {'"', '\''});
     text += ',';

@@ -38,7 +38,7 @@ std::optional<StatFields> ParseOldStatLine(std::string_view line, const Locale& 
 /// Appends the record's line with its end. There is no escaping: characters that the line could not be read
 /// back with (line breaks, a quote in the name, a comma in note or user) are replaced by similar ones, an
 /// empty name by a blank.
-void AppendStatLine(std::string& text, const StatFields& fields);
+void WriteStatRecord(std::string& text, const StatFields& fields);
 
 /// The fields that a record is stored with.
 StatFields FieldsOf(const StatRecord& record);

@@ -39,7 +39,7 @@ class StatsFixture : public TrafficFixture {
     std::string Stored() const {
         std::string text;
         for (const StatRecord& record : records.List)
-            AppendStatLine(text, FieldsOf(record));
+            WriteStatRecord(text, FieldsOf(record));
         return text;
     }
 

@@ -16,7 +16,7 @@ std::string Rewritten(std::string_view line, const Locale& locale = Locale()) {
     const auto fields = ParseStatLine(line, locale);
     if (!fields) return "invalid";
     std::string text;
-    AppendStatLine(text, *fields);
+    WriteStatRecord(text, *fields);
     EXPECT_TRUE(text.ends_with("\r\n"));
     return text.substr(0, text.size() - 2);
 }
@@ -74,7 +74,7 @@ TEST(StatLine, WritesNothingThatCouldNotBeReadBack) {
                       {"", "", "", R"(" ","","")"}};
     for (const auto& row : rows) {
         std::string text;
-        AppendStatLine(text, {row.Name, 2, 0.5, 1, 2, row.Info, row.User});
+        WriteStatRecord(text, {row.Name, 2, 0.5, 1, 2, row.Info, row.User});
         const std::string expected(row.Expected);
         const auto afterName = expected.find("\",\"") + 1;
         EXPECT_EQ(text, expected.substr(0, afterName) + ",#1900-01-01#,#12:00:00#,1,2" +
@@ -82,7 +82,7 @@ TEST(StatLine, WritesNothingThatCouldNotBeReadBack) {
         EXPECT_NE(Rewritten(text.substr(0, text.size() - 2)), "invalid");
     }
     std::string text; // as merging the longest durations gives
-    AppendStatLine(text, {"a", DateSerial(10, 1, 1), DateSerial(10000, 1, 1), 1, 2, {}, {}});
+    WriteStatRecord(text, {"a", DateSerial(10, 1, 1), DateSerial(10000, 1, 1), 1, 2, {}, {}});
     EXPECT_EQ(text, "\"a\",#0100-01-01#,#9999-12-31 23:59:59#,1,2,\"\",\"\"\r\n");
 }
 
