@@ -23,11 +23,6 @@ void StatTableModel::SetUnit(const VolumeUnit& unit) {
     if (rowCount() > 0) emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
 }
 
-int StatTableModel::RowOf(std::uint32_t record) const {
-    const auto found = std::find(rows_.begin(), rows_.end(), record);
-    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
-}
-
 std::string StatTableModel::Text(int row, int column) const {
     return CellText(Record(row), columns_.at(static_cast<std::size_t>(column)).Shows, unit_, locale_);
 }

@@ -29,8 +29,6 @@ class StatTableModel : public QAbstractTableModel {
     /// The index of the record that a row shows.
     std::uint32_t RecordOf(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
     const StatRecord& Record(int row) const { return (*records_)[RecordOf(row)]; }
-    /// The row of a record; -1 when it is not shown.
-    int RowOf(std::uint32_t record) const;
     std::string Text(int row, int column) const;
     std::string Header(int column) const;
     const std::vector<StatColumn>& Columns() const { return columns_; }
