@@ -241,6 +241,15 @@ class DesktopCase(Case):
     def press(self, window, *keys):
         self.display.tool("xdotool", "windowactivate", "--sync", window, "key", *keys)
 
+    def close(self, window):
+        """By the window manager's key, which a window that is just coming to the screen may miss."""
+        def closed():
+            self.display.tool("xdotool", "windowactivate", window, "key", "alt+F4")
+            time.sleep(0.3)
+            return window not in self.display.tool("xdotool", "search", "--onlyvisible", "--class", "korvalin").split()
+
+        wait_for(closed, "the window's end")
+
 
 def main():
     """Runs the tests of the calling script; SKIPPED when none could run."""

@@ -129,13 +129,13 @@ class Tray(rig.DesktopCase):
         self.host(EmbeddingHost(self.display))
         process = self.start()
         rig.wait_for(self.icon, "the icon")
-        self.press(self.main_window(), "alt+F4")
+        self.close(self.main_window())
         self.wait_for_state("Withdrawn")
         time.sleep(0.5)  # long enough to have ended
         self.assertIsNone(process.poll())
         rig.ended(process)
         process = self.start(CloseTrayOnly="False")
-        self.press(self.main_window(), "alt+F4")
+        self.close(self.main_window())
         self.assertEqual(process.wait(timeout=10), 0)
         rig.wait_for(lambda: not self.icon(), "the icon to go")
 
@@ -152,6 +152,10 @@ class Tray(rig.DesktopCase):
         self.main_window()
         host.tell("activate")
         self.wait_for_state("Withdrawn")
+        host.tell("choose", "Statistics")
+        self.close(rig.wait_for(lambda: self.display.window("^Statistics"), "the statistics"))
+        time.sleep(0.5)  # long enough for the program to have ended with its last visible window
+        self.assertIsNone(process.poll())
         host.tell("activate")
         window = self.main_window()
         # The host has the menu's entries, and the chart still opens it.
