@@ -20,6 +20,7 @@ add_library(korvalin_gui STATIC
   display/WindowFrame.cpp
   display/frmMain.cpp
   display/frmMain.ui
+  forms/ColorField.cpp
   forms/Colors.cpp
   forms/CurveSpans.cpp
   forms/Loaded.cpp
@@ -35,6 +36,10 @@ add_library(korvalin_gui STATIC
   platform/qt/QtScreen.cpp
   platform/qt/StatusNotifierHost.cpp
   platform/qt/XEmbedHost.cpp
+  settingsdlg/ChartEditor.cpp
+  settingsdlg/CurveFrame.cpp
+  settingsdlg/frmEinstellungen.cpp
+  settingsdlg/frmEinstellungen.ui
   stats/StatTableModel.cpp
   stats/TariffEditor.cpp
   stats/frmStatistik.cpp

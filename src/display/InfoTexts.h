@@ -9,6 +9,18 @@
 
 namespace korvalin {
 
+/// The parts of the tray tooltip, to be added up.
+enum TrayTextFlag {
+    TrayLineName = 1,
+    TrayRateUL = 2,
+    TrayRateDL = 4,
+    TrayVolumeUL = 8,
+    TrayVolumeDL = 16,
+    TrayVolumeTotal = 32,
+    TrayVolumeMonth = 64,
+    TrayDuration = 128
+};
+
 /// The live display record: the display settings and the texts made from the current sample.
 struct InfoTexts {
     // Settings
@@ -32,7 +44,7 @@ struct InfoTexts {
     std::int32_t ChartBackgroundColor = 15323561; ///< red + 256 green + 65536 blue, as all colours here
     int TrayMaxRate = 30;
     int TrayMaxVol = 1000;
-    int TrayTextFlags = 255; ///< which parts the tray tooltip shows
+    int TrayTextFlags = 255; ///< the parts that the tray tooltip shows
     int DisplayChoiceDL = 3; ///< 1 to 8: the chart line whose rate is shown as text
     int DisplayChoiceUL = 3;
     std::array<bool, RateSlots> LineDLShow{};

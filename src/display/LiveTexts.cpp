@@ -5,22 +5,6 @@
 #include "stats/MonthSums.h"
 
 namespace korvalin {
-namespace {
-
-// Bits of InfoTexts::TrayTextFlags.
-enum TrayText {
-    TrayLineName = 1,
-    TrayRateUL = 2,
-    TrayRateDL = 4,
-    TrayVolumeUL = 8,
-    TrayVolumeDL = 16,
-    TrayVolumeTotal = 32,
-    TrayPeriod = 64,
-    TrayDuration = 128
-};
-
-} // namespace
-
 LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums,
                      UnitFormat& units, Language& language, Errors& errors)
     : lines_(lines),
@@ -122,7 +106,7 @@ std::string LiveTexts::TrayTip(const InfoTexts& texts, const LineRecord& line, d
     if (shows(TrayDuration) && (lines_.MonitoredLineType == "RAS" || texts.ShowDuration)) {
         tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatDuration(line.Duration) + "\n";
     }
-    if (shows(TrayPeriod)) {
+    if (shows(TrayVolumeMonth)) {
         tip += Text(16) + " " + texts.PeriodVolumeText + " " + texts.VolumeUnitText;
         if (freeBytes > 0) {
             tip += " " + Text(17) + " " + texts.FreeVolumeText + " " + texts.VolumeUnitText + "\n";

@@ -73,6 +73,7 @@ frmMain::~frmMain() {
 void frmMain::Plug(Hooks hooks) {
     hooks_ = std::move(hooks);
     ui_->mnuStatistik->setVisible(static_cast<bool>(hooks_.OpenStatistics));
+    ui_->mnuEinstellungen->setVisible(static_cast<bool>(hooks_.OpenSettings));
     ui_->mnuInfo->setVisible(static_cast<bool>(hooks_.OpenAbout));
 }
 
@@ -80,6 +81,7 @@ void frmMain::ConnectMenu() {
     // Whoever opens it: the chart, the tray, a desktop that draws the menu itself.
     connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenusIfChanged(true); });
     connect(ui_->mnuStatistik, &QAction::triggered, this, [this] { hooks_.OpenStatistics(); });
+    connect(ui_->mnuEinstellungen, &QAction::triggered, this, [this] { hooks_.OpenSettings(); });
     connect(ui_->mnuInfo, &QAction::triggered, this, [this] { hooks_.OpenAbout(); });
     connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
     connect(ui_->mnuNurTitel, &QAction::triggered, this, [this] { mnuNurTitel_Click(); });
@@ -267,6 +269,16 @@ void frmMain::mnuVordergrund_Click() {
     const bool topmost = ui_->mnuVordergrund->isChecked();
     frame_.SetTopmost(topmost);
     parts_.Setting.SetReg("Foreground", topmost);
+}
+
+void frmMain::SetTopmost(bool topmost) {
+    ui_->mnuVordergrund->setChecked(topmost);
+    frame_.SetTopmost(topmost);
+}
+
+void frmMain::SetOpacity(int alpha) {
+    timerFade_.stop(); // a fade would go on to the opacity of before
+    setWindowOpacity(alpha / opaque);
 }
 
 void frmMain::mnuLines_Click(std::size_t line) {

@@ -54,6 +54,8 @@ class frmMain : public QWidget, public MonitorWindow {
         std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
         /// Opens the statistics window; its menu entry is hidden while nobody does.
         std::function<void()> OpenStatistics = {};
+        /// Opens the settings dialog; its menu entry is hidden while nobody does.
+        std::function<void()> OpenSettings = {};
         /// Opens the about box; its menu entry is hidden while nobody does.
         std::function<void()> OpenAbout = {};
     };
@@ -71,6 +73,15 @@ class frmMain : public QWidget, public MonitorWindow {
 
     /// Fades: 0 nothing, 1 and 3 in from invisible, 2 at once fully opaque.
     void StartFade(int mode);
+
+    /// Keeps the window above all others, or no longer.
+    void SetTopmost(bool topmost);
+
+    /// The window's layered alpha: 0 invisible, 255 opaque.
+    void SetOpacity(int alpha);
+
+    /// Puts the program's own picture and name into the tray, for an icon that shows no values.
+    void ShowFixedTrayIcon() { AddTrayIcon(); }
 
     /// Closes the window for good and ends the program.
     void Quit(CloseReason reason = CloseReason::Program);

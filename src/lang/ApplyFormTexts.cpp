@@ -64,6 +64,9 @@ void SetToolTip(QObject& element, const QString& toolTip) {
                                 toolTip); // on the page it would cover all its controls
         } else {
             widget->setToolTip(toolTip);
+            // Who points at the control means the caption beside it.
+            const auto* label = qobject_cast<QLabel*>(widget);
+            if (label != nullptr && label->buddy() != nullptr) label->buddy()->setToolTip(toolTip);
         }
     }
 }

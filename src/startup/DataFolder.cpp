@@ -84,10 +84,13 @@ void DataFolder::DecideFolder(const fs::path& stored) {
     }
 }
 
+fs::path DataFolder::CommonFolder() const {
+    return shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle / "";
+}
+
 fs::path DataFolder::DefaultFolder() {
-    const fs::path common = shell_.SpecialFolder(SpecialFolderCommonAppData);
-    const fs::path folder = common / ProgramTitle;
-    if (!common.empty() && CreateFolderPath(folder)) return folder;
+    const fs::path folder = shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle;
+    if (folder.is_absolute() && CreateFolderPath(folder)) return folder;
     if (HasTexts()) ShowPieces(messageBoxes_, language_, {43, folder.string(), 44}, MessageIcon::Warning);
     return programFolder_;
 }

@@ -23,6 +23,9 @@ class DataFolder {
     /// log line).
     std::filesystem::path GetDataPath();
 
+    /// Where the data are kept unless the user says otherwise, ending with a separator.
+    std::filesystem::path CommonFolder() const;
+
     /// Whether the folder is there (the user may let it be created) and files can be created in it. Tells the
     /// user what is wrong with it.
     bool CheckDataFolder(const std::filesystem::path& folder);

@@ -14,6 +14,7 @@
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtNotificationArea.h"
 #include "platform/qt/QtScreen.h"
+#include "settingsdlg/frmEinstellungen.h"
 #include "startup/EndRequests.h"
 #include "startup/Program.h"
 #include "stats/frmStatistik.h"
@@ -41,6 +42,17 @@ PeriodUse UseOfChartLine(Program& program) {
     if (line < 1 || line > program.lines.LineTable.Size()) return {};
     const LineRecord& record = program.lines.LineTable(line);
     return program.monthSums.UseOf(record.EntryName, record.BytesReceived + record.BytesTransmitted);
+}
+
+frmEinstellungen::Hooks SettingsHooks(Program& program) {
+    DataFolder& folder = program.dataFolder;
+    return {[&folder] { return folder.GetDataPath(); },
+            [&folder](const std::filesystem::path& path) { return folder.CheckDataFolder(path); },
+            [&folder](const std::filesystem::path& from, const std::filesystem::path& to) {
+                return folder.ChangeDataPath(from, to, true);
+            },
+            [&folder] { return folder.CommonFolder(); },
+            [&program](bool enable) { program.autoStart.AutoStart(enable); }};
 }
 
 } // namespace
@@ -87,13 +99,25 @@ int RunDesktop(int argc, char** argv) {
         about->Open();
     };
     QtNotificationArea tray;
+    QPointer<frmEinstellungen> settings; // exists only while it is shown
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale, tray, messageBoxes});
+    const auto openSettings = [&] {
+        if (!settings) {
+            settings = new frmEinstellungen(
+                {program.settings, program.language, program.errors, messageBoxes, system.SystemTime(),
+                 program.locale, program.lines, program.rateHistory, program.liveTexts, program.units,
+                 program.samplingLoop, program.infoTexts, program.trafficOptions, window},
+                SettingsHooks(program));
+            settings->setAttribute(Qt::WA_DeleteOnClose);
+        }
+        settings->Open();
+    };
     // Dialling is not there yet: the phone book is empty.
     window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
                  [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }, openStatistics,
-                 openAbout});
+                 openSettings, openAbout});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
@@ -105,6 +129,7 @@ int RunDesktop(int argc, char** argv) {
     window.Form_Load();
     const int exitCode = QApplication::exec();
     delete about; // nobody deletes a window that is closed at the very end
+    delete settings;
     system.TellNotes(program.errors);
     return exitCode;
 }

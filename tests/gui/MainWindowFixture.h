@@ -25,7 +25,7 @@ class MainWindow : public CoreFixture {
             settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
             program->infoTexts, program->liveTexts, program->errors, clock, program->locale, area, boxes});
         window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      [this] { return use; }, [] { return std::size_t{0}; }, openStatistics, openAbout});
+                      [this] { return use; }, [] { return std::size_t{0}; }, openStatistics, openSettings, openAbout});
         window->Form_Load();
     }
     // Seconds pass, each with an update.
@@ -54,7 +54,7 @@ class MainWindow : public CoreFixture {
 
     FakeNotificationArea area;
     PeriodUse use;
-    std::function<void()> openStatistics, openAbout;
+    std::function<void()> openStatistics, openSettings, openAbout;
     std::vector<int> closings; // the reasons, as numbers
     std::unique_ptr<frmMain> window;
 };

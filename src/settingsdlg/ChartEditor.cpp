@@ -1,0 +1,278 @@
+#include "settingsdlg/ChartEditor.h"
+
+#include "base/Units.h"
+#include "display/UnitFormat.h"
+#include "forms/Colors.h"
+#include "lang/Language.h"
+#include "settings/Settings.h"
+#include "settingsdlg/ChoiceLists.h"
+#include "settingsdlg/Combos.h"
+#include "settingsdlg/TypedValues.h"
+#include "ui_frmEinstellungen.h"
+
+#include <QButtonGroup>
+#include <QColorDialog>
+#include <QFontDatabase>
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace korvalin {
+namespace {
+
+constexpr double secondsPerMinute = 60;
+
+std::string Plain(int value) {
+    return std::to_string(value);
+}
+
+std::optional<std::int32_t> AskForColor(QWidget& parent, std::int32_t initial, const CustomColors& custom) {
+    for (std::size_t i = 0; i < custom.size() && i < static_cast<std::size_t>(QColorDialog::customCount());
+         ++i) {
+        QColorDialog::setCustomColor(static_cast<int>(i), ToColor(custom[i]));
+    }
+    const QColor chosen = QColorDialog::getColor(ToColor(initial), &parent);
+    if (!chosen.isValid()) return std::nullopt;
+    return ToColorValue(chosen);
+}
+
+} // namespace
+
+ChartEditor::ChartEditor(const Parts& parts) : parts_(parts), ui_(parts.Controls), chooseColor_(AskForColor) {
+    ui_.frmDownload->SetUp(QStringLiteral("DL"), {68, 69, 70, 71});
+    ui_.frmUpload->SetUp(QStringLiteral("UL"), {117, 116, 115, 114});
+    ui_.frmUpload->AddBelow(*ui_.cmdSwapColors);
+}
+
+// ---- showing the record
+
+void ChartEditor::Load(int historySeconds) {
+    const InfoTexts& display = Display();
+    LoadFonts();
+    FillCombo(*ui_.cboFontSize, FontSizeChoices(), Plain);
+    ShowText(*ui_.cboFontSize, Plain(display.FontSize));
+    ui_.boxFett->setChecked(display.FontBold);
+    ui_.boxShowTimeLines->setChecked(display.ShowTimeLines);
+    ui_.cboTimeLinesSec->setEnabled(display.ShowTimeLines);
+    FillCombo(*ui_.cboTimeLinesSec, TimeLineChoices(), Plain);
+    ShowText(*ui_.cboTimeLinesSec, Plain(display.TimeLinesSec));
+    FillCombo(*ui_.cboConnDataMax, MinuteChoices(), Plain);
+    FillCombo(*ui_.cboPicWidthMin, MinuteChoices(), Plain);
+    Refresh(historySeconds);
+    ui_.lblColorBackground->SetColor(display.ChartBackgroundColor);
+    ui_.boxChartUseMax->setChecked(display.ChartUseMax);
+    ui_.txtChartMax->setText(QString::number(display.ChartMax));
+    ui_.txtChartMinMax->setText(QString::number(display.ChartMinMax));
+    ui_.txtChartMax->setEnabled(display.ChartUseMax);
+    ui_.lblMaximum->setEnabled(display.ChartUseMax);
+    LoadCurves();
+    Connect();
+}
+
+void ChartEditor::Refresh(int historySeconds) {
+    historySeconds_ = historySeconds;
+    chartMinutes_ = Display().picWidthMin;
+    ShowText(*ui_.cboConnDataMax, Plain(historySeconds_ / static_cast<int>(secondsPerMinute)));
+    ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
+}
+
+void ChartEditor::LoadFonts() {
+    ui_.cboFontName->addItems(QFontDatabase::families());
+    const QString font = QString::fromStdString(Display().FontName);
+    // A font that is not installed here stays the chosen one until the user takes another.
+    if (ui_.cboFontName->findText(font, Qt::MatchFixedString) < 0) ui_.cboFontName->insertItem(0, font);
+    ui_.cboFontName->setCurrentIndex(ui_.cboFontName->findText(font, Qt::MatchFixedString));
+}
+
+void ChartEditor::LoadCurves() {
+    const InfoTexts& display = Display();
+    for (std::size_t i = 0; i < RateSlots; ++i) {
+        ui_.frmDownload->SetShown(i, display.LineDLShow[i]);
+        ui_.frmUpload->SetShown(i, display.LineULShow[i]);
+        ui_.frmDownload->SetColor(i, display.LineDLColor[i]);
+        ui_.frmUpload->SetColor(i, display.LineULColor[i]);
+    }
+    ui_.frmDownload->SetChoice(display.DisplayChoiceDL);
+    ui_.frmUpload->SetChoice(display.DisplayChoiceUL);
+}
+
+void ChartEditor::ApplyTexts() {
+    const auto text = [this](int number) {
+        return QString::fromStdString(parts_.Language.Lng("frmEinstellungenObj", number));
+    };
+    ui_.frmDownload->NameControls(text(69), text(70));
+    ui_.frmUpload->NameControls(text(116), text(115));
+    ui_.lblColorBackground->setAccessibleName(text(84));
+}
+
+// ---- what the user does
+
+void ChartEditor::Connect() {
+    InfoTexts& display = Display();
+    ConnectScale();
+    ConnectFont();
+    ConnectTime();
+    ConnectCurves(*ui_.frmDownload, display.LineDLShow, display.LineDLColor, display.DisplayChoiceDL,
+                  "DisplayChoiceDL");
+    ConnectCurves(*ui_.frmUpload, display.LineULShow, display.LineULColor, display.DisplayChoiceUL,
+                  "DisplayChoiceUL");
+    connect(ui_.cmdSwapColors, &QPushButton::clicked, this, &ChartEditor::cmdSwapColors_Click);
+    connect(ui_.lblColorBackground, &ColorField::clicked, this, &ChartEditor::lblColorBackground_Click);
+    connect(ui_.cmdBackground, &QPushButton::clicked, this, &ChartEditor::lblColorBackground_Click);
+    ConnectUnits();
+}
+
+void ChartEditor::ConnectScale() {
+    connect(ui_.boxChartUseMax, &QCheckBox::toggled, this, [this](bool use) {
+        Display().ChartUseMax = use;
+        ui_.txtChartMax->setEnabled(use);
+        ui_.lblMaximum->setEnabled(use);
+        parts_.Changed();
+    });
+    connect(ui_.txtChartMax, &QLineEdit::editingFinished, this, &ChartEditor::txtChartMax_Validate);
+    connect(ui_.txtChartMinMax, &QLineEdit::editingFinished, this, &ChartEditor::txtChartMinMax_Validate);
+}
+
+void ChartEditor::ConnectFont() {
+    connect(ui_.cboFontName, &QComboBox::currentTextChanged, this, [this](const QString& name) {
+        Display().FontName = name.toStdString();
+        parts_.Changed();
+    });
+    WhenEntered(*ui_.cboFontSize, *this,
+                [this] { CheckNumber(*ui_.cboFontSize, "FontSize", Display().FontSize); });
+    connect(ui_.boxFett, &QCheckBox::toggled, this, [this](bool bold) {
+        Display().FontBold = bold;
+        parts_.Changed();
+    });
+}
+
+void ChartEditor::ConnectTime() {
+    connect(ui_.boxShowTimeLines, &QCheckBox::toggled, this, [this](bool show) {
+        Display().ShowTimeLines = show;
+        ui_.cboTimeLinesSec->setEnabled(show);
+        parts_.Changed();
+    });
+    WhenEntered(*ui_.cboTimeLinesSec, *this,
+                [this] { CheckNumber(*ui_.cboTimeLinesSec, "TimeLinesSec", Display().TimeLinesSec); });
+    WhenEntered(*ui_.cboPicWidthMin, *this, [this] { cboPicWidthMin_Click(); });
+    WhenEntered(*ui_.cboConnDataMax, *this, [this] { cboConnDataMax_Click(); });
+}
+
+void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& shown,
+                                std::array<std::int32_t, RateSlots>& colors, int& choice,
+                                const char* choiceName) {
+    connect(&frame, &CurveFrame::ShownChanged, this, [this, &shown](std::size_t curve, bool show) {
+        shown.at(curve) = show;
+        parts_.Changed();
+    });
+    connect(&frame, &CurveFrame::ColorClicked, this, [this, &frame, &colors](std::size_t curve) {
+        const auto color = chooseColor_(parts_.Dialog, colors.at(curve), StoredColors());
+        if (!color) return;
+        colors.at(curve) = *color;
+        frame.SetColor(curve, *color);
+        parts_.Changed();
+    });
+    connect(&frame, &CurveFrame::ChoiceClicked, this, [this, &choice, choiceName](int chosen) {
+        choice = Checked(choiceName, Plain(chosen)); // 0 becomes the preset one
+        parts_.Changed();
+    });
+}
+
+void ChartEditor::ConnectUnits() {
+    const auto connectOptions = [this](const char* name, int count, std::vector<std::string> units,
+                                       bool ofRates, std::string& unit, std::int32_t& factor) {
+        auto* options = new QButtonGroup(this);
+        for (int i = 0; i < count; ++i) {
+            auto* option =
+                parts_.Dialog.findChild<QAbstractButton*>(QLatin1String(name) + QString::number(i));
+            options->addButton(option, i);
+        }
+        options->button(UnitOptionIndex(unit, ofRates))->setChecked(true);
+        connect(options, &QButtonGroup::idClicked, this, [this, units, &unit, &factor](int index) {
+            unit = units.at(static_cast<std::size_t>(index));
+            factor = parts_.Units.UnitFactor(unit);
+            parts_.Changed();
+        });
+    };
+    InfoTexts& display = Display();
+    connectOptions("optKB", 4, {"KiB", "KB", "Kbit", "Mbit"}, true, display.RateUnitText, display.KBFactor);
+    connectOptions("optMB", 3, {"MiB", "MB", "Mbit"}, false, display.VolumeUnitText, display.MBFactor);
+}
+
+// ---- values
+
+int ChartEditor::Checked(const char* setting, const std::string& typed) {
+    return std::get<std::int32_t>(parts_.Settings.GetRegValidate(setting, typed));
+}
+
+void ChartEditor::CheckNumber(QComboBox& combo, const char* setting, int& value) {
+    const int checked = Checked(setting, TextOf(combo));
+    ShowText(combo, Plain(checked));
+    if (checked == value) return;
+    value = checked;
+    parts_.Changed();
+}
+
+void ChartEditor::txtChartMax_Validate() {
+    Display().ChartMax = Checked("ChartMax", ui_.txtChartMax->text().toStdString());
+    ui_.txtChartMax->setText(QString::number(Display().ChartMax));
+    parts_.Changed();
+}
+
+void ChartEditor::txtChartMinMax_Validate() {
+    Display().ChartMinMax = Checked("ChartMinMax", ui_.txtChartMinMax->text().toStdString());
+    ui_.txtChartMinMax->setText(QString::number(Display().ChartMinMax));
+    parts_.Changed();
+}
+
+// The field keeps what was chosen: applied, it makes the history longer.
+void ChartEditor::cboPicWidthMin_Click() {
+    chartMinutes_ = Checked("picWidthMin", TextOf(*ui_.cboPicWidthMin));
+    ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
+    const int historyMinutes = static_cast<int>(std::lround(historySeconds_ / secondsPerMinute));
+    Display().picWidthMin = std::min(chartMinutes_, historyMinutes);
+    parts_.Changed();
+}
+
+void ChartEditor::cboConnDataMax_Click() {
+    const int minutes = CheckedHistoryMinutes(parts_.Settings, TextOf(*ui_.cboConnDataMax),
+                                              Display().picWidthMin, historySeconds_);
+    ShowText(*ui_.cboConnDataMax, Plain(minutes));
+    parts_.Changed();
+}
+
+void ChartEditor::CheckAll() {
+    CheckNumber(*ui_.cboFontSize, "FontSize", Display().FontSize);
+    CheckNumber(*ui_.cboTimeLinesSec, "TimeLinesSec", Display().TimeLinesSec);
+    cboPicWidthMin_Click();
+    cboConnDataMax_Click();
+    txtChartMax_Validate();
+    txtChartMinMax_Validate();
+}
+
+// ---- colours
+
+CustomColors ChartEditor::StoredColors() {
+    CustomColors colors{};
+    for (std::size_t i = 0; i < RateSlots; ++i) {
+        colors[i] = parts_.Settings.GetNumber(fmt::format("LineDL{}Color", i + 1));
+        colors[RateSlots + i] = parts_.Settings.GetNumber(fmt::format("LineUL{}Color", i + 1));
+    }
+    return colors;
+}
+
+void ChartEditor::lblColorBackground_Click() {
+    const auto color = chooseColor_(parts_.Dialog, Display().ChartBackgroundColor, StoredColors());
+    if (!color) return;
+    Display().ChartBackgroundColor = *color;
+    ui_.lblColorBackground->SetColor(*color);
+    parts_.Changed();
+}
+
+void ChartEditor::cmdSwapColors_Click() {
+    std::swap(Display().LineDLColor, Display().LineULColor);
+    LoadCurves();
+    parts_.Changed();
+}
+
+} // namespace korvalin

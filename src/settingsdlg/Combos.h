@@ -1,0 +1,40 @@
+// Small helpers for the lists of the settings dialog, whose text the user may also type.
+#pragma once
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace korvalin {
+
+/// Fills the list. What is typed stays as it is typed: a completion would turn "5" into "50".
+inline void FillCombo(QComboBox& combo, const std::vector<int>& values,
+                      const std::function<std::string(int)>& text) {
+    combo.setCompleter(nullptr);
+    for (const int value : values)
+        combo.addItem(QString::fromStdString(text(value)));
+}
+
+/// Shows a text, in the list or not, without telling the handlers.
+inline void ShowText(QComboBox& combo, const std::string& text) {
+    const QSignalBlocker quiet(combo);
+    const QString shown = QString::fromStdString(text);
+    combo.setCurrentIndex(combo.findText(shown));
+    combo.setEditText(shown);
+}
+
+inline std::string TextOf(const QComboBox& combo) {
+    return combo.currentText().toStdString();
+}
+
+/// Calls `check` when the user has chosen from the list or leaves the field.
+inline void WhenEntered(QComboBox& combo, QObject& owner, const std::function<void()>& check) {
+    QObject::connect(&combo, &QComboBox::activated, &owner, check);
+    QObject::connect(combo.lineEdit(), &QLineEdit::editingFinished, &owner, check);
+}
+
+} // namespace korvalin

@@ -1,0 +1,455 @@
+#include "settingsdlg/frmEinstellungen.h"
+
+#include "base/Locale.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
+#include "display/frmMain.h"
+#include "errors/Errors.h"
+#include "forms/ProgramIcon.h"
+#include "lang/ApplyFormTexts.h"
+#include "lang/Language.h"
+#include "platform/MessageBoxes.h"
+#include "settings/Settings.h"
+#include "settingsdlg/ChoiceLists.h"
+#include "settingsdlg/Combos.h"
+#include "settingsdlg/TypedValues.h"
+#include "ui_frmEinstellungen.h"
+
+#include <QFileDialog>
+
+namespace korvalin {
+namespace {
+
+constexpr int weekly = 1;
+constexpr int previewMilliseconds = 1000;
+constexpr int keyRole = Qt::UserRole;
+
+/// A page of the tree, and the frames that it shows one below the other.
+struct Page {
+    const char* Key;
+    const char* Parent; ///< nullptr at the root
+    const char* Section;
+    int TextNumber;
+    const char* Frames[2];
+};
+
+constexpr Page pages[] = {
+    {"tvAllg", nullptr, "frmEinstellungen", 6, {"frmSystem", "frmConnection"}},
+    {"tvDarst", nullptr, "frmEinstellungenObj", 75, {"frmGrafikAllgemein", nullptr}},
+    {"tvEinheit", "tvDarst", "frmEinstellungen", 9, {"frmKBRate", "frmMBVol"}},
+    {"tvUpload", "tvDarst", "frmEinstellungen", 11, {"frmUpload", "frmTextUpDown"}},
+    {"tvDownload", "tvDarst", "frmEinstellungenObj", 19, {"frmDownload", "frmTextUpDown"}},
+    {"tvTray", nullptr, "frmEinstellungen", 14, {"frmTrayIcon", "frmTrayIconTxt"}},
+    {"tvInternet", nullptr, "frmEinstellungen", 27, {"frmFirewall", "frmUpdate"}},
+};
+
+// The check boxes of the tooltip's parts, by their flags.
+struct TrayBox {
+    const char* Name;
+    int Flag;
+};
+constexpr TrayBox trayBoxes[] = {
+    {"boxTrayLine", TrayLineName},           {"boxTrayRateUL", TrayRateUL},
+    {"boxTrayRateDL", TrayRateDL},           {"boxTrayVolumeUL", TrayVolumeUL},
+    {"boxTrayVolumeDL", TrayVolumeDL},       {"boxTrayVolumeTotal", TrayVolumeTotal},
+    {"boxTrayVolumeMonth", TrayVolumeMonth}, {"boxTrayDuration", TrayDuration},
+};
+
+QString AskForFolder(QWidget* parent, const QString& caption, const QString& current) {
+    return QFileDialog::getExistingDirectory(parent, caption, current);
+}
+
+ChartPainter::Parts PainterParts(const frmEinstellungen::Parts& parts) {
+    return {parts.Lines,  parts.History, parts.Live,       parts.Language,
+            parts.Errors, parts.Clock,   parts.UserLocale, [] {}};
+}
+
+} // namespace
+
+frmEinstellungen::frmEinstellungen(const Parts& parts, Hooks hooks)
+    : parts_(parts),
+      hooks_(std::move(hooks)),
+      chooseFolder_(AskForFolder),
+      ui_(std::make_unique<Ui::frmEinstellungen>()),
+      record_{parts.Display, parts.Traffic},
+      painter_(std::make_unique<ChartPainter>(PainterParts(parts))),
+      applier_({parts.Settings, parts.Errors, parts.UserLocale, parts.Units, parts.Display, parts.Traffic},
+               ApplierHooks()) {
+    ui_->setupUi(this);
+    setWindowIcon(ProgramIcon());
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
+    chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{
+        *this, *ui_, parts_.Settings, parts_.Language, parts_.Units, record_, [this] { DrawPreview(); }});
+    Form_Load();
+}
+
+frmEinstellungen::~frmEinstellungen() = default;
+
+SettingsApplier::Hooks frmEinstellungen::ApplierHooks() {
+    return {hooks_.GetDataPath,
+            hooks_.ChangeDataPath,
+            hooks_.AutoStart,
+            [this](bool topmost) { parts_.Window.SetTopmost(topmost); },
+            [this](int alpha) { parts_.Window.SetOpacity(alpha); },
+            [this] { parts_.Loop.ResizeRateHistory(); },
+            [this] { parts_.Window.ShowFixedTrayIcon(); },
+            [this] { parts_.Window.DrawChart(true); },
+            [this] {
+                parts_.MessageBoxes.Show(parts_.Language.Lng("frmEinstellungen", 32),
+                                         std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
+            }};
+}
+
+// ---- loading
+
+void frmEinstellungen::Form_Load() {
+    unitCaption_ = ui_->optKB1->text();
+    LoadSystem();
+    LoadConnection();
+    chart_->Load(record_.Display.ConnDataMax);
+    LoadTransparency();
+    LoadTray();
+    LoadInternet();
+    Connect();
+    ApplyTexts();
+    Timer1_.setInterval(previewMilliseconds);
+    connect(&Timer1_, &QTimer::timeout, this, [this] { DrawPreview(); });
+    Timer1_.start();
+    loaded_ = true;
+    FillTreeView();
+    SizeForPages();
+    DrawPreview();
+}
+
+QString frmEinstellungen::Text(int number) const {
+    return QString::fromStdString(parts_.Language.Lng("frmEinstellungen", number));
+}
+
+void frmEinstellungen::ApplyTexts() {
+    ApplyFormTexts(*this, parts_.Language);
+    ui_->lbltxtUpDown1->setText(Text(1));
+    ui_->lbltxtUpDown2->setText(Text(2));
+    ui_->lbltxtUpDown3->setText(Text(3));
+    ui_->optKB1->setText(Text(4) + QLatin1Char(' ') + unitCaption_);
+    chart_->ApplyTexts();
+}
+
+void frmEinstellungen::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() != QEvent::LanguageChange || !loaded_) return;
+    ApplyTexts();
+    FillTreeView();
+    SizeForPages();
+}
+
+void frmEinstellungen::LoadSystem() {
+    Settings& settings = parts_.Settings;
+    ui_->boxCloseTrayIcon->setChecked(record_.Display.CloseTrayOnly);
+    ui_->boxAutoStart->setChecked(settings.GetBool("AutoStart"));
+    ui_->boxAutoZeigen->setChecked(settings.GetBool("AutoShow"));
+    ui_->boxMultiInstance->setChecked(settings.GetBool("MultiInstance"));
+    ui_->boxAlwaysOnTop->setChecked(settings.GetBool("Foreground"));
+    ui_->boxMultiScreen->setChecked(settings.GetBool("MultiScreen"));
+    acceptedFolder_ = hooks_.GetDataPath().string();
+    ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
+    const Language::Choices choices = parts_.Language.FillLanguageChoices();
+    for (const std::string& name : choices.Names)
+        ui_->cboLanguage->addItem(QString::fromStdString(name));
+    ui_->cboLanguage->setCurrentIndex(static_cast<int>(choices.Selected));
+}
+
+std::string frmEinstellungen::Grouped(int value) const {
+    return FormatNumber(value, "#,##0", parts_.UserLocale);
+}
+
+void frmEinstellungen::LoadConnection() {
+    const auto enable = [this](bool enabled) {
+        for (QWidget* control :
+             {static_cast<QWidget*>(ui_->boxProgRunTime), static_cast<QWidget*>(ui_->cboLANactive),
+              static_cast<QWidget*>(ui_->lblLANactive), static_cast<QWidget*>(ui_->lblLANByte)})
+            control->setEnabled(enabled);
+    };
+    connect(ui_->boxLANProt, &QCheckBox::toggled, this, enable);
+    ui_->boxLANProt->setChecked(record_.Traffic.LanProt);
+    enable(record_.Traffic.LanProt);
+    ui_->boxProgRunTime->setChecked(record_.Display.ShowDuration);
+    FillCombo(*ui_->cboLANactive, LanActiveChoices(), [this](int value) { return Grouped(value); });
+    ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
+}
+
+// The list's text decides about the transparency from now on, so that it begins with whole percent.
+void frmEinstellungen::LoadTransparency() {
+    const auto percent = [](int value) { return std::to_string(value) + "%"; };
+    FillCombo(*ui_->cboOpacity, OpacityChoices(), percent);
+    ShowText(*ui_->cboOpacity, percent(TransparencyOfAlpha(record_.Display.Opacity)));
+    cboOpacity_Change();
+}
+
+void frmEinstellungen::LoadTray() {
+    const InfoTexts& display = record_.Display;
+    ui_->boxTrayAnimated->setChecked(display.TrayAnimated);
+    FillCombo(*ui_->cboTrayMaxRate, TrayRateChoices(), [](int value) { return std::to_string(value); });
+    ShowText(*ui_->cboTrayMaxRate, std::to_string(display.TrayMaxRate));
+    FillCombo(*ui_->cboTrayMaxVol, TrayVolumeChoices(), [this](int value) { return Grouped(value); });
+    ShowText(*ui_->cboTrayMaxVol, Grouped(display.TrayMaxVol));
+    for (const TrayBox& box : trayBoxes)
+        findChild<QCheckBox*>(QLatin1String(box.Name))->setChecked((display.TrayTextFlags & box.Flag) != 0);
+}
+
+void frmEinstellungen::LoadInternet() {
+    Settings& settings = parts_.Settings;
+    const auto enable = [this](bool enabled) {
+        for (QWidget* control :
+             {static_cast<QWidget*>(ui_->txtFirewallUser), static_cast<QWidget*>(ui_->txtFirewallPassword),
+              static_cast<QWidget*>(ui_->lblFirewallUser), static_cast<QWidget*>(ui_->lblFirewallPassword)})
+            control->setEnabled(enabled);
+    };
+    connect(ui_->boxFirewallUse, &QCheckBox::toggled, this, enable);
+    ui_->boxFirewallUse->setChecked(settings.GetBool("FirewallUse"));
+    enable(ui_->boxFirewallUse->isChecked());
+    ui_->txtFirewallUser->setText(QString::fromStdString(settings.GetText("FirewallUser")));
+    ui_->txtFirewallPassword->setText(QString::fromStdString(settings.GetRegPassword("FirewallPassword")));
+    ui_->boxAutoUpdate->setChecked(settings.GetBool("AutoUpdate"));
+    const bool isWeekly = settings.GetNumber("UpdateInterval") == weekly;
+    (isWeekly ? ui_->optUpdateInterval0 : ui_->optUpdateInterval1)->setChecked(true);
+}
+
+// ---- pages
+
+void frmEinstellungen::FillTreeView() {
+    const QSignalBlocker quiet(ui_->TreeView1);
+    ui_->TreeView1->clear();
+    QHash<QString, QTreeWidgetItem*> nodes;
+    for (const Page& page : pages) {
+        QTreeWidgetItem* parent =
+            page.Parent == nullptr ? ui_->TreeView1->invisibleRootItem() : nodes[QLatin1String(page.Parent)];
+        const std::string text = parts_.Language.Lng(page.Section, page.TextNumber);
+        auto* node = new QTreeWidgetItem(parent, {QString::fromStdString(text)});
+        node->setData(0, keyRole, QLatin1String(page.Key));
+        nodes[QLatin1String(page.Key)] = node;
+    }
+    ui_->TreeView1->expandAll();
+    ui_->TreeView1->setCurrentItem(nodes[QStringLiteral("tvAllg")]);
+    TreeAct(QStringLiteral("tvAllg"));
+}
+
+void frmEinstellungen::TreeAct(const QString& key) {
+    for (const Page& page : pages) {
+        for (const char* frame : page.Frames) {
+            if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->hide();
+        }
+    }
+    for (const Page& page : pages) {
+        if (key.compare(QLatin1String(page.Key), Qt::CaseInsensitive) != 0) continue;
+        for (const char* frame : page.Frames) {
+            if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->show();
+        }
+    }
+}
+
+// As large as the largest page, so that the dialog stays as it is while the user looks around.
+void frmEinstellungen::SizeForPages() {
+    int width = 0;
+    int height = 0;
+    const int spacing = ui_->framesLayout->spacing();
+    for (const Page& page : pages) {
+        int pageHeight = ui_->framesLayout->contentsMargins().top();
+        for (const char* name : page.Frames) {
+            if (name == nullptr) continue;
+            const auto* frame = findChild<QWidget*>(QLatin1String(name));
+            const QSize size = frame->sizeHint();
+            width = std::max(width, size.width());
+            pageHeight += spacing + std::max(size.height(), frame->heightForWidth(size.width()));
+        }
+        height = std::max(height, pageHeight);
+    }
+    ui_->pageArea->setMinimumSize(width, height);
+    QTreeWidget& tree = *ui_->TreeView1;
+    tree.resizeColumnToContents(0);
+    tree.setFixedWidth(tree.columnWidth(0) + 2 * tree.frameWidth() + spacing);
+    adjustSize();
+}
+
+// ---- what the user does
+
+void frmEinstellungen::Connect() {
+    connect(ui_->TreeView1, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* node) {
+        if (node != nullptr) TreeAct(node->data(0, keyRole).toString());
+    });
+    connect(ui_->TreeView1, &QTreeWidget::itemCollapsed, this,
+            [](QTreeWidgetItem* node) { node->setExpanded(true); });
+    connect(ui_->cmdOK, &QPushButton::clicked, this, [this] {
+        if (ApplyChanges()) accept();
+    });
+    connect(ui_->cmdApply, &QPushButton::clicked, this, [this] { ApplyChanges(); });
+    connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(ui_->cboLanguage, &QComboBox::activated, this, [this] { cboLanguage_Click(); });
+    connect(ui_->txtDataPath, &QLineEdit::editingFinished, this, [this] {
+        // Who cancels is not asked.
+        if (isVisible() && !ui_->cmdCancel->hasFocus()) txtDataPath_Validate();
+    });
+    connect(ui_->cmdChooseDir, &QPushButton::clicked, this, [this] { cmdChooseDir_Click(); });
+    ConnectConnection();
+    ConnectTransparency();
+    ConnectTray();
+}
+
+void frmEinstellungen::ConnectConnection() {
+    connect(ui_->boxLANProt, &QCheckBox::toggled, this, [this](bool on) { record_.Traffic.LanProt = on; });
+    connect(ui_->boxProgRunTime, &QCheckBox::toggled, this, [this](bool on) {
+        record_.Display.ShowDuration = on;
+        DrawPreview();
+    });
+    WhenEntered(*ui_->cboLANactive, *this, [this] { cboLANactive_Validate(); });
+}
+
+void frmEinstellungen::ConnectTransparency() {
+    connect(ui_->cboOpacity, &QComboBox::editTextChanged, this, [this] { cboOpacity_Change(); });
+    WhenEntered(*ui_->cboOpacity, *this, [this] { cboOpacity_Validate(); });
+}
+
+void frmEinstellungen::ConnectTray() {
+    connect(ui_->boxTrayAnimated, &QCheckBox::toggled, this,
+            [this](bool on) { record_.Display.TrayAnimated = on; });
+    WhenEntered(*ui_->cboTrayMaxRate, *this, [this] { cboTrayMaxRate_Validate(); });
+    WhenEntered(*ui_->cboTrayMaxVol, *this, [this] { cboTrayMaxVol_Validate(); });
+    for (const TrayBox& box : trayBoxes) {
+        connect(findChild<QCheckBox*>(QLatin1String(box.Name)), &QCheckBox::toggled, this,
+                [this, flag = box.Flag](bool on) {
+                    int& flags = record_.Display.TrayTextFlags;
+                    flags = on ? flags | flag : flags & ~flag;
+                });
+    }
+}
+
+void frmEinstellungen::cboLANactive_Validate() {
+    const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.UserLocale);
+    record_.Traffic.LanActive = std::get<std::int32_t>(parts_.Settings.GetRegValidate("LANActive", typed));
+    ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
+}
+
+void frmEinstellungen::cboTrayMaxRate_Validate() {
+    int& rate = record_.Display.TrayMaxRate;
+    rate =
+        std::get<std::int32_t>(parts_.Settings.GetRegValidate("TrayMaxRate", TextOf(*ui_->cboTrayMaxRate)));
+    ShowText(*ui_->cboTrayMaxRate, std::to_string(rate));
+}
+
+void frmEinstellungen::cboTrayMaxVol_Validate() {
+    const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.UserLocale);
+    int& volume = record_.Display.TrayMaxVol;
+    volume = std::get<std::int32_t>(parts_.Settings.GetRegValidate("TrayMaxVol", typed));
+    ShowText(*ui_->cboTrayMaxVol, Grouped(volume));
+}
+
+void frmEinstellungen::cboOpacity_Change() {
+    record_.Display.Opacity = AlphaOf(TransparencyOf(TextOf(*ui_->cboOpacity)));
+    parts_.Window.SetOpacity(record_.Display.Opacity);
+}
+
+void frmEinstellungen::cboOpacity_Validate() {
+    ShowText(*ui_->cboOpacity, CheckedTransparency(TextOf(*ui_->cboOpacity)));
+    cboOpacity_Change();
+}
+
+void frmEinstellungen::cboLanguage_Click() {
+    if (parts_.Language.ChooseLanguage(TextOf(*ui_->cboLanguage))) ApplyTextsToLoadedForms(parts_.Language);
+}
+
+// ---- the data folder
+
+bool frmEinstellungen::txtDataPath_Validate() {
+    const std::string folder = ui_->txtDataPath->text().toStdString();
+    if (folder == acceptedFolder_) return true;
+    // A question about the folder takes the focus from the field, which must not lead to the next one.
+    if (folderInQuestion_) return false;
+    folderInQuestion_ = true;
+    const bool isEmpty = Trim(folder).empty();
+    if (isEmpty) ui_->txtDataPath->setText(QString::fromStdString(hooks_.DefaultDataFolder().string()));
+    const bool accepted = !isEmpty && hooks_.CheckDataFolder(folder);
+    if (accepted) acceptedFolder_ = folder;
+    // Return leaves the field and then presses the default button: the same folder would be asked about
+    // twice.
+    QMetaObject::invokeMethod(
+        this,
+        [this, accepted] {
+            folderInQuestion_ = false;
+            if (!accepted) KeepDataPathFocus();
+        },
+        Qt::QueuedConnection);
+    return accepted;
+}
+
+void frmEinstellungen::KeepDataPathFocus() {
+    ui_->TreeView1->setCurrentItem(ui_->TreeView1->topLevelItem(0));
+    ui_->txtDataPath->setFocus();
+}
+
+void frmEinstellungen::cmdChooseDir_Click() {
+    const QString current = ui_->txtDataPath->text();
+    const QString chosen = chooseFolder_(this, Text(25) + QLatin1Char(' ') + current, current);
+    if (chosen.isEmpty() || !hooks_.CheckDataFolder(chosen.toStdString())) return;
+    acceptedFolder_ = chosen.toStdString();
+    ui_->txtDataPath->setText(chosen);
+}
+
+// ---- applying
+
+EnteredSettings frmEinstellungen::Entered() const {
+    EnteredSettings entered;
+    entered.DataPath = ui_->txtDataPath->text().toStdString();
+    entered.CloseTrayOnly = ui_->boxCloseTrayIcon->isChecked();
+    entered.AutoStart = ui_->boxAutoStart->isChecked();
+    entered.MultiInstance = ui_->boxMultiInstance->isChecked();
+    entered.AutoShow = ui_->boxAutoZeigen->isChecked();
+    entered.MultiScreen = ui_->boxMultiScreen->isChecked();
+    entered.Foreground = ui_->boxAlwaysOnTop->isChecked();
+    entered.LanActive = TextOf(*ui_->cboLANactive);
+    entered.ChartMinutes = TextOf(*ui_->cboPicWidthMin);
+    entered.FirewallUser = ui_->txtFirewallUser->text().toStdString();
+    entered.FirewallPassword = ui_->txtFirewallPassword->text().toStdString();
+    entered.FirewallUse = ui_->boxFirewallUse->isChecked();
+    entered.UpdateWeekly = ui_->optUpdateInterval0->isChecked();
+    entered.AutoUpdate = ui_->boxAutoUpdate->isChecked();
+    return entered;
+}
+
+// An access key presses a button without leaving the field that was typed into.
+void frmEinstellungen::CheckAll() {
+    chart_->CheckAll();
+    cboLANactive_Validate();
+    cboTrayMaxRate_Validate();
+    cboTrayMaxVol_Validate();
+    cboOpacity_Validate();
+}
+
+bool frmEinstellungen::ApplyChanges() {
+    if (!txtDataPath_Validate()) return false;
+    CheckAll();
+    applier_.ApplyChanges(Entered(), record_);
+    acceptedFolder_ = hooks_.GetDataPath().string();
+    ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
+    chart_->Refresh(record_.Display.ConnDataMax);
+    DrawPreview();
+    return true;
+}
+
+void frmEinstellungen::DrawPreview() {
+    record_.Display.ChartLineNo = parts_.Display.ChartLineNo;
+    painter_->DrawChart(*ui_->Pic, record_.Display, true, true);
+}
+
+void frmEinstellungen::Open() {
+    show();
+    raise();
+    activateWindow();
+}
+
+void frmEinstellungen::done(int result) {
+    Timer1_.stop();
+    folderInQuestion_ = true; // hiding the field leaves it
+    parts_.Window.SetOpacity(record_.Display.Opacity);
+    QDialog::done(result);
+}
+
+} // namespace korvalin
