@@ -46,6 +46,7 @@ add_library(korvalin_gui STATIC
   stats/frmStatistik.ui
   startup/Desktop.cpp
   startup/EndRequests.cpp
+  startup/SettingsDialog.cpp
   stats/GraphPage.cpp
   stats/GraphPage.ui
   stats/PictureCanvas.cpp)

@@ -131,6 +131,7 @@ void frmEinstellungen::ApplyTexts() {
     ui_->lbltxtUpDown2->setText(Text(2));
     ui_->lbltxtUpDown3->setText(Text(3));
     ui_->optKB1->setText(Text(4) + QLatin1Char(' ') + unitCaption_);
+    ui_->TreeView1->setAccessibleName(windowTitle());
     chart_->ApplyTexts();
 }
 

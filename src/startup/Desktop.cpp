@@ -14,9 +14,9 @@
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtNotificationArea.h"
 #include "platform/qt/QtScreen.h"
-#include "settingsdlg/frmEinstellungen.h"
 #include "startup/EndRequests.h"
 #include "startup/Program.h"
+#include "startup/SettingsDialog.h"
 #include "stats/frmStatistik.h"
 
 #include <QApplication>
@@ -42,17 +42,6 @@ PeriodUse UseOfChartLine(Program& program) {
     if (line < 1 || line > program.lines.LineTable.Size()) return {};
     const LineRecord& record = program.lines.LineTable(line);
     return program.monthSums.UseOf(record.EntryName, record.BytesReceived + record.BytesTransmitted);
-}
-
-frmEinstellungen::Hooks SettingsHooks(Program& program) {
-    DataFolder& folder = program.dataFolder;
-    return {[&folder] { return folder.GetDataPath(); },
-            [&folder](const std::filesystem::path& path) { return folder.CheckDataFolder(path); },
-            [&folder](const std::filesystem::path& from, const std::filesystem::path& to) {
-                return folder.ChangeDataPath(from, to, true);
-            },
-            [&folder] { return folder.CommonFolder(); },
-            [&program](bool enable) { program.autoStart.AutoStart(enable); }};
 }
 
 } // namespace
@@ -105,11 +94,7 @@ int RunDesktop(int argc, char** argv) {
                     system.SystemTime(), program.locale, tray, messageBoxes});
     const auto openSettings = [&] {
         if (!settings) {
-            settings = new frmEinstellungen(
-                {program.settings, program.language, program.errors, messageBoxes, system.SystemTime(),
-                 program.locale, program.lines, program.rateHistory, program.liveTexts, program.units,
-                 program.samplingLoop, program.infoTexts, program.trafficOptions, window},
-                SettingsHooks(program));
+            settings = MakeSettingsDialog(program, messageBoxes, system.SystemTime(), window);
             settings->setAttribute(Qt::WA_DeleteOnClose);
         }
         settings->Open();

@@ -1,0 +1,30 @@
+#include "startup/SettingsDialog.h"
+
+#include "startup/Program.h"
+
+namespace korvalin {
+namespace {
+
+frmEinstellungen::Hooks SettingsHooks(Program& program) {
+    DataFolder& folder = program.dataFolder;
+    return {[&folder] { return folder.GetDataPath(); },
+            [&folder](const std::filesystem::path& path) { return folder.CheckDataFolder(path); },
+            [&folder](const std::filesystem::path& from, const std::filesystem::path& to) {
+                return folder.ChangeDataPath(from, to, true);
+            },
+            [&folder] { return folder.CommonFolder(); },
+            [&program](bool enable) { program.autoStart.AutoStart(enable); }};
+}
+
+} // namespace
+
+frmEinstellungen* MakeSettingsDialog(Program& program, MessageBoxes& messageBoxes, Clock& clock,
+                                     frmMain& window) {
+    return new frmEinstellungen({program.settings, program.language, program.errors, messageBoxes, clock,
+                                 program.locale, program.lines, program.rateHistory, program.liveTexts,
+                                 program.units, program.samplingLoop, program.infoTexts,
+                                 program.trafficOptions, window},
+                                SettingsHooks(program));
+}
+
+} // namespace korvalin

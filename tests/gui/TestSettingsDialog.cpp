@@ -1,0 +1,558 @@
+#include "forms/ColorField.h"
+#include "forms/Colors.h"
+#include "forms/Loaded.h"
+#include "gui/MainWindowFixture.h"
+#include "startup/SettingsDialog.h"
+
+#include <fmt/format.h>
+
+using namespace korvalin;
+
+namespace {
+
+/// The settings dialog, opened from the main window's menu.
+class SettingsDialog : public MainWindow {
+  protected:
+    SettingsDialog() {
+        openSettings = [this] {
+            dialog = MakeSettingsDialog(*program, boxes, clock, *window);
+            dialog->setAttribute(Qt::WA_DeleteOnClose);
+            dialog->Plug([this](QWidget&, std::int32_t initial, const CustomColors& custom) {
+                askedFor.push_back(initial);
+                offered = custom;
+                return nextColor;
+            });
+            dialog->Plug([this](QWidget*, const QString&, const QString& current) {
+                startFolders.push_back(current.toStdString());
+                return QString::fromStdString(nextFolder);
+            });
+            dialog->Open();
+        };
+    }
+    ~SettingsDialog() override { delete dialog; }
+
+    void Open() {
+        if (!window) Start();
+        Choose("mnuEinstellungen");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    }
+    // By its close box, Esc, OK or Cancel it is gone altogether.
+    void Gone() {
+        QTest::qWait(0);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_TRUE(dialog.isNull());
+        EXPECT_FALSE(IsFormLoaded("frmEinstellungen"));
+    }
+    template <typename Widget>
+    Widget* Find(const std::string& name) {
+        auto* widget = dialog->findChild<Widget*>(QString::fromStdString(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+    // As the mouse does; a control out of sight cannot be reached.
+    void Click(const std::string& name) {
+        auto* button = Find<QAbstractButton>(name);
+        ASSERT_TRUE(button->isVisible() && button->isEnabled()) << name;
+        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
+    }
+    // Replaces the text and leaves the field.
+    void Type(const std::string& name, const std::string& text) {
+        auto* field = Find<QWidget>(name);
+        ASSERT_TRUE(field->isVisible() && field->isEnabled()) << name;
+        field->setFocus();
+        auto* combo = qobject_cast<QComboBox*>(field);
+        QLineEdit* edit = combo != nullptr ? combo->lineEdit() : qobject_cast<QLineEdit*>(field);
+        edit->selectAll();
+        if (text.empty()) QTest::keyClick(field, Qt::Key_Delete);
+        QTest::keyClicks(field, QString::fromStdString(text));
+        QTest::keyClick(field, Qt::Key_Tab);
+    }
+    // From the list, by the keyboard.
+    void Pick(const std::string& name, const std::string& entry) {
+        auto* combo = Find<QComboBox>(name);
+        ASSERT_TRUE(combo->isVisible() && combo->isEnabled()) << name;
+        const int index = combo->findText(QString::fromStdString(entry));
+        ASSERT_GE(index, 0) << entry;
+        combo->setFocus();
+        while (combo->currentIndex() != index)
+            QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
+    }
+    std::string Shown(const std::string& name) {
+        auto* widget = Find<QWidget>(name);
+        if (auto* combo = qobject_cast<QComboBox*>(widget)) return combo->currentText().toStdString();
+        if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->text().toStdString();
+        if (auto* field = qobject_cast<ColorField*>(widget)) return std::to_string(field->Color());
+        return Find<QAbstractButton>(name)->isChecked() ? "True" : "False";
+    }
+    std::string Stored(const std::string& name) { return Settings::TextForm(settings.GetReg(name)); }
+    void GoTo(const std::string& key) {
+        auto* tree = Find<QTreeWidget>("TreeView1");
+        for (QTreeWidgetItemIterator node(tree); *node != nullptr; ++node) {
+            if ((*node)->data(0, Qt::UserRole).toString().toStdString() != key) continue;
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(*node).center());
+            return;
+        }
+        FAIL() << key;
+    }
+    std::vector<std::string> VisibleFrames() {
+        std::vector<std::string> names;
+        for (const QGroupBox* frame : dialog->findChildren<QGroupBox*>()) {
+            if (frame->isVisible()) names.push_back(frame->objectName().toStdString());
+        }
+        return names;
+    }
+
+    QPointer<frmEinstellungen> dialog;
+    std::optional<std::int32_t> nextColor;
+    std::vector<std::int32_t> askedFor;
+    CustomColors offered{};
+    std::string nextFolder;
+    std::vector<std::string> startFolders;
+};
+
+// One change to a control: what is clicked, typed or picked, what the control shows then, and what stands in
+// the store once it is applied.
+struct Change {
+    std::string Page, Control, Entry, Shows, Setting, Stored;
+};
+
+std::vector<Change> Changes() {
+    std::vector<Change> changes = {
+        {"tvAllg", "boxAlwaysOnTop", "", "False", "ForeGround", "False"},
+        {"tvAllg", "boxCloseTrayIcon", "", "False", "CloseTrayOnly", "False"},
+        {"tvAllg", "boxAutoStart", "", "False", "AutoStart", "False"},
+        {"tvAllg", "boxAutoZeigen", "", "False", "AutoShow", "False"},
+        {"tvAllg", "boxMultiInstance", "", "True", "MultiInstance", "True"},
+        {"tvAllg", "boxMultiScreen", "", "True", "MultiScreen", "True"},
+        {"tvAllg", "boxProgRunTime", "", "False", "ProgRunTime", "False"},
+        {"tvAllg", "cboLANactive", "1.000", "1,000", "LANActive", "1000"},
+        {"tvAllg", "boxLANProt", "", "False", "LANProt", "False"},
+        {"tvDarst", "boxChartUseMax", "", "True", "ChartUseMax", "True"},
+        {"tvDarst", "txtChartMax", "250", "250", "ChartMax", "250"},
+        {"tvDarst", "txtChartMinMax", "7", "7", "ChartMinMax", "7"},
+        {"tvDarst", "cboFontSize", "12", "12", "FontSize", "12"},
+        {"tvDarst", "boxFett", "", "False", "FontBold", "False"},
+        {"tvDarst", "cboTimeLinesSec", "30", "30", "TimeLinesSec", "30"},
+        {"tvDarst", "boxShowTimeLines", "", "False", "ShowTimeLines", "False"},
+        {"tvDarst", "cboPicWidthMin", "10", "10", "picWidthMin", "10"},
+        {"tvDarst", "cboOpacity", "25", "25%", "Opacity", "191"},
+        {"tvEinheit", "optKB2", "", "True", "UnitKB", "Kbit"},
+        {"tvEinheit", "optMB0", "", "True", "UnitMB", "MiB"},
+        {"tvTray", "boxTrayAnimated", "", "False", "TrayAnimated", "False"},
+        {"tvTray", "cboTrayMaxRate", "45", "45", "TrayMaxRate", "45"},
+        {"tvTray", "cboTrayMaxVol", "20,000", "20,000", "TrayMaxVol", "20000"},
+        {"tvTray", "boxTrayLine", "", "False", "TrayTexts", "254"},
+        {"tvTray", "boxTrayVolumeMonth", "", "False", "TrayTexts", "190"},
+        {"tvInternet", "boxFirewallUse", "", "True", "FirewallUse", "True"},
+        {"tvInternet", "txtFirewallUser", "alice", "alice", "FirewallUser", "alice"},
+        {"tvInternet", "optUpdateInterval1", "", "True", "UpdateInterval", "4"},
+        {"tvInternet", "boxAutoUpdate", "", "False", "AutoUpdate", "False"},
+    };
+    for (int i = 0; i < 8; ++i) {
+        const std::string shown = i == 2 ? "False" : "True"; // the third curves are there from the start
+        for (const std::string direction : {"DL", "UL"}) {
+            const std::string page = direction == "DL" ? "tvDownload" : "tvUpload";
+            changes.push_back({page, fmt::format("box{}{}", direction, i), "", shown,
+                               fmt::format("Line{}{}Show", direction, i + 1), shown});
+        }
+    }
+    return changes;
+}
+
+TEST_F(SettingsDialog, EveryControlIsAppliedAndFoundAgain) {
+    Open();
+    for (const Change& change : Changes()) {
+        SCOPED_TRACE(change.Control);
+        const std::string before = Stored(change.Setting);
+        GoTo(change.Page);
+        change.Entry.empty() ? Click(change.Control) : Type(change.Control, change.Entry);
+        EXPECT_EQ(Shown(change.Control), change.Shows);
+        EXPECT_EQ(Stored(change.Setting), before) << "stored before it was applied";
+        Click("cmdApply");
+        EXPECT_EQ(Stored(change.Setting), change.Stored);
+        EXPECT_EQ(Shown(change.Control), change.Shows) << "after it was applied";
+    }
+    GoTo("tvInternet");
+    Type("txtFirewallPassword", "secret");
+    Click("cmdOK");
+    Gone();
+    EXPECT_EQ(settings.GetRegPassword("FirewallPassword"), "secret");
+
+    program->LoadRecords(); // as at the next start
+    Open();
+    for (const Change& change : Changes())
+        EXPECT_EQ(Shown(change.Control), change.Shows) << change.Control;
+    EXPECT_EQ(Shown("txtFirewallPassword"), "secret");
+    EXPECT_EQ(Find<QLineEdit>("txtFirewallPassword")->displayText(), QStringLiteral("●●●●●●"));
+}
+
+TEST_F(SettingsDialog, WhatIsAppliedTakesEffectAtOnce) {
+    area.State = TrayHost::Present;
+    Start();
+    Run(3, 50000);
+    Open();
+    const auto& live = program->infoTexts;
+    EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    Click("boxAlwaysOnTop");
+    Click("boxCloseTrayIcon");
+    Click("boxLANProt");
+    GoTo("tvDarst");
+    Type("cboPicWidthMin", "10");
+    nextColor = 0x00ff00;
+    Click("cmdBackground");
+    GoTo("tvEinheit");
+    Click("optKB3");
+    GoTo("tvTray");
+    Click("boxTrayAnimated");
+    const int iconsSet = area.IconsSet;
+    EXPECT_EQ(live.RateUnitText, "KB") << "live before it was applied";
+    EXPECT_EQ(program->rateHistory.Samples(), 240U);
+    QTest::keyClick(dialog, Qt::Key_A, Qt::AltModifier);
+
+    EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_FALSE(Item("mnuVordergrund")->isChecked());
+    EXPECT_FALSE(live.CloseTrayOnly);
+    EXPECT_FALSE(program->trafficOptions.LanProt);
+    EXPECT_EQ(program->rateHistory.Samples(), 600U);
+    EXPECT_EQ(Picture()->grab().toImage().pixelColor(40, 40), QColor(Qt::green));
+    EXPECT_EQ(live.RateUnitText, "Mbit");
+    EXPECT_EQ(live.KBFactor, 125000);
+    EXPECT_EQ(area.Tip, "Korvalin");
+    Run(2, 50000);
+    EXPECT_LE(area.IconsSet, iconsSet + 1) << "the icon is drawn although it shows no values";
+    EXPECT_EQ(Stored("ConnDataMax"), "600");
+}
+
+TEST_F(SettingsDialog, TheHistoryFollowsTheChartWhateverIsShownForIt) {
+    Open();
+    GoTo("tvDarst");
+    Type("cboPicWidthMin", "3");
+    Type("cboConnDataMax", "4");
+    Click("cmdApply");
+    EXPECT_EQ(Stored("ConnDataMax"), "300");
+    EXPECT_EQ(Shown("cboConnDataMax"), "5");
+    Type("cboPicWidthMin", "10");
+    EXPECT_EQ(Shown("cboPicWidthMin"), "10") << "more than there is, until it is applied";
+    Click("cmdApply");
+    EXPECT_EQ(Stored("ConnDataMax"), "600");
+    Type("cboConnDataMax", "60");
+    EXPECT_EQ(Shown("cboConnDataMax"), "10") << "there is not more";
+    Type("cboConnDataMax", "2");
+    EXPECT_EQ(Shown("cboConnDataMax"), "10") << "the chart shows more";
+}
+
+TEST_F(SettingsDialog, ClosingWithoutApplyingLeavesTheStoreAndKeepsTheOpacity) {
+    settings.SetReg("Opacity", 200);
+    const std::vector<std::function<void()>> ways = {[this] { Click("cmdCancel"); },
+                                                     [this] { QTest::keyClick(dialog, Qt::Key_Escape); },
+                                                     [this] { dialog->close(); }};
+    Start();
+    for (const auto& close : ways) {
+        Open();
+        Click("boxMultiScreen");
+        GoTo("tvDarst");
+        EXPECT_EQ(Shown("cboOpacity"), "21%");
+        EXPECT_NEAR(window->windowOpacity() * 255, 201, 0.6);
+        Type("txtChartMinMax", "77");
+        Type("cboOpacity", "50");
+        GoTo("tvTray");
+        Click("boxTrayDuration");
+        const int writes = registry.Writes;
+        close();
+        Gone();
+        EXPECT_EQ(registry.Writes, writes);
+        EXPECT_EQ(program->infoTexts.ChartMinMax, 5);
+        EXPECT_NEAR(window->windowOpacity() * 255, 128, 0.6);
+        EXPECT_EQ(Stored("Opacity"), "200");
+    }
+}
+
+TEST_F(SettingsDialog, WhatIsTypedIsCorrected) {
+    struct {
+        const char *Page, *Control, *Typed, *Becomes;
+    } const rows[] = {
+        {"tvAllg", "cboLANactive", "5", "10"},        {"tvAllg", "cboLANactive", "25,000", "25"},
+        {"tvAllg", "cboLANactive", "abc", "10"},      {"tvAllg", "cboLANactive", "", "100"},
+        {"tvDarst", "txtChartMinMax", "0", "1"},      {"tvDarst", "txtChartMinMax", "x", "1"},
+        {"tvDarst", "txtChartMinMax", "", "5"},       {"tvDarst", "cboFontSize", "3", "8"},
+        {"tvDarst", "cboFontSize", "73", "8"},        {"tvDarst", "cboFontSize", "72", "72"},
+        {"tvDarst", "cboTimeLinesSec", "4", "5"},     {"tvDarst", "cboTimeLinesSec", "9999999999", "5"},
+        {"tvDarst", "cboTimeLinesSec", "400", "300"}, {"tvDarst", "cboPicWidthMin", "0", "1"},
+        {"tvDarst", "cboPicWidthMin", "99", "60"},    {"tvDarst", "cboConnDataMax", "nonsense", "4"},
+        {"tvDarst", "cboConnDataMax", "1e300", "4"},  {"tvDarst", "cboOpacity", "abc", "0%"},
+        {"tvDarst", "cboOpacity", "99%", "95%"},      {"tvDarst", "cboOpacity", "-3", "0%"},
+        {"tvDarst", "cboOpacity", "12.5%", "12%"},    {"tvTray", "cboTrayMaxRate", "abc", "0"},
+        {"tvTray", "cboTrayMaxVol", "9", "10"},       {"tvTray", "cboTrayMaxVol", "2,500", "2,500"},
+    };
+    Open();
+    for (const auto& row : rows) {
+        GoTo(row.Page);
+        Type(row.Control, row.Typed);
+        EXPECT_EQ(Shown(row.Control), row.Becomes) << row.Control << " '" << row.Typed << "'";
+    }
+    GoTo("tvDarst");
+    Type("cboOpacity", "95");
+    EXPECT_NEAR(window->windowOpacity() * 255, 13, 0.6);
+    Pick("cboOpacity", "25%");
+    EXPECT_NEAR(window->windowOpacity() * 255, 191, 0.6);
+    Pick("cboOpacity", "0%");
+    EXPECT_EQ(window->windowOpacity(), 1);
+}
+
+TEST_F(SettingsDialog, ColoursAreChosenSwappedAndPreviewed) {
+    Open();
+    GoTo("tvDownload");
+    const std::int32_t old = 255; // the preset third colour
+    nextColor = std::nullopt;
+    Click("lblColorDL2");
+    EXPECT_EQ(Shown("lblColorDL2"), std::to_string(old)) << "the choice was cancelled";
+    nextColor = 0x123456;
+    Click("lblColorDL2");
+    EXPECT_EQ(Shown("lblColorDL2"), std::to_string(0x123456));
+    EXPECT_EQ(askedFor, (std::vector<std::int32_t>{old, old}));
+    EXPECT_EQ(offered[2], old) << "as it is stored";
+    EXPECT_EQ(offered[8], Setting("LineUL1Color"));
+    EXPECT_EQ(Setting("LineDL3Color"), old);
+    GoTo("tvUpload");
+    const std::string upload = Shown("lblColorUL2");
+    Click("cmdSwapColors");
+    EXPECT_EQ(Shown("lblColorUL2"), std::to_string(0x123456));
+    EXPECT_EQ(Shown("lblColorDL2"), upload);
+    Find<ColorField>("lblColorUL0")->setFocus();
+    nextColor = 0x00ff00;
+    QTest::keyClick(Find<ColorField>("lblColorUL0"), Qt::Key_Space);
+    Click("cmdApply");
+    EXPECT_EQ(Setting("LineUL3Color"), 0x123456);
+    EXPECT_EQ(Setting("LineUL1Color"), 0x00ff00);
+    EXPECT_EQ(std::to_string(Setting("LineDL3Color")), upload);
+
+    GoTo("tvDarst");
+    const QColor before = Find<PictureBox>("Pic")->grab().toImage().pixelColor(60, 50);
+    EXPECT_EQ(before, ToColor(Setting("ChartBackgroundColor")));
+    nextColor = 0x0000ff;
+    Click("lblColorBackground");
+    EXPECT_EQ(askedFor.back(), Setting("ChartBackgroundColor"));
+    EXPECT_EQ(Find<PictureBox>("Pic")->grab().toImage().pixelColor(60, 50), QColor(Qt::red));
+    EXPECT_EQ(Picture()->grab().toImage().pixelColor(60, 50), before) << "only previewed";
+}
+
+TEST_F(SettingsDialog, TheTextOfTheChartIsTheChosenCurveOrThePresetOne) {
+    Open();
+    GoTo("tvDownload");
+    Click("optTextDL8");
+    Click("cmdApply");
+    EXPECT_EQ(program->infoTexts.DisplayChoiceDL, 8);
+    EXPECT_EQ(Stored("DisplayChoiceDL"), "3") << "it holds for this run";
+    Click("optTextDL0");
+    GoTo("tvUpload");
+    Click("optTextUL1");
+    Click("cmdApply");
+    EXPECT_EQ(program->infoTexts.DisplayChoiceDL, 3);
+    EXPECT_EQ(program->infoTexts.DisplayChoiceUL, 1);
+    Run(2, 1000); // draws with it
+}
+
+TEST_F(SettingsDialog, PagesShowTheirFramesInAnyLetterCase) {
+    struct {
+        const char* Key;
+        std::vector<std::string> Frames;
+    } const rows[] = {{"tvDarst", {"frmGrafikAllgemein"}},
+                      {"tvEinheit", {"frmKBRate", "frmMBVol"}},
+                      {"tvDownload", {"frmDownload", "frmTextUpDown"}},
+                      {"tvUpload", {"frmUpload", "frmTextUpDown"}},
+                      {"tvTray", {"frmTrayIcon", "frmTrayIconTxt"}},
+                      {"tvInternet", {"frmFirewall", "frmUpdate"}},
+                      {"tvAllg", {"frmSystem", "frmConnection"}}};
+    Open();
+    const QSize size = dialog->size();
+    for (const auto& row : rows) {
+        GoTo(row.Key);
+        EXPECT_EQ(VisibleFrames(), row.Frames) << row.Key;
+        dialog->TreeAct(QStringLiteral("tvallg"));
+        dialog->TreeAct(QString::fromLatin1(row.Key).toUpper());
+        EXPECT_EQ(VisibleFrames(), row.Frames) << row.Key;
+    }
+    EXPECT_EQ(dialog->size(), size) << "the dialog keeps its size";
+    auto* tree = Find<QTreeWidget>("TreeView1");
+    tree->setCurrentItem(tree->topLevelItem(1));
+    QTest::keyClick(tree, Qt::Key_Left);
+    EXPECT_TRUE(tree->topLevelItem(1)->isExpanded());
+    QTest::keyClick(tree, Qt::Key_Down);
+    EXPECT_EQ(VisibleFrames(), (std::vector<std::string>{"frmKBRate", "frmMBVol"})) << "by keyboard";
+}
+
+TEST_F(SettingsDialog, AnotherLanguageRelabelsEveryWindowAtOnce) {
+    Open();
+    GoTo("tvInternet");
+    GoTo("tvAllg");
+    EXPECT_EQ(Find<QAbstractButton>("boxAlwaysOnTop")->text(), QStringLiteral("Always on &top"));
+    Pick("cboLanguage", "GER - Deutsch");
+    EXPECT_EQ(Stored("Language"), "GER");
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Einstellungen"));
+    EXPECT_EQ(Find<QAbstractButton>("boxAlwaysOnTop")->text(), QStringLiteral("Immer im &Vordergrund"));
+    EXPECT_EQ(Find<QTreeWidget>("TreeView1")->topLevelItem(0)->text(0), QStringLiteral("Allgemein"));
+    EXPECT_EQ(Item("mnuBeenden")->text(), QStringLiteral("&Beenden"));
+    EXPECT_TRUE(Find<QLabel>("lbltxtUpDown1")->text().startsWith(QStringLiteral("Mittelwert")));
+    EXPECT_EQ(Find<QAbstractButton>("optKB1")->text(),
+              QStringLiteral("Standard: KB/s (Kilobyte) = 1.000 Bytes"));
+    Pick("cboLanguage", "ENG - English");
+    EXPECT_EQ(Find<QAbstractButton>("optKB1")->text(),
+              QStringLiteral("Default: KB/s (Kilobyte) = 1.000 Bytes"));
+    EXPECT_EQ(Find<QComboBox>("cboLANactive")->toolTip(), Find<QLabel>("lblLANactive")->toolTip());
+}
+
+TEST_F(SettingsDialog, DependentFieldsFollowTheirBoxes) {
+    struct {
+        const char *Page, *Box;
+        bool EnabledAtFirst;
+        std::vector<const char*> Fields;
+    } const rows[] = {
+        {"tvAllg", "boxLANProt", true, {"boxProgRunTime", "cboLANactive", "lblLANactive", "lblLANByte"}},
+        {"tvDarst", "boxChartUseMax", false, {"txtChartMax", "lblMaximum"}},
+        {"tvDarst", "boxShowTimeLines", true, {"cboTimeLinesSec"}},
+        {"tvInternet",
+         "boxFirewallUse",
+         false,
+         {"txtFirewallUser", "txtFirewallPassword", "lblFirewallUser", "lblFirewallPassword"}}};
+    Open();
+    for (const auto& row : rows) {
+        GoTo(row.Page);
+        for (const bool enabled : {row.EnabledAtFirst, !row.EnabledAtFirst}) {
+            for (const char* field : row.Fields)
+                EXPECT_EQ(Find<QWidget>(field)->isEnabled(), enabled) << field;
+            Click(row.Box);
+        }
+    }
+}
+
+// ---- the data folder
+
+TEST_F(SettingsDialog, TheStatisticsMoveToTheChosenFolder) {
+    Open();
+    const std::filesystem::path oldFolder = program->dataFolder.GetDataPath();
+    std::ofstream(oldFolder / "Korvalin_Stats.db") << "records";
+    const std::filesystem::path newFolder = folder / "new";
+    std::filesystem::create_directory(newFolder);
+    nextFolder = "";
+    Click("cmdChooseDir");
+    EXPECT_EQ(Shown("txtDataPath"), oldFolder.string()) << "nothing was chosen";
+    nextFolder = newFolder.string();
+    Click("cmdChooseDir");
+    EXPECT_EQ(startFolders.back(), oldFolder.string());
+    EXPECT_EQ(Shown("txtDataPath"), newFolder.string());
+    boxes.Answers = {MessageAnswer::Yes};
+    Click("cmdOK");
+    Gone();
+    EXPECT_EQ(TakeBoxes().size(), 1U);
+    EXPECT_EQ(Stored("DataPath"), newFolder.string());
+    EXPECT_TRUE(std::filesystem::exists(newFolder / "Korvalin_Stats.db"));
+    EXPECT_FALSE(std::filesystem::exists(oldFolder / "Korvalin_Stats.db"));
+}
+
+TEST_F(SettingsDialog, AFolderThatDoesNotServeKeepsTheFocusAndTheOldOne) {
+    Open();
+    const std::string oldFolder = Stored("DataPath");
+    const auto focused = [this] {
+        QTest::qWait(0);
+        return QTest::qWaitFor([this] { return Find<QWidget>("txtDataPath")->hasFocus(); });
+    };
+    // Left, by Return, and by the mouse on another page: asked once each time.
+    const std::vector<std::function<void()>> ways = {
+        [this] { QTest::keyClick(Find<QWidget>("txtDataPath"), Qt::Key_Tab); },
+        [this] { QTest::keyClick(Find<QWidget>("txtDataPath"), Qt::Key_Return); },
+        [this] { GoTo("tvTray"); }};
+    for (const auto& leave : ways) {
+        auto* field = Find<QLineEdit>("txtDataPath");
+        field->setFocus();
+        field->setText(QString::fromStdString((folder / "missing").string()));
+        leave();
+        EXPECT_EQ(TakeBoxes().size(), 1U) << "whether to create it";
+        EXPECT_TRUE(focused());
+        EXPECT_TRUE(dialog && dialog->isVisible());
+    }
+    EXPECT_EQ(Stored("DataPath"), oldFolder);
+    Type("txtDataPath", "");
+    EXPECT_TRUE(focused());
+    EXPECT_EQ(Shown("txtDataPath"), (folder / "data/Korvalin/").string());
+    Find<QLineEdit>("txtDataPath")->setText(QStringLiteral("/nowhere"));
+    Click("cmdCancel"); // who cancels is not asked
+    Gone();
+    EXPECT_EQ(Stored("DataPath"), oldFolder);
+}
+
+TEST_F(SettingsDialog, AMoveThatFailsKeepsTheFolder) {
+    Open();
+    const std::filesystem::path oldFolder = Shown("txtDataPath");
+    std::ofstream(oldFolder / "Korvalin_Stats.db") << "records";
+    std::filesystem::create_directory(folder / "new");
+    boxes.Answers = {MessageAnswer::Yes};
+    files.CopyFails = true;
+    Type("txtDataPath", (folder / "new").string());
+    GoTo("tvAllg");
+    Click("cmdApply");
+    EXPECT_EQ(TakeBoxes().size(), 2U) << "the question and the failure";
+    EXPECT_EQ(std::filesystem::path(Stored("DataPath")) / "", oldFolder);
+    EXPECT_EQ(Shown("txtDataPath"), oldFolder.string());
+}
+
+// ---- the rest
+
+TEST_F(SettingsDialog, APasswordThatCannotBeStoredIsToldAndTheOldOneStays) {
+    settings.SetRegPassword("FirewallPassword", "old");
+    Open();
+    GoTo("tvInternet");
+    Click("boxFirewallUse");
+    Find<QLineEdit>("txtFirewallPassword")->setText(QString::fromUtf8("\xf4\x8f\xbf\xbf"));
+    Click("cmdApply");
+    EXPECT_EQ(TakeBoxes(), Lines{program->language.Lng("frmEinstellungen", 32)});
+    EXPECT_EQ(settings.GetRegPassword("FirewallPassword"), "old");
+    EXPECT_EQ(Stored("FirewallUse"), "True") << "the rest is stored";
+    Find<QLineEdit>("txtFirewallPassword")->clear();
+    Click("cmdApply");
+    EXPECT_EQ(settings.GetText("FirewallPassword"), "");
+}
+
+TEST_F(SettingsDialog, AFontThatIsNotInstalledStaysUntilAnotherIsChosen) {
+    settings.SetReg("FontName", "Nowhere Sans");
+    Open();
+    EXPECT_EQ(Shown("cboFontName"), "Nowhere Sans");
+    Click("cmdApply");
+    EXPECT_EQ(Stored("FontName"), "Nowhere Sans");
+    GoTo("tvDarst");
+    auto* fonts = Find<QComboBox>("cboFontName");
+    ASSERT_GT(fonts->count(), 1);
+    fonts->setFocus();
+    QTest::keyClick(fonts, Qt::Key_Down);
+    Click("cmdApply");
+    EXPECT_EQ(Stored("FontName"), fonts->itemText(1).toStdString());
+}
+
+TEST_F(SettingsDialog, StaysAboveAndKeepsTheMainWindowWhereItIs) {
+    network.Add("eth1", 2000, 500);
+    Open();
+    EXPECT_TRUE(dialog->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    window->ShowMainWindow(false);
+    EXPECT_TRUE(window->isVisible());
+    // The line that is charted is chosen elsewhere while the dialog is open.
+    program->infoTexts.ChartLineNo = 2;
+    Click("cmdOK");
+    Gone();
+    EXPECT_EQ(program->infoTexts.ChartLineNo, 2);
+    window->ShowMainWindow(false);
+    EXPECT_FALSE(window->WindowShown());
+}
+
+TEST_F(SettingsDialog, EveryControlHasANameForThoseWhoCannotSeeIt) {
+    Open();
+    for (const QWidget* control : dialog->findChildren<QWidget*>()) {
+        const bool isPart =
+            control->objectName().isEmpty() || control->objectName().startsWith(QLatin1String("qt_"));
+        if (control->focusPolicy() == Qt::NoFocus || isPart) continue;
+        QAccessibleInterface* interface =
+            QAccessible::queryAccessibleInterface(const_cast<QWidget*>(control));
+        EXPECT_FALSE(interface == nullptr || interface->text(QAccessible::Name).isEmpty())
+            << control->objectName().toStdString();
+    }
+}
+
+} // namespace
