@@ -3,8 +3,8 @@
 #include "BenchProgram.h"
 #include "cli/ConsoleMessageBoxes.h"
 #include "display/frmMain.h"
+#include "platform/qt/NotificationArea.h"
 #include "platform/qt/QtEvents.h"
-#include "platform/qt/QtNotificationArea.h"
 #include "startup/SettingsDialog.h"
 
 #include <QApplication>
@@ -18,6 +18,17 @@
 
 namespace korvalin {
 namespace {
+
+class NoTray : public NotificationArea {
+  public:
+    void Plug(Hooks) override {}
+    TrayHost Host() const override { return TrayHost::Absent; }
+    void Add(const QIcon&, const std::string&, QMenu&) override {}
+    void Remove() override {}
+    void SetIcon(const QIcon&) override {}
+    void SetTip(const std::string&) override {}
+    std::vector<int> IconSizes() const override { return {}; }
+};
 
 class DialogBench {
   public:
@@ -58,7 +69,7 @@ class DialogBench {
     ConsoleMessageBoxes boxes_;
     BenchProgram program_;
     NoScreen screen_;
-    QtNotificationArea tray_;
+    NoTray tray_;
     std::unique_ptr<frmMain> window_;
     std::unique_ptr<frmEinstellungen> dialog_;
 };

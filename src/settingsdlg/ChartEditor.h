@@ -7,13 +7,14 @@
 #include <array>
 #include <optional>
 
+class QComboBox;
+
 namespace Ui {
 class frmEinstellungen;
 }
 
 namespace korvalin {
 
-class ColorField;
 class CurveFrame;
 class Language;
 
