@@ -36,6 +36,9 @@ class WindowFrame {
     TwipsRect Place() const;
     void MoveTo(const TwipsRect& place);
 
+    /// The user moves the window: it is no longer put back to where it was while its frame settles.
+    void LetGo() { innerToKeep_.reset(); }
+
     /// Sets the height of the inner area, also while the caption is being switched.
     void SetInnerHeight(int pixels);
 

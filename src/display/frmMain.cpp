@@ -395,7 +395,9 @@ void frmMain::lblMove_MouseDown(const QMouseEvent& event) {
 
 void frmMain::lblMove_MouseMove(const QMouseEvent& event) {
     if ((event.buttons() & Qt::LeftButton) != 0 && leftButtonDown_) {
-        move(pos() + event.pos() - grabPoint_);
+        frame_.LetGo();
+        // The frame's place would be reckoned with the caption that was just switched off.
+        setGeometry(geometry().translated(event.pos() - grabPoint_));
         return;
     }
     const Qt::Edges edges = EdgesAt(ui_->lblMove->mapToParent(event.pos()));

@@ -73,15 +73,32 @@ TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
     EXPECT_EQ(window->findChild<QAction*>(QStringLiteral("mnuLines1")), nullptr);
 }
 
+// By (-20, -15).
+void Drag(QLabel& handle) {
+    QTest::mousePress(&handle, Qt::LeftButton, {}, QPoint(50, 40));
+    QMouseEvent move(QEvent::MouseMove, QPointF(30, 25), handle.mapToGlobal(QPointF(30, 25)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QApplication::sendEvent(&handle, &move);
+    QTest::mouseRelease(&handle, Qt::LeftButton, {}, QPoint(50, 40));
+}
+
+TEST_F(MainWindow, AMoveStaysThatMeetsACaptionBeingSwitched) {
+    settings.SetReg("ShowTitle", true);
+    Start();
+    Run(1);
+    ASSERT_TRUE(Becomes("MON_Left_800", PixelsToTwips(window->geometry().left())));
+    Choose("mnuTitelAnzeigen");
+    const QPoint before = window->geometry().topLeft();
+    Drag(*Handle());
+    EXPECT_TRUE(Becomes("MON_Left_800", PixelsToTwips(before.x() - 20)));
+    EXPECT_EQ(window->geometry().topLeft() - before, QPoint(-20, -15));
+}
+
 TEST_F(MainWindow, TheMouseMovesItByItsHandleAndPutsItAway) {
     Start();
     Run(1);
     const QPoint before = window->pos();
-    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
-    QMouseEvent move(QEvent::MouseMove, QPointF(30, 25), Handle()->mapToGlobal(QPointF(30, 25)), Qt::NoButton,
-                     Qt::LeftButton, {});
-    QApplication::sendEvent(Handle(), &move);
-    QTest::mouseRelease(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
+    Drag(*Handle());
     EXPECT_EQ(window->pos() - before, QPoint(-20, -15));
     Run(1);
     EXPECT_TRUE(Becomes("MON_Left_800", PixelsToTwips(window->geometry().left())));

@@ -115,15 +115,22 @@ class Desktop(rig.DesktopCase):
             self.end(process)
             stored = stored or self.stored_place()
             self.assertEqual(self.stored_place(), stored, auto_show)
-        # Without its caption the inner area stays, also at the next start.
+        # Without its caption the inner area stays, and the mouse moves the window by it.
         process = self.start(AutoShow="True")
         rig.wait_for(lambda: self.inner_area() == inner, "the same place")
-        self.choose(self.main_window(), "b")
+        window = self.main_window()
+        self.choose(window, "b")
         self.setting("ShowTitle", "False")
         rig.wait_for(lambda: self.inner_area()[2:] == inner[2:], "the inner area")
+        before = self.inner_area()
+        self.display.tool("xdotool", "mousemove", "--window", window, "60", "50", "mousedown", "1", "mousemove_relative",
+                          "--sync", "--", "-40", "-30", "mouseup", "1")
+        moved = [before[0] - 40, before[1] - 30, *before[2:]]
+        rig.wait_for(lambda: self.inner_area() == moved, f"{moved}")
+        self.setting("MON_Left_1024", str(moved[0] * 15))
         self.end(process)
-        process = self.start()
-        rig.wait_for(lambda: self.inner_area()[2:] == inner[2:], "the inner area again")
+        self.start()
+        rig.wait_for(lambda: self.inner_area() == moved, "the new place")
 
     def test_a_machine_without_network_has_the_window_out_of_sight(self):
         network = self.enter(rig.Network())
