@@ -28,6 +28,7 @@ add_library(korvalin_gui STATIC
   forms/ProgramIcon.cpp
   forms/RoomyStyle.h
   lang/ApplyFormTexts.cpp
+  lang/ToolkitTexts.cpp
   lang/frmLanguage.cpp
   lang/frmLanguage.ui
   platform/qt/QtEvents.cpp

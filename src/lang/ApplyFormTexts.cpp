@@ -2,6 +2,7 @@
 
 #include "forms/Loaded.h"
 #include "lang/Language.h"
+#include "lang/ToolkitTexts.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -96,6 +97,7 @@ void ApplyFormTexts(QWidget& form, Language& language) {
 }
 
 void ApplyTextsToLoadedForms(Language& language) {
+    UseToolkitTexts(language);
     const auto forms = LoadedForms();
     for (const QPointer<QWidget>& form : forms) {
         if (!form) continue;

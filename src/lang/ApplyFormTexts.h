@@ -13,7 +13,7 @@ class Language;
 void ApplyFormTexts(QWidget& form, Language& language);
 
 /// ApplyFormTexts for every loaded window. Each gets QEvent::LanguageChange afterwards, for texts that it
-/// builds itself.
+/// builds itself. The toolkit's dialogs follow too.
 void ApplyTextsToLoadedForms(Language& language);
 
 } // namespace korvalin

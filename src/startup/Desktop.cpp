@@ -5,6 +5,7 @@
 #include "display/frmMain.h"
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
+#include "lang/ToolkitTexts.h"
 #include "lang/frmLanguage.h"
 #include "platform/linux/ExitWatch.h"
 #include "platform/linux/LinuxLocale.h"
@@ -69,6 +70,7 @@ int RunDesktop(int argc, char** argv) {
     });
     if (!program.Main()) return EXIT_SUCCESS;
     system.TellNotes(program.errors);
+    UseToolkitTexts(program.language);
 
     std::unique_ptr<frmStatistik> statistics; // made when it is first wanted
     const auto openStatistics = [&] {

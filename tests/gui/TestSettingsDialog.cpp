@@ -392,10 +392,12 @@ TEST_F(SettingsDialog, AnotherLanguageRelabelsEveryWindowAtOnce) {
     EXPECT_EQ(Find<QAbstractButton>("boxAlwaysOnTop")->text(), QStringLiteral("Immer im &Vordergrund"));
     EXPECT_EQ(Find<QTreeWidget>("TreeView1")->topLevelItem(0)->text(0), QStringLiteral("Allgemein"));
     EXPECT_EQ(Item("mnuBeenden")->text(), QStringLiteral("&Beenden"));
+    EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Look in:"), QStringLiteral("Suchen in:"));
     EXPECT_TRUE(Find<QLabel>("lbltxtUpDown1")->text().startsWith(QStringLiteral("Mittelwert")));
     EXPECT_EQ(Find<QAbstractButton>("optKB1")->text(),
               QStringLiteral("Standard: KB/s (Kilobyte) = 1.000 Bytes"));
     Pick("cboLanguage", "ENG - English");
+    EXPECT_EQ(QCoreApplication::translate("QFileDialog", "Look in:"), QStringLiteral("Look in:"));
     EXPECT_EQ(Find<QAbstractButton>("optKB1")->text(),
               QStringLiteral("Default: KB/s (Kilobyte) = 1.000 Bytes"));
     EXPECT_EQ(Find<QComboBox>("cboLANactive")->toolTip(), Find<QLabel>("lblLANactive")->toolTip());
