@@ -42,6 +42,9 @@ class TrayIcon {
     /// Shows the texts of this second; `useOf` tells the use of the charted line's period.
     void IconDraw(const InfoTexts& texts, const std::function<PeriodUse()>& useOf);
 
+    /// Shows the program's own picture instead of bars.
+    void ShowStatic(const std::string& tip);
+
     /// The picture of a machine that is offline.
     const QIcon& StaticPicture() const { return imgTrayIcon_; }
 
@@ -55,7 +58,6 @@ class TrayIcon {
     };
 
     void DrawBars(const InfoTexts& texts, const PeriodUse& use);
-    void ShowStatic(const std::string& tip);
 
     NotificationArea& area_;
     QMenu& menu_;

@@ -136,6 +136,10 @@ void frmMain::AddTrayIcon() {
     tray_.TrayIconSet(true, tray_.StaticPicture(), std::string(ProgramTitle));
 }
 
+void frmMain::ShowFixedTrayIcon() {
+    tray_.ShowStatic(std::string(ProgramTitle));
+}
+
 void frmMain::TrayHostChanged() {
     if (!loaded_ || closed_) return;
     if (parts_.Tray.Host() == TrayHost::Present) {

@@ -81,7 +81,7 @@ class frmMain : public QWidget, public MonitorWindow {
     void SetOpacity(int alpha);
 
     /// Puts the program's own picture and name into the tray, for an icon that shows no values.
-    void ShowFixedTrayIcon() { AddTrayIcon(); }
+    void ShowFixedTrayIcon();
 
     /// Closes the window for good and ends the program.
     void Quit(CloseReason reason = CloseReason::Program);

@@ -85,11 +85,11 @@ void DataFolder::DecideFolder(const fs::path& stored) {
 }
 
 fs::path DataFolder::CommonFolder() const {
-    return shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle / "";
+    return shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle;
 }
 
 fs::path DataFolder::DefaultFolder() {
-    const fs::path folder = shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle;
+    const fs::path folder = CommonFolder();
     if (folder.is_absolute() && CreateFolderPath(folder)) return folder;
     if (HasTexts()) ShowPieces(messageBoxes_, language_, {43, folder.string(), 44}, MessageIcon::Warning);
     return programFolder_;

@@ -23,7 +23,7 @@ class DataFolder {
     /// log line).
     std::filesystem::path GetDataPath();
 
-    /// Where the data are kept unless the user says otherwise, ending with a separator.
+    /// Where the data are kept unless the user says otherwise.
     std::filesystem::path CommonFolder() const;
 
     /// Whether the folder is there (the user may let it be created) and files can be created in it. Tells the

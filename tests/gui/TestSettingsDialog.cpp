@@ -475,7 +475,7 @@ TEST_F(SettingsDialog, AFolderThatDoesNotServeKeepsTheFocusAndTheOldOne) {
     EXPECT_EQ(Stored("DataPath"), oldFolder);
     Type("txtDataPath", "");
     EXPECT_TRUE(focused());
-    EXPECT_EQ(Shown("txtDataPath"), (folder / "data/Korvalin/").string());
+    EXPECT_EQ(Shown("txtDataPath"), (folder / "data/Korvalin").string());
     Find<QLineEdit>("txtDataPath")->setText(QStringLiteral("/nowhere"));
     Click("cmdCancel"); // who cancels is not asked
     Gone();
