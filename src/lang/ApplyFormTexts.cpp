@@ -67,7 +67,8 @@ void SetToolTip(QObject& element, const QString& toolTip) {
             widget->setToolTip(toolTip);
             // Who points at the control means the caption beside it.
             const auto* label = qobject_cast<QLabel*>(widget);
-            if (label != nullptr && label->buddy() != nullptr) label->buddy()->setToolTip(toolTip);
+            if (label != nullptr && label->buddy() != nullptr && label->buddy()->toolTip().isEmpty())
+                label->buddy()->setToolTip(toolTip);
         }
     }
 }

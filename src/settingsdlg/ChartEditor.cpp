@@ -97,12 +97,13 @@ void ChartEditor::LoadCurves() {
 }
 
 void ChartEditor::ApplyTexts() {
-    const auto text = [this](int number) {
-        return QString::fromStdString(parts_.Language.Lng("frmEinstellungenObj", number));
-    };
-    ui_.frmDownload->NameControls(text(69), text(70));
-    ui_.frmUpload->NameControls(text(116), text(115));
-    ui_.lblColorBackground->setAccessibleName(text(84));
+    Language& language = parts_.Language;
+    const auto toQt = [](const std::string& text) { return QString::fromStdString(text); };
+    ui_.frmDownload->NameControls(toQt(language.Lng("frmEinstellungenObj", 69)),
+                                  toQt(language.Lng("frmEinstellungenObj", 70)));
+    ui_.frmUpload->NameControls(toQt(language.Lng("frmEinstellungenObj", 116)),
+                                toQt(language.Lng("frmEinstellungenObj", 115)));
+    ui_.lblColorBackground->setAccessibleName(toQt(language.Lng("frmEinstellungenObj", 84)));
 }
 
 // ---- what the user does

@@ -121,17 +121,19 @@ void frmEinstellungen::Form_Load() {
     DrawPreview();
 }
 
-QString frmEinstellungen::Text(int number) const {
+QString frmEinstellungen::DialogText(int number) const {
     return QString::fromStdString(parts_.Language.Lng("frmEinstellungen", number));
 }
 
 void frmEinstellungen::ApplyTexts() {
     ApplyFormTexts(*this, parts_.Language);
-    ui_->lbltxtUpDown1->setText(Text(1));
-    ui_->lbltxtUpDown2->setText(Text(2));
-    ui_->lbltxtUpDown3->setText(Text(3));
-    ui_->optKB1->setText(Text(4) + QLatin1Char(' ') + unitCaption_);
+    ui_->lbltxtUpDown1->setText(DialogText(1));
+    ui_->lbltxtUpDown2->setText(DialogText(2));
+    ui_->lbltxtUpDown3->setText(DialogText(3));
+    ui_->optKB1->setText(DialogText(4) + QLatin1Char(' ') + unitCaption_);
     ui_->TreeView1->setAccessibleName(windowTitle());
+    ui_->ListView1->setAccessibleName(windowTitle());
+    ui_->cmdButton1->setText(QString::fromStdString(parts_.Language.Lng("frmAboutObj", 2)));
     chart_->ApplyTexts();
 }
 
@@ -388,7 +390,7 @@ void frmEinstellungen::KeepDataPathFocus() {
 
 void frmEinstellungen::cmdChooseDir_Click() {
     const QString current = ui_->txtDataPath->text();
-    const QString chosen = chooseFolder_(this, Text(25) + QLatin1Char(' ') + current, current);
+    const QString chosen = chooseFolder_(this, DialogText(25) + QLatin1Char(' ') + current, current);
     if (chosen.isEmpty() || !hooks_.CheckDataFolder(chosen.toStdString())) return;
     acceptedFolder_ = chosen.toStdString();
     ui_->txtDataPath->setText(chosen);

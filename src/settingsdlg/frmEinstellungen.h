@@ -106,7 +106,7 @@ class frmEinstellungen : public QDialog {
     void KeepDataPathFocus();
     void cmdChooseDir_Click();
     std::string Grouped(int value) const;
-    QString Text(int number) const;
+    QString DialogText(int number) const;
 
     Parts parts_;
     Hooks hooks_;

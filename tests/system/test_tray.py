@@ -159,7 +159,7 @@ class Tray(rig.DesktopCase):
         host.tell("activate")
         window = self.main_window()
         # The host has the menu's entries, and the chart still opens it.
-        self.assertEqual(host.tell("menu"), ["Statistics", "About", "Show title bar", "Title bar only", "Always on top", "Exit"])
+        self.assertEqual(host.tell("menu"), ["Statistics", "Settings", "About", "Show title bar", "Title bar only", "Always on top", "Exit"])
         rig.wait_for(lambda: self.click(window, 60, 50, "3") or self.menu(), "the menu")
         self.display.tool("xdotool", "key", "Escape")
         host.tell("choose", "Exit")
