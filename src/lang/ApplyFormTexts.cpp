@@ -67,8 +67,8 @@ void SetToolTip(QObject& element, const QString& toolTip) {
             widget->setToolTip(toolTip);
             // Who points at the control means the caption beside it.
             const auto* label = qobject_cast<QLabel*>(widget);
-            if (label != nullptr && label->buddy() != nullptr && label->buddy()->toolTip().isEmpty())
-                label->buddy()->setToolTip(toolTip);
+            QWidget* buddy = label != nullptr ? label->buddy() : nullptr;
+            if (buddy != nullptr && !buddy->property("Tag").isValid()) buddy->setToolTip(toolTip);
         }
     }
 }

@@ -3,10 +3,10 @@
 #include "base/Units.h"
 #include "display/UnitFormat.h"
 #include "forms/Colors.h"
+#include "forms/Combos.h"
 #include "lang/Language.h"
 #include "settings/Settings.h"
 #include "settingsdlg/ChoiceLists.h"
-#include "settingsdlg/Combos.h"
 #include "settingsdlg/TypedValues.h"
 #include "ui_frmEinstellungen.h"
 

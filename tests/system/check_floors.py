@@ -19,7 +19,7 @@ fmt/format.h""".split())
 def gui_sources():
     """The files that belong to the windows, and the headers beside them."""
     listed = re.findall(r"^\s+([\w/]+\.cpp)\)?$", (SOURCE / "gui.cmake").read_text(), re.M)
-    names = {pathlib.Path(name).with_suffix("") for name in listed} | {pathlib.Path("startup/main"), pathlib.Path("settingsdlg/Combos")}
+    names = {pathlib.Path(name).with_suffix("") for name in listed} | {pathlib.Path("startup/main")}
     return names
 
 

@@ -1,4 +1,4 @@
-// Small helpers for the lists of the settings dialog, whose text the user may also type.
+// Helpers for lists whose text the user may also type.
 #pragma once
 
 #include <QComboBox>
