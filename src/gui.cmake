@@ -35,6 +35,7 @@ add_library(korvalin_gui STATIC
   platform/qt/QtScreen.cpp
   platform/qt/StatusNotifierHost.cpp
   platform/qt/XEmbedHost.cpp
+  settingsdlg/NetworkTableModel.cpp
   stats/StatTableModel.cpp
   stats/TariffEditor.cpp
   stats/frmStatistik.cpp
