@@ -25,7 +25,8 @@ class ManyAdapters : public NetworkTables {
     int GetIfTable2(std::vector<InterfaceEntry>& entries) override {
         entries.clear();
         for (const InterfaceRow& row : rows_) {
-            InterfaceEntry& entry = entries.emplace_back(InterfaceEntry{row});
+            InterfaceEntry& entry = entries.emplace_back();
+            static_cast<InterfaceRow&>(entry) = row;
             entry.Mtu = 1500;
             entry.Speed = 10'000'000'000;
             entry.PhysAddr = {{2, 252, 0, 0, 0, 1}, 6};
