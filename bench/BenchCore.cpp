@@ -1,4 +1,5 @@
 // What runs every second, and what others do for the same.
+#include "ManyAdapters.h"
 #include "base/Locale.h"
 #include "cli/ConsoleMessageBoxes.h"
 #include "cli/NoScreen.h"
@@ -48,28 +49,6 @@ class Bench {
     ConsoleMessageBoxes boxes_;
     NoScreen screen_;
     std::unique_ptr<LinuxSystem> system_;
-};
-
-// Adapters that count on, without the kernel.
-class ManyAdapters : public NetworkTables {
-  public:
-    explicit ManyAdapters(std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) {
-            rows_.push_back({static_cast<std::uint32_t>(i + 1), IfTypeEthernet,
-                             OperationalStatus::Operational, 1000, 1000, true, "veth" + std::to_string(i),
-                             ""});
-        }
-    }
-    int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {
-        for (InterfaceRow& row : rows_)
-            row.InOctets += 1234;
-        rows = rows_;
-        return 0;
-    }
-    int GetTcpStatistics(TcpStatistics&) override { return 0; }
-
-  private:
-    std::vector<InterfaceRow> rows_;
 };
 
 class Online : public Internet {

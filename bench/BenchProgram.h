@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -34,7 +35,8 @@ class BenchProgram {
         setenv("XDG_CONFIG_HOME", settings_.c_str(), 1);
         setenv("XDG_DATA_HOME", settings_.c_str(), 1);
         system_ = std::make_unique<LinuxSystem>();
-        program_ = std::make_unique<Program>(system_->PortsWith(events, boxes, screen_), Locale());
+        ports_.emplace(system_->PortsWith(events, boxes, screen_));
+        program_ = std::make_unique<Program>(*ports_, Locale());
         program_->settings.SetReg("DataPath", std::filesystem::absolute(dataFolder).string());
         if (program_->language.LoadLanguageChoices()) program_->language.UseLanguage("ENG");
         program_->LoadRecords();
@@ -50,6 +52,7 @@ class BenchProgram {
 
     Program& operator*() const { return *program_; }
     Program* operator->() const { return program_.get(); }
+    const Ports& AllPorts() const { return *ports_; }
     Clock& SystemTime() { return system_->SystemTime(); }
 
   private:
@@ -62,6 +65,7 @@ class BenchProgram {
     std::filesystem::path settings_;
     NoScreen screen_;
     std::unique_ptr<LinuxSystem> system_;
+    std::optional<Ports> ports_;
     std::unique_ptr<Program> program_;
 };
 

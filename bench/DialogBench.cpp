@@ -43,7 +43,7 @@ class DialogBench {
 
     double Open() {
         const Stopwatch watch;
-        dialog_.reset(MakeSettingsDialog(*program_, boxes_, program_.SystemTime(), *window_));
+        dialog_.reset(MakeSettingsDialog(*program_, program_.AllPorts(), *window_));
         dialog_->Open();
         QCoreApplication::processEvents();
         dialog_->findChild<QTreeWidget*>()->viewport()->repaint();

@@ -1,8 +1,11 @@
 // The statistics window on a large file, operation by operation: each takes from the user's deed until the
-// list is painted again. Prints a JSON object with milliseconds.
+// list is painted again; and the list of many network adapters. Prints a JSON object with milliseconds.
 #include "BenchProgram.h"
+#include "ManyAdapters.h"
 #include "platform/MessageBoxes.h"
 #include "platform/qt/QtEvents.h"
+#include "settingsdlg/AdapterTable.h"
+#include "settingsdlg/NetworkTableModel.h"
 #include "stats/frmStatistik.h"
 
 #include <QAction>
@@ -57,6 +60,16 @@ class EventWatch : public QObject {
     bool seen_ = false;
     Stopwatch since_;
 };
+
+template <typename Condition>
+void Await(const Condition& condition) {
+    const Stopwatch watch;
+    constexpr double longest = 600'000;
+    while (!condition()) {
+        QCoreApplication::processEvents();
+        if (watch.Milliseconds() > longest) throw std::runtime_error("the list is not painted");
+    }
+}
 
 // The window over a data folder.
 class WindowBench {
@@ -145,15 +158,6 @@ class WindowBench {
     T& Find(const char* name) {
         return *window_.findChild<T*>(QString::fromLatin1(name));
     }
-    template <typename Condition>
-    static void Await(const Condition& condition) {
-        const Stopwatch watch;
-        constexpr double longest = 600'000;
-        while (!condition()) {
-            QCoreApplication::processEvents();
-            if (watch.Milliseconds() > longest) throw std::runtime_error("the list is not painted");
-        }
-    }
 
     QtEvents events_;
     YesMessageBoxes boxes_;
@@ -211,12 +215,40 @@ nlohmann::json Copy(const fs::path& folder) {
             {"html", bench.TriggerAlone("mnuExportHTML")}};
 }
 
+// From the question to the system until the list of adapters is painted; a first table, then a fresh one.
+nlohmann::json Adapters(std::size_t count) {
+    QtEvents events;
+    YesMessageBoxes boxes;
+    const fs::path folder = fs::temp_directory_path();
+    const BenchProgram program(folder, events, boxes);
+    ManyAdapters network(count);
+    NetworkTableModel model;
+    QTableView list;
+    list.setModel(&model);
+    list.resize(700, 500);
+    list.show();
+    EventWatch painted(*list.viewport(), QEvent::Paint);
+    nlohmann::json result;
+    for (const char* name : {"first", "again"}) {
+        QCoreApplication::processEvents();
+        painted.Forget();
+        const Stopwatch watch;
+        model.SetTable(BuildAdapterTable(network, program->language, program->locale));
+        Await([&] { return painted.Seen(); });
+        result[name] = watch.Milliseconds();
+    }
+    result["columns"] = model.columnCount();
+    return result;
+}
+
 constexpr const char* usage = "windowbench operate FOLDER (deletes records)\n"
-                              "windowbench copy FOLDER\n";
+                              "windowbench copy FOLDER\n"
+                              "windowbench adapters COUNT\n";
 
 nlohmann::json Run(const std::vector<std::string>& words) {
     if (words.size() == 2 && words[0] == "operate") return Operate(words[1]);
     if (words.size() == 2 && words[0] == "copy") return Copy(words[1]);
+    if (words.size() == 2 && words[0] == "adapters") return Adapters(std::stoul(words[1]));
     throw std::invalid_argument(usage);
 }
 

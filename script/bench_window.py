@@ -1,4 +1,4 @@
-"""The statistics window of script/bench: what a user waits for with a large file, until the list is painted again.
+"""The lists of script/bench: what a user waits for with a large file, until the list is painted again.
 
 Sorts have the system's own sort by the same column of the file as their peer, copying an awk that writes the same rows
 with the same decimals, deleting the load of the same file. Runs alternate and the median counts.
@@ -15,6 +15,7 @@ import bench_statistics
 
 WINDOWBENCH = bench_statistics.ROOT / "build/release/bench/windowbench"
 COPIED = 100_000
+ADAPTERS = 1_000
 AWK = ('{ printf "%s\\t%s\\t%s\\t%.2f\\t%.2f\\t%.2f\\t%s\\n", $1, $2, $3, $4 / 1e6, $5 / 1e6, ($4 + $5) / 1e6, $6 }')
 
 
@@ -81,7 +82,14 @@ def copying(row):
     row(f"export {COPIED:,} rows as a page", found["html"], "ms", "awk", found["awk"])
 
 
+def adapters(row):
+    runs = [windowbench("adapters", ADAPTERS) for _ in range(bench_statistics.RUNS)]
+    for name in ("first", "again"):
+        row(f"table of {ADAPTERS:,} adapters, {name}", statistics.median(run[name] for run in runs), "ms", target=300)
+
+
 def measure(row):
     """Prints all figures with `row`."""
     operations(row)
     copying(row)
+    adapters(row)

@@ -41,6 +41,8 @@ add_library(korvalin_gui STATIC
   settingsdlg/CurveFrame.cpp
   settingsdlg/frmEinstellungen.cpp
   settingsdlg/frmEinstellungen.ui
+  settingsdlg/NetworkPages.cpp
+  settingsdlg/NetworkTableModel.cpp
   stats/StatTableModel.cpp
   stats/TariffEditor.cpp
   stats/frmStatistik.cpp

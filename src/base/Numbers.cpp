@@ -63,6 +63,12 @@ std::string FormatNumber(double value, std::string_view pattern, const Locale& l
     return negative ? "-" + text : text;
 }
 
+std::string FormatWhole(std::uint64_t value, const Locale& locale) {
+    std::string digits = std::to_string(value);
+    InsertGrouping(digits, locale.GroupingMark);
+    return digits;
+}
+
 void AppendTwoDigits(std::string& text, int number) {
     const std::array<char, 2> digits = {static_cast<char>('0' + number / 10),
                                         static_cast<char>('0' + number % 10)};

@@ -25,6 +25,9 @@ double RoundToEven(double value);
 /// zero.
 std::string FormatNumber(double value, std::string_view pattern, const Locale& locale);
 
+/// A whole number with its thousands grouped, exact up to 64 bits.
+std::string FormatWhole(std::uint64_t value, const Locale& locale);
+
 /// Appends a number from 0 to 99 as two digits: for the dates of a million lines, which keep a window
 /// waiting.
 void AppendTwoDigits(std::string& text, int number);

@@ -1,11 +1,13 @@
 #include "base/Locale.h"
 #include "cli/ConsoleMessageBoxes.h"
 #include "cli/LinesCommand.h"
+#include "cli/NetworkCommand.h"
 #include "cli/NoScreen.h"
 #include "cli/PlainEvents.h"
 #include "cli/RecordCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/StatisticsCommands.h"
+#include "platform/Ports.h"
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxSystem.h"
 #include "platform/linux/TerminationSignals.h"
@@ -26,6 +28,7 @@ struct Arguments {
     SumPeriod Period = SumPeriod::Day;
     RecordFilter Filter;
     bool Watch = false;
+    bool AsJson = false;
 };
 
 // An option that takes one of a few words.
@@ -46,6 +49,7 @@ class CommandLine {
         App.require_subcommand(1);
         AddSettings();
         AddLines();
+        AddNetwork();
         AddStatistics();
     }
 
@@ -55,6 +59,7 @@ class CommandLine {
     CLI::App* Get = nullptr;
     CLI::App* Set = nullptr;
     CLI::App* Lines = nullptr;
+    CLI::App* Network = nullptr;
     CLI::App* Records = nullptr;
     CLI::App* Sums = nullptr;
     CLI::App* Repair = nullptr;
@@ -78,6 +83,12 @@ class CommandLine {
         Lines->add_flag("--watch", Arguments.Watch, "Every second, until interrupted");
         AddChoice<LinesFormat>(Lines, "--format", "With json one document a line", Arguments.LineFormat,
                                {{"table", LinesFormat::Table}, {"json", LinesFormat::Json}});
+    }
+
+    void AddNetwork() {
+        Network =
+            App.add_subcommand("network", "What the system tells of its network adapters and addresses");
+        Network->add_flag("--json", Arguments.AsJson, "As one JSON document");
     }
 
     void AddStatistics() {
@@ -124,12 +135,15 @@ void LoadTexts(Program& program) {
     program.language.UseLanguage(chosen.empty() ? "ENG" : chosen);
 }
 
-int Run(const CommandLine& line, Program& program, const TerminationSignals* signals) {
+int Run(const CommandLine& line, const Ports& ports, Program& program, const TerminationSignals* signals) {
     const Arguments& arguments = line.Arguments;
     if (line.List->parsed()) ListSettings(program.settings);
     if (line.Get->parsed()) PrintSetting(program.settings, arguments.Name);
     if (line.Set->parsed()) StoreSetting(program.settings, arguments.Name, arguments.Value);
     if (line.Lines->parsed()) PrintLines(program, arguments.LineFormat, arguments.Watch);
+    if (line.Network->parsed()) {
+        PrintNetwork(ports.NetworkTables, program.language, program.locale, arguments.AsJson);
+    }
     if (line.Records->parsed()) PrintRecords(program, arguments.Filter, arguments.Format);
     if (line.Sums->parsed()) PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
     if (line.Repair->parsed()) RepairStatistics(program);
@@ -152,9 +166,10 @@ int main(int argc, char** argv) {
     NoScreen screen;
     PlainEvents events;
     LinuxSystem system;
-    Program program(system.PortsWith(events, messageBoxes, screen), locale);
+    const Ports ports = system.PortsWith(events, messageBoxes, screen);
+    Program program(ports, locale);
     LoadTexts(program);
     system.TellNotes(program.errors);
-    const int exitCode = Run(line, program, signals ? &*signals : nullptr);
+    const int exitCode = Run(line, ports, program, signals ? &*signals : nullptr);
     return messageBoxes.ShowedError() ? EXIT_FAILURE : exitCode;
 }

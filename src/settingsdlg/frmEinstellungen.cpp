@@ -31,6 +31,7 @@ struct Page {
     const char* Section;
     int TextNumber;
     const char* Frames[2];
+    void (NetworkPages::*Fill)() = nullptr; ///< what the page shows is read when it is shown
 };
 
 constexpr Page pages[] = {
@@ -41,6 +42,9 @@ constexpr Page pages[] = {
     {"tvDownload", "tvDarst", "frmEinstellungenObj", 19, {"frmDownload", "frmTextUpDown"}},
     {"tvTray", nullptr, "frmEinstellungen", 14, {"frmTrayIcon", "frmTrayIconTxt"}},
     {"tvInternet", nullptr, "frmEinstellungen", 27, {"frmFirewall", "frmUpdate"}},
+    {"tvNetInfo", nullptr, "frmEinstellungen", 16, {"frmConnInfo", nullptr}, &NetworkPages::ShowConnection},
+    {"tvNetAdapter", "tvNetInfo", "frmEinstellungen", 18, {nullptr, nullptr}, &NetworkPages::ShowAdapters},
+    {"tvNetIP", "tvNetInfo", "frmEinstellungen", 20, {nullptr, nullptr}, &NetworkPages::ShowAddresses},
 };
 
 // The check boxes of the tooltip's parts, by their flags.
@@ -80,6 +84,8 @@ frmEinstellungen::frmEinstellungen(const Parts& parts, Hooks hooks)
     setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
     chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{
         *this, *ui_, parts_.Settings, parts_.Language, parts_.Units, record_, [this] { DrawPreview(); }});
+    network_ = std::make_unique<NetworkPages>(
+        NetworkPages::Parts{*ui_, parts_.NetworkTables, parts_.Internet, parts_.Language, parts_.UserLocale});
     Form_Load();
 }
 
@@ -132,8 +138,7 @@ void frmEinstellungen::ApplyTexts() {
     ui_->lbltxtUpDown3->setText(DialogText(3));
     ui_->optKB1->setText(DialogText(4) + QLatin1Char(' ') + unitCaption_);
     ui_->TreeView1->setAccessibleName(windowTitle());
-    ui_->ListView1->setAccessibleName(windowTitle());
-    ui_->cmdButton1->setText(QString::fromStdString(parts_.Language.Lng("frmAboutObj", 2)));
+    network_->ApplyTexts(windowTitle());
     chart_->ApplyTexts();
 }
 
@@ -237,6 +242,7 @@ void frmEinstellungen::FillTreeView() {
 }
 
 void frmEinstellungen::TreeAct(const QString& key) {
+    network_->Hide();
     for (const Page& page : pages) {
         for (const char* frame : page.Frames) {
             if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->hide();
@@ -247,6 +253,7 @@ void frmEinstellungen::TreeAct(const QString& key) {
         for (const char* frame : page.Frames) {
             if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->show();
         }
+        if (page.Fill != nullptr) (network_.get()->*page.Fill)();
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settingsdlg/ChartEditor.h"
+#include "settingsdlg/NetworkPages.h"
 
 #include <QDialog>
 #include <QTimer>
@@ -41,6 +42,8 @@ class frmEinstellungen : public QDialog {
         SamplingLoop& Loop;
         InfoTexts& Display;      ///< the live record
         TrafficOptions& Traffic; ///< of the readers
+        korvalin::NetworkTables& NetworkTables;
+        korvalin::Internet& Internet;
         frmMain& Window;
     };
     /// What the program's start owns.
@@ -115,6 +118,7 @@ class frmEinstellungen : public QDialog {
     SettingsRecord record_; ///< tried out here, live once it is applied
     std::unique_ptr<ChartPainter> painter_;
     std::unique_ptr<ChartEditor> chart_;
+    std::unique_ptr<NetworkPages> network_;
     SettingsApplier applier_;
     QTimer Timer1_;
     QString unitCaption_; ///< of the unit option that the default mark is put before

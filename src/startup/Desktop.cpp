@@ -62,7 +62,8 @@ int RunDesktop(int argc, char** argv) {
     LinuxSystem system;
     Locale locale = ReadQtLocale(QLocale::system());
     locale.Collate = SystemCollation();
-    Program program(system.PortsWith(events, messageBoxes, screen), std::move(locale));
+    const Ports ports = system.PortsWith(events, messageBoxes, screen);
+    Program program(ports, std::move(locale));
     messageBoxes.Plug(program.language);
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
@@ -96,7 +97,7 @@ int RunDesktop(int argc, char** argv) {
                     system.SystemTime(), program.locale, tray, messageBoxes});
     const auto openSettings = [&] {
         if (!settings) {
-            settings = MakeSettingsDialog(program, messageBoxes, system.SystemTime(), window);
+            settings = MakeSettingsDialog(program, ports, window);
             settings->setAttribute(Qt::WA_DeleteOnClose);
         }
         settings->Open();

@@ -18,12 +18,11 @@ frmEinstellungen::Hooks SettingsHooks(Program& program) {
 
 } // namespace
 
-frmEinstellungen* MakeSettingsDialog(Program& program, MessageBoxes& messageBoxes, Clock& clock,
-                                     frmMain& window) {
-    return new frmEinstellungen({program.settings, program.language, program.errors, messageBoxes, clock,
-                                 program.locale, program.lines, program.rateHistory, program.liveTexts,
-                                 program.units, program.samplingLoop, program.infoTexts,
-                                 program.trafficOptions, window},
+frmEinstellungen* MakeSettingsDialog(Program& program, const Ports& ports, frmMain& window) {
+    return new frmEinstellungen({program.settings, program.language, program.errors, ports.MessageBoxes,
+                                 ports.Clock, program.locale, program.lines, program.rateHistory,
+                                 program.liveTexts, program.units, program.samplingLoop, program.infoTexts,
+                                 program.trafficOptions, ports.NetworkTables, ports.Internet, window},
                                 SettingsHooks(program));
 }
 

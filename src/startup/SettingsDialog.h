@@ -5,9 +5,9 @@
 namespace korvalin {
 
 class Program;
+struct Ports;
 
 /// A settings dialog about this program and its main window; the caller owns it.
-frmEinstellungen* MakeSettingsDialog(Program& program, MessageBoxes& messageBoxes, Clock& clock,
-                                     frmMain& window);
+frmEinstellungen* MakeSettingsDialog(Program& program, const Ports& ports, frmMain& window);
 
 } // namespace korvalin

@@ -34,10 +34,12 @@ class CoreFixture : public testing::Test {
     bool StartProgram() {
         std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng", programFolder / "Korvalin.lng");
         settings.SetReg("Language", "ENG");
-        program = std::make_unique<Program>(Ports{registry, network, internet, ras, clock, events, boxes,
-                                                  screen, shell, user, lock, files, recordingLock},
-                                            Locale());
+        program = std::make_unique<Program>(AllPorts(), Locale());
         return program->Main();
+    }
+    Ports AllPorts() {
+        return {registry, network, internet, ras,  clock, events,       boxes,
+                screen,   shell,   user,     lock, files, recordingLock};
     }
     std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
     /// The texts of the boxes shown since the last call.

@@ -12,14 +12,21 @@ namespace korvalin {
 class FakeNetworkTables : public NetworkTables {
   public:
     std::vector<InterfaceRow> Rows;
+    std::vector<InterfaceEntry> Entries;
+    std::vector<IpAddressRow> Addresses;
+    std::vector<UnicastIpAddressRow> Addresses6;
     TcpStatistics Tcp;
-    int Result = 0;
+    int Result = 0; ///< of every table of adapters and addresses
     bool Throws = false;
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {
         if (Throws) throw std::runtime_error("the interface table is gone");
-        rows = Result == 0 ? Rows : std::vector<InterfaceRow>{};
-        return Result;
+        return Give(Rows, rows);
+    }
+    int GetIfTable2(std::vector<InterfaceEntry>& entries) override { return Give(Entries, entries); }
+    int GetIpAddrTable(std::vector<IpAddressRow>& rows) override { return Give(Addresses, rows); }
+    int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override {
+        return Give(Addresses6, rows);
     }
     int GetTcpStatistics(TcpStatistics& statistics) override {
         statistics = Tcp;
@@ -31,6 +38,13 @@ class FakeNetworkTables : public NetworkTables {
         Rows.push_back({static_cast<std::uint32_t>(Rows.size() + 1), IfTypeEthernet,
                         OperationalStatus::Operational, in, out, true, description, ""});
         return Rows.back();
+    }
+
+  private:
+    template <typename Row>
+    int Give(const std::vector<Row>& table, std::vector<Row>& rows) const {
+        rows = Result == 0 ? table : std::vector<Row>{};
+        return Result;
     }
 };
 

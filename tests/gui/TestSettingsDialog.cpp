@@ -15,7 +15,7 @@ class SettingsDialog : public MainWindow {
   protected:
     SettingsDialog() {
         openSettings = [this] {
-            dialog = MakeSettingsDialog(*program, boxes, clock, *window);
+            dialog = MakeSettingsDialog(*program, AllPorts(), *window);
             dialog->setAttribute(Qt::WA_DeleteOnClose);
             dialog->Plug([this](QWidget&, std::int32_t initial, const CustomColors& custom) {
                 askedFor.push_back(initial);
@@ -362,6 +362,9 @@ TEST_F(SettingsDialog, PagesShowTheirFramesInAnyLetterCase) {
                       {"tvUpload", {"frmUpload", "frmTextUpDown"}},
                       {"tvTray", {"frmTrayIcon", "frmTrayIconTxt"}},
                       {"tvInternet", {"frmFirewall", "frmUpdate"}},
+                      {"tvNetInfo", {"frmConnInfo"}},
+                      {"tvNetAdapter", {}},
+                      {"tvNetIP", {}},
                       {"tvAllg", {"frmSystem", "frmConnection"}}};
     Open();
     const QSize size = dialog->size();
@@ -379,6 +382,44 @@ TEST_F(SettingsDialog, PagesShowTheirFramesInAnyLetterCase) {
     EXPECT_TRUE(tree->topLevelItem(1)->isExpanded());
     QTest::keyClick(tree, Qt::Key_Down);
     EXPECT_EQ(VisibleFrames(), (std::vector<std::string>{"frmKBRate", "frmMBVol"})) << "by keyboard";
+}
+
+TEST_F(SettingsDialog, NetworkPagesShowWhatTheSystemTells) {
+    InterfaceEntry entry;
+    entry.Index = 2;
+    entry.Description = "lan0";
+    network.Entries = {entry};
+    internet.State = {true, InternetConnectionLan};
+    Open();
+    GoTo("tvNetInfo");
+    EXPECT_EQ(Shown("txtConnInfo0"), "Yes");
+    EXPECT_EQ(Shown("txtConnInfo1"), "No");
+    EXPECT_EQ(Shown("txtConnInfo3"), "Yes");
+    EXPECT_NE(Find<QPlainTextEdit>("txtConnInfo5")->toPlainText(), QString());
+
+    GoTo("tvNetAdapter");
+    auto* list = Find<QTableView>("ListView1");
+    ASSERT_TRUE(list->isVisible());
+    EXPECT_EQ(list->model()->columnCount(), 2);
+    EXPECT_EQ(list->model()->index(0, 1).data().toString(), QStringLiteral("lan0"));
+    entry.Index = 3;
+    network.Entries.push_back(entry);
+    Click("cmdButton1");
+    EXPECT_EQ(list->model()->columnCount(), 3) << "refreshed: one column more, the captions once";
+    list->setFocus();
+    list->selectRow(1);
+    QTest::keySequence(list, QKeySequence::Copy);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("interface index\t2\t3\n"));
+
+    GoTo("tvNetIP");
+    EXPECT_EQ(list->model()->columnCount(), 7);
+    EXPECT_EQ(list->model()->rowCount(), 0);
+    network.Addresses.emplace_back();
+    Click("cmdButton1");
+    EXPECT_EQ(list->model()->rowCount(), 1);
+    GoTo("tvAllg");
+    EXPECT_FALSE(list->isVisible());
+    EXPECT_FALSE(Find<QWidget>("cmdButton1")->isVisible());
 }
 
 TEST_F(SettingsDialog, AnotherLanguageRelabelsEveryWindowAtOnce) {

@@ -1,28 +1,36 @@
 #include "fakes/TemporaryFolder.h"
+#include "platform/linux/AddressMessage.h"
+#include "platform/linux/Descriptor.h"
+#include "platform/linux/LinkHistory.h"
 #include "platform/linux/LinkMessage.h"
 #include "platform/linux/NetlinkNetworkTables.h"
 
+#include <linux/if_addr.h>
 #include <linux/if_arp.h>
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 
 #include <cstring>
+#include <ctime>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <thread>
 
 using namespace korvalin;
 
 namespace {
 
-// A message of the link table as an older kernel, or none at all, would send it.
-class LinkMessage {
+// A message as an older kernel, or none at all, would send it.
+class Message {
   public:
-    explicit LinkMessage(std::uint16_t hardwareType, unsigned flags = 0) {
-        bytes_.resize(NLMSG_SPACE(sizeof(ifinfomsg)));
-        auto* link = static_cast<ifinfomsg*>(NLMSG_DATA(Header()));
-        link->ifi_index = 7;
-        link->ifi_type = hardwareType;
-        link->ifi_flags = flags;
+    template <typename Record>
+    Message(std::uint16_t type, const Record& record) {
+        bytes_.resize(NLMSG_SPACE(sizeof record));
+        std::memcpy(NLMSG_DATA(Header()), &record, sizeof record);
+        Header()->nlmsg_type = type;
     }
-    LinkMessage& Add(std::uint16_t type, const void* data, std::size_t size) {
+    Message& Add(std::uint16_t type, const void* data, std::size_t size) {
         rtattr attribute{static_cast<std::uint16_t>(RTA_LENGTH(size)), type};
         const std::size_t begin = bytes_.size();
         bytes_.resize(begin + RTA_SPACE(size));
@@ -30,18 +38,52 @@ class LinkMessage {
         std::memcpy(bytes_.data() + begin + RTA_LENGTH(0), data, size);
         return *this;
     }
-    InterfaceRow Read() {
+    const nlmsghdr& Get() {
         Header()->nlmsg_len = static_cast<std::uint32_t>(bytes_.size());
-        Header()->nlmsg_type = RTM_NEWLINK;
-        InterfaceRow row;
-        EXPECT_TRUE(ReadLinkMessage(*Header(), row));
-        return row;
+        return *Header();
     }
 
   private:
     nlmsghdr* Header() { return reinterpret_cast<nlmsghdr*>(bytes_.data()); }
     std::vector<char> bytes_;
 };
+
+class LinkMessage : public Message {
+  public:
+    explicit LinkMessage(std::uint16_t hardwareType, unsigned flags = 0)
+        : Message(RTM_NEWLINK, ifinfomsg{0, 0, hardwareType, 7, flags, 0}) {}
+
+    LinkMessage& Add(std::uint16_t type, const void* data, std::size_t size) {
+        Message::Add(type, data, size);
+        return *this;
+    }
+    InterfaceRow Read() {
+        InterfaceRow row;
+        std::uint32_t carrierChanges = 0;
+        EXPECT_TRUE(ReadLinkMessage(Get(), row, carrierChanges));
+        return row;
+    }
+    InterfaceEntry ReadEntry() {
+        InterfaceEntry entry;
+        EXPECT_TRUE(ReadLinkEntry(Get(), entry, CarrierChanges));
+        return entry;
+    }
+    std::uint32_t CarrierChanges = 0;
+};
+
+std::uint32_t Uptime() {
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return static_cast<std::uint32_t>(time.tv_sec * 100 + time.tv_nsec / 10'000'000);
+}
+
+void SwitchOn(const char* link) {
+    const Descriptor out(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    ifreq request{};
+    std::strcpy(request.ifr_name, link);
+    request.ifr_flags = IFF_UP;
+    EXPECT_EQ(ioctl(out.Get(), SIOCSIFFLAGS, &request), 0);
+}
 
 TEST(NetworkTables, TakesTheWideCountersWhereThereAreAny) {
     rtnl_link_stats64 wide{};
@@ -84,6 +126,137 @@ TEST(NetworkTables, ALineWithoutAStateIsUpWhileItRuns) {
         EXPECT_EQ(read.OperStatus, row.Status) << row.HardwareType;
         EXPECT_EQ(read.Description, "line7");
     }
+}
+
+template <typename Record>
+Record Packets() {
+    Record record{};
+    record.rx_packets = 100;
+    record.multicast = 30;
+    record.rx_dropped = 4;
+    record.rx_missed_errors = 5;
+    record.rx_errors = 6;
+    record.tx_packets = 70;
+    record.tx_dropped = 8;
+    record.tx_errors = 9;
+    return record;
+}
+
+TEST(NetworkTables, TheEntryOfALinkHoldsWhatTheMessageTells) {
+    auto wide = Packets<rtnl_link_stats64>();
+    wide.tx_packets = 5'000'000'000;
+    const auto narrow = Packets<rtnl_link_stats>();
+    const std::uint32_t mtu = 1500;
+    const std::uint32_t changes = 3;
+    const std::uint8_t testing = 4; // IF_OPER_TESTING
+    LinkMessage message(ARPHRD_FDDI, 1);
+    message.Add(IFLA_STATS64, &wide, sizeof wide)
+        .Add(IFLA_STATS, &narrow, sizeof narrow)
+        .Add(IFLA_MTU, &mtu, sizeof mtu)
+        .Add(IFLA_CARRIER_CHANGES, &changes, sizeof changes)
+        .Add(IFLA_ADDRESS, "\1\2\3\4\5\6\7\10\11\12", 10);
+    const InterfaceEntry entry = message.ReadEntry();
+    EXPECT_EQ(message.CarrierChanges, 3U);
+    EXPECT_TRUE(entry.Type == IfTypeFddi && entry.Mtu == 1500);
+    EXPECT_EQ(entry.AdminStatus, AdministrativeStatus::Enabled);
+    EXPECT_EQ(entry.PhysAddr.Length, 8U);
+    EXPECT_EQ(entry.PhysAddr.Bytes, (std::array<std::uint8_t, 8>{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_TRUE(entry.InUcastPkts == 70 && entry.InNUcastPkts == 30 && entry.InDiscards == 9 &&
+                entry.InErrors == 6);
+    EXPECT_TRUE(entry.OutUcastPkts == 5'000'000'000 && entry.OutDiscards == 8 && entry.OutErrors == 9);
+
+    LinkMessage old(ARPHRD_SLIP, 1);
+    const InterfaceEntry tested =
+        old.Add(IFLA_STATS, &narrow, sizeof narrow).Add(IFLA_OPERSTATE, &testing, 1).ReadEntry();
+    EXPECT_TRUE(tested.Type == IfTypeSlip && tested.OutUcastPkts == 70 && tested.InDiscards == 9);
+    EXPECT_EQ(tested.AdminStatus, AdministrativeStatus::Testing);
+    // cut short, and no more multicasts than packets
+    wide.rx_packets = 10;
+    const InterfaceEntry shortened =
+        LinkMessage(ARPHRD_IEEE802_TR).Add(IFLA_STATS64, &wide, 72).Add(IFLA_MTU, &mtu, 2).ReadEntry();
+    EXPECT_TRUE(shortened.Type == IfTypeTokenRing && shortened.InUcastPkts == 0 && shortened.Mtu == 0);
+    EXPECT_EQ(shortened.AdminStatus, AdministrativeStatus::Disabled);
+    EXPECT_EQ(shortened.PhysAddr.Length, 0U);
+}
+
+TEST(NetworkTables, AnAddressHasTheMaskOfItsPrefix) {
+    struct {
+        std::uint8_t Prefix;
+        Ip4Address Mask;
+    } const rows[] = {
+        {0, {}}, {1, {128}}, {20, {255, 255, 240}}, {24, {255, 255, 255}}, {32, {255, 255, 255, 255}}};
+    for (const auto& [prefix, mask] : rows) {
+        IpAddressRow row;
+        EXPECT_TRUE(ReadAddressRow(
+            Message(RTM_NEWADDR, ifaddrmsg{AF_INET, prefix, 0x80, 0, 3}).Add(IFA_LOCAL, "\12\0\0\1", 4).Get(),
+            row));
+        EXPECT_EQ(row.Mask, mask) << int(prefix);
+        EXPECT_TRUE(row.Index == 3 && row.Type == IpAddressPrimary);
+    }
+    IpAddressRow row;
+    EXPECT_FALSE(ReadAddressRow(
+        Message(RTM_NEWADDR, ifaddrmsg{AF_INET, 8, 0, 0, 3}).Add(IFA_LOCAL, "\12\0", 2).Get(), row));
+    EXPECT_FALSE(ReadAddressRow(
+        Message(RTM_NEWADDR, ifaddrmsg{AF_INET6, 8, 0, 0, 3}).Add(IFA_ADDRESS, "0123456789abcdef", 16).Get(),
+        row));
+}
+
+TEST(LinkHistory, TellsSinceWhenALinkIsInItsStatus) {
+    constexpr auto up = OperationalStatus::Operational;
+    constexpr auto down = OperationalStatus::Disconnected;
+    LinkHistory history;
+    const auto look = [&history](std::uint32_t now, OperationalStatus first, std::uint32_t changes,
+                                 bool second) {
+        history.BeginLook(now);
+        history.Note(1, first, changes);
+        if (second) history.Note(2, up, 0);
+        history.EndLook();
+    };
+    history.BeginLook(50); // broken off: not yet the first look
+    history.Note(1, down, 0);
+    look(100, up, 0, false);
+    EXPECT_EQ(history.LastChange(1), 0U);
+    look(200, down, 1, true);
+    EXPECT_EQ(history.LastChange(1), 200U);
+    EXPECT_EQ(history.LastChange(2), 200U) << "a link that came while the program runs";
+    look(300, down, 1, false);
+    EXPECT_EQ(history.LastChange(1), 200U);
+    EXPECT_EQ(history.LastChange(2), 0U) << "a link that is gone";
+    look(400, down, 3, true);
+    EXPECT_EQ(history.LastChange(1), 400U) << "there and away again between two looks";
+    EXPECT_EQ(history.LastChange(2), 400U);
+}
+
+// In a network of its own, whose only link is a loopback that is switched off.
+TEST(NetworkTables, NoticesWhenALinkChanges) {
+    bool possible = false;
+    std::thread([&possible] {
+        possible = unshare(CLONE_NEWNET) == 0;
+        if (!possible) return;
+        NetlinkNetworkTables tables;
+        std::vector<InterfaceRow> rows;
+        std::vector<InterfaceEntry> entries;
+        std::vector<IpAddressRow> addresses;
+        ASSERT_EQ(tables.GetIfTable(rows, true), 0);
+        ASSERT_EQ(tables.GetIfTable2(entries), 0);
+        ASSERT_EQ(entries.size(), 1U);
+        EXPECT_EQ(entries[0].OperStatus, OperationalStatus::Disconnected);
+        EXPECT_EQ(entries[0].LastChange, 0U);
+        EXPECT_TRUE(tables.GetIpAddrTable(addresses) == 0 && addresses.empty());
+
+        const std::uint32_t before = Uptime();
+        SwitchOn("lo");
+        ASSERT_EQ(tables.GetIfTable(rows, true), 0);
+        const std::uint32_t after = Uptime();
+        ASSERT_EQ(tables.GetIfTable2(entries), 0);
+        EXPECT_EQ(entries.at(0).OperStatus, OperationalStatus::Operational);
+        EXPECT_EQ(entries[0].AdminStatus, AdministrativeStatus::Enabled);
+        EXPECT_TRUE(before <= entries[0].LastChange && entries[0].LastChange <= after)
+            << before << " " << entries[0].LastChange << " " << after;
+        ASSERT_EQ(tables.GetIpAddrTable(addresses), 0);
+        EXPECT_EQ(addresses.at(0).Address, (Ip4Address{127, 0, 0, 1}));
+    }).join();
+    if (!possible) GTEST_SKIP() << "no network of its own here";
 }
 
 TEST(TcpStatistics, AreFoundByTheNamesOfTheirColumns) {

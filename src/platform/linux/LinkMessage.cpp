@@ -6,6 +6,7 @@
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -25,6 +26,11 @@ bool CopyOctets(const nlattr& attribute, InterfaceRow& row) {
     return true;
 }
 
+// 0 when it is cut short.
+std::uint32_t NumberOf(const nlattr& attribute) {
+    return mnl_attr_get_payload_len(&attribute) >= sizeof(std::uint32_t) ? mnl_attr_get_u32(&attribute) : 0;
+}
+
 // The name, when it ends within its attribute.
 void CopyName(const nlattr& attribute, InterfaceRow& row) {
     const auto* name = static_cast<const char*>(mnl_attr_get_payload(&attribute));
@@ -33,17 +39,59 @@ void CopyName(const nlattr& attribute, InterfaceRow& row) {
 
 struct LinkAttributes {
     InterfaceRow& Row;
+    std::uint32_t& CarrierChanges;
     unsigned State = IF_OPER_UNKNOWN;
 };
 
 int TakeAttribute(const nlattr* attribute, void* context) {
-    auto& [row, state] = *static_cast<LinkAttributes*>(context);
+    auto& [row, carrierChanges, state] = *static_cast<LinkAttributes*>(context);
     switch (mnl_attr_get_type(attribute)) {
     case IFLA_IFNAME: CopyName(*attribute, row); break;
     case IFLA_OPERSTATE: state = mnl_attr_get_u8(attribute); break;
+    case IFLA_CARRIER_CHANGES: carrierChanges = NumberOf(*attribute); break;
     case IFLA_STATS64: row.Counts64Bits = CopyOctets<rtnl_link_stats64>(*attribute, row); break;
     case IFLA_STATS: // 32 bits: they count only where the wide ones are missing, whichever comes first
         if (!row.Counts64Bits) CopyOctets<rtnl_link_stats>(*attribute, row);
+        break;
+    default: break;
+    }
+    return MNL_CB_OK;
+}
+
+PhysicalAddress PhysicalAddressOf(const nlattr& attribute) {
+    PhysicalAddress address;
+    address.Length = std::min<std::size_t>(mnl_attr_get_payload_len(&attribute), address.Bytes.size());
+    std::memcpy(address.Bytes.data(), mnl_attr_get_payload(&attribute), address.Length);
+    return address;
+}
+
+// The kernel counts multicasts received within the packets, and tells neither broadcasts nor what was sent to
+// many. Packets of a protocol that nobody speaks are among those dropped.
+template <typename Record>
+void CopyPackets(const nlattr& attribute, InterfaceEntry& entry) {
+    Record record{};
+    std::memcpy(&record, mnl_attr_get_payload(&attribute),
+                std::min<std::size_t>(mnl_attr_get_payload_len(&attribute), sizeof record));
+    entry.InNUcastPkts = record.multicast;
+    entry.InUcastPkts = record.rx_packets - std::min(record.multicast, record.rx_packets);
+    entry.InDiscards = std::uint64_t{record.rx_dropped} + record.rx_missed_errors;
+    entry.InErrors = record.rx_errors;
+    entry.OutUcastPkts = record.tx_packets;
+    entry.OutDiscards = record.tx_dropped;
+    entry.OutErrors = record.tx_errors;
+}
+
+int TakeEntryAttribute(const nlattr* attribute, void* context) {
+    auto& entry = *static_cast<InterfaceEntry*>(context);
+    switch (mnl_attr_get_type(attribute)) {
+    case IFLA_OPERSTATE: // the kernel knows no test that the administrator orders, but a line under test
+        if (mnl_attr_get_u8(attribute) == IF_OPER_TESTING) entry.AdminStatus = AdministrativeStatus::Testing;
+        break;
+    case IFLA_MTU: entry.Mtu = NumberOf(*attribute); break;
+    case IFLA_ADDRESS: entry.PhysAddr = PhysicalAddressOf(*attribute); break;
+    case IFLA_STATS64: CopyPackets<rtnl_link_stats64>(*attribute, entry); break;
+    case IFLA_STATS:
+        if (!entry.Counts64Bits) CopyPackets<rtnl_link_stats>(*attribute, entry);
         break;
     default: break;
     }
@@ -64,6 +112,12 @@ std::uint32_t InterfaceTypeOf(unsigned hardwareType) {
     case ARPHRD_ETHER: return IfTypeEthernet;
     case ARPHRD_LOOPBACK: return IfTypeSoftwareLoopback;
     case ARPHRD_PPP: return IfTypePpp;
+    case ARPHRD_IEEE802_TR: return IfTypeTokenRing;
+    case ARPHRD_FDDI: return IfTypeFddi;
+    case ARPHRD_SLIP:
+    case ARPHRD_CSLIP:
+    case ARPHRD_SLIP6:
+    case ARPHRD_CSLIP6: return IfTypeSlip;
     case ARPHRD_NONE: // tun, wireguard
     case ARPHRD_TUNNEL:
     case ARPHRD_TUNNEL6:
@@ -87,7 +141,7 @@ OperationalStatus OperationalStatusOf(unsigned state, unsigned flags) {
     }
 }
 
-bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row) {
+bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row, std::uint32_t& carrierChanges) {
     if (message.nlmsg_type != RTM_NEWLINK || message.nlmsg_len < mnl_nlmsg_size(sizeof(ifinfomsg)))
         return false;
     const auto* link = static_cast<const ifinfomsg*>(mnl_nlmsg_get_payload(&message));
@@ -97,9 +151,20 @@ bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row) {
     row.Counts64Bits = false;
     row.Description.clear();
     row.Address.clear();
-    LinkAttributes attributes{row};
+    carrierChanges = 0;
+    LinkAttributes attributes{row, carrierChanges};
     mnl_attr_parse(&message, sizeof(ifinfomsg), TakeAttribute, &attributes);
     row.OperStatus = OperationalStatusOf(attributes.State, link->ifi_flags);
+    return true;
+}
+
+bool ReadLinkEntry(const nlmsghdr& message, InterfaceEntry& entry, std::uint32_t& carrierChanges) {
+    entry = {};
+    if (!ReadLinkMessage(message, entry, carrierChanges)) return false;
+    const auto* link = static_cast<const ifinfomsg*>(mnl_nlmsg_get_payload(&message));
+    entry.AdminStatus =
+        (link->ifi_flags & IFF_UP) != 0 ? AdministrativeStatus::Enabled : AdministrativeStatus::Disabled;
+    mnl_attr_parse(&message, sizeof(ifinfomsg), TakeEntryAttribute, &entry);
     return true;
 }
 

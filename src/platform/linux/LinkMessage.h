@@ -6,9 +6,13 @@ struct nlmsghdr;
 
 namespace korvalin {
 
-/// Reads one message of the kernel's link table into a row, whose text's memory is used again. False for any
-/// other message.
-bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row);
+/// Reads one message of the kernel's link table into a row, whose text's memory is used again.
+/// `carrierChanges` is how often the link has found or lost its carrier, 0 where the kernel does not tell.
+/// False for any other message.
+bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row, std::uint32_t& carrierChanges);
+
+/// The same with all fields of the entry that the message tells: all but speed, last change and queue length.
+bool ReadLinkEntry(const nlmsghdr& message, InterfaceEntry& entry, std::uint32_t& carrierChanges);
 
 /// The index of the link that a message of the counter table is about; 0 for any other message.
 std::uint32_t LinkOfCounters(const nlmsghdr& message);

@@ -2,6 +2,7 @@
 
 #include "platform/linux/AddressMessage.h"
 #include "platform/linux/LinkMessage.h"
+#include "platform/linux/QueueMessage.h"
 #include "platform/linux/TcpFigures.h"
 
 #include <libmnl/libmnl.h>
@@ -11,7 +12,9 @@
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 #include <sys/socket.h>
+#include <tuple>
 
 namespace korvalin {
 namespace {
@@ -35,23 +38,43 @@ bool IndexBefore(const InterfaceRow& left, const InterfaceRow& right) {
     return left.Index < right.Index;
 }
 
+// The system's uptime as MIBs count it (TimeTicks): hundredths of a second, modulo 2^32.
+std::uint32_t UptimeHundredths() {
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return static_cast<std::uint32_t>(time.tv_sec * 100 + time.tv_nsec / 10'000'000);
+}
+
+template <typename Row>
+bool AddressBefore(const Row& left, const Row& right) {
+    return std::tie(left.Address, left.Index) < std::tie(right.Address, right.Index);
+}
+
+// Old kernels dump in the order of name hashes.
+template <typename Row>
+void SortByIndex(std::vector<Row>& rows) {
+    if (!std::is_sorted(rows.begin(), rows.end(), IndexBefore))
+        std::sort(rows.begin(), rows.end(), IndexBefore);
+}
+
 // Finds the rows of indexes that mostly come in the rows' own order.
+template <typename Row>
 class RowFinder {
   public:
-    explicit RowFinder(std::vector<InterfaceRow>& rows) : rows_(rows) {}
+    explicit RowFinder(std::vector<Row>& rows) : rows_(rows) {}
 
-    InterfaceRow* Find(std::uint32_t index) {
+    Row* Find(std::uint32_t index) {
         if (next_ >= rows_.size() || rows_[next_].Index != index) {
             const auto found =
                 std::lower_bound(rows_.begin(), rows_.end(), index,
-                                 [](const InterfaceRow& row, std::uint32_t i) { return row.Index < i; });
+                                 [](const Row& row, std::uint32_t i) { return row.Index < i; });
             next_ = static_cast<std::size_t>(found - rows_.begin());
         }
         return next_ < rows_.size() && rows_[next_].Index == index ? &rows_[next_++] : nullptr;
     }
 
   private:
-    std::vector<InterfaceRow>& rows_;
+    std::vector<Row>& rows_;
     std::size_t next_ = 0;
 };
 
@@ -64,31 +87,38 @@ NetlinkNetworkTables::NetlinkNetworkTables(std::filesystem::path procNet) : proc
 int NetlinkNetworkTables::ReadLinks() {
     Request request(RTM_GETLINK, ifinfomsg{});
     std::size_t count = 0; // rows of the last time are written over, as their texts have memory already
-    const int error = socket_.Dump(
-        request.Header(), [&count] { count = 0; },
-        [&](const nlmsghdr& message) {
-            if (count == links_.size()) links_.emplace_back();
-            if (ReadLinkMessage(message, links_[count])) ++count;
-        });
+    std::uint32_t carrierChanges = 0;
+    const auto restart = [&] {
+        count = 0;
+        history_.BeginLook(UptimeHundredths());
+    };
+    const int error = socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
+        if (count == links_.size()) links_.emplace_back();
+        InterfaceRow& row = links_[count];
+        if (!ReadLinkMessage(message, row, carrierChanges)) return;
+        history_.Note(row.Index, row.OperStatus, carrierChanges);
+        ++count;
+    });
     links_.resize(error == 0 ? count : 0);
-    if (!std::is_sorted(links_.begin(), links_.end(), IndexBefore)) {
-        std::sort(links_.begin(), links_.end(), IndexBefore); // old kernels dump in the order of name hashes
-    }
-    if (error == 0) ReadAddresses();
-    return error;
+    if (error != 0) return error;
+    history_.EndLook();
+    SortByIndex(links_);
+    ReadAddresses(links_);
+    return 0;
 }
 
 // An adapter without a known address is as good as one without any.
-void NetlinkNetworkTables::ReadAddresses() {
+template <typename Row>
+void NetlinkNetworkTables::ReadAddresses(std::vector<Row>& rows) {
     Request request(RTM_GETADDR, ifaddrmsg{});
-    RowFinder finder(links_);
-    const auto restart = [this] {
-        for (InterfaceRow& row : links_)
+    RowFinder finder(rows);
+    const auto restart = [&rows] {
+        for (Row& row : rows)
             row.Address.clear();
     };
     static_cast<void>(socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
         const auto address = ReadAddressMessage(message);
-        InterfaceRow* row = address ? finder.Find(address->Link) : nullptr;
+        Row* row = address ? finder.Find(address->Link) : nullptr;
         // Version 4 is told first, and the first one counts.
         if (row != nullptr && row->Address.empty()) row->Address = address->Text;
     }));
@@ -116,6 +146,77 @@ int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
     const int error = known && countersAlone_ && ReadCounters() ? 0 : ReadLinks();
     rows = links_;
     return error;
+}
+
+int NetlinkNetworkTables::ReadEntries(std::vector<InterfaceEntry>& entries) {
+    Request request(RTM_GETLINK, ifinfomsg{});
+    InterfaceEntry entry;
+    std::uint32_t carrierChanges = 0;
+    const auto restart = [&] {
+        entries.clear();
+        history_.BeginLook(UptimeHundredths());
+    };
+    const int error = socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
+        if (!ReadLinkEntry(message, entry, carrierChanges)) return;
+        history_.Note(entry.Index, entry.OperStatus, carrierChanges);
+        entries.push_back(entry);
+    });
+    if (error == 0) history_.EndLook();
+    return error;
+}
+
+// A kernel without queues has nothing that waits.
+void NetlinkNetworkTables::ReadQueues(std::vector<InterfaceEntry>& entries) {
+    Request request(RTM_GETQDISC, tcmsg{});
+    RowFinder finder(entries);
+    static_cast<void>(socket_.Dump(
+        request.Header(), [] {},
+        [&](const nlmsghdr& message) {
+            const auto queue = ReadQueueMessage(message);
+            InterfaceEntry* entry = queue ? finder.Find(queue->Link) : nullptr;
+            if (entry != nullptr) entry->OutQLen = queue->Packets;
+        }));
+}
+
+int NetlinkNetworkTables::GetIfTable2(std::vector<InterfaceEntry>& entries) {
+    const int error = ReadEntries(entries);
+    if (error != 0) {
+        entries.clear();
+        return error;
+    }
+    SortByIndex(entries);
+    ReadAddresses(entries);
+    ReadQueues(entries);
+    for (InterfaceEntry& entry : entries) {
+        entry.LastChange = history_.LastChange(entry.Index);
+        entry.Speed = speeds_.BitsPerSecond(entry.Description);
+    }
+    return 0;
+}
+
+// The addresses of one version in the order of their octets.
+template <typename Row>
+int NetlinkNetworkTables::ReadAddressTable(std::uint8_t family, std::vector<Row>& rows) {
+    ifaddrmsg wanted{};
+    wanted.ifa_family = family;
+    Request request(RTM_GETADDR, wanted);
+    const int error = socket_.Dump(
+        request.Header(), [&rows] { rows.clear(); },
+        [&rows](const nlmsghdr& message) {
+            Row row;
+            if (ReadAddressRow(message, row)) rows.push_back(std::move(row));
+        });
+    if (error != 0) rows.clear();
+    std::sort(rows.begin(), rows.end(), AddressBefore<Row>);
+    return error;
+}
+
+int NetlinkNetworkTables::GetIpAddrTable(std::vector<IpAddressRow>& rows) {
+    return ReadAddressTable(AF_INET, rows);
+}
+
+int NetlinkNetworkTables::GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) {
+    return ReadAddressTable(AF_INET6, rows);
 }
 
 int NetlinkNetworkTables::GetTcpStatistics(TcpStatistics& statistics) {

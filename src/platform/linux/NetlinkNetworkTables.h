@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/NetworkTables.h"
+#include "platform/linux/LinkHistory.h"
+#include "platform/linux/LinkSpeeds.h"
 #include "platform/linux/LinkWatch.h"
 #include "platform/linux/NetlinkSocket.h"
 
@@ -9,21 +11,32 @@
 namespace korvalin {
 
 /// The kernel's adapters by one dump per call: of the counters alone as long as no link is announced to have
-/// changed, a fifth of the cost of the whole link table. TCP figures come from /proc/net.
+/// changed, a fifth of the cost of the whole link table. TCP figures come from /proc/net. When a link changed
+/// its status is known to the second while GetIfTable is called every second, otherwise to the next call.
 class NetlinkNetworkTables : public NetworkTables {
   public:
     explicit NetlinkNetworkTables(std::filesystem::path procNet = "/proc/net");
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
+    int GetIfTable2(std::vector<InterfaceEntry>& entries) override;
+    int GetIpAddrTable(std::vector<IpAddressRow>& rows) override;
+    int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override;
     int GetTcpStatistics(TcpStatistics& statistics) override;
 
   private:
     int ReadLinks();
-    void ReadAddresses();
+    template <typename Row>
+    void ReadAddresses(std::vector<Row>& rows);
     bool ReadCounters();
+    int ReadEntries(std::vector<InterfaceEntry>& entries);
+    template <typename Row>
+    int ReadAddressTable(std::uint8_t family, std::vector<Row>& rows);
+    void ReadQueues(std::vector<InterfaceEntry>& entries);
 
     NetlinkSocket socket_;
     LinkWatch watch_;
+    LinkHistory history_;
+    LinkSpeeds speeds_;
     std::vector<InterfaceRow> links_; // by ascending index
     bool countersAlone_ = true;       // the kernel dumps counters without the rest
     std::filesystem::path procNet_;

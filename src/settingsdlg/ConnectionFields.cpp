@@ -1,0 +1,18 @@
+#include "settingsdlg/ConnectionFields.h"
+
+#include "errors/ConnectionState.h"
+#include "lang/Language.h"
+
+namespace korvalin {
+
+std::array<std::string, 6> ConnectionFields(Internet& internet, Language& language) {
+    const auto word = [&language](bool value) {
+        return value ? language.Lng("frmEinstellungen", 30) : language.Lng("frmEinstellungen", 31);
+    };
+    const auto description = [&language](int number) { return language.Lng("modConnInfo", number); };
+    return {word(IsInternetViaLan(internet)),   word(IsInternetViaModem(internet)),
+            word(IsInternetViaProxy(internet)), word(IsOnline(internet)),
+            word(IsRasInstalled(internet)),     ConnectionInfoText(internet, description)};
+}
+
+} // namespace korvalin

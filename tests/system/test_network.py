@@ -1,0 +1,153 @@
+#!/usr/bin/env python3
+"""What korvalin-cli network tells of adapters, addresses and queues is what iproute2 tells of them."""
+
+import ipaddress
+import json
+import sys
+import unittest
+
+import rig
+
+STATUS = {"UP": "5 Operational", "DOWN": "2 Disconnected", "LOWERLAYERDOWN": "2 Disconnected"}
+SENDER = """
+import socket
+out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+for _ in range(20):
+    out.sendto(b"x" * 1400, ("10.77.0.2", 9))
+"""
+
+
+def grouped(number):
+    return f"{number:,}"
+
+
+class Network(rig.Case):
+    def setUp(self):
+        super().setUp()
+        self.network = self.enter(rig.Network())
+        self.here = self.network.here
+        self.home.set(Language="ENG")
+
+    def inside(self, *command):
+        return self.network.inside(self.here, *command).stdout
+
+    def shown(self):
+        """What the program tells, its adapters by their names."""
+        told = json.loads(self.inside("env", *(f"{name}={self.home.env[name]}" for name in
+                                               ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "LANG")),
+                                      str(rig.BIN / "korvalin-cli"), "network", "--json"))
+        return {adapter["description"]: adapter for adapter in told["adapters"]}, told["addresses"]
+
+    def links(self):
+        return json.loads(self.inside("ip", "-json", "-stats", "link"))
+
+    def expected(self, link):
+        speed = self.inside("sh", "-c", f"cat /sys/class/net/{link['ifname']}/speed 2>/dev/null || echo -1")
+        address = [int(byte, 16) for byte in link["address"].split(":")]
+        received, sent = link["stats64"]["rx"], link["stats64"]["tx"]
+        loopback = link["link_type"] == "loopback"
+        up = "UP" in link["flags"]
+        return {"description": link["ifname"],
+                "interface index": str(link["ifindex"]),
+                "interface type": "24 Loopback" if loopback else "6 Ethernet",
+                "Maximum Transmission Unit": str(link["mtu"]),
+                "interface speed (bps)": grouped(max(int(speed), 0) * 1_000_000),
+                "physical address (decimal)": "".join(f"{byte} " for byte in address),
+                "physical address (hex)": "".join(f"{byte:X} " for byte in address),
+                "admin enabled or disabled": "1 Enabled" if up else "2 Disabled",
+                "interface operational status": STATUS[link["operstate"]] if not loopback else STATUS["UP" if up else "DOWN"],
+                "last time op status changed": "0",
+                "data received (octets)": grouped(received["bytes"]),
+                "packets received (unicast)": grouped(received["packets"] - received["multicast"]),
+                "packets received (non-unicast)": grouped(received["multicast"]),
+                "packets discarded": grouped(received["dropped"]),
+                "discarded with errors": grouped(received["errors"]),
+                "discarded, unknown protocol": "0",
+                "data sent (octets)": grouped(sent["bytes"]),
+                "packets sent (unicast)": grouped(sent["packets"]),
+                "packets sent (non-unicast)": "0",
+                "packets discarded, no errors": grouped(sent["dropped"]),
+                "packets discarded with errors": grouped(sent["errors"]),
+                "output queue length": "0"}
+
+    def test_adapters_are_the_kernels(self):
+        self.inside("ip", "link", "set", "lo", "up")
+        self.inside("ip", "link", "add", "spare0", "mtu", "1280", "type", "veth", "peer", "name", "spare1")
+        self.inside("ip", "link", "set", "spare0", "up")  # without a carrier, as its peer is down
+        self.launch([sys.executable, "-c", SENDER], self.here).wait()
+
+        def steady():
+            before = self.links()
+            adapters, _ = self.shown()
+            return (before, adapters) if before == self.links() else None
+
+        links, adapters = rig.wait_for(steady, "counters that rest")
+        names = {link["ifname"] for link in links}
+        self.assertLessEqual({"lo", "wire0", "spare0", "spare1"}, names)
+        self.assertEqual(names, set(adapters))
+        indexes = [int(adapter["interface index"]) for adapter in adapters.values()]
+        self.assertEqual(indexes, sorted(indexes))
+        for link in links:
+            with self.subTest(link["ifname"]):
+                told, expected = adapters[link["ifname"]], self.expected(link)
+                if "UP" not in link["flags"]:  # the driver knows the speed, its file is not there to be read
+                    del told["interface speed (bps)"], expected["interface speed (bps)"]
+                self.assertEqual(told, expected)
+        self.assertNotEqual(adapters["wire0"]["data sent (octets)"], "0")
+        self.assertEqual({adapters[name]["interface operational status"] for name in ("lo", "wire0")}, {"5 Operational"})
+        self.assertEqual(adapters["spare1"]["admin enabled or disabled"], "2 Disabled")
+
+    def test_addresses_of_both_versions(self):
+        self.inside("ip", "link", "set", "lo", "up")
+        for address in (("10.9.0.1/20", "broadcast", "+"), ("10.77.0.9/24", "broadcast", "10.77.0.200"),
+                        ("10.100.0.1/32", "valid_lft", "1000", "preferred_lft", "1000")):
+            self.inside("ip", "address", "add", *address, "dev", "wire0")
+        if self.inside("sh", "-c", "cat /proc/sys/net/ipv6/conf/wire0/disable_ipv6 || true"):
+            self.inside("ip", "link", "set", "wire0", "addrgenmode", "none")
+            self.inside("sh", "-c", "echo 0 > /proc/sys/net/ipv6/conf/wire0/disable_ipv6")
+            for address in ("fd77::10/64", "fd77::9/64", "fe80::1/64"):
+                self.inside("ip", "address", "add", address, "dev", "wire0", "nodad")
+        expected = []
+        for link in json.loads(self.inside("ip", "-json", "address")):
+            for info in link["addr_info"]:
+                address = ipaddress.ip_interface(f"{info['local']}/{info['prefixlen']}")
+                row = [str(link["ifindex"]), str(address.ip)]
+                if address.version == 4:
+                    kind = (0 if info.get("secondary") else 1) + (4 if info.get("dynamic") else 0)
+                    row += [str(address.netmask), info.get("broadcast", "0.0.0.0"), "65535", "0", str(kind)]
+                else:
+                    row += [f"/{address.network.prefixlen}", "", "", "", ""]
+                expected.append((address.version, address.ip, row))
+        expected.sort(key=lambda entry: entry[:2])
+        _, addresses = self.shown()
+        self.assertGreaterEqual(len(addresses), 5)
+        self.assertEqual([list(address.values()) for address in addresses], [row for _, _, row in expected])
+        self.assertEqual({row[6] for version, _, row in expected if version == 4}, {"1", "0", "5"})
+
+    def test_packets_that_wait(self):
+        try:
+            self.inside("tc", "qdisc", "replace", "dev", "wire0", "root", "tbf", "rate", "1kbit", "burst", "1600", "limit",
+                        "100000")
+        except (OSError, rig.subprocess.CalledProcessError) as error:
+            raise unittest.SkipTest(f"no queue that holds packets back: {error}")
+        self.launch([sys.executable, "-c", SENDER], self.here).wait()
+
+        def agreed():
+            waiting = next(queue["qlen"] for queue in json.loads(self.inside("tc", "-json", "-stats", "qdisc"))
+                           if queue["dev"] == "wire0" and queue.get("root"))
+            return waiting > 10 and self.shown()[0]["wire0"]["output queue length"] == str(waiting)
+
+        rig.wait_for(agreed, "the queue's length")
+
+    def test_the_table_speaks_the_users_language(self):
+        self.home.set(Language="GER")
+        lines = self.home.cli("network").splitlines()
+        self.assertEqual(lines[0].split()[:3], ["Eigenschaft", "Adapter", "1"])
+        self.assertEqual(lines[1].split()[0], "Beschreibung")
+        blank = lines.index("")
+        self.assertEqual(blank, 23)
+        self.assertEqual(lines[blank + 1].split()[:2], ["Interface", "Index"])
+
+
+if __name__ == "__main__":
+    rig.main()
