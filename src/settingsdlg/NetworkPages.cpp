@@ -21,6 +21,8 @@ constexpr int fittedColumns = 50; // looking at the texts of a thousand columns 
 
 NetworkPages::NetworkPages(const Parts& parts) : parts_(parts), ui_(parts.Controls) {
     ui_.ListView1->setModel(&model_);
+    ui_.ListView1->setStyle(&listStyle_);
+    ui_.ListView1->horizontalHeader()->setStyle(&listStyle_);
     ui_.framesLayout->setStretchFactor(ui_.ListView1, 1);
     QHeaderView& rows = *ui_.ListView1->verticalHeader();
     rows.setSectionResizeMode(QHeaderView::Fixed);

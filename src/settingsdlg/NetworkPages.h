@@ -1,5 +1,6 @@
 #pragma once
 
+#include "forms/RoomyStyle.h"
 #include "settingsdlg/NetworkTableModel.h"
 
 #include <QObject>
@@ -52,6 +53,7 @@ class NetworkPages : public QObject {
 
     Parts parts_;
     Ui::frmEinstellungen& ui_;
+    RoomyStyle listStyle_;
     NetworkTableModel model_;
     std::function<TextTable()> build_; ///< what the button does anew
 };
