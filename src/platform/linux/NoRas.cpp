@@ -19,4 +19,18 @@ int NoRas::GetConnectStatus(std::int32_t, std::uint32_t& state) {
     return ErrorInvalidHandle;
 }
 
+int NoRas::EnumEntries(std::vector<std::string>&, std::uint32_t& count) {
+    count = 0;
+    return ErrorSuccess;
+}
+
+int NoRas::GetEntryProperties(const std::string&, PhoneEntry& entry) {
+    entry = {};
+    return ErrorCannotFindPhonebookEntry;
+}
+
+int NoRas::HangUp(std::int32_t) {
+    return ErrorInvalidHandle;
+}
+
 } // namespace korvalin

@@ -1,5 +1,6 @@
 #include "platform/linux/RouteInternet.h"
 
+#include "platform/Ras.h" // ErrorCannotFindPhonebookEntry
 #include "platform/linux/Descriptor.h"
 
 #include <algorithm>
@@ -108,6 +109,11 @@ ConnectedState RouteInternet::GetConnectedState() {
     if (!HasDefaultRoute()) return {};
     const std::uint32_t proxy = HasProxy() ? InternetConnectionProxy : 0;
     return {true, InternetConnectionLan | InternetConnectionConfigured | proxy};
+}
+
+int RouteInternet::Dial(const std::string&, std::uint32_t, std::int32_t& connection) {
+    connection = 0;
+    return ErrorCannotFindPhonebookEntry;
 }
 
 } // namespace korvalin

@@ -20,6 +20,7 @@ class RouteInternet : public Internet {
                            std::function<bool(const std::string& interfaceName)> linkIsUp = IsLinkRunning);
 
     ConnectedState GetConnectedState() override;
+    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override;
 
   private:
     bool HasDefaultRoute() const;
