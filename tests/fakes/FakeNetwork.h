@@ -4,7 +4,7 @@
 #include "platform/NetworkTables.h"
 #include "platform/Ras.h"
 
-#include <map>
+#include <functional>
 #include <stdexcept>
 
 namespace korvalin {
@@ -41,13 +41,18 @@ class FakeInternet : public Internet {
     /// Results of the coming dials, in order; 0 once they are used up.
     std::vector<int> DialResults;
     std::vector<std::pair<std::string, std::uint32_t>> Dials;
+    /// Runs while an entry is dialed.
+    std::function<void(const std::string& entryName)> OnDial = [](const std::string&) {};
+    /// The handle that a successful dial gives.
+    std::int32_t Connection = 1;
 
     ConnectedState GetConnectedState() override { return State; }
     int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override {
         const std::size_t dial = Dials.size();
         Dials.emplace_back(entryName, flags);
+        OnDial(entryName);
         const int result = dial < DialResults.size() ? DialResults[dial] : 0;
-        connection = result == 0 ? 1 : 0;
+        connection = result == 0 ? Connection : 0;
         return result;
     }
 };
@@ -87,6 +92,7 @@ class FakeRas : public Ras {
     int EnumEntriesResult = 0;
     int FillEntriesResult = 0;
     std::vector<std::int32_t> HungUp;
+    bool Stubborn = false; ///< connections stay up although they are hung up
 
     int EnumEntries(std::vector<std::string>& names, std::uint32_t& count) override {
         if (EnumEntriesResult != 0) return EnumEntriesResult;
@@ -108,7 +114,8 @@ class FakeRas : public Ras {
     }
     int HangUp(std::int32_t handle) override {
         HungUp.push_back(handle);
-        std::erase_if(Lines, [&](const Line& line) { return line.Connection.Handle == handle; });
+        if (!Stubborn)
+            std::erase_if(Lines, [&](const Line& line) { return line.Connection.Handle == handle; });
         return 0;
     }
 
