@@ -15,6 +15,7 @@ add_library(korvalin_gui STATIC
   dialogs/frmPopupMsg.cpp
   dialogs/frmPopupMsg.ui
   display/ChartPainter.cpp
+  display/DialMenu.cpp
   display/LinesMenu.cpp
   display/TrayIcon.cpp
   display/WindowFrame.cpp
@@ -23,6 +24,7 @@ add_library(korvalin_gui STATIC
   forms/Colors.cpp
   forms/CurveSpans.cpp
   forms/Loaded.cpp
+  forms/NameText.cpp
   forms/PictureBox.cpp
   forms/ProgramIcon.cpp
   forms/RoomyStyle.h

@@ -1,5 +1,6 @@
 #include "display/frmMain.h"
 
+#include "base/FlagGuard.h"
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
 #include "forms/Twips.h"
@@ -44,6 +45,8 @@ frmMain::frmMain(const Parts& parts)
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
                 parts.UserLocale, [this] { SetWindowHeight(heightForTextsTwips); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }),
+      dialMenu_({*ui_->mnuLogIn, *ui_->mnuLogInQuick, *ui_->mnuLogOut, *ui_->mnuTrennEinwahl},
+                [this](const std::string& entryName) { mnuLogInLine_Click(entryName); }),
       tray_(parts.Tray, *ui_->mnuTrayIcon, parts.Lines, parts.Error, parts.UserLocale) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
@@ -78,7 +81,8 @@ void frmMain::Plug(Hooks hooks) {
 
 void frmMain::ConnectMenu() {
     // Whoever opens it: the chart, the tray, a desktop that draws the menu itself.
-    connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenusIfChanged(true); });
+    connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenus(); });
+    connect(ui_->mnuLogOut, &QAction::triggered, this, [this] { mnuLogOut_Click(); });
     connect(ui_->mnuStatistik, &QAction::triggered, this, [this] { hooks_.OpenStatistics(); });
     connect(ui_->mnuInfo, &QAction::triggered, this, [this] { hooks_.OpenAbout(); });
     connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
@@ -116,6 +120,7 @@ void frmMain::ApplyTexts() {
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
+    if (ui_->mnuTrayIcon->isVisible()) RefreshDialMenusIfChanged(true);
     if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
 }
 
@@ -178,13 +183,15 @@ bool frmMain::HangUpItemVisible() {
     return ui_->mnuLogOut->isVisible();
 }
 
-// Dialling is not there yet: its items stay hidden.
+// Not while a message about the phone book is open, which lets the next update come.
 void frmMain::RefreshDialMenus() {
-    ui_->mnuLogIn->menuAction()->setVisible(false);
+    if (refreshingDialMenus_) return;
+    const FlagGuard refreshing(refreshingDialMenus_);
+    parts_.Error.Step("RefreshDialMenus", [this] { dialMenu_.Show(parts_.Dial.Choices()); });
 }
 
 void frmMain::RefreshDialMenusIfChanged(bool force) {
-    const std::size_t entries = hooks_.RASGetEntriesCount();
+    const std::size_t entries = parts_.Dial.EntriesCount();
     if (entries == phoneBookEntries_) return;
     phoneBookEntries_ = entries;
     if (force) RefreshDialMenus();
@@ -276,6 +283,26 @@ void frmMain::mnuLines_Click(std::size_t line) {
     DrawChart(false);
 }
 
+void frmMain::mnuLogInLine_Click(const std::string& entryName) {
+    RunDialing([this, entryName] { parts_.Dial.DialEntry(entryName); });
+}
+
+void frmMain::mnuLogOut_Click() {
+    RunDialing([this] { parts_.Dial.MONHangUp(); });
+}
+
+// Queued: updates go on meanwhile and rebuild the menu, which must be done with the click by then.
+void frmMain::RunDialing(std::function<void()> operation) {
+    const auto run = [this, operation = std::move(operation)] {
+        if (closed_ || parts_.Dial.Busy()) return;
+        dialMenu_.SetEnabled(false);
+        operation();
+        dialMenu_.SetEnabled(true);
+        RefreshDialMenus();
+    };
+    QMetaObject::invokeMethod(this, run, Qt::QueuedConnection);
+}
+
 // Window managers keep the edge that is not dragged in place when they know the smallest size.
 void frmMain::SetSmallestSize() {
     const int caption = frame_.CaptionShown() ? TwipsToPixels(frame_.CaptionHeight()) : 0;
@@ -297,6 +324,8 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
+    // The quick item's caption has become the designed one.
+    if (event->type() == QEvent::LanguageChange) RefreshDialMenus();
     if (event->type() != QEvent::WindowStateChange || !loaded_ || isMinimized() || !isVisible()) return;
     // Brought back from the taskbar, perhaps for the first time.
     windowShown_ = true;
@@ -340,6 +369,7 @@ void frmMain::DisplayLost() {
 
 void frmMain::Close(CloseReason reason) {
     closed_ = true;
+    parts_.Dial.Stop();
     hooks_.Closing(reason);
 }
 

@@ -89,11 +89,9 @@ int RunDesktop(int argc, char** argv) {
     QtNotificationArea tray;
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
-                    system.SystemTime(), program.locale, tray, messageBoxes});
-    // Dialling is not there yet: the phone book is empty.
+                    system.SystemTime(), program.locale, tray, messageBoxes, program.dialing});
     window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
-                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }, openStatistics,
-                 openAbout});
+                 [&] { return UseOfChartLine(program); }, openStatistics, openAbout});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.

@@ -52,6 +52,9 @@ class Dialing {
 
     DialChoices Choices();
 
+    /// Number of entries in the phone book.
+    std::size_t EntriesCount() { return parts_.PhoneBook.RASGetEntriesCount(); }
+
   private:
     int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection);
     bool ConnectionUp();
