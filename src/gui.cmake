@@ -7,9 +7,14 @@ add_library(korvalin_gui STATIC
   ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
   dialogs/LinkButton.cpp
   dialogs/MessageTexts.cpp
+  dialogs/QtDialDialog.cpp
   dialogs/QtMessageBoxes.cpp
   dialogs/frmAbout.cpp
   dialogs/frmAbout.ui
+  dialogs/frmDial.cpp
+  dialogs/frmDial.ui
+  dialogs/frmLogin.cpp
+  dialogs/frmLogin.ui
   dialogs/frmMessage.cpp
   dialogs/frmMessage.ui
   dialogs/frmPopupMsg.cpp

@@ -25,6 +25,10 @@ class FakeMessageBoxes : public MessageBoxes {
     bool WaitingOpen = false;
     /// Runs while a message is shown.
     std::function<void()> OnShow = [] {};
+    /// Answers in place of `Answers`.
+    std::function<MessageAnswer(const std::string& text, const std::string& title, MessageIcon icon,
+                                MessageButtons buttons)>
+        AnswersBy = {};
 
     ~FakeMessageBoxes() override {
         for (const Box& box : Shown)
@@ -35,6 +39,7 @@ class FakeMessageBoxes : public MessageBoxes {
                        MessageButtons buttons) override {
         Shown.push_back({text, title, icon, buttons});
         OnShow();
+        if (AnswersBy) return AnswersBy(text, title, icon, buttons);
         if (buttons == MessageButtons::Ok) return MessageAnswer::Ok;
         if (Answers.empty()) return MessageAnswer::No;
         const MessageAnswer answer = Answers.front();
