@@ -29,6 +29,7 @@ add_library(korvalin_gui STATIC
   forms/Colors.cpp
   forms/CurveSpans.cpp
   forms/Loaded.cpp
+  forms/LongMenuStyle.h
   forms/NameText.cpp
   forms/PictureBox.cpp
   forms/ProgramIcon.cpp

@@ -1,5 +1,6 @@
 #include "display/DialMenu.h"
 
+#include "forms/LongMenuStyle.h"
 #include "forms/NameText.h"
 
 #include <QMenu>
@@ -8,6 +9,9 @@ namespace korvalin {
 
 DialMenu::DialMenu(const Items& items, std::function<void(const std::string& entryName)> dial)
     : items_(items), dial_(std::move(dial)) {
+    auto* style = new LongMenuStyle;
+    style->setParent(&items_.LogIn);
+    items_.LogIn.setStyle(style);
     items_.LogIn.setToolTipsVisible(true);
     QObject::connect(&items_.Quick, &QAction::triggered, &items_.LogIn, [this] { dial_(quick_); });
 }
