@@ -298,7 +298,7 @@ void frmMain::RunDialing(std::function<void()> operation) {
         dialMenu_.SetEnabled(false);
         operation();
         dialMenu_.SetEnabled(true);
-        RefreshDialMenus();
+        if (!closed_) RefreshDialMenus();
     };
     QMetaObject::invokeMethod(this, run, Qt::QueuedConnection);
 }
