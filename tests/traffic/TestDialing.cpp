@@ -115,9 +115,16 @@ TEST_F(DialingTest, NoChangeOfTheNumberPassesUnseen) {
     const std::string tooLong(2000, '1');
     struct {
         std::string Before, After;
-    } const rows[] = {{"t123", "T123"}, {"123 456", "123456"}, {"123", "１２３"},
-                      {"0900", "900"},  {"123", tooLong},      {tooLong, tooLong + "1"},
-                      {tooLong, "123"}, {"123", "123\n"},      {"True", "False"}};
+    } const rows[] = {{"t123", "T123"},
+                      {"123 456", "123456"},
+                      {"123", "１２３"},
+                      {"0900", "900"},
+                      {"123", tooLong},
+                      {tooLong, tooLong + "1"},
+                      {tooLong, tooLong.substr(0, 1023)},
+                      {tooLong, "123"},
+                      {"123", "123\n"},
+                      {"True", "False"}};
     // Names whose setting might be taken for another one, or be of another kind.
     for (const char* name :
          {"Office", "Office_FreeHours", "Office_FreeVolume", "Office_MonthStartDay", "Office_Up1MB",
@@ -177,6 +184,13 @@ TEST_F(DialingTest, ANumberThatChangesWhileTheQuestionStandsIsAskedAboutToo) {
     EXPECT_FALSE(Passes());
     EXPECT_EQ(TakeBoxes().back(), "changed\r\n\r\nold 222\r\nnew 333\r\n\r\ndial?");
     EXPECT_EQ(settings.GetText("Phone_Office"), "222");
+    boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
+    boxes.OnShow = [&] { // and with a store that is lost meanwhile
+        Number() = "444";
+        registry.OpenResult = ErrorAccessDenied;
+    };
+    EXPECT_FALSE(Passes());
+    EXPECT_EQ(TakeBoxes().size(), 2U);
 }
 
 TEST_F(DialingTest, DialsUnattendedAndOnceMoreWithThePromptAfterAWrongPassword) {

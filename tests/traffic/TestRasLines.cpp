@@ -117,6 +117,8 @@ TEST_F(RasLines, LogInAndDurationFollowWhatRasReports) {
     EXPECT_NEAR(lines.LineTable(1).Duration, 116 * OneSecond, OneSecond / 100);
     EXPECT_NEAR(lines.LogInShift, 25 * OneSecond, OneSecond / 100);
     EXPECT_NE(Log().find("LogIn-Zeit verschoben: "), std::string::npos);
+    Pass();
+    EXPECT_NEAR(lines.LogInShift, 25 * OneSecond, OneSecond / 100) << "once";
 }
 
 TEST_F(RasLines, CountersGoOnWhenTheyWrapAndADropIsLogged) {
