@@ -3,14 +3,18 @@
 #include "dialogs/frmDial.h"
 #include "dialogs/frmLogin.h"
 
+#include <QApplication>
+
 namespace korvalin {
 
-QtDialDialog::QtDialDialog() = default;
-
-QtDialDialog::~QtDialDialog() = default;
+QtDialDialog::~QtDialDialog() {
+    End();
+}
 
 void QtDialDialog::Begin(const std::string& entryName) {
-    window_ = std::make_unique<frmDial>(texts_, entryName);
+    End();
+    begun_ = true;
+    window_ = new frmDial(texts_, entryName, QApplication::activeWindow());
     window_->show();
     window_->raise();
     window_->activateWindow();
@@ -21,15 +25,17 @@ void QtDialDialog::ShowStage(DialStage stage) {
 }
 
 bool QtDialDialog::Cancelled() const {
-    return window_ && window_->Cancelled();
+    return begun_ && (!window_ || window_->Cancelled());
 }
 
 void QtDialDialog::End() {
-    window_.reset();
+    begun_ = false;
+    delete window_;
 }
 
 std::optional<Login> QtDialDialog::AskLogin(const std::string& entryName, const std::string& userName) {
-    return frmLogin::Ask(texts_, entryName, userName, window_.get());
+    QWidget* const above = window_ ? window_ : QApplication::activeWindow();
+    return frmLogin::Ask(texts_, entryName, userName, above);
 }
 
 } // namespace korvalin

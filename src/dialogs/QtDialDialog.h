@@ -3,7 +3,7 @@
 #include "dialogs/MessageTexts.h"
 #include "platform/DialDialog.h"
 
-#include <memory>
+#include <QPointer>
 
 namespace korvalin {
 
@@ -12,8 +12,10 @@ class frmDial;
 /// The dial windows of the desktop.
 class QtDialDialog : public DialDialog {
   public:
-    QtDialDialog();
+    QtDialDialog() = default;
     ~QtDialDialog() override;
+    QtDialDialog(const QtDialDialog&) = delete;
+    QtDialDialog& operator=(const QtDialDialog&) = delete;
 
     /// Until then the texts are English.
     void Plug(Language& language) { texts_.Plug(language); }
@@ -26,7 +28,8 @@ class QtDialDialog : public DialDialog {
 
   private:
     MessageTexts texts_;
-    std::unique_ptr<frmDial> window_; // exists from Begin to End
+    bool begun_ = false;
+    QPointer<frmDial> window_; // from Begin to End, unless the window above which it stands is deleted
 };
 
 } // namespace korvalin

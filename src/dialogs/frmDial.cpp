@@ -20,8 +20,8 @@ QString TextOf(DialStage stage, const MessageTexts& texts) {
 
 } // namespace
 
-frmDial::frmDial(const MessageTexts& texts, const std::string& entryName)
-    : QDialog(nullptr,
+frmDial::frmDial(const MessageTexts& texts, const std::string& entryName, QWidget* parent)
+    : QDialog(parent,
               Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint),
       texts_(texts),
       ui_(std::make_unique<Ui::frmDial>()) {

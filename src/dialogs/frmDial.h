@@ -20,7 +20,7 @@ class frmDial : public QDialog {
     Q_OBJECT
 
   public:
-    frmDial(const MessageTexts& texts, const std::string& entryName);
+    frmDial(const MessageTexts& texts, const std::string& entryName, QWidget* parent);
     ~frmDial() override;
 
     void ShowStage(DialStage stage);

@@ -219,6 +219,35 @@ TEST_F(DialingWindow, AChangedNumberIsAskedAbout) {
     }
 }
 
+TEST_F(DialingWindow, TheProgramsEndAnswersTheQuestionWithCancel) {
+    settings.SetReg("Phone_Home", std::string("111"));
+    Add("Home", "222");
+    Start();
+    QtMessageBoxes messages;
+    boxes.AnswersBy = [&](const auto&... question) { return messages.Show(question...); };
+    const WhenPopupShows popup([&](frmPopupMsg&) { Choose("mnuBeenden"); });
+    Do("mnuLogInLine1");
+    EXPECT_EQ(internet.Dials.size(), 0U);
+    EXPECT_EQ(settings.GetText("Phone_Home"), "111");
+    boxes.Shown.clear();
+}
+
+TEST_F(DialingWindow, AnEndOfTheWindowBelowCancels) {
+    Start();
+    QDialog below;
+    below.show();
+    below.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&below));
+    dialog.Begin("Home");
+    EXPECT_EQ(Shown("frmDial")->parentWidget(), &below) << "so that it stays above";
+    EXPECT_FALSE(dialog.Cancelled());
+    delete Shown("frmDial"); // as the end of its parent does
+    EXPECT_TRUE(dialog.Cancelled());
+    dialog.ShowStage(DialStage::Connecting);
+    dialog.End();
+    EXPECT_FALSE(dialog.Cancelled());
+}
+
 TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
     const std::function<void(QDialog&)> ways[] = {
         [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); }, [](QDialog& box) { box.close(); },
