@@ -173,9 +173,19 @@ void frmMain::ShowMainWindow(bool show) {
         frame_.Raise();
         RestoreGeometry();
         if (wasHidden && !frame_.IsSettled()) frame_.AwaitFrame();
+        RaiseWindowsAbove();
     } else if (!IsFormLoaded("frmEinstellungen")) {
         windowShown_ = false;
         PutAway();
+    }
+}
+
+// Windows that stay on top would be below this one, which does so too or has just been raised.
+void frmMain::RaiseWindowsAbove() {
+    const auto forms = LoadedForms();
+    for (const QPointer<QWidget>& form : forms) {
+        if (form == this || !form->isVisible()) continue;
+        if (form->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) form->raise();
     }
 }
 

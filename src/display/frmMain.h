@@ -109,6 +109,7 @@ class frmMain : public QWidget, public MonitorWindow {
     void AddTrayIcon();
     void TrayHostChanged();
     void PutAway();
+    void RaiseWindowsAbove();
     void TellThatNoTrayIsThere();
     bool InSight() const { return isVisible() && !isMinimized(); }
     void Close(CloseReason reason);
