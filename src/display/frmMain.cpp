@@ -334,6 +334,8 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
+    // A window manager raises what it activates.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) RaiseWindowsAbove();
     // The quick item's caption has become the designed one.
     if (event->type() == QEvent::LanguageChange) RefreshDialMenus();
     if (event->type() != QEvent::WindowStateChange || !loaded_ || isMinimized() || !isVisible()) return;
