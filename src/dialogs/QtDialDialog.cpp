@@ -2,6 +2,9 @@
 
 #include "dialogs/frmDial.h"
 #include "dialogs/frmLogin.h"
+#include "dialogs/frmPopupMsg.h"
+#include "forms/NameText.h"
+#include "platform/Ras.h"
 
 #include <QApplication>
 
@@ -31,6 +34,27 @@ bool QtDialDialog::Cancelled() const {
 void QtDialDialog::End() {
     begun_ = false;
     delete window_;
+}
+
+QString QtDialDialog::Reason(int error) const {
+    switch (error) {
+    case ErrorCannotFindPhonebookEntry:
+        return texts_.Lng("frmDial", 7, "This entry is no longer in the phone book.");
+    case ErrorNoCarrier: return texts_.Lng("frmDial", 8, "The remote station does not answer.");
+    case ErrorNoDialtone: return texts_.Lng("frmDial", 9, "There is no dial tone.");
+    case ErrorAuthenticationFailure:
+        return texts_.Lng("frmDial", 10, "The user name or the password was not accepted.");
+    default: return {};
+    }
+}
+
+void QtDialDialog::ShowFailure(const std::string& entryName, int error) {
+    QStringList lines = {OneLineName(entryName),
+                         texts_.Lng("frmDial", 6, "The connection could not be established."), Reason(error),
+                         texts_.Lng("frmDial", 11, "Error") + QStringLiteral(" %1").arg(error)};
+    lines.removeAll(QString());
+    PopupMessage message{lines.join(QLatin1Char('\n')), IconStyleExclamation, 0};
+    frmPopupMsg::ShowMsg(texts_, message, window_ ? window_ : QApplication::activeWindow());
 }
 
 std::optional<Login> QtDialDialog::AskLogin(const std::string& entryName, const std::string& userName) {

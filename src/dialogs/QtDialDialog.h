@@ -24,9 +24,12 @@ class QtDialDialog : public DialDialog {
     void ShowStage(DialStage stage) override;
     bool Cancelled() const override;
     void End() override;
+    void ShowFailure(const std::string& entryName, int error) override;
     std::optional<Login> AskLogin(const std::string& entryName, const std::string& userName) override;
 
   private:
+    QString Reason(int error) const;
+
     MessageTexts texts_;
     bool begun_ = false;
     QPointer<frmDial> window_; // from Begin to End, unless the window above which it stands is deleted

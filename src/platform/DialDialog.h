@@ -24,6 +24,9 @@ class DialDialog {
     [[nodiscard]] virtual bool Cancelled() const = 0;
     virtual void End() = 0;
 
+    /// Tells why an entry could not be dialed (a RAS error number), and returns when the user has seen it.
+    virtual void ShowFailure(const std::string& entryName, int error) = 0;
+
     /// Asks for user name and password; nothing when the user cancels. The password field begins empty
     /// whatever is stored.
     [[nodiscard]] virtual std::optional<Login> AskLogin(const std::string& entryName,

@@ -286,6 +286,27 @@ TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
     EXPECT_EQ(settings.GetText("LineLast"), "");
 }
 
+TEST_F(DialingWindow, AFailureIsTold) {
+    Start();
+    dialog.Plug(program->language);
+    const std::string failed = "<b>Home\nThe connection could not be established.\n";
+    const std::pair<int, std::string> rows[] = {
+        {ErrorCannotFindPhonebookEntry, "This entry is no longer in the phone book.\nError 623"},
+        {ErrorNoCarrier, "The remote station does not answer.\nError 678"},
+        {ErrorNoDialtone, "There is no dial tone.\nError 680"},
+        {ErrorAuthenticationFailure, "The user name or the password was not accepted.\nError 691"},
+        {619, "Error 619"}};
+    for (const auto& [error, text] : rows) {
+        const WhenPopupShows popup([&, expected = failed + text](frmPopupMsg& box) {
+            EXPECT_EQ(TextOf(&box, "lblMessage"), expected);
+            EXPECT_EQ(PopupCaptions(box), "OK");
+            QTest::keyClick(&box, Qt::Key_Escape);
+            EXPECT_FALSE(box.isVisible());
+        });
+        dialog.ShowFailure("<b>Home", error);
+    }
+}
+
 TEST_F(DialingWindow, TheLoginPromptHidesThePasswordAndForgetsIt) {
     Start();
     dialog.Plug(program->language);
