@@ -33,11 +33,6 @@ DialStage StageOfDevice(NMDeviceState state) {
     return DialStage::GettingAddress;
 }
 
-void Deactivate(NetworkManagerClient& client, NMClient* running, NMActiveConnection* connection) {
-    const NetworkManagerClient::CallScope scope(client);
-    nm_client_deactivate_connection_async(running, connection, nullptr, nullptr, nullptr);
-}
-
 } // namespace
 
 /// An asynchronous call. An answer that nobody waits for any more goes to `Late`.
@@ -174,7 +169,7 @@ int DialAttempt::Activate() {
         call->Late = [&client = parts_.Client](NMClient* running, GAsyncResult* result) {
             const GObjectPointer<NMActiveConnection> late(
                 nm_client_activate_connection_finish(running, result, nullptr));
-            if (late) Deactivate(client, running, late.get());
+            if (late) client.Deactivate(late.get());
         };
         return *interrupted;
     }
@@ -197,8 +192,7 @@ int DialAttempt::Follow(std::int32_t& handle) {
         if (state >= NM_ACTIVE_CONNECTION_STATE_DEACTIVATING || !IsListed()) return ReasonOfEnd();
         ShowStage();
         if (const auto interrupted = Wait()) {
-            if (NMClient* client = parts_.Client.Running())
-                Deactivate(parts_.Client, client, connection_.get());
+            parts_.Client.Deactivate(connection_.get());
             return *interrupted;
         }
     }

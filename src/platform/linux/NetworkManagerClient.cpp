@@ -11,7 +11,7 @@ namespace {
 // What is a dial-up line is settled at the first look at the lines, so that one is worth waiting for. A
 // service that is there answers in a few milliseconds.
 constexpr guint firstAnswerMilliseconds = 300;
-constexpr guint sendingMilliseconds = 100;
+constexpr guint lastAnswerMilliseconds = 300;
 constexpr double secondsBetweenAttempts = 10;
 
 struct SourceReleaser {
@@ -28,6 +28,11 @@ gboolean RaiseFlag(gpointer flag) {
 
 } // namespace
 
+struct NetworkManagerClient::Ending {
+    NetworkManagerClient& Client;
+    std::function<void()> WhenRefused;
+};
+
 NetworkManagerClient::CallScope::CallScope(NetworkManagerClient& client) : context_(client.context_.get()) {
     g_main_context_push_thread_default(context_);
 }
@@ -39,21 +44,13 @@ NetworkManagerClient::CallScope::~CallScope() {
 NetworkManagerClient::NetworkManagerClient(Clock& clock)
     : clock_(clock), context_(g_main_context_new()), cancellable_(g_cancellable_new()) {}
 
+// The service asks the bus who wants a connection to end: a request of a process that has gone is refused.
 NetworkManagerClient::~NetworkManagerClient() {
-    if (connection_) SendPending();
+    isClosing_ = true; // those who asked are gone
+    HandleWhile([&] { return endings_ > 0; }, lastAnswerMilliseconds);
     // Answers that are still under way are never handled: nobody runs the context any more.
     g_cancellable_cancel(cancellable_.get());
     Disconnect();
-}
-
-// A request made just before the end, to hang up perhaps, must not be lost with the process.
-void NetworkManagerClient::SendPending() {
-    bool sending = true;
-    const CallScope scope(*this);
-    g_dbus_connection_flush(
-        connection_.get(), cancellable_.get(),
-        [](GObject*, GAsyncResult*, gpointer flag) { *static_cast<bool*>(flag) = false; }, &sending);
-    HandleWhile(sending, sendingMilliseconds);
 }
 
 void NetworkManagerClient::BeginConnecting() {
@@ -99,13 +96,29 @@ void NetworkManagerClient::Disconnect() {
     connection_.reset();
 }
 
-void NetworkManagerClient::HandleWhile(const bool& pending, guint milliseconds) {
+void NetworkManagerClient::HandleWhile(const std::function<bool()>& pending, guint milliseconds) {
     bool timedOut = false;
     const std::unique_ptr<GSource, SourceReleaser> limit(g_timeout_source_new(milliseconds));
     g_source_set_callback(limit.get(), RaiseFlag, &timedOut, nullptr);
     g_source_attach(limit.get(), context_.get());
-    while (pending && !timedOut)
+    while (pending() && !timedOut)
         g_main_context_iteration(context_.get(), TRUE);
+}
+
+void NetworkManagerClient::Deactivate(NMActiveConnection* connection, std::function<void()> whenRefused) {
+    if (!client_) return;
+    ++endings_;
+    const CallScope scope(*this);
+    nm_client_deactivate_connection_async(client_.get(), connection, nullptr, TakeEnding,
+                                          new Ending{*this, std::move(whenRefused)});
+}
+
+void NetworkManagerClient::TakeEnding(GObject* source, GAsyncResult* result, gpointer data) {
+    const std::unique_ptr<Ending> ending(static_cast<Ending*>(data));
+    NetworkManagerClient& client = ending->Client;
+    --client.endings_;
+    const bool granted = nm_client_deactivate_connection_finish(NM_CLIENT(source), result, nullptr) != FALSE;
+    if (!granted && !client.isClosing_ && ending->WhenRefused) ending->WhenRefused();
 }
 
 void NetworkManagerClient::HandleArrived() {
@@ -119,7 +132,8 @@ NMClient* NetworkManagerClient::Running() {
     if (client_ && g_dbus_connection_is_closed(connection_.get())) GiveUpForNow();
     BeginConnecting();
     // Once for a whole run: later answers are taken when they are there.
-    if (!std::exchange(firstAnswerAwaited_, true)) HandleWhile(connecting_, firstAnswerMilliseconds);
+    if (!std::exchange(firstAnswerAwaited_, true))
+        HandleWhile([&] { return connecting_; }, firstAnswerMilliseconds);
     return client_ && nm_client_get_nm_running(client_.get()) ? client_.get() : nullptr;
 }
 

@@ -2,9 +2,10 @@
 
 #include "platform/linux/GObjectPointer.h"
 
+#include <functional>
 #include <gio/gio.h>
-#include <optional>
 
+using NMActiveConnection = struct _NMActiveConnection;
 using NMClient = struct _NMClient;
 
 namespace korvalin {
@@ -28,6 +29,11 @@ class NetworkManagerClient {
     /// The picture as of now; null while NetworkManager does not answer. Valid until the next call.
     NMClient* Running();
 
+    /// Asks for a connection's end without waiting for it. `whenRefused` is called when NetworkManager does
+    /// not grant it; it may be called at any later question. The end of this client waits for the answer, a
+    /// moment.
+    void Deactivate(NMActiveConnection* connection, std::function<void()> whenRefused = {});
+
     /// While it lives, asynchronous calls of libnm answer to this client.
     class CallScope {
       public:
@@ -45,11 +51,14 @@ class NetworkManagerClient {
         void operator()(GMainContext* context) const { g_main_context_unref(context); }
     };
 
+    struct Ending;
+
     static void TakeConnection(GObject* source, GAsyncResult* result, gpointer self);
     static void TakeClient(GObject* source, GAsyncResult* result, gpointer self);
 
-    void HandleWhile(const bool& pending, guint milliseconds);
-    void SendPending();
+    static void TakeEnding(GObject* source, GAsyncResult* result, gpointer ending);
+
+    void HandleWhile(const std::function<bool()>& pending, guint milliseconds);
     void HandleArrived();
     void Disconnect();
     void GiveUpForNow();
@@ -59,6 +68,8 @@ class NetworkManagerClient {
     GObjectPointer<GCancellable> cancellable_;
     GObjectPointer<GDBusConnection> connection_;
     GObjectPointer<NMClient> client_;
+    int endings_ = 0; ///< requests to deactivate that have no answer
+    bool isClosing_ = false;
     bool connecting_ = false;
     bool firstAnswerAwaited_ = false;
     double nextAttempt_ = 0; // seconds awake

@@ -93,11 +93,6 @@ bool IsUp(NMActiveConnection* connection) {
 
 } // namespace
 
-struct NetworkManagerLines::HangUpRequest {
-    NetworkManagerLines& Lines;
-    std::int32_t Handle;
-};
-
 NetworkManagerLines::NetworkManagerLines(NetworkManagerClient& client, Clock& clock,
                                          std::filesystem::path netFolder)
     : client_(client), clock_(clock), netFolder_(std::move(netFolder)) {}
@@ -192,22 +187,14 @@ const NetworkManagerLine* NetworkManagerLines::Find(std::int32_t handle) const {
     return const_cast<NetworkManagerLines*>(this)->FindLine(handle);
 }
 
-bool NetworkManagerLines::HangUp(NMClient* client, std::int32_t handle) {
+bool NetworkManagerLines::HangUp(std::int32_t handle) {
     NetworkManagerLine* line = FindLine(handle);
     if (line == nullptr) return false;
     line->IsHangingUp = true;
-    const NetworkManagerClient::CallScope scope(client_);
-    nm_client_deactivate_connection_async(client, line->Connection.get(), nullptr, TakeHangUp,
-                                          new HangUpRequest{*this, handle});
+    client_.Deactivate(line->Connection.get(), [this, handle] {
+        if (NetworkManagerLine* refused = FindLine(handle)) refused->IsHangingUp = false;
+    });
     return true;
-}
-
-// Nobody takes an answer that comes after the end of the client, and so of the lines: its context no longer
-// runs.
-void NetworkManagerLines::TakeHangUp(GObject* source, GAsyncResult* result, gpointer data) {
-    const std::unique_ptr<HangUpRequest> request(static_cast<HangUpRequest*>(data));
-    if (nm_client_deactivate_connection_finish(NM_CLIENT(source), result, nullptr)) return;
-    if (NetworkManagerLine* line = request->Lines.FindLine(request->Handle)) line->IsHangingUp = false;
 }
 
 std::int32_t NetworkManagerLines::HandleOf(const NMActiveConnection* connection) const {

@@ -46,7 +46,7 @@ class NetworkManagerLines {
 
     /// Asks for a connection's end without waiting for it. It no longer counts as up, until the request is
     /// refused. False when no connection has the handle.
-    bool HangUp(NMClient* client, std::int32_t handle);
+    bool HangUp(std::int32_t handle);
 
     /// Null when no connection has the handle.
     [[nodiscard]] const NetworkManagerLine* Find(std::int32_t handle) const;
@@ -61,9 +61,6 @@ class NetworkManagerLines {
     [[nodiscard]] bool OwnsInterface(const std::string& name);
 
   private:
-    struct HangUpRequest;
-
-    static void TakeHangUp(GObject* source, GAsyncResult* result, gpointer request);
     NetworkManagerLine* FindLine(std::int32_t handle);
     void EndMissing(const std::vector<NMActiveConnection*>& up);
     void Add(NMClient* client, NMActiveConnection* connection);

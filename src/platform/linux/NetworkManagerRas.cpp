@@ -55,8 +55,7 @@ int NetworkManagerRas::GetEntryProperties(const std::string& entryName, PhoneEnt
 }
 
 int NetworkManagerRas::HangUp(std::int32_t handle) {
-    NMClient* client = client_.Running();
-    return client != nullptr && lines_.HangUp(client, handle) ? ErrorSuccess : ErrorInvalidHandle;
+    return client_.Running() != nullptr && lines_.HangUp(handle) ? ErrorSuccess : ErrorInvalidHandle;
 }
 
 } // namespace korvalin
