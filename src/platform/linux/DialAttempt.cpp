@@ -14,6 +14,7 @@ namespace korvalin {
 namespace {
 
 constexpr double secondsUntilGivenUp = 90;
+constexpr double secondsForAnswer = 1;
 constexpr int millisecondsBetweenLooks = 20;
 
 DialStage StageOfVpn(NMVpnConnectionState state) {
@@ -81,6 +82,14 @@ std::optional<int> DialAttempt::Await(const Call& call) {
         if (const auto interrupted = Wait()) return interrupted;
     }
     return std::nullopt;
+}
+
+// Whether the answer to a call comes within a moment.
+bool DialAttempt::ComesAtOnce(const Call& call) {
+    const double limit = SecondsAwake() + secondsForAnswer;
+    while (!call.Result && SecondsAwake() < limit && parts_.Client.Running() != nullptr)
+        events_.Sleep(millisecondsBetweenLooks);
+    return call.Result != nullptr;
 }
 
 // A profile that is sent with a secret loses those that are not sent: the others are fetched first.
@@ -164,8 +173,9 @@ int DialAttempt::Activate() {
         nm_client_activate_connection_async(parts_.Client.Running(), NM_CONNECTION(profile_.get()), nullptr,
                                             nullptr, nullptr, TakeAnswer, new SharedCall(call));
     }
-    if (const auto interrupted = Await(*call)) {
-        // What was asked for cannot be taken back before it is granted.
+    const auto interrupted = Await(*call);
+    // What was asked for cannot be taken back before it is granted.
+    if (interrupted && !ComesAtOnce(*call)) {
         call->Late = [&client = parts_.Client](NMClient* running, GAsyncResult* result) {
             const GObjectPointer<NMActiveConnection> late(
                 nm_client_activate_connection_finish(running, result, nullptr));
@@ -176,6 +186,8 @@ int DialAttempt::Activate() {
     GErrorPointer error;
     connection_.reset(nm_client_activate_connection_finish(NM_CLIENT(call->Source.get()), call->Result.get(),
                                                            GErrorSlot(error)));
+    if (interrupted && connection_) parts_.Client.Deactivate(connection_.get());
+    if (interrupted) return *interrupted;
     return connection_ ? ErrorSuccess : ResultOfRefusal(*error);
 }
 

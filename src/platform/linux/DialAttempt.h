@@ -38,6 +38,7 @@ class DialAttempt {
 
     [[nodiscard]] std::optional<int> Await(const Call& call);
     [[nodiscard]] std::optional<int> Wait();
+    [[nodiscard]] bool ComesAtOnce(const Call& call);
     [[nodiscard]] int Activate();
     [[nodiscard]] int Follow(std::int32_t& handle);
     [[nodiscard]] int ReasonOfEnd() const;
