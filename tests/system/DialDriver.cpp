@@ -75,6 +75,15 @@ std::vector<RasConnection> Connections(Ras& ras) {
     return connections;
 }
 
+// Every change of the connected state, until somebody ends it.
+void FollowState(Internet& internet) {
+    for (std::uint32_t last = ~0U;; std::this_thread::sleep_for(std::chrono::microseconds(300))) {
+        const std::uint32_t flags = internet.GetConnectedState().Flags;
+        if (flags != last) fmt::print("{:#x}\n", flags);
+        last = flags;
+    }
+}
+
 void PrintEntries(Ras& ras) {
     std::vector<std::string> names;
     std::uint32_t count = 0;
@@ -134,6 +143,7 @@ int main(int argc, char** argv) {
     bool bare = false;
     app.add_subcommand("entries");
     app.add_subcommand("state");
+    app.add_subcommand("follow");
     app.add_subcommand("lines");
     app.add_subcommand("hangup");
     app.add_subcommand("measure")->add_option("passes", passes);
@@ -154,6 +164,7 @@ int main(int argc, char** argv) {
     if (!user.empty()) system.Dialog.Answer = Login{user, password};
     if (app.got_subcommand("entries")) PrintEntries(system.Ras);
     if (app.got_subcommand("state")) fmt::print("{:#x}\n", system.Internet.GetConnectedState().Flags);
+    if (app.got_subcommand("follow")) FollowState(system.Internet);
     if (app.got_subcommand("lines")) ReadLines(system.Ras, true);
     if (app.got_subcommand("hangup")) HangUpAll(system);
     if (app.got_subcommand("measure")) Measure(system.Ras, passes);

@@ -5,11 +5,13 @@ port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that is re
 second network namespace.
 """
 
+import contextlib
 import json
 import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import unittest
 
@@ -104,6 +106,7 @@ class NetworkManager:
         for process in reversed(self.processes):
             ended(process)
         for name in (self.here, self.there):
+            self.kill(self.processes_in(name))
             subprocess.run(["ip", "netns", "delete", name], stderr=subprocess.DEVNULL, check=False)
 
     def make_network(self):
@@ -149,8 +152,22 @@ class NetworkManager:
         wait_for(lambda: "ttyS9" in self.nmcli("-t", "-f", "DEVICE,STATE", "device", check=False), "the modem")
 
     def stop_daemon(self):
-        self.daemon.terminate()
+        """At one blow with its lines, which it would leave to whoever manages services."""
+        lines = self.processes_in(self.here, "pppd_stand_in.py")
+        self.daemon.kill()
+        self.kill(lines)
         self.daemon.wait()
+
+    @staticmethod
+    def processes_in(namespace, name=""):
+        listed = subprocess.run(["ip", "netns", "pids", namespace], capture_output=True, text=True, check=False).stdout
+        return [int(pid) for pid in listed.split() if name in pathlib.Path(f"/proc/{pid}/cmdline").read_text()]
+
+    @staticmethod
+    def kill(pids):
+        for pid in pids:
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(pid, signal.SIGKILL)
 
     def add(self, kind, name, *settings):
         """A profile; its UUID."""
@@ -170,6 +187,9 @@ class NetworkManager:
                         "ipv4.never-default", "yes")
 
     def start_vpn_server(self):
+        """Once for all tests."""
+        if (self.folder / "server.log").exists():
+            return
         if not shutil.which("openvpn") or not list(pathlib.Path("/usr/lib").rglob("nm-openvpn-service")):
             raise unittest.SkipTest("needs openvpn and NetworkManager's plugin for it")
         self.launch(["ip", "netns", "exec", self.there, "sh", "-ec", VPN_SERVER.format(folder=self.folder)])

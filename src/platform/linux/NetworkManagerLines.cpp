@@ -8,6 +8,7 @@
 #include <NetworkManager.h>
 #include <algorithm>
 #include <limits>
+#include <net/if.h>
 
 namespace korvalin {
 namespace {
@@ -91,6 +92,18 @@ bool IsUp(NMActiveConnection* connection) {
     return nm_active_connection_get_state(connection) == NM_ACTIVE_CONNECTION_STATE_ACTIVATED;
 }
 
+bool IsComingUp(NMActiveConnection* connection) {
+    return nm_active_connection_get_state(connection) == NM_ACTIVE_CONNECTION_STATE_ACTIVATING;
+}
+
+// Whether the service itself has connected the interface to a network.
+bool BelongsToNetwork(NMClient* client, const std::string& name) {
+    NMDevice* device = nm_client_get_device_by_iface(client, name.c_str());
+    NMActiveConnection* connection = device != nullptr ? nm_device_get_active_connection(device) : nullptr;
+    return connection != nullptr && IsUp(connection) && !IsDialUpConnection(connection) &&
+           (nm_active_connection_get_state_flags(connection) & NM_ACTIVATION_STATE_FLAG_EXTERNAL) == 0;
+}
+
 } // namespace
 
 NetworkManagerLines::NetworkManagerLines(NetworkManagerClient& client, Clock& clock,
@@ -160,6 +173,7 @@ void NetworkManagerLines::Follow(NMClient* client, NetworkManagerLine& line) {
     const auto raw = ReadCounters(client, line);
     line.IsThere = raw.has_value();
     if (!raw) return;
+    carriers_.insert(line.Counters.Index());
     line.Raw = *raw;
     const InterfaceBytes own = earlier_.Without(line.Counters.Index(), line.Raw);
     line.Statistics.BytesReceived = own.Received;
@@ -214,10 +228,15 @@ std::int32_t NetworkManagerLines::HandleOfProfile(const NMRemoteConnection* prof
 
 bool NetworkManagerLines::OwnsInterface(const std::string& name) {
     NMClient* client = client_.Running();
+    if (client == nullptr) return false;
+    // The kernel routes over a link before the service says whose it is, and a moment longer than the line is
+    // up.
     const std::vector<NMActiveConnection*> connections = DialUpConnections(client);
-    return std::any_of(connections.begin(), connections.end(), [&](NMActiveConnection* connection) {
-        return TrafficInterface(client, connection) == name;
-    });
+    return carriers_.contains(if_nametoindex(name.c_str())) ||
+           std::any_of(connections.begin(), connections.end(), [&](NMActiveConnection* connection) {
+               return TrafficInterface(client, connection) == name ||
+                      (IsComingUp(connection) && !BelongsToNetwork(client, name));
+           });
 }
 
 } // namespace korvalin

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <list>
+#include <set>
 #include <vector>
 
 using NMRemoteConnection = struct _NMRemoteConnection;
@@ -57,7 +58,7 @@ class NetworkManagerLines {
     /// The same for a profile of NetworkManager.
     [[nodiscard]] std::int32_t HandleOfProfile(const NMRemoteConnection* profile);
 
-    /// Whether an interface belongs to a dial-up connection, also while that comes up or ends.
+    /// Whether an interface belongs to a dial-up connection that is up, comes up or has just ended.
     [[nodiscard]] bool OwnsInterface(const std::string& name);
 
   private:
@@ -74,6 +75,7 @@ class NetworkManagerLines {
     std::filesystem::path netFolder_;
     NetlinkSocket addresses_;
     EarlierBytes earlier_;
+    std::set<std::uint32_t> carriers_; ///< links that have been a line
     std::list<NetworkManagerLine> lines_;
     std::int32_t lastHandle_ = 0;
     bool firstPictureSeen_ = false;
