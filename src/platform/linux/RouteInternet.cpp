@@ -1,6 +1,5 @@
 #include "platform/linux/RouteInternet.h"
 
-#include "platform/Ras.h" // ErrorCannotFindPhonebookEntry
 #include "platform/linux/Descriptor.h"
 
 #include <algorithm>
@@ -105,15 +104,10 @@ bool RouteInternet::HasDefaultRoute() const {
            FindRoute(procNet_ / "ipv6_route", DefaultRouteV6, linkIsUp_);
 }
 
-ConnectedState RouteInternet::GetConnectedState() {
+ConnectedState RouteInternet::GetConnectedState() const {
     if (!HasDefaultRoute()) return {};
     const std::uint32_t proxy = HasProxy() ? InternetConnectionProxy : 0;
     return {true, InternetConnectionLan | InternetConnectionConfigured | proxy};
-}
-
-int RouteInternet::Dial(const std::string&, std::uint32_t, std::int32_t& connection) {
-    connection = 0;
-    return ErrorCannotFindPhonebookEntry;
 }
 
 } // namespace korvalin
