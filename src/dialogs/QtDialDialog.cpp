@@ -54,7 +54,8 @@ void QtDialDialog::ShowFailure(const std::string& entryName, int error) {
                          texts_.Lng("frmDial", 11, "Error") + QStringLiteral(" %1").arg(error)};
     lines.removeAll(QString());
     PopupMessage message{lines.join(QLatin1Char('\n')), IconStyleExclamation, 0};
-    frmPopupMsg::ShowMsg(texts_, message, window_ ? window_ : QApplication::activeWindow());
+    if (window_) window_->hide();
+    frmPopupMsg::ShowMsg(texts_, message, QApplication::activeWindow());
 }
 
 std::optional<Login> QtDialDialog::AskLogin(const std::string& entryName, const std::string& userName) {
