@@ -1,5 +1,6 @@
 #include "startup/Desktop.h"
 
+#include "dialogs/QtDialDialog.h"
 #include "dialogs/QtMessageBoxes.h"
 #include "dialogs/frmAbout.h"
 #include "display/frmMain.h"
@@ -62,6 +63,9 @@ int RunDesktop(int argc, char** argv) {
     locale.Collate = SystemCollation();
     Program program(system.PortsWith(events, messageBoxes, screen), std::move(locale));
     messageBoxes.Plug(program.language);
+    QtDialDialog dialDialog;
+    dialDialog.Plug(program.language);
+    system.PlugDialDialog(&dialDialog);
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
         dialog.exec();

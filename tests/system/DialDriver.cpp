@@ -47,6 +47,9 @@ class PrintedDialog : public DialDialog {
     }
     bool Cancelled() const override { return cancelled_ || CancelAt == "begin"; }
     void End() override { fmt::print("end\n"); }
+    void ShowFailure(const std::string& entryName, int error) override {
+        fmt::print("failed {} {}\n", entryName, error);
+    }
     std::optional<Login> AskLogin(const std::string& entryName, const std::string& userName) override {
         fmt::print("asked {} for {}\n", entryName, userName);
         return Answer;

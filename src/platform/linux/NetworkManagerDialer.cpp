@@ -79,7 +79,11 @@ int NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags
     if (login.Get()) {
         if (const int error = attempt.StoreLogin(*login.Get()); error != ErrorSuccess) return error;
     }
-    return attempt.Run(connection);
+    const int error = attempt.Run(connection);
+    const bool triedAgain = error == ErrorAuthenticationFailure && (flags & InternetDialForcePrompt) == 0;
+    if (error != 0 && error != ErrorCancelled && !triedAgain && dialog_ != nullptr)
+        dialog_->ShowFailure(entryName, error);
+    return error;
 }
 
 } // namespace korvalin
