@@ -7,14 +7,20 @@ add_library(korvalin_gui STATIC
   ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
   dialogs/LinkButton.cpp
   dialogs/MessageTexts.cpp
+  dialogs/QtDialDialog.cpp
   dialogs/QtMessageBoxes.cpp
   dialogs/frmAbout.cpp
   dialogs/frmAbout.ui
+  dialogs/frmDial.cpp
+  dialogs/frmDial.ui
+  dialogs/frmLogin.cpp
+  dialogs/frmLogin.ui
   dialogs/frmMessage.cpp
   dialogs/frmMessage.ui
   dialogs/frmPopupMsg.cpp
   dialogs/frmPopupMsg.ui
   display/ChartPainter.cpp
+  display/DialMenu.cpp
   display/LinesMenu.cpp
   display/TrayIcon.cpp
   display/WindowFrame.cpp
@@ -24,6 +30,8 @@ add_library(korvalin_gui STATIC
   forms/Colors.cpp
   forms/CurveSpans.cpp
   forms/Loaded.cpp
+  forms/LongMenuStyle.h
+  forms/NameText.cpp
   forms/PictureBox.cpp
   forms/ProgramIcon.cpp
   forms/RoomyStyle.h

@@ -57,6 +57,7 @@ MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& t
     PopupMessage message{ToText(text), StyleOf(icon), static_cast<int>(answers.size()) - 1, ToText(title)};
     for (std::size_t i = 0; i < answers.size(); ++i)
         message.Captions[i] = Caption(answers[i]);
+    if (buttons == MessageButtons::YesNoCancel) message.Default = 1;
     const int pressed = frmPopupMsg::ShowMsg(texts_, message, QApplication::activeWindow());
     return answers[static_cast<std::size_t>(pressed)];
 }

@@ -103,7 +103,7 @@ frmPopupMsg::frmPopupMsg(const MessageTexts& texts, const PopupMessage& message,
                    closeBox);
     ShowIcon(message.IconStyle);
     ShowMessage(message.Message);
-    ShowButtons(captions);
+    ShowButtons(captions, message.Default);
     Place();
 }
 
@@ -114,7 +114,6 @@ void frmPopupMsg::ShowIcon(int iconStyle) {
     const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
     ui_->picIcon->setPixmap(style()->standardIcon(icon.Picture, nullptr, this).pixmap(size));
     ui_->picIcon->setAccessibleName(icon.Meaning);
-    ui_->picIcon->setFocusProxy(ui_->cmdMsg0);
 }
 
 void frmPopupMsg::ShowMessage(const QString& message) {
@@ -130,7 +129,7 @@ void frmPopupMsg::ShowMessage(const QString& message) {
     if (!bars.isNull()) ui_->scrMessage->setFocusPolicy(Qt::TabFocus); // the keyboard scrolls it too
 }
 
-void frmPopupMsg::ShowButtons(const PopupMessage::ButtonCaptions& captions) {
+void frmPopupMsg::ShowButtons(const PopupMessage::ButtonCaptions& captions, int defaultButton) {
     QPushButton* const cmdMsg[] = {ui_->cmdMsg0, ui_->cmdMsg1, ui_->cmdMsg2};
     for (int i = 0; i < static_cast<int>(captions.size()); ++i) {
         const QString& caption = captions[static_cast<std::size_t>(i)];
@@ -139,7 +138,9 @@ void frmPopupMsg::ShowButtons(const PopupMessage::ButtonCaptions& captions) {
         if (!caption.isEmpty()) lastButton_ = i;
         connect(cmdMsg[i], &QPushButton::clicked, this, [this, i] { done(firstResult + i); });
     }
-    ui_->cmdMsg0->setFocus();
+    cmdMsg[defaultButton]->setDefault(true);
+    cmdMsg[defaultButton]->setFocus();
+    ui_->picIcon->setFocusProxy(cmdMsg[defaultButton]);
 }
 
 void frmPopupMsg::Place() {

@@ -29,6 +29,8 @@ struct PopupMessage {
     std::optional<int> Cancel = {};
     QString Title = {};
     ButtonCaptions Captions = {};
+    /// The button (from 0) that has the focus; one with a caption.
+    int Default = 0;
 };
 
 /// The program's own message box: an icon, a text, and up to three buttons.
@@ -50,7 +52,7 @@ class frmPopupMsg : public QDialog {
 
     void ShowIcon(int iconStyle);
     void ShowMessage(const QString& message);
-    void ShowButtons(const PopupMessage::ButtonCaptions& captions);
+    void ShowButtons(const PopupMessage::ButtonCaptions& captions, int defaultButton);
     void Place();
     int Unanswered() const { return cancel_.value_or(lastButton_); }
 

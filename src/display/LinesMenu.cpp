@@ -1,5 +1,7 @@
 #include "display/LinesMenu.h"
 
+#include "forms/NameText.h"
+
 #include <QMenu>
 
 #include <algorithm>
@@ -22,8 +24,7 @@ void LinesMenu::Refresh(const LineState& lines, const InfoTexts& texts) {
         Item& item = Load(line);
         if (item.Entry == entry) continue;
         item.Entry = entry;
-        // A line's name is no caption: its ampersands are no access keys.
-        item.Action->setText(QString::fromStdString(entry).replace(QLatin1Char('&'), QLatin1String("&&")));
+        item.Action->setText(MenuName(entry, menu_.fontMetrics()));
         item.Action->setVisible(true);
     }
     // The chart shows the last line when its own is gone.

@@ -1,5 +1,6 @@
 #include "display/SamplingLoop.h"
 
+#include "base/FlagGuard.h"
 #include "errors/Errors.h"
 #include "settings/Settings.h"
 #include "traffic/LineMonitor.h"
@@ -13,18 +14,6 @@ namespace {
 constexpr double stepSeconds = 1.0;
 constexpr Date updateCheckDelay = 68 * OneSecond;
 constexpr Date updateCheckOverdue = 60 * OneSecond;
-
-// Clears a flag at the end of a scope, however it is left.
-class FlagGuard {
-  public:
-    explicit FlagGuard(bool& flag) : flag_(flag) { flag_ = true; }
-    ~FlagGuard() { flag_ = false; }
-    FlagGuard(const FlagGuard&) = delete;
-    FlagGuard& operator=(const FlagGuard&) = delete;
-
-  private:
-    bool& flag_;
-};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "display/frmMain.h"
 
+#include "base/FlagGuard.h"
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
 #include "forms/Twips.h"
@@ -44,6 +45,8 @@ frmMain::frmMain(const Parts& parts)
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
                 parts.UserLocale, [this] { SetWindowHeight(heightForTextsTwips); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }),
+      dialMenu_({*ui_->mnuLogIn, *ui_->mnuLogInQuick, *ui_->mnuLogOut, *ui_->mnuTrennEinwahl},
+                [this](const std::string& entryName) { mnuLogInLine_Click(entryName); }),
       tray_(parts.Tray, *ui_->mnuTrayIcon, parts.Lines, parts.Error, parts.UserLocale) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
@@ -79,7 +82,8 @@ void frmMain::Plug(Hooks hooks) {
 
 void frmMain::ConnectMenu() {
     // Whoever opens it: the chart, the tray, a desktop that draws the menu itself.
-    connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenusIfChanged(true); });
+    connect(ui_->mnuTrayIcon, &QMenu::aboutToShow, this, [this] { RefreshDialMenus(); });
+    connect(ui_->mnuLogOut, &QAction::triggered, this, [this] { mnuLogOut_Click(); });
     connect(ui_->mnuStatistik, &QAction::triggered, this, [this] { hooks_.OpenStatistics(); });
     connect(ui_->mnuEinstellungen, &QAction::triggered, this, [this] { hooks_.OpenSettings(); });
     connect(ui_->mnuInfo, &QAction::triggered, this, [this] { hooks_.OpenAbout(); });
@@ -118,6 +122,7 @@ void frmMain::ApplyTexts() {
 
 void frmMain::TimerMain_Timer() {
     parts_.Loop.TimerMain_Timer();
+    if (ui_->mnuTrayIcon->isVisible()) RefreshDialMenusIfChanged(true);
     if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
 }
 
@@ -174,9 +179,19 @@ void frmMain::ShowMainWindow(bool show) {
         frame_.Raise();
         RestoreGeometry();
         if (wasHidden && !frame_.IsSettled()) frame_.AwaitFrame();
+        RaiseWindowsAbove();
     } else if (!IsFormLoaded("frmEinstellungen")) {
         windowShown_ = false;
         PutAway();
+    }
+}
+
+// Windows that stay on top would be below this one, which does so too or has just been raised.
+void frmMain::RaiseWindowsAbove() {
+    const auto forms = LoadedForms();
+    for (const QPointer<QWidget>& form : forms) {
+        if (form == this || !form->isVisible()) continue;
+        if (form->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) form->raise();
     }
 }
 
@@ -184,13 +199,15 @@ bool frmMain::HangUpItemVisible() {
     return ui_->mnuLogOut->isVisible();
 }
 
-// Dialling is not there yet: its items stay hidden.
+// Not while a message about the phone book is open, which lets the next update come.
 void frmMain::RefreshDialMenus() {
-    ui_->mnuLogIn->menuAction()->setVisible(false);
+    if (refreshingDialMenus_) return;
+    const FlagGuard refreshing(refreshingDialMenus_);
+    parts_.Error.Step("RefreshDialMenus", [this] { dialMenu_.Show(parts_.Dial.Choices()); });
 }
 
 void frmMain::RefreshDialMenusIfChanged(bool force) {
-    const std::size_t entries = hooks_.RASGetEntriesCount();
+    const std::size_t entries = parts_.Dial.EntriesCount();
     if (entries == phoneBookEntries_) return;
     phoneBookEntries_ = entries;
     if (force) RefreshDialMenus();
@@ -292,6 +309,26 @@ void frmMain::mnuLines_Click(std::size_t line) {
     DrawChart(false);
 }
 
+void frmMain::mnuLogInLine_Click(const std::string& entryName) {
+    RunDialing([this, entryName] { parts_.Dial.DialEntry(entryName); });
+}
+
+void frmMain::mnuLogOut_Click() {
+    RunDialing([this] { parts_.Dial.MONHangUp(); });
+}
+
+// Queued: updates go on meanwhile and rebuild the menu, which must be done with the click by then.
+void frmMain::RunDialing(std::function<void()> operation) {
+    const auto run = [this, operation = std::move(operation)] {
+        if (closed_ || parts_.Dial.Busy()) return;
+        dialMenu_.SetEnabled(false);
+        operation();
+        dialMenu_.SetEnabled(true);
+        if (!closed_) RefreshDialMenus();
+    };
+    QMetaObject::invokeMethod(this, run, Qt::QueuedConnection);
+}
+
 // Window managers keep the edge that is not dragged in place when they know the smallest size.
 void frmMain::SetSmallestSize() {
     const int caption = frame_.CaptionShown() ? TwipsToPixels(frame_.CaptionHeight()) : 0;
@@ -313,6 +350,10 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 
 void frmMain::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
+    // A window manager raises what it activates.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) RaiseWindowsAbove();
+    // The quick item's caption has become the designed one.
+    if (event->type() == QEvent::LanguageChange) RefreshDialMenus();
     if (event->type() != QEvent::WindowStateChange || !loaded_ || isMinimized() || !isVisible()) return;
     // Brought back from the taskbar, perhaps for the first time.
     windowShown_ = true;
@@ -356,6 +397,7 @@ void frmMain::DisplayLost() {
 
 void frmMain::Close(CloseReason reason) {
     closed_ = true;
+    parts_.Dial.Stop();
     hooks_.Closing(reason);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "display/ChartPainter.h"
+#include "display/DialMenu.h"
 #include "display/Fade.h"
 #include "display/LinesMenu.h"
 #include "display/SamplingLoop.h"
@@ -43,6 +44,7 @@ class frmMain : public QWidget, public MonitorWindow {
         const Locale& UserLocale;
         NotificationArea& Tray;
         MessageBoxes& Messages;
+        Dialing& Dial;
     };
     /// What the floors above plug in; each may stay as it is.
     struct Hooks {
@@ -50,8 +52,6 @@ class frmMain : public QWidget, public MonitorWindow {
         std::function<void(CloseReason reason)> Closing = [](CloseReason) {};
         /// What is used of the charted line's period, for the icon's first bar.
         std::function<PeriodUse()> UseOfChartLine = [] { return PeriodUse(); };
-        /// Number of entries in the phone book.
-        std::function<std::size_t()> RASGetEntriesCount = [] { return std::size_t{0}; };
         /// Opens the statistics window; its menu entry is hidden while nobody does.
         std::function<void()> OpenStatistics = {};
         /// Opens the settings dialog; its menu entry is hidden while nobody does.
@@ -120,6 +120,7 @@ class frmMain : public QWidget, public MonitorWindow {
     void AddTrayIcon();
     void TrayHostChanged();
     void PutAway();
+    void RaiseWindowsAbove();
     void TellThatNoTrayIsThere();
     bool InSight() const { return isVisible() && !isMinimized(); }
     void Close(CloseReason reason);
@@ -128,6 +129,9 @@ class frmMain : public QWidget, public MonitorWindow {
     void mnuNurTitel_Click();
     void mnuVordergrund_Click();
     void mnuLines_Click(std::size_t line);
+    void mnuLogInLine_Click(const std::string& entryName);
+    void mnuLogOut_Click();
+    void RunDialing(std::function<void()> operation);
     void lblMove_MouseDown(const QMouseEvent& event);
     void lblMove_MouseMove(const QMouseEvent& event);
     void lblMove_DblClick();
@@ -145,6 +149,7 @@ class frmMain : public QWidget, public MonitorWindow {
     WindowFrame frame_;
     ChartPainter painter_;
     LinesMenu linesMenu_;
+    DialMenu dialMenu_;
     TrayIcon tray_;
     std::size_t phoneBookEntries_ = 0;
     QTimer timerMain_;
@@ -154,6 +159,7 @@ class frmMain : public QWidget, public MonitorWindow {
     bool windowShown_ = false;
     bool titleOnly_ = false;
     bool closed_ = false;
+    bool refreshingDialMenus_ = false;
     bool leftButtonDown_ = false;
     QPoint grabPoint_;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace korvalin {
 
@@ -14,6 +15,13 @@ inline constexpr std::uint32_t InternetRasInstalled = 0x10;
 inline constexpr std::uint32_t InternetConnectionOffline = 0x20;
 inline constexpr std::uint32_t InternetConnectionConfigured = 0x40;
 
+/// Flags of InternetDial.
+inline constexpr std::uint32_t InternetDialForcePrompt = 0x2000;
+inline constexpr std::uint32_t InternetDialUnattended = 0x8000;
+
+/// The user cancelled (winerror.h).
+inline constexpr int ErrorCancelled = 1223;
+
 struct ConnectedState {
     bool Online = false;
     std::uint32_t Flags = 0;
@@ -25,6 +33,12 @@ class Internet {
 
     /// Offline with no flags when the system does not tell.
     [[nodiscard]] virtual ConnectedState GetConnectedState() = 0;
+
+    /// Dials a phonebook entry and waits until it is up, has failed, or the user has cancelled; windows stay
+    /// alive meanwhile. InternetDialForcePrompt asks for the login first. 0 with `connection` the handle of
+    /// the connection, else a RAS or system error number with `connection` 0.
+    [[nodiscard]] virtual int Dial(const std::string& entryName, std::uint32_t flags,
+                                   std::int32_t& connection) = 0;
 };
 
 } // namespace korvalin

@@ -5,6 +5,7 @@
 namespace korvalin {
 
 enum class MessageIcon { Information, Warning, Critical, Question };
+/// YesNoCancel is for what may do harm: No is the button that the Return key presses.
 enum class MessageButtons { Ok, YesNo, YesNoCancel };
 enum class MessageAnswer { Ok, Yes, No, Cancel };
 

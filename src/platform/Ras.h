@@ -10,6 +10,10 @@ namespace korvalin {
 
 /// RAS error numbers (raserror.h).
 inline constexpr int ErrorBufferTooSmall = 603;
+inline constexpr int ErrorCannotFindPhonebookEntry = 623;
+inline constexpr int ErrorNoCarrier = 678;
+inline constexpr int ErrorNoDialtone = 680;
+inline constexpr int ErrorAuthenticationFailure = 691;
 
 /// RASCONNSTATE of a connection that is up.
 inline constexpr std::uint32_t RascsConnected = 0x2000;
@@ -30,6 +34,14 @@ struct RasStatistics {
     bool Counts64Bits = false;
 };
 
+/// What the phonebook tells about an entry (the fields of RASENTRY that this program reads).
+struct PhoneEntry {
+    std::string AreaCode;
+    std::string LocalPhoneNumber;
+    /// "modem", "PPPoE", "vpn", ...
+    std::string DeviceType;
+};
+
 class Ras {
   public:
     virtual ~Ras() = default;
@@ -45,6 +57,17 @@ class Ras {
 
     /// 0 with `state` the RASCONNSTATE, or a RAS error number with `state` 0.
     [[nodiscard]] virtual int GetConnectStatus(std::int32_t handle, std::uint32_t& state) = 0;
+
+    /// Fills `names`, whose size is the room the caller offers, with the entries of the default phonebook, in
+    /// no particular order, and sets `count` to their number. Every name is there once.
+    /// ErrorBufferTooSmall when there is not enough room; otherwise 0 or a RAS error number.
+    [[nodiscard]] virtual int EnumEntries(std::vector<std::string>& names, std::uint32_t& count) = 0;
+
+    /// 0 with `entry` filled, or a RAS error number with `entry` empty.
+    [[nodiscard]] virtual int GetEntryProperties(const std::string& entryName, PhoneEntry& entry) = 0;
+
+    /// Asks the system to end a connection and returns at once. 0, or a RAS error number.
+    [[nodiscard]] virtual int HangUp(std::int32_t handle) = 0;
 };
 
 } // namespace korvalin

@@ -44,8 +44,8 @@ class Shell {
     /// Opens a page in the user's browser; false when nothing opens it.
     [[nodiscard]] virtual bool OpenPage(const std::string& address) = 0;
 
-    /// Opens an address of any scheme ("mailto:") with the program that the user has for it; false when nothing
-    /// opens it.
+    /// Opens an address of any scheme ("mailto:") with the program that the user has for it; false when
+    /// nothing opens it.
     [[nodiscard]] virtual bool OpenAddress(const std::string& address) = 0;
 };
 

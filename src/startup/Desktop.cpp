@@ -1,5 +1,6 @@
 #include "startup/Desktop.h"
 
+#include "dialogs/QtDialDialog.h"
 #include "dialogs/QtMessageBoxes.h"
 #include "dialogs/frmAbout.h"
 #include "display/frmMain.h"
@@ -65,6 +66,9 @@ int RunDesktop(int argc, char** argv) {
     const Ports ports = system.PortsWith(events, messageBoxes, screen);
     Program program(ports, std::move(locale));
     messageBoxes.Plug(program.language);
+    QtDialDialog dialDialog;
+    dialDialog.Plug(program.language);
+    system.PlugDialDialog(&dialDialog);
     program.language.PlugAskLanguage([&] {
         frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
         dialog.exec();
@@ -94,7 +98,7 @@ int RunDesktop(int argc, char** argv) {
     QPointer<frmEinstellungen> settings; // exists only while it is shown
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
-                    system.SystemTime(), program.locale, tray, messageBoxes});
+                    system.SystemTime(), program.locale, tray, messageBoxes, program.dialing});
     const auto openSettings = [&] {
         if (!settings) {
             settings = MakeSettingsDialog(program, ports, window);
@@ -102,10 +106,8 @@ int RunDesktop(int argc, char** argv) {
         }
         settings->Open();
     };
-    // Dialling is not there yet: the phone book is empty.
     window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
-                 [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }, openStatistics,
-                 openSettings, openAbout});
+                 [&] { return UseOfChartLine(program); }, openStatistics, openSettings, openAbout});
     program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.

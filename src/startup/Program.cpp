@@ -34,6 +34,10 @@ Program::Program(const Ports& ports, Locale userLocale)
       rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, settings, errors, ports.Clock),
       lanReader(ports.NetworkTables, lines, lineBook, trafficOptions, errors, ports.Clock),
       lineMonitor(lines, lineBook, rasReader, lanReader, trafficOptions, ports.Internet, ports.User, errors),
+      phoneBook(ports.Ras, ports.Internet, ports.MessageBoxes, errors),
+      phoneNumberGuard(ports.Ras, settings, language, ports.MessageBoxes),
+      dialing(
+          {ports.Internet, ports.Ras, phoneBook, phoneNumberGuard, lines, settings, ports.Events, errors}),
       aliases(settings, errors, ports.Clock, [this] { return units.VolumeFactor(); }),
       monthSums(aliases, lines, errors, ports.Clock),
       statFile([this] { return dataFolder.GetDataPath(); }, ports.Files, ports.Events, ports.Clock, errors,

@@ -16,7 +16,9 @@
 #include "stats/PeriodSums.h"
 #include "stats/Recorder.h"
 #include "stats/StatFile.h"
+#include "traffic/Dialing.h"
 #include "traffic/LineMonitor.h"
+#include "traffic/PhoneNumberGuard.h"
 
 namespace korvalin {
 
@@ -61,6 +63,9 @@ class Program {
     RasReader rasReader;
     LanReader lanReader;
     LineMonitor lineMonitor;
+    PhoneBook phoneBook;
+    PhoneNumberGuard phoneNumberGuard;
+    Dialing dialing;
 
     Aliases aliases;
     MonthSums monthSums;

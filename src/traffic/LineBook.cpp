@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace korvalin {
@@ -78,22 +79,31 @@ void LineBook::ResetLineSamples(TableFromOne<LineRecord>& lines) {
     }
 }
 
+bool LineBook::AnyLineWasConnected() const {
+    const auto& previous = state_.PreviousLineTable;
+    return std::any_of(previous.begin(), previous.end(),
+                       [](const LineRecord& line) { return line.Connected; });
+}
+
 void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount) {
     std::unordered_set<std::string_view> adapters;
+    std::unordered_set<std::int32_t> handles;
     for (const LineRecord& line : lines) {
-        if (line.Connected && !line.IsRas) adapters.insert(line.EntryName);
+        if (!line.Connected) continue;
+        if (line.IsRas) {
+            handles.insert(line.Handle);
+        } else {
+            adapters.insert(line.EntryName);
+        }
     }
     const TableFromOne<LineRecord>& previous = state_.PreviousLineTable;
     TableFromOne<LineRecord> open;
     for (std::size_t i = 1; i <= previous.Size() && i <= lines.Size(); ++i) {
-        const bool sameSlot = lines(i).Handle == previous(i).Handle && lines(i).Connected;
-        const bool isAdapter = previous(i).Connected && !previous(i).IsRas;
-        if (isAdapter ? adapters.contains(previous(i).EntryName) : sameSlot) {
-            open.Append(previous(i));
-            continue;
-        }
-        if (previous(i).Connected) hooks_.SaveStatsLine(CloseReason::LineEnded, i);
-        if (!isAdapter || !lines(i).Connected) lines(i) = LineRecord();
+        const LineRecord& line = previous(i);
+        const bool goesOn = line.IsRas ? handles.contains(line.Handle) : adapters.contains(line.EntryName);
+        if (line.Connected && goesOn) open.Append(line);
+        if (line.Connected && !goesOn) hooks_.SaveStatsLine(CloseReason::LineEnded, i);
+        if (!lines(i).Connected) lines(i) = LineRecord();
     }
     // Should the program end before the next pass, these are still to be recorded.
     open.Resize(std::max<std::size_t>(newCount, 1));

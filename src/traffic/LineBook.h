@@ -35,9 +35,12 @@ class LineBook {
     /// Clears the fields that belong to one pass.
     void ResetLineSamples(TableFromOne<LineRecord>& lines);
 
+    /// Whether a line was connected in the previous pass.
+    bool AnyLineWasConnected() const;
+
     /// Records every line of the previous pass that is not in this one, and resizes the table to `newCount`
-    /// lines. A dial-up connection is known by its slot and handle, an adapter by its name: when one drops
-    /// out those behind it move up, and they have not ended.
+    /// lines. A dial-up connection is known by its handle, an adapter by its name: when one drops out those
+    /// behind it move up, and they have not ended.
     void RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount);
 
     /// Makes room for line number `count`, keeping the lines there are.

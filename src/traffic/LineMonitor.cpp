@@ -37,10 +37,7 @@ void LineMonitor::Get_Bytes_Transmitted() {
 // Nobody looks after the lines of the previous pass any more, as when the last route has gone: they have
 // ended.
 void LineMonitor::CloseLines() {
-    const auto& previous = state_.PreviousLineTable;
-    const bool anyOpen =
-        std::any_of(previous.begin(), previous.end(), [](const LineRecord& line) { return line.Connected; });
-    if (anyOpen) book_.RecordClosedConnections(state_.LineTable, 0);
+    if (book_.AnyLineWasConnected()) book_.RecordClosedConnections(state_.LineTable, 0);
 }
 
 void LineMonitor::TakeSnapshot() {

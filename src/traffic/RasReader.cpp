@@ -63,13 +63,14 @@ void RasReader::ReadConnection(const RasConnection& connection, std::size_t i, L
     // A connection that cannot be read counts as not connected, so the codes need no look.
     static_cast<void>(ras_.GetConnectionStatistics(connection.Handle, statistics));
     static_cast<void>(ras_.GetConnectStatus(connection.Handle, connectionState));
-    if (connectionState != RascsConnected) return;
-
-    state_.AnyLineConnected = true;
+    // Noticed also while the new connection is still being dialed: later, what the old one was is forgotten.
     if (line.Handle != connection.Handle && line.Handle > 0) {
         lineSetChanged_ = true;
         errors_.WriteErrorLog(fmt::format("Leitung {} disconnected", i), "Info");
     }
+    if (connectionState != RascsConnected) return;
+
+    state_.AnyLineConnected = true;
     const Date now = clock_.Now();
     line.Connected = true;
     line.IsRas = true;
@@ -111,7 +112,7 @@ void RasReader::MeasureDuration(LineRecord& line, const RasStatistics& statistic
 }
 
 void RasReader::CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count) {
-    const bool fewer = count < state_.LineCount && state_.PreviousLineTable(1).Connected;
+    const bool fewer = count < state_.LineCount && book_.AnyLineWasConnected();
     if (fewer || lineSetChanged_) book_.RecordClosedConnections(lines, lineSetChanged_ ? 0 : count);
 }
 

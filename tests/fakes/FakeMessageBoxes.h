@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
 #include <vector>
 
 namespace korvalin {
@@ -22,6 +23,12 @@ class FakeMessageBoxes : public MessageBoxes {
     std::deque<MessageAnswer> Answers;
     std::vector<std::string> Waiting;
     bool WaitingOpen = false;
+    /// Runs while a message is shown.
+    std::function<void()> OnShow = [] {};
+    /// Answers in place of `Answers`.
+    std::function<MessageAnswer(const std::string& text, const std::string& title, MessageIcon icon,
+                                MessageButtons buttons)>
+        AnswersBy = {};
 
     ~FakeMessageBoxes() override {
         for (const Box& box : Shown)
@@ -31,6 +38,8 @@ class FakeMessageBoxes : public MessageBoxes {
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                        MessageButtons buttons) override {
         Shown.push_back({text, title, icon, buttons});
+        OnShow();
+        if (AnswersBy) return AnswersBy(text, title, icon, buttons);
         if (buttons == MessageButtons::Ok) return MessageAnswer::Ok;
         if (Answers.empty()) return MessageAnswer::No;
         const MessageAnswer answer = Answers.front();

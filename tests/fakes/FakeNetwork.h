@@ -4,7 +4,7 @@
 #include "platform/NetworkTables.h"
 #include "platform/Ras.h"
 
-#include <map>
+#include <functional>
 #include <stdexcept>
 
 namespace korvalin {
@@ -52,7 +52,23 @@ class FakeInternet : public Internet {
   public:
     ConnectedState State{true, InternetConnectionLan};
 
+    /// Results of the coming dials, in order; 0 once they are used up.
+    std::vector<int> DialResults;
+    std::vector<std::pair<std::string, std::uint32_t>> Dials;
+    /// Runs while an entry is dialed.
+    std::function<void(const std::string& entryName)> OnDial = [](const std::string&) {};
+    /// The handle that a successful dial gives.
+    std::int32_t Connection = 1;
+
     ConnectedState GetConnectedState() override { return State; }
+    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override {
+        const std::size_t dial = Dials.size();
+        Dials.emplace_back(entryName, flags);
+        OnDial(entryName);
+        const int result = dial < DialResults.size() ? DialResults[dial] : 0;
+        connection = result == 0 ? Connection : 0;
+        return result;
+    }
 };
 
 class FakeRas : public Ras {
@@ -79,6 +95,41 @@ class FakeRas : public Ras {
     }
     int GetConnectStatus(std::int32_t handle, std::uint32_t& state) override {
         state = Find(handle).State;
+        return 0;
+    }
+    struct Entry {
+        std::string Name;
+        PhoneEntry Properties;
+    };
+    std::vector<Entry> Entries;
+    /// The result of the sizing call when it is neither 0 nor ErrorBufferTooSmall.
+    int EnumEntriesResult = 0;
+    int FillEntriesResult = 0;
+    std::vector<std::int32_t> HungUp;
+    bool Stubborn = false; ///< connections stay up although they are hung up
+
+    int EnumEntries(std::vector<std::string>& names, std::uint32_t& count) override {
+        if (EnumEntriesResult != 0) return EnumEntriesResult;
+        count = static_cast<std::uint32_t>(Entries.size());
+        if (Entries.size() > names.size()) return ErrorBufferTooSmall;
+        if (FillEntriesResult != 0) return FillEntriesResult;
+        for (std::size_t i = 0; i < Entries.size(); ++i)
+            names[i] = Entries[i].Name;
+        return 0;
+    }
+    int GetEntryProperties(const std::string& entryName, PhoneEntry& entry) override {
+        entry = {};
+        for (const Entry& known : Entries) {
+            if (known.Name != entryName) continue;
+            entry = known.Properties;
+            return 0;
+        }
+        return ErrorCannotFindPhonebookEntry;
+    }
+    int HangUp(std::int32_t handle) override {
+        HungUp.push_back(handle);
+        if (!Stubborn)
+            std::erase_if(Lines, [&](const Line& line) { return line.Connection.Handle == handle; });
         return 0;
     }
 

@@ -21,11 +21,12 @@ class MainWindow : public CoreFixture {
         OpenWindow();
     }
     void OpenWindow() {
-        window = std::make_unique<frmMain>(frmMain::Parts{
-            settings, program->language, screen, program->samplingLoop, program->lines, program->rateHistory,
-            program->infoTexts, program->liveTexts, program->errors, clock, program->locale, area, boxes});
+        window = std::make_unique<frmMain>(
+            frmMain::Parts{settings, program->language, screen, program->samplingLoop, program->lines,
+                           program->rateHistory, program->infoTexts, program->liveTexts, program->errors,
+                           clock, program->locale, area, boxes, program->dialing});
         window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      [this] { return use; }, [] { return std::size_t{0}; }, openStatistics, openSettings, openAbout});
+                      [this] { return use; }, openStatistics, openSettings, openAbout});
         window->Form_Load();
     }
     // Seconds pass, each with an update.

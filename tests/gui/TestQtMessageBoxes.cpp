@@ -44,6 +44,7 @@ TEST_F(QtMessageBoxesTest, AnswersWhatTheUserChose) {
         {Buttons::Ok, close, Answer::Ok},
         {Buttons::YesNoCancel, click(1), Answer::No},
         {Buttons::YesNoCancel, click(2), Answer::Cancel},
+        {Buttons::YesNoCancel, press(Qt::Key_Return), Answer::No},
         {Buttons::YesNoCancel, press(Qt::Key_Escape), Answer::Cancel},
         {Buttons::YesNoCancel, takeAway, Answer::Cancel},
     };

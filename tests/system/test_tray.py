@@ -89,6 +89,26 @@ class Tray(rig.DesktopCase):
 
     # Over XEmbed
 
+    def test_a_box_that_stays_on_top_is_not_covered_by_the_window_that_comes_back(self):
+        self.host(EmbeddingHost(self.display))
+        self.start()
+        icon, window = rig.wait_for(self.icon, "the icon"), self.main_window()
+        middle = self.display.geometry(icon)["WIDTH"] // 2
+        self.click(icon, middle, middle, "3")
+        rig.wait_for(self.menu, "the menu")
+        self.display.tool("xdotool", "key", "a")
+        box = rig.wait_for(lambda: self.display.window("^Korvalin - About$"), "the about box")
+
+        def stack():
+            listed = self.display.tool("xprop", "-root", "_NET_CLIENT_LIST_STACKING").partition("#")[2]
+            return [str(int(number, 16)) for number in listed.split(",") if number.strip()]
+
+        self.click(icon, middle, middle)
+        rig.wait_for(lambda: window not in stack(), "the window's end")
+        self.click(icon, 2, 2)
+        rig.wait_for(lambda: window in stack(), "the window")
+        rig.wait_for(lambda: stack().index(box) > stack().index(window), "the box above the window")
+
     def test_an_embedded_icon_shows_the_rates_and_obeys_the_mouse(self):
         self.host(EmbeddingHost(self.display))
         process = self.start(inside=self.network_with_traffic(), TrayMaxRate=1)

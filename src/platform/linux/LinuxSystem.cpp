@@ -6,10 +6,11 @@
 #include "platform/linux/FlockRecordingLock.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/NetlinkNetworkTables.h"
-#include "platform/linux/NoRas.h"
+#include "platform/linux/NetworkManagerInternet.h"
+#include "platform/linux/NetworkManagerLines.h"
+#include "platform/linux/NetworkManagerRas.h"
 #include "platform/linux/PasswdUser.h"
 #include "platform/linux/PosixFiles.h"
-#include "platform/linux/RouteInternet.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/XdgFolders.h"
@@ -23,8 +24,10 @@ struct LinuxSystem::BackEnds {
     SqliteRegistry Store{ConfigFolder() / "registry.db", Clock};
     AutostartRegistry Registry{Store, Files, AutostartFolder()};
     NetlinkNetworkTables NetworkTables;
-    RouteInternet Internet;
-    NoRas Ras;
+    NetworkManagerClient NetworkManager{Clock};
+    NetworkManagerLines Lines{NetworkManager, Clock};
+    NetworkManagerRas Ras{NetworkManager, Lines};
+    NetworkManagerInternet Internet{{NetworkManager, Lines, Clock}};
     PasswdUser User;
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
@@ -36,8 +39,17 @@ LinuxSystem::~LinuxSystem() = default;
 
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
+    b.Internet.Dialer().Plug(events);
     return {b.Registry, b.NetworkTables, b.Internet, b.Ras,          b.Clock, events,         messageBoxes,
             screen,     b.Shell,         b.User,     b.InstanceLock, b.Files, b.RecordingLock};
+}
+
+void LinuxSystem::BeginConnecting() {
+    backEnds_->NetworkManager.BeginConnecting();
+}
+
+void LinuxSystem::PlugDialDialog(DialDialog* dialog) {
+    backEnds_->Internet.Dialer().PlugDialog(dialog);
 }
 
 Clock& LinuxSystem::SystemTime() {

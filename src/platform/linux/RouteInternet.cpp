@@ -104,7 +104,7 @@ bool RouteInternet::HasDefaultRoute() const {
            FindRoute(procNet_ / "ipv6_route", DefaultRouteV6, linkIsUp_);
 }
 
-ConnectedState RouteInternet::GetConnectedState() {
+ConnectedState RouteInternet::GetConnectedState() const {
     if (!HasDefaultRoute()) return {};
     const std::uint32_t proxy = HasProxy() ? InternetConnectionProxy : 0;
     return {true, InternetConnectionLan | InternetConnectionConfigured | proxy};

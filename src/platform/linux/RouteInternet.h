@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Internet.h"
+#include "platform/Internet.h" // ConnectedState
 
 #include <filesystem>
 #include <functional>
@@ -13,13 +13,14 @@ bool IsLinkRunning(const std::string& interfaceName);
 
 /// The machine is connected over its network when it has a default route, IPv4 or IPv6, over a link that is
 /// up.
-class RouteInternet : public Internet {
+class RouteInternet {
   public:
     /// `procNet` holds the kernel's route and ipv6_route.
     explicit RouteInternet(std::filesystem::path procNet = "/proc/net",
                            std::function<bool(const std::string& interfaceName)> linkIsUp = IsLinkRunning);
 
-    ConnectedState GetConnectedState() override;
+    /// Offline with no flags when there is no such route.
+    [[nodiscard]] ConnectedState GetConnectedState() const;
 
   private:
     bool HasDefaultRoute() const;

@@ -1,0 +1,256 @@
+#include "platform/linux/DialAttempt.h"
+
+#include "platform/Clock.h"
+#include "platform/Events.h"
+#include "platform/Internet.h" // ErrorCancelled
+#include "platform/Registry.h" // ErrorSuccess
+#include "platform/linux/DialResults.h"
+#include "platform/linux/ProfileLogin.h"
+#include "platform/linux/RasErrors.h"
+
+#include <functional>
+
+namespace korvalin {
+namespace {
+
+constexpr double secondsUntilGivenUp = 90;
+constexpr double secondsForAnswer = 1;
+constexpr int millisecondsBetweenLooks = 20;
+
+DialStage StageOfVpn(NMVpnConnectionState state) {
+    switch (state) {
+    case NM_VPN_CONNECTION_STATE_NEED_AUTH: return DialStage::LoggingIn;
+    case NM_VPN_CONNECTION_STATE_CONNECT: return DialStage::Connecting;
+    case NM_VPN_CONNECTION_STATE_IP_CONFIG_GET:
+    case NM_VPN_CONNECTION_STATE_ACTIVATED: return DialStage::GettingAddress;
+    default: return DialStage::Preparing;
+    }
+}
+
+DialStage StageOfDevice(NMDeviceState state) {
+    if (state < NM_DEVICE_STATE_CONFIG) return DialStage::Preparing;
+    if (state < NM_DEVICE_STATE_NEED_AUTH) return DialStage::Connecting;
+    if (state < NM_DEVICE_STATE_IP_CONFIG) return DialStage::LoggingIn;
+    return DialStage::GettingAddress;
+}
+
+} // namespace
+
+/// An asynchronous call. An answer that nobody waits for any more goes to `Late`.
+struct DialAttempt::Call {
+    GObjectPointer<GObject> Source;
+    GObjectPointer<GAsyncResult> Result;
+    std::function<void(NMClient*, GAsyncResult*)> Late;
+};
+
+void DialAttempt::TakeAnswer(GObject* source, GAsyncResult* result, gpointer data) {
+    const std::unique_ptr<SharedCall> call(static_cast<SharedCall*>(data));
+    if ((*call)->Late) return (*call)->Late(NM_CLIENT(source), result);
+    (*call)->Source = ShareGObject(source);
+    (*call)->Result = ShareGObject(result);
+}
+
+DialAttempt::DialAttempt(const DialerParts& parts, Events& events, DialDialog* dialog,
+                         NMRemoteConnection* profile)
+    : parts_(parts),
+      events_(events),
+      dialog_(dialog),
+      profile_(ShareGObject(profile)),
+      startedAt_(parts.Clock.AwakeSeconds()) {}
+
+DialAttempt::~DialAttempt() {
+    for (const auto& device : watched_)
+        g_signal_handlers_disconnect_by_data(device.get(), this);
+}
+
+double DialAttempt::SecondsAwake() const {
+    return parts_.Clock.AwakeSeconds() - startedAt_;
+}
+
+// Lets a moment pass with windows alive; why the dial has to end meanwhile.
+std::optional<int> DialAttempt::Wait() {
+    events_.ProcessPending();
+    if (dialog_ != nullptr && dialog_->Cancelled()) return ErrorCancelled;
+    if (SecondsAwake() >= secondsUntilGivenUp) return ErrorNoCarrier;
+    if (parts_.Client.Running() == nullptr) return ErrorConnectionDropped;
+    events_.Sleep(millisecondsBetweenLooks);
+    return std::nullopt;
+}
+
+std::optional<int> DialAttempt::Await(const Call& call) {
+    while (!call.Result) {
+        if (const auto interrupted = Wait()) return interrupted;
+    }
+    return std::nullopt;
+}
+
+// Whether the answer to a call comes within a moment.
+bool DialAttempt::ComesAtOnce(const Call& call) {
+    const double limit = SecondsAwake() + secondsForAnswer;
+    while (!call.Result && SecondsAwake() < limit && parts_.Client.Running() != nullptr)
+        events_.Sleep(millisecondsBetweenLooks);
+    return call.Result != nullptr;
+}
+
+// A profile that is sent with a secret loses those that are not sent: the others are fetched first.
+GObjectPointer<NMConnection> DialAttempt::CopyWithSecrets(const std::string& setting,
+                                                          std::optional<int>& interrupted) {
+    const auto call = std::make_shared<Call>();
+    {
+        const NetworkManagerClient::CallScope scope(parts_.Client);
+        nm_remote_connection_get_secrets_async(profile_.get(), setting.c_str(), nullptr, TakeAnswer,
+                                               new SharedCall(call));
+    }
+    interrupted = Await(*call);
+    if (interrupted) {
+        call->Late = [](NMClient*, GAsyncResult*) {};
+        return nullptr;
+    }
+    GObjectPointer<NMConnection> copy(nm_simple_connection_new_clone(NM_CONNECTION(profile_.get())));
+    GVariant* secrets = nm_remote_connection_get_secrets_finish(profile_.get(), call->Result.get(), nullptr);
+    if (secrets != nullptr) {
+        nm_connection_update_secrets(copy.get(), setting.c_str(), secrets, nullptr);
+        g_variant_unref(secrets);
+    }
+    return copy;
+}
+
+int DialAttempt::StoreLogin(const Login& login) {
+    std::optional<int> interrupted;
+    const auto changed = CopyWithSecrets(LoginSetting(NM_CONNECTION(profile_.get())), interrupted);
+    if (interrupted) return *interrupted;
+    korvalin::StoreLogin(changed.get(), login);
+    const auto persistence = nm_remote_connection_get_unsaved(profile_.get())
+                                 ? NM_SETTINGS_UPDATE2_FLAG_IN_MEMORY
+                                 : NM_SETTINGS_UPDATE2_FLAG_TO_DISK;
+    const auto call = std::make_shared<Call>();
+    {
+        const NetworkManagerClient::CallScope scope(parts_.Client);
+        nm_remote_connection_update2(profile_.get(),
+                                     nm_connection_to_dbus(changed.get(), NM_CONNECTION_SERIALIZE_ALL),
+                                     persistence, nullptr, nullptr, TakeAnswer, new SharedCall(call));
+    }
+    if (const auto code = Await(*call)) {
+        call->Late = [](NMClient*, GAsyncResult*) {};
+        return *code;
+    }
+    GErrorPointer error;
+    GVariant* answer =
+        nm_remote_connection_update2_finish(profile_.get(), call->Result.get(), GErrorSlot(error));
+    if (answer == nullptr) return ResultOfRefusal(*error);
+    g_variant_unref(answer);
+    return ErrorSuccess;
+}
+
+int DialAttempt::Run(std::int32_t& handle) {
+    NMClient* client = parts_.Client.Running();
+    if (client == nullptr) return ErrorConnectionDropped;
+    WatchDevices(client);
+    connection_ = ActiveConnection();
+    if (!connection_) {
+        if (const int error = Activate(); error != ErrorSuccess) return error;
+    }
+    return Follow(handle);
+}
+
+// The profile's connection that is up or coming up; null when it has to be started.
+GObjectPointer<NMActiveConnection> DialAttempt::ActiveConnection() {
+    const GPtrArray* connections = nm_client_get_active_connections(parts_.Client.Running());
+    for (guint i = 0; i < connections->len; ++i) {
+        auto* connection = static_cast<NMActiveConnection*>(connections->pdata[i]);
+        if (nm_active_connection_get_connection(connection) == profile_.get() &&
+            nm_active_connection_get_state(connection) <= NM_ACTIVE_CONNECTION_STATE_ACTIVATED) {
+            return ShareGObject(connection);
+        }
+    }
+    return nullptr;
+}
+
+int DialAttempt::Activate() {
+    const auto call = std::make_shared<Call>();
+    {
+        const NetworkManagerClient::CallScope scope(parts_.Client);
+        nm_client_activate_connection_async(parts_.Client.Running(), NM_CONNECTION(profile_.get()), nullptr,
+                                            nullptr, nullptr, TakeAnswer, new SharedCall(call));
+    }
+    const auto interrupted = Await(*call);
+    // What was asked for cannot be taken back before it is granted.
+    if (interrupted && !ComesAtOnce(*call)) {
+        call->Late = [&client = parts_.Client](NMClient* running, GAsyncResult* result) {
+            const GObjectPointer<NMActiveConnection> late(
+                nm_client_activate_connection_finish(running, result, nullptr));
+            if (late) client.Deactivate(late.get());
+        };
+        return *interrupted;
+    }
+    GErrorPointer error;
+    connection_.reset(nm_client_activate_connection_finish(NM_CLIENT(call->Source.get()), call->Result.get(),
+                                                           GErrorSlot(error)));
+    if (interrupted && connection_) parts_.Client.Deactivate(connection_.get());
+    if (interrupted) return *interrupted;
+    return connection_ ? ErrorSuccess : ResultOfRefusal(*error);
+}
+
+int DialAttempt::Follow(std::int32_t& handle) {
+    for (;;) {
+        const GPtrArray* devices = nm_active_connection_get_devices(connection_.get());
+        if (devices->len > 0) device_ = ShareGObject(static_cast<NMDevice*>(devices->pdata[0]));
+        const NMActiveConnectionState state = nm_active_connection_get_state(connection_.get());
+        if (state == NM_ACTIVE_CONNECTION_STATE_ACTIVATED) {
+            parts_.Lines.Refresh();
+            handle = parts_.Lines.HandleOf(connection_.get());
+            if (handle != 0) return ErrorSuccess;
+        }
+        if (state >= NM_ACTIVE_CONNECTION_STATE_DEACTIVATING || !IsListed()) return ReasonOfEnd();
+        ShowStage();
+        if (const auto interrupted = Wait()) {
+            parts_.Client.Deactivate(connection_.get());
+            return *interrupted;
+        }
+    }
+}
+
+// Whether NetworkManager still knows the connection.
+bool DialAttempt::IsListed() {
+    NMClient* client = parts_.Client.Running();
+    if (client == nullptr) return false;
+    return g_ptr_array_find(const_cast<GPtrArray*>(nm_client_get_active_connections(client)),
+                            connection_.get(), nullptr) != FALSE;
+}
+
+// A VPN's device is the one it runs over, which has no part in its failure.
+int DialAttempt::ReasonOfEnd() const {
+    const auto failure = failures_.find(device_.get());
+    if (failure == failures_.end() || nm_active_connection_get_vpn(connection_.get()))
+        return ResultOfConnectionEnd(nm_active_connection_get_state_reason(connection_.get()));
+    return ResultOfDeviceFailure(failure->second, SecondsAwake());
+}
+
+// All of them, beforehand: a device that fails is back at rest, its reason forgotten, before one could look.
+void DialAttempt::WatchDevices(NMClient* client) {
+    const GPtrArray* devices = nm_client_get_devices(client);
+    for (guint i = 0; i < devices->len; ++i) {
+        watched_.push_back(ShareGObject(static_cast<NMDevice*>(devices->pdata[i])));
+        g_signal_connect(watched_.back().get(), "state-changed", G_CALLBACK(TakeDeviceState), this);
+    }
+}
+
+void DialAttempt::TakeDeviceState(NMDevice* device, NMDeviceState state, NMDeviceState,
+                                  NMDeviceStateReason reason, gpointer attempt) {
+    const bool ends = state == NM_DEVICE_STATE_DEACTIVATING || state == NM_DEVICE_STATE_FAILED ||
+                      state <= NM_DEVICE_STATE_UNAVAILABLE;
+    if (ends) static_cast<DialAttempt*>(attempt)->failures_.emplace(device, reason);
+}
+
+void DialAttempt::ShowStage() {
+    DialStage stage = DialStage::Preparing;
+    if (NM_IS_VPN_CONNECTION(connection_.get())) {
+        stage = StageOfVpn(nm_vpn_connection_get_vpn_state(NM_VPN_CONNECTION(connection_.get())));
+    } else if (device_) {
+        stage = StageOfDevice(nm_device_get_state(device_.get()));
+    }
+    if (dialog_ != nullptr && stage != stage_) dialog_->ShowStage(stage);
+    stage_ = stage;
+}
+
+} // namespace korvalin

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <glib.h>
+
+extern "C" { // which the header itself forgets
+#include <nm-errors.h>
+}
+
+#include <NetworkManager.h>
+
+namespace korvalin {
+
+/// The RAS error number for a device that gave up a dial, `secondsAwake` after it began. What PPP says tells
+/// a refused login from a silent line by the time alone: a refusal comes at once, an answer that does not
+/// come is waited for.
+int ResultOfDeviceFailure(NMDeviceStateReason reason, double secondsAwake);
+
+/// The RAS error number for a connection that ended before it was up.
+int ResultOfConnectionEnd(NMActiveConnectionStateReason reason);
+
+/// The RAS or system error number for a request that NetworkManager refused.
+int ResultOfRefusal(const GError& error);
+
+} // namespace korvalin

@@ -1,0 +1,89 @@
+#include "platform/linux/NetworkManagerDialer.h"
+
+#include "platform/Internet.h"
+#include "platform/Registry.h" // ErrorSuccess
+#include "platform/linux/DialAttempt.h"
+#include "platform/linux/Phonebook.h"
+#include "platform/linux/ProfileLogin.h"
+#include "platform/linux/RasErrors.h"
+
+#include <cstring>
+
+namespace korvalin {
+namespace {
+
+/// The dialog's window, from the first stage to the end of the dial.
+class ShownDial {
+  public:
+    ShownDial(DialDialog* dialog, const std::string& entryName) : dialog_(dialog) {
+        if (dialog_ != nullptr) dialog_->Begin(entryName);
+    }
+    ~ShownDial() {
+        if (dialog_ != nullptr) dialog_->End();
+    }
+    ShownDial(const ShownDial&) = delete;
+    ShownDial& operator=(const ShownDial&) = delete;
+
+  private:
+    DialDialog* dialog_;
+};
+
+/// Holds a login no longer than it is needed.
+class ShortLivedLogin {
+  public:
+    explicit ShortLivedLogin(std::optional<Login> login) : login_(std::move(login)) {}
+    ~ShortLivedLogin() {
+        if (login_) explicit_bzero(login_->Password.data(), login_->Password.size());
+    }
+    ShortLivedLogin(const ShortLivedLogin&) = delete;
+    ShortLivedLogin& operator=(const ShortLivedLogin&) = delete;
+    const std::optional<Login>& Get() const { return login_; }
+
+  private:
+    std::optional<Login> login_;
+};
+
+class Raised {
+  public:
+    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Raised() { flag_ = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+
+  private:
+    bool& flag_;
+};
+
+} // namespace
+
+int NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) {
+    connection = 0;
+    // Windows are alive during a dial: their menu can ask for one more.
+    if (dialling_ || events_ == nullptr) return ErrorDialAlreadyInProgress;
+    const Raised dialling(dialling_);
+    const auto profile = ShareGObject(FindProfile(parts_.Client.Running(), entryName));
+    if (!profile) return ErrorCannotFindPhonebookEntry;
+    if (const std::int32_t handle = parts_.Lines.HandleOfProfile(profile.get()); handle != 0) {
+        connection = handle;
+        return ErrorSuccess;
+    }
+
+    NMConnection* settings = NM_CONNECTION(profile.get());
+    const bool asks = (flags & InternetDialForcePrompt) != 0 && (flags & InternetDialUnattended) == 0 &&
+                      dialog_ != nullptr && TakesLogin(settings);
+    const ShortLivedLogin login(asks ? dialog_->AskLogin(entryName, StoredUserName(settings)) : std::nullopt);
+    if (asks && !login.Get()) return ErrorCancelled;
+
+    const ShownDial shown(dialog_, entryName);
+    DialAttempt attempt(parts_, *events_, dialog_, profile.get());
+    if (login.Get()) {
+        if (const int error = attempt.StoreLogin(*login.Get()); error != ErrorSuccess) return error;
+    }
+    const int error = attempt.Run(connection);
+    const bool triedAgain = error == ErrorAuthenticationFailure && (flags & InternetDialForcePrompt) == 0;
+    if (error != 0 && error != ErrorCancelled && !triedAgain && dialog_ != nullptr)
+        dialog_->ShowFailure(entryName, error);
+    return error;
+}
+
+} // namespace korvalin

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "traffic/PhoneBook.h"
+
+#include <string>
+#include <vector>
+
+namespace korvalin {
+
+class Events;
+class PhoneNumberGuard;
+class Settings;
+struct LineState;
+
+/// What the user can do about dial-up lines: hang up, or else dial one of the entries.
+struct DialChoices {
+    bool HangUp = false;
+    /// Sorted by name.
+    std::vector<std::string> Entries;
+    /// The entry dialed last, if it is one of these; else empty.
+    std::string Quick;
+};
+
+/// Dials the entries of the phone book and hangs up.
+class Dialing {
+  public:
+    struct Parts {
+        korvalin::Internet& Internet;
+        korvalin::Ras& Ras;
+        korvalin::PhoneBook& PhoneBook;
+        korvalin::PhoneNumberGuard& PhoneNumberGuard;
+        const LineState& Lines;
+        korvalin::Settings& Settings;
+        korvalin::Events& Events;
+        korvalin::Errors& Errors;
+    };
+
+    explicit Dialing(const Parts& parts) : parts_(parts) {}
+
+    /// Dials an entry and returns when it is up or has failed; windows stay alive meanwhile. A failure is
+    /// told by the system's dial window only.
+    void DialEntry(const std::string& entryName);
+
+    /// Hangs up all connections, one after the other. Connections that remain are logged.
+    void MONHangUp();
+
+    /// Whether one of the two is under way; another is then left out.
+    bool Busy() const { return busy_; }
+
+    /// The program ends: nothing is dialed any more.
+    void Stop() { stopped_ = true; }
+
+    DialChoices Choices();
+
+    /// Number of entries in the phone book.
+    std::size_t EntriesCount() { return parts_.PhoneBook.RASGetEntriesCount(); }
+
+  private:
+    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection);
+    bool ConnectionUp();
+    std::vector<RasConnection> Connections();
+
+    Parts parts_;
+    bool busy_ = false;
+    bool stopped_ = false;
+};
+
+} // namespace korvalin

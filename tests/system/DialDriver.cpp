@@ -1,0 +1,180 @@
+// The dial-up back end without the program around it, for the tests and measurements of the scripts beside.
+#include "platform/DialDialog.h"
+#include "platform/Events.h"
+#include "platform/linux/NetworkManagerInternet.h"
+#include "platform/linux/NetworkManagerLines.h"
+#include "platform/linux/NetworkManagerRas.h"
+#include "platform/linux/SystemClock.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+using namespace korvalin;
+
+constexpr const char* stageNames[] = {"preparing", "connecting", "logging in", "getting address"};
+
+/// A clock whose awake time passes so many times faster.
+class FastClock : public SystemClock {
+  public:
+    double Rate = 1;
+    double AwakeSeconds() override { return SystemClock::AwakeSeconds() * Rate; }
+};
+
+class SleepingEvents : public Events {
+  public:
+    int Pumped = 0;
+    void ProcessPending() override { ++Pumped; }
+    void Sleep(int milliseconds) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    }
+};
+
+/// Prints what is shown, and answers as it was told.
+class PrintedDialog : public DialDialog {
+  public:
+    std::optional<Login> Answer;
+    std::string CancelAt;
+
+    void Begin(const std::string& entryName) override { fmt::print("begin {}\n", entryName); }
+    void ShowStage(DialStage stage) override {
+        fmt::print("stage {}\n", stageNames[static_cast<int>(stage)]);
+        cancelled_ = cancelled_ || CancelAt == stageNames[static_cast<int>(stage)];
+    }
+    bool Cancelled() const override { return cancelled_ || CancelAt == "begin"; }
+    void End() override { fmt::print("end\n"); }
+    void ShowFailure(const std::string& entryName, int error) override {
+        fmt::print("failed {} {}\n", entryName, error);
+    }
+    std::optional<Login> AskLogin(const std::string& entryName, const std::string& userName) override {
+        fmt::print("asked {} for {}\n", entryName, userName);
+        return Answer;
+    }
+
+  private:
+    bool cancelled_ = false;
+};
+
+struct BackEnd {
+    FastClock Clock;
+    SleepingEvents Events;
+    PrintedDialog Dialog;
+    NetworkManagerClient Client{Clock};
+    NetworkManagerLines Lines{Client, Clock};
+    NetworkManagerRas Ras{Client, Lines};
+    NetworkManagerInternet Internet{{Client, Lines, Clock}};
+};
+
+std::vector<RasConnection> Connections(Ras& ras) {
+    std::vector<RasConnection> connections;
+    std::uint32_t count = 0;
+    while (ras.EnumConnections(connections, count) == ErrorBufferTooSmall)
+        connections.resize(count);
+    connections.resize(count);
+    return connections;
+}
+
+// Every change of the connected state, until somebody ends it.
+void FollowState(Internet& internet) {
+    for (std::uint32_t last = ~0U;; std::this_thread::sleep_for(std::chrono::microseconds(300))) {
+        const std::uint32_t flags = internet.GetConnectedState().Flags;
+        if (flags != last) fmt::print("{:#x}\n", flags);
+        last = flags;
+    }
+}
+
+void PrintEntries(Ras& ras) {
+    std::vector<std::string> names;
+    std::uint32_t count = 0;
+    while (ras.EnumEntries(names, count) == ErrorBufferTooSmall)
+        names.resize(count);
+    for (const std::string& name : names) {
+        PhoneEntry entry;
+        const int error = ras.GetEntryProperties(name, entry);
+        fmt::print("{}|{}|{}|{}\n", name, entry.DeviceType, entry.LocalPhoneNumber, error);
+    }
+}
+
+// As a pass of the reader: everything about every line.
+void ReadLines(Ras& ras, bool print) {
+    for (const RasConnection& connection : Connections(ras)) {
+        RasStatistics statistics;
+        std::uint32_t state = 0;
+        static_cast<void>(ras.GetConnectionStatistics(connection.Handle, statistics));
+        static_cast<void>(ras.GetConnectStatus(connection.Handle, state));
+        if (print) {
+            fmt::print("{}|{}|{}|{}|{}|{}\n", connection.Handle, connection.EntryName, connection.DeviceName,
+                       statistics.BytesReceived, statistics.BytesTransmitted,
+                       statistics.ConnectDurationMilliseconds);
+        }
+    }
+}
+
+void Measure(Ras& ras, int passes) {
+    ReadLines(ras, true);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < passes; ++i)
+        ReadLines(ras, false);
+    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
+    fmt::print("microseconds {:.2f}\n", time.count() / passes);
+}
+
+// As the program does it: one line a pass, until none is up.
+void HangUpAll(BackEnd& system) {
+    for (int pass = 1; pass <= 11; ++pass) {
+        const std::vector<RasConnection> connections = Connections(system.Ras);
+        if (connections.empty()) return;
+        fmt::print("hang up {}: {}\n", connections[0].EntryName, system.Ras.HangUp(connections[0].Handle));
+        system.Events.Sleep(100);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app;
+    app.require_subcommand(1);
+    BackEnd system;
+    std::string name, user, password;
+    std::uint32_t flags = 0;
+    int passes = 1000;
+    double rate = 1;
+    bool bare = false;
+    app.add_subcommand("entries");
+    app.add_subcommand("state");
+    app.add_subcommand("follow");
+    app.add_subcommand("lines");
+    app.add_subcommand("hangup");
+    app.add_subcommand("measure")->add_option("passes", passes);
+    CLI::App* dial = app.add_subcommand("dial");
+    dial->add_option("name", name)->required();
+    dial->add_option("--flags", flags);
+    dial->add_option("--user", user);
+    dial->add_option("--password", password);
+    dial->add_option("--cancel-at", system.Dialog.CancelAt);
+    dial->add_option("--clock-rate", rate);
+    dial->add_flag("--bare", bare, "without a dialog");
+    CLI11_PARSE(app, argc, argv);
+
+    setvbuf(stdout, nullptr, _IOLBF, 0);
+    system.Clock.Rate = rate;
+    system.Internet.Dialer().Plug(system.Events);
+    if (!bare) system.Internet.Dialer().PlugDialog(&system.Dialog);
+    if (!user.empty()) system.Dialog.Answer = Login{user, password};
+    if (app.got_subcommand("entries")) PrintEntries(system.Ras);
+    if (app.got_subcommand("state")) fmt::print("{:#x}\n", system.Internet.GetConnectedState().Flags);
+    if (app.got_subcommand("follow")) FollowState(system.Internet);
+    if (app.got_subcommand("lines")) ReadLines(system.Ras, true);
+    if (app.got_subcommand("hangup")) HangUpAll(system);
+    if (app.got_subcommand("measure")) Measure(system.Ras, passes);
+    if (!dial->parsed()) return 0;
+    std::int32_t handle = -1;
+    const int result = system.Internet.Dial(name, flags, handle);
+    fmt::print("result {} {}\n", result, handle > 0 ? "line" : "none");
+    if (system.Events.Pumped > 0) fmt::print("windows alive\n");
+    return 0;
+}

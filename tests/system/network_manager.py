@@ -1,0 +1,219 @@
+"""A real NetworkManager for tests: in network, mount and bus namespaces of its own, with lines that dial.
+
+There is an adapter wan0, over which PPPoE profiles dial to a stand-in for pppd (pppd_stand_in.py), a modem ttyS9 with its data
+port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that is reached over PPPoE. The other ends stand in a
+second network namespace.
+"""
+
+import contextlib
+import json
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import unittest
+
+from rig import ended, wait_for
+
+PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
+SCRIPTS = pathlib.Path(__file__).resolve().parent
+NEEDED = ("ip", "unshare", "nsenter", "NetworkManager", "nmcli", "dbus-daemon", "pppd")
+BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
+"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig><type>system</type><listen>unix:path={folder}/bus</listen>
+<listen>unix:path=/run/dbus/system_bus_socket</listen><auth>EXTERNAL</auth><policy context="default"><allow user="*"/>
+<allow own="*"/><allow send_type="method_call"/><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/>
+</policy></busconfig>"""
+CONFIGURATION = """[main]
+plugins=keyfile
+auth-polkit=false
+dns=none
+rc-manager=unmanaged
+dhcp=internal
+no-auto-default=*
+hostname-mode=none
+[keyfile]
+path={folder}/profiles
+"""
+# A read-only /sys makes udev unnecessary. Some of NetworkManager's helpers look for the bus in its usual place only.
+INSIDE = """mount --make-rprivate /
+mkdir -p /run/NetworkManager /var/lib/NetworkManager /run/dbus
+for folder in /run/NetworkManager /var/lib/NetworkManager /run/dbus; do mount -t tmpfs none $folder; done
+mount --bind {folder}/resolv.conf /etc/resolv.conf
+mount --bind {folder}/pppd /usr/sbin/pppd
+mount -o remount,ro /sys
+touch {folder}/ready
+exec sleep infinity"""
+VPN_SERVER = """cd {folder}
+openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -keyout ca.key -out ca.crt -days 3650 -subj /CN=ca
+openssl req -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -keyout server.key -out server.csr -subj /CN=server
+printf 'extendedKeyUsage=serverAuth\\nkeyUsage=digitalSignature\\n' > extensions
+openssl x509 -req -in server.csr -CA ca.crt -CAkey ca.key -CAcreateserial -days 3650 -extfile extensions -out server.crt
+printf '#!/bin/sh\\n{{ read user; read password; }} < "$1"\\n[ "$user" = alice ] && [ "$password" = secret ]\\n' > login
+chmod 755 login
+exec openvpn --dev tun --dev-type tun --proto udp --port 1194 --server 10.99.0.0 255.255.255.0 \\
+  --topology subnet --ca ca.crt --cert server.crt --key server.key --dh none --verify-client-cert none \\
+  --username-as-common-name --script-security 2 --auth-user-pass-verify {folder}/login via-file --ping 1 --log server.log"""
+
+
+def python_has(*modules):
+    return subprocess.run([PYTHON, "-c", f"import {', '.join(modules)}"], capture_output=True, check=False).returncode == 0
+
+
+class NetworkManager:
+    def __init__(self, folder):
+        missing = [tool for tool in NEEDED if not shutil.which(tool)]
+        if os.geteuid() != 0 or missing or not python_has("dbus", "dbusmock"):
+            raise unittest.SkipTest(f"needs root, {', '.join(missing) or 'dbusmock'}")
+        self.folder = pathlib.Path(folder) / "nm"
+        self.here, self.there = f"kv-nm-{os.getpid()}", f"kv-isp-{os.getpid()}"
+        self.processes = []
+
+    def __enter__(self):
+        for name in ("profiles", "conf.d"):
+            (self.folder / name).mkdir(parents=True)
+        for name, text in (("bus.conf", BUS), ("nm.conf", CONFIGURATION), ("resolv.conf", "")):
+            (self.folder / name).write_text(text.format(folder=self.folder))
+        (self.folder / "pppd").write_text(
+            f'#!/bin/sh\nexec {PYTHON} -B {SCRIPTS}/pppd_stand_in.py {self.folder} {self.there} "$@"\n')
+        (self.folder / "pppd").chmod(0o755)
+        try:
+            self.begin()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def begin(self):
+        try:
+            self.make_network()
+        except subprocess.CalledProcessError as error:
+            raise unittest.SkipTest(f"no network namespaces here: {error.stderr}") from error
+        self.env = dict(os.environ, DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={self.folder}/bus", LC_ALL="C.UTF-8",
+                        KORVALIN_MODEM=str(self.folder / "modem.json"))
+        self.holder = self.launch(["ip", "netns", "exec", self.here, "unshare", "-m", "sh", "-ec",
+                                   INSIDE.format(folder=self.folder)])
+        wait_for((self.folder / "ready").exists, "the namespaces")
+        self.start("dbus-daemon", f"--config-file={self.folder}/bus.conf", "--nofork", "--nopidfile")
+        wait_for((self.folder / "bus").exists, "the bus")
+        self.start(PYTHON, "-B", "-m", "dbusmock", "--system", "--template", SCRIPTS / "modem_manager.py", "--logfile",
+                   self.folder / "modem.log")
+        self.start_daemon()
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            ended(process)
+        for name in (self.here, self.there):
+            self.kill(self.processes_in(name))
+            subprocess.run(["ip", "netns", "delete", name], stderr=subprocess.DEVNULL, check=False)
+
+    def make_network(self):
+        def ip(words):
+            subprocess.run(["ip", *words.split()], check=True, capture_output=True, text=True)
+
+        for name in (self.here, self.there):
+            ip(f"netns add {name}")
+            ip(f"-n {name} link set lo up")
+        for near, far, address in (("wan0", "isp0", "10.66.0.1/24"), ("wwan0", "gprs0", "10.78.0.1/24")):
+            ip(f"link add {near} netns {self.here} type veth peer name {far} netns {self.there}")
+            ip(f"-n {self.there} addr add {address} dev {far}")
+            ip(f"-n {self.there} link set {far} up")
+
+    def launch(self, command, **options):
+        options = {"env": self.env, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options}
+        process = subprocess.Popen([str(word) for word in command], **options)
+        self.processes.append(process)
+        return process
+
+    def inside(self, *command):
+        return ["nsenter", "-t", str(self.holder.pid), "-n", "-m", *command]
+
+    def start(self, *command, **options):
+        """A process in NetworkManager's namespaces."""
+        return self.launch(self.inside(*command), **options)
+
+    def run(self, *command, env=None, check=True, seconds=60):
+        """Runs a command there to its end; what it printed."""
+        run = subprocess.run([str(word) for word in self.inside(*command)], env={**self.env, **(env or {})}, check=check,
+                             text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=seconds)
+        return run.stdout.strip()
+
+    def nmcli(self, *arguments, check=True):
+        return self.run("nmcli", *arguments, check=check)
+
+    def start_daemon(self):
+        with open(self.folder / "nm.log", "a", encoding="utf-8") as log:
+            self.daemon = self.start("NetworkManager", "--debug", f"--config={self.folder}/nm.conf",
+                                     f"--config-dir={self.folder}/conf.d", f"--intern-config={self.folder}/intern.conf",
+                                     f"--state-file={self.folder}/state", f"--pid-file={self.folder}/pid",
+                                     stdout=log, stderr=subprocess.STDOUT)
+        wait_for(lambda: "ttyS9" in self.nmcli("-t", "-f", "DEVICE,STATE", "device", check=False), "the modem")
+
+    def stop_daemon(self):
+        """At one blow with its lines, which it would leave to whoever manages services."""
+        lines = self.processes_in(self.here, "pppd_stand_in.py")
+        self.daemon.kill()
+        self.kill(lines)
+        self.daemon.wait()
+
+    @staticmethod
+    def processes_in(namespace, name=""):
+        listed = subprocess.run(["ip", "netns", "pids", namespace], capture_output=True, text=True, check=False).stdout
+        return [int(pid) for pid in listed.split() if name in pathlib.Path(f"/proc/{pid}/cmdline").read_text()]
+
+    @staticmethod
+    def kill(pids):
+        for pid in pids:
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(pid, signal.SIGKILL)
+
+    def add(self, kind, name, *settings):
+        """A profile; its UUID."""
+        told = self.nmcli("connection", "add", "type", kind, "con-name", name, "autoconnect", "no", *settings)
+        return re.search(r"\(([0-9a-f-]{36})\) successfully added", told)[1]
+
+    def add_pppoe(self, name, password="p"):
+        return self.add("pppoe", name, "ifname", "wan0", "username", "u", "password", password)
+
+    def add_gsm(self, name, access_point="internet", number="*99#"):
+        return self.add("gsm", name, "ifname", "*", "apn", access_point, "gsm.number", number)
+
+    def add_vpn(self, name, password="secret"):
+        return self.add("vpn", name, "vpn-type", "openvpn", "vpn.data",
+                        f"connection-type = password, remote = 10.64.64.64, ca = {self.folder}/ca.crt, username = alice, "
+                        "password-flags = 0, ping = 1, ping-exit = 4", "vpn.secrets", f"password={password}",
+                        "ipv4.never-default", "yes")
+
+    def start_vpn_server(self):
+        """Once for all tests."""
+        if (self.folder / "server.log").exists():
+            return
+        if not shutil.which("openvpn") or not list(pathlib.Path("/usr/lib").rglob("nm-openvpn-service")):
+            raise unittest.SkipTest("needs openvpn and NetworkManager's plugin for it")
+        self.launch(["ip", "netns", "exec", self.there, "sh", "-ec", VPN_SERVER.format(folder=self.folder)])
+        wait_for(lambda: (self.folder / "server.log").exists() and
+                 "Initialization Sequence Completed" in (self.folder / "server.log").read_text(), "the VPN server")
+
+    def remove_all(self):
+        """Every line and every profile, and what the far ends were told."""
+        if self.daemon.poll() is not None:
+            self.start_daemon()
+        for name in ("ppp.json", "ppp.hangup", "modem.json"):
+            (self.folder / name).unlink(missing_ok=True)
+        for line in self.nmcli("-t", "-f", "UUID,TYPE", "connection", "show").splitlines():
+            uuid, kind = line.split(":")
+            if kind not in ("loopback", "tun"):
+                self.nmcli("connection", "delete", uuid)
+
+    def tell(self, name, **values):
+        """How the far end of ppp or of the modem behaves from now on."""
+        (self.folder / f"{name}.json").write_text(json.dumps(values))
+
+    def active(self):
+        """The names of the connections that are up or coming up."""
+        return sorted(self.nmcli("-t", "-f", "NAME", "connection", "show", "--active").splitlines())
+
+    def counter(self, interface, which):
+        return int(self.run("cat", f"/sys/class/net/{interface}/statistics/{which}"))

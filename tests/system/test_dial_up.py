@@ -1,0 +1,337 @@
+#!/usr/bin/env python3
+"""Dial-up lines on a real NetworkManager: listed, followed, recorded, dialled, hung up; with it, without it, and when it goes."""
+
+import json
+import os
+import pathlib
+import signal
+import socket
+import subprocess
+import sys
+import time
+import unittest
+
+import rig
+from network_manager import NetworkManager
+
+DRIVER = rig.BIN.parent / "tests/dialdriver" if rig.BIN else None
+FORCE_PROMPT, UNATTENDED = 0x2000, 0x8000
+MODEM, LAN, INSTALLED, CONFIGURED = 0x01, 0x02, 0x10, 0x40
+SENDER = """
+import socket, sys
+out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+for _ in range(int(sys.argv[2])):
+    out.sendto(b"x" * 1000, (sys.argv[1], 9))
+"""
+
+
+class Watch:
+    """korvalin-cli lines --watch in NetworkManager's namespaces."""
+
+    def __init__(self, nm, home):
+        self.file = home.path / "watched"
+        with open(self.file, "w", encoding="utf-8") as output:
+            self.process = nm.start(rig.BIN / "korvalin-cli", "lines", "--watch", "--format", "json",
+                                    env={**nm.env, **home.env}, stdout=output)
+
+    def lines(self):
+        whole = [text for text in self.file.read_text().splitlines(keepends=True) if text.endswith("\n")]
+        return json.loads(whole[-1]) if whole else None
+
+    def await_names(self, *names):
+        rig.wait_for(lambda: self.lines() is not None and [line["name"] for line in self.lines()] == list(names), names)
+
+
+class DialUp(rig.Case):
+    @classmethod
+    def setUpClass(cls):
+        cls.nm_home = rig.Home()
+        cls.addClassCleanup(cls.nm_home.__exit__)
+        cls.nm = NetworkManager(cls.nm_home.path)
+        cls.nm.__enter__()
+        cls.addClassCleanup(cls.nm.__exit__)
+
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(self.nm.remove_all)
+
+    def drive(self, *arguments):
+        return self.nm.run(DRIVER, *arguments)
+
+    def dial(self, name, *options, flags=0):
+        """What the dial showed, and its result."""
+        *shown, result, alive = self.drive("dial", name, "--flags", flags, *options).splitlines()
+        self.assertEqual(alive, "windows alive")
+        return shown, result
+
+    def cli(self, *arguments):
+        return self.nm.run(rig.BIN / "korvalin-cli", *arguments, env=self.home.env)
+
+    def send(self, address, packets):
+        self.nm.run(sys.executable, "-c", SENDER, address, packets)
+
+    def watch(self):
+        watch = Watch(self.nm, self.home)
+        self.addCleanup(rig.ended, watch.process)
+        return watch
+
+    def start_recording(self):
+        process = self.nm.start(rig.BIN / "korvalin-cli", "record", env={**self.nm.env, **self.home.env})
+        self.addCleanup(rig.ended, process)
+        rig.wait_for(lambda: list(self.home.path.rglob("registry.db")), "the recorder")
+        return process
+
+    def records(self):
+        return json.loads(self.cli("records", "--format", "json"))
+
+    # The phone book
+
+    def test_profiles_are_entries_each_name_once(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add("ethernet", "LAN", "ifname", "wan0")
+        uuids = sorted((self.nm.add_gsm("Umts", number="*1#"), self.nm.add_gsm("Umts", number="*2#")))
+        self.nm.add("wireguard", "Umts (2)", "ifname", "wg7")
+        self.nm.add("vpn", "Firma", "vpn-type", "vpnc")
+        self.nm.add("gsm", "Neu", "ifname", "*", "apn", "net.example")
+        numbers = [self.nm.nmcli("-g", "gsm.number", "connection", "show", uuid) for uuid in uuids]
+        self.assertCountEqual(self.drive("entries").splitlines(), [
+            "T-DSL|PPPoE||0", "Umts (2)|vpn||0", "Firma|vpn||0", "Neu|modem|net.example|0",
+            f"Umts|modem|{numbers[0]} (internet)|0", f"Umts (3)|modem|{numbers[1]} (internet)|0"])
+
+    # Lines that others bring up
+
+    def test_a_line_is_followed_and_recorded_when_the_far_side_hangs_up(self):
+        self.nm.add_pppoe("T-DSL")
+        watch, _ = self.watch(), self.start_recording()
+        watch.await_names()
+        self.nm.nmcli("connection", "up", "T-DSL")
+        watch.await_names("T-DSL")
+        self.send("10.64.64.64", 20)
+
+        def counted():
+            line, sent = watch.lines()[0], self.nm.counter("ppp0", "tx_bytes")
+            return sent > 20_000 and line["bytes_transmitted"] == sent and line
+
+        line = rig.wait_for(counted, "the kernel's counter")
+        self.assertEqual(line["bytes_received"], self.nm.counter("ppp0", "rx_bytes"))
+        self.assertEqual(line["kind"], "dial-up")
+        (self.nm.folder / "ppp.hangup").touch()
+        watch.await_names()
+        record = rig.wait_for(self.records, "the record")[0]
+        self.assertEqual(record["lineName"], "T-DSL")
+        self.assertGreaterEqual(record["bytesTransmitted"], 20_000)
+
+    def test_a_second_call_over_the_same_modem_begins_at_zero(self):
+        self.nm.add_gsm("Umts")
+        watch = self.watch()
+        watch.await_names()
+        for _ in range(2):
+            before = self.nm.counter("wwan0", "tx_bytes")
+            self.nm.nmcli("connection", "up", "Umts")
+            watch.await_names("Umts")
+            self.send("10.78.0.1", 5)
+
+            def counted(already=before):
+                sent = self.nm.counter("wwan0", "tx_bytes") - already
+                return sent > 5000 and watch.lines()[0]["bytes_transmitted"] == sent
+
+            rig.wait_for(counted, "the bytes of this call alone")
+            self.nm.nmcli("connection", "down", "Umts")
+            watch.await_names()
+
+    def test_a_vpn_is_followed_beside_the_line_it_runs_over(self):
+        self.nm.start_vpn_server()
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_vpn("Firma")
+        self.nm.nmcli("connection", "up", "T-DSL")
+        watch, _ = self.watch(), self.start_recording()
+        watch.await_names("T-DSL")
+        self.nm.nmcli("connection", "up", "Firma")
+        watch.await_names("T-DSL", "Firma")
+        self.send("10.99.0.1", 20)
+        rig.wait_for(lambda: watch.lines()[1]["bytes_transmitted"] == self.nm.counter("tun0", "tx_bytes") > 20_000,
+                     "the tunnel's counter")
+        self.nm.nmcli("connection", "down", "Firma")
+        watch.await_names("T-DSL")
+        self.assertEqual([record["lineName"] for record in rig.wait_for(self.records, "the record")], ["Firma"])
+
+    def test_a_line_that_is_older_than_the_program_has_its_age(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.nmcli("connection", "up", "T-DSL")
+        up = time.monotonic()
+        rig.wait_for(lambda: time.monotonic() - up > 1.5, "the line to be older")
+        milliseconds = int(self.drive("lines").split("|")[5])
+        self.assertGreaterEqual(milliseconds, 1500)
+        self.assertLess(milliseconds, (time.monotonic() - up + 2) * 1000)
+        self.assertEqual(int(self.drive("state"), 16) & (MODEM | INSTALLED), MODEM | INSTALLED)
+
+    def test_lines_end_with_the_daemon_and_are_seen_again(self):
+        self.nm.add_pppoe("T-DSL")
+        watch, _ = self.watch(), self.start_recording()
+        watch.await_names()
+        self.nm.nmcli("connection", "up", "T-DSL")
+        watch.await_names("T-DSL")
+        self.nm.stop_daemon()
+        watch.await_names()
+        rig.wait_for(lambda: self.drive("state") == "0x0", "nothing that is up or installed")
+        self.assertEqual(self.drive("entries"), "")
+        self.assertEqual(rig.wait_for(self.records, "the record")[0]["lineName"], "T-DSL")
+        self.nm.start_daemon()
+        self.nm.nmcli("connection", "up", "T-DSL")
+        watch.await_names("T-DSL")
+        self.assertIsNone(watch.process.poll())
+
+    def test_looking_at_the_lines_asks_nobody(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.nmcli("connection", "up", "T-DSL")
+
+        def messages(passes):
+            """Calls on the bus while the lines are read so many times."""
+            file = self.nm.folder / "messages"
+            with open(file, "w", encoding="utf-8") as output:
+                monitor = self.nm.start("dbus-monitor", "--system", "--profile", "type='method_call'", stdout=output)
+            rig.wait_for(lambda: file.stat().st_size > 0, "the monitor")
+            self.drive("measure", passes)
+            self.nm.run("dbus-send", "--system", "--type=method_call", "--dest=org.freedesktop.DBus", "/", "test.last.Mark")
+            rig.wait_for(lambda: "Mark" in file.read_text(), "the last message")
+            rig.ended(monitor)
+            return sum(text.startswith("mc") for text in file.read_text().splitlines())
+
+        # NetworkManager and the modem talk to each other now and then.
+        self.assertLess(messages(2000) - messages(1), 20)
+
+    def test_a_line_never_looks_like_a_network(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_gsm("Umts")
+        file = self.nm.folder / "states"
+        with open(file, "w", encoding="utf-8") as output:
+            self.addCleanup(rig.ended, self.nm.start(DRIVER, "follow", stdout=output))
+
+        def await_state(flags):
+            rig.wait_for(lambda: file.read_text().endswith(f"{flags:#x}\n"), f"{flags:#x}")
+
+        for name in ("T-DSL", "Umts"):
+            await_state(INSTALLED)
+            self.nm.nmcli("connection", "up", name)
+            await_state(MODEM | INSTALLED | CONFIGURED)
+            self.nm.nmcli("connection", "down", name)
+        await_state(INSTALLED)
+        self.nm.nmcli("connection", "up", "T-DSL")
+        await_state(MODEM | INSTALLED | CONFIGURED)
+        (self.nm.folder / "ppp.hangup").touch()
+        await_state(INSTALLED)
+        self.assertEqual([flags for flags in file.read_text().split() if int(flags, 16) & LAN], [])
+
+    # Dialling
+
+    def test_a_dial_shows_its_stages_and_starts_nothing_else(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_pppoe("Andere")
+        self.nm.add_gsm("Umts")
+        shown, result = self.dial("T-DSL", flags=UNATTENDED)
+        self.assertEqual((shown[0], shown[-1], result), ("begin T-DSL", "end", "result 0 line"))
+        self.assertIn("stage connecting", shown)
+        self.assertIn("stage getting address", shown)
+        self.assertEqual(self.nm.active(), ["T-DSL", "lo", "ppp0"])
+        self.assertEqual(self.drive("dial", "T-DSL"), "result 0 line")  # at once: it is up
+        self.drive("hangup")
+        rig.wait_for(lambda: "T-DSL" not in self.nm.active(), "its end")
+        self.assertEqual(self.dial("Umts")[1], "result 0 line")
+        self.assertEqual(self.drive("dial", "Nirgends"), "result 623 none")
+
+    def test_a_wrong_password_is_asked_for_and_kept(self):
+        self.nm.add_pppoe("T-DSL", password="falsch")
+        shown, result = self.dial("T-DSL", flags=UNATTENDED)
+        self.assertEqual(result, "result 691 none")
+        self.assertNotIn("asked", " ".join(shown))
+        self.assertEqual(self.drive("dial", "T-DSL", "--flags", FORCE_PROMPT), "asked T-DSL for u\nresult 1223 none")
+        shown, result = self.dial("T-DSL", "--user", "u", "--password", "p", flags=FORCE_PROMPT)
+        self.assertEqual((shown[0], result), ("asked T-DSL for u", "result 0 line"))
+        self.drive("hangup")
+        self.assertEqual(self.dial("T-DSL", flags=UNATTENDED)[1], "result 0 line")
+        self.assertNotIn("password=p", (self.nm.folder / "nm.log").read_text())
+
+    def test_other_secrets_outlive_a_new_password(self):
+        uuid = self.nm.add_gsm("Umts")
+        self.nm.nmcli("connection", "modify", uuid, "gsm.pin", "1234", "gsm.password-flags", "1")
+        self.assertEqual(self.dial("Umts", "--user", "ich", "--password", "neu", flags=FORCE_PROMPT)[1], "result 0 line")
+        told = self.nm.nmcli("-s", "-g", "gsm.username,gsm.password,gsm.pin,gsm.apn", "connection", "show", uuid)
+        self.assertEqual(told.splitlines(), ["ich", "neu", "1234", "internet"])
+
+    def test_failures_have_their_numbers(self):
+        self.nm.add_gsm("Umts")
+        self.nm.add_vpn("Firma")
+        for error, number in (("NoDialtone", 680), ("NoCarrier", 678), ("Busy", 676)):
+            with self.subTest(error):
+                self.nm.tell("modem", error=f"org.freedesktop.ModemManager1.Error.Connection.{error}")
+                self.assertEqual(self.dial("Umts")[1], f"result {number} none")
+        self.assertEqual(self.dial("Firma")[1], "result 611 none")  # there is nothing that it could run over
+
+    def test_a_refused_vpn_login_is_asked_for(self):
+        self.nm.start_vpn_server()
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_vpn("Firma", password="falsch")
+        self.nm.nmcli("connection", "up", "T-DSL")
+        self.assertEqual(self.dial("Firma")[1], "result 691 none")
+        shown, result = self.dial("Firma", "--user", "alice", "--password", "secret", flags=FORCE_PROMPT)
+        self.assertEqual((shown[0], result), ("asked Firma for alice", "result 0 line"))
+
+    def test_a_dial_can_be_cancelled_at_any_stage(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.tell("ppp", delay=1)
+        for stage in ("begin", "connecting"):
+            with self.subTest(stage):
+                start = time.monotonic()
+                self.assertEqual(self.dial("T-DSL", "--cancel-at", stage)[1], "result 1223 none")
+                self.assertLess(time.monotonic() - start, 2)
+                rig.wait_for(lambda: "T-DSL" not in self.nm.active(), "the end of what was begun")
+
+    def test_a_dial_is_given_up_after_ninety_seconds(self):
+        self.nm.add_gsm("Umts")
+        self.nm.tell("modem", delay=6)
+        start = time.monotonic()
+        self.assertEqual(self.dial("Umts", "--clock-rate", 45)[1], "result 678 none")
+        self.assertGreater(time.monotonic() - start, 1.9)
+        rig.wait_for(lambda: "Umts" not in self.nm.active(), "the end of what was begun")
+
+    def test_a_daemon_that_stops_ends_the_dial(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.tell("ppp", delay=2)
+        driver = self.nm.start(DRIVER, "dial", "T-DSL", stdout=subprocess.PIPE, text=True)
+        rig.wait_for(lambda: "T-DSL" in self.nm.active(), "the dial")
+        self.nm.stop_daemon()
+        self.assertRegex(driver.communicate(timeout=10)[0], "result 6.. none")
+
+
+class WithoutService(rig.Case):
+    """No NetworkManager, no bus, a bus that hangs: nothing is shown, nothing complains, nothing waits."""
+
+    def lines_over(self, address):
+        self.home.env["DBUS_SYSTEM_BUS_ADDRESS"] = address
+        start = time.monotonic()
+        run = subprocess.run([rig.BIN / "korvalin-cli", "lines"], env=self.home.env, text=True, capture_output=True,
+                             check=True, timeout=30)
+        self.assertLess(time.monotonic() - start, 3)
+        self.assertEqual(run.stderr, "")
+        self.assertEqual(list(self.home.path.rglob("*.log")), [])
+
+    def test_no_bus(self):
+        self.lines_over(f"unix:path={self.home.path}/none")
+        self.lines_over("nonsense")
+
+    def test_a_bus_that_hangs(self):
+        with socket.socket(socket.AF_UNIX) as silent:
+            silent.bind(str(self.home.path / "silent"))
+            silent.listen()
+            self.lines_over(f"unix:path={self.home.path}/silent")
+
+    def test_a_bus_without_the_service(self):
+        bus = self.launch(["dbus-daemon", "--session", "--nofork", f"--address=unix:path={self.home.path}/bus"],
+                          stderr=subprocess.DEVNULL)
+        rig.wait_for((self.home.path / "bus").exists, "the bus")
+        self.lines_over(f"unix:path={self.home.path}/bus")
+        rig.ended(bus)
+
+
+if __name__ == "__main__":
+    rig.main()

@@ -1,0 +1,326 @@
+#include "fakes/CoreFixture.h"
+#include "traffic/Dialing.h"
+#include "traffic/PhoneNumberGuard.h"
+
+using namespace korvalin;
+
+namespace {
+
+class DialingTest : public CoreFixture {
+  protected:
+    DialingTest() {
+        internet.State = {true, InternetRasInstalled};
+        WriteTexts("ENG\tmodRAS\t2\tchanged\r\nENG\tmodRAS\t3\told\r\nENG\tmodRAS\t4\tnew\r\n"
+                   "ENG\tmodRAS\t5\tdial?\r\n");
+        settings.SetReg("Language", "ENG");
+        EXPECT_TRUE(language.InitProgramTexts());
+    }
+
+    void Add(const std::string& name, const std::string& number = "123456", const std::string& area = "089",
+             const std::string& device = "modem") {
+        ras.Entries.push_back({name, {area, number, device}});
+    }
+    void Connect(std::int32_t handle, std::uint32_t state = RascsConnected) {
+        ras.Lines.push_back({{handle, "Line", "Modem"}, {}, state});
+    }
+    std::vector<std::string> Entries() {
+        TableFromOne<std::string> names;
+        const std::size_t count = book.RASGetEntries(names);
+        EXPECT_EQ(count, names.Size());
+        return {names.begin(), names.end()};
+    }
+    std::string& Number() { return ras.Entries.front().Properties.LocalPhoneNumber; }
+    bool Passes(const std::string& name = "Office") { return guard.CheckPhoneNumber(name); }
+    bool Asks(const std::string& name = "Office") {
+        const bool passes = Passes(name); // nobody answers Yes
+        EXPECT_EQ(TakeBoxes().size(), passes ? 0U : 1U);
+        return !passes;
+    }
+
+    LineState lines;
+    PhoneBook book{ras, internet, boxes, errors};
+    PhoneNumberGuard guard{ras, settings, language, boxes};
+    Dialing dialing{{internet, ras, book, guard, lines, settings, events, errors}};
+};
+
+TEST_F(DialingTest, ListsThePhoneBookByThePlainOrderOfItsNames) {
+    EXPECT_EQ(Entries(), Lines());
+    for (const char* name : {"beta", "Zulu", "alpha & co", "Äther", "Alpha"})
+        Add(name);
+    EXPECT_EQ(Entries(), (Lines{"Alpha", "Zulu", "alpha & co", "beta", "Äther"}));
+    EXPECT_EQ(book.RASGetEntriesCount(), 5U);
+    internet.State.Flags = 0;
+    EXPECT_EQ(Entries(), Lines()) << "RAS is not installed";
+    EXPECT_EQ(book.RASGetEntriesCount(), 0U);
+    EXPECT_EQ(Log(), "");
+}
+
+TEST_F(DialingTest, APhoneBookThatCannotBeReadIsLoggedOrShown) {
+    Add("One");
+    Add("Two");
+    ras.FillEntriesResult = 608;
+    EXPECT_EQ(Entries(), (Lines{"", ""}));
+    const auto box = boxes.Take();
+    EXPECT_EQ(box.Text + "|" + box.Title, "RasEnumEntries failed: 608|Korvalin");
+    EXPECT_EQ(Log(), "");
+    ras.EnumEntriesResult = 621;
+    EXPECT_EQ(Entries(), Lines());
+    EXPECT_EQ(book.RASGetEntriesCount(), 0U);
+    const std::string log = Log();
+    const std::size_t first = log.find("RasEnumEntries failed: 621");
+    EXPECT_NE(first, std::string::npos);
+    EXPECT_NE(log.find("RasEnumEntries failed: 621", first + 1), std::string::npos);
+    EXPECT_NE(log.find("RAS"), std::string::npos);
+}
+
+TEST_F(DialingTest, TheNumberOfTheFirstDialIsRememberedSilently) {
+    const std::vector<std::array<std::string, 3>> rows = {{"089", "123456", "089-123456"},
+                                                          {"", "*99#", "*99#"},
+                                                          {"", "", ""},
+                                                          {"", "  ", ""},
+                                                          {"", " 4711 ", "4711"}};
+    for (const auto& [area, local, remembered] : rows) {
+        ras.Entries.clear();
+        settings.SetReg("Phone_Office", std::string());
+        Add("Office", local, area);
+        EXPECT_TRUE(Passes());
+        EXPECT_EQ(settings.GetText("Phone_Office"), remembered);
+        EXPECT_TRUE(Passes());
+    }
+    EXPECT_TRUE(Passes("not in the phone book"));
+}
+
+TEST_F(DialingTest, AChangedNumberIsDialedOnlyOnYes) {
+    Add("Office", "111", "");
+    EXPECT_TRUE(Passes());
+    Number() = "222";
+    for (const MessageAnswer answer : {MessageAnswer::No, MessageAnswer::Cancel}) {
+        boxes.Answers = {answer};
+        EXPECT_FALSE(Passes());
+        const auto box = boxes.Take();
+        EXPECT_EQ(box.Text, "changed\r\n\r\nold 111\r\nnew 222\r\n\r\ndial?");
+        EXPECT_EQ(box.Title, "Korvalin");
+        EXPECT_EQ(box.Icon, MessageIcon::Warning);
+        EXPECT_EQ(box.Buttons, MessageButtons::YesNoCancel);
+        EXPECT_EQ(settings.GetText("Phone_Office"), "111");
+    }
+    boxes.Answers = {MessageAnswer::Yes};
+    EXPECT_TRUE(Passes());
+    EXPECT_EQ(TakeBoxes().size(), 1U);
+    EXPECT_EQ(settings.GetText("Phone_Office"), "222");
+    EXPECT_TRUE(Passes()) << "and is asked about once";
+}
+
+TEST_F(DialingTest, NoChangeOfTheNumberPassesUnseen) {
+    const std::string tooLong(2000, '1');
+    struct {
+        std::string Before, After;
+    } const rows[] = {{"t123", "T123"},
+                      {"123 456", "123456"},
+                      {"123", "１２３"},
+                      {"0900", "900"},
+                      {"123", tooLong},
+                      {tooLong, tooLong + "1"},
+                      {tooLong, tooLong.substr(0, 1023)},
+                      {tooLong, "123"},
+                      {"123", "123\n"},
+                      {"True", "False"}};
+    // Names whose setting might be taken for another one, or be of another kind.
+    for (const char* name :
+         {"Office", "Office_FreeHours", "Office_FreeVolume", "Office_MonthStartDay", "Office_Up1MB",
+          "Office_RoundSeconds", "LineLast", "Show_Color_MON_", "a\\b\x01"}) {
+        for (const auto& row : rows) {
+            ras.Entries.clear();
+            Add(name, row.Before, "");
+            EXPECT_TRUE(Passes(name)) << "a first dial";
+            Number() = row.After;
+            EXPECT_TRUE(Asks(name)) << name << ", row " << &row - rows;
+            Number() = row.Before;
+            EXPECT_NE(Asks(name), row.Before != tooLong) << name << ", row " << &row - rows;
+            settings.SetReg("Phone_" + std::string(name), std::string());
+            settings.SetReg("Phone_" + std::string(name) + "_", std::string());
+            settings.SetReg("Phone_a\\b", std::string());
+        }
+    }
+}
+
+TEST_F(DialingTest, ARememberedNumberIsNoOtherSettingOfALine) {
+    settings.SetReg("Phone_Office_Alias", std::string("Work"));
+    settings.SetReg("Phone_Office_FreeHours", 20);
+    for (const char* name : {"Office_Alias", "Office_FreeHours"}) {
+        Add(name);
+        EXPECT_TRUE(Passes(name));
+    }
+    EXPECT_EQ(settings.GetText("Phone_Office_Alias"), "Work");
+    EXPECT_EQ(settings.GetNumber("Phone_Office_FreeHours"), 20);
+}
+
+TEST_F(DialingTest, ACopyUnderANameThatLooksTheSameIsNoFirstDial) {
+    Add("My Office", "111", "");
+    EXPECT_TRUE(Passes("My Office"));
+    for (const char* name : {"my office", " My Office ", "My  Office", "My\u00A0Office", "My Of\u200Bfice",
+                             "\u202DMy Office", "My Office\x07"}) {
+        Add(name, "222", "");
+        EXPECT_TRUE(Asks(name)) << name;
+    }
+    Add("Your Office", "222", "");
+    EXPECT_TRUE(Passes("Your Office"));
+}
+
+TEST_F(DialingTest, ANumberIsShownSoThatEveryCharacterIsSeen) {
+    Add("Office", "111", "");
+    EXPECT_TRUE(Passes());
+    Number() = "\u202E\r\n111";
+    EXPECT_FALSE(Passes());
+    EXPECT_EQ(boxes.Take().Text, "changed\r\n\r\nold 111\r\nnew %E2%80%AE%0D%0A111\r\n\r\ndial?");
+}
+
+TEST_F(DialingTest, ANumberThatChangesWhileTheQuestionStandsIsAskedAboutToo) {
+    Add("Office", "111", "");
+    EXPECT_TRUE(Passes());
+    Number() = "222";
+    boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
+    boxes.OnShow = [&] { Number() = "333"; };
+    EXPECT_FALSE(Passes());
+    EXPECT_EQ(TakeBoxes().back(), "changed\r\n\r\nold 222\r\nnew 333\r\n\r\ndial?");
+    EXPECT_EQ(settings.GetText("Phone_Office"), "222");
+    boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
+    boxes.OnShow = [&] { // and with a store that is lost meanwhile
+        Number() = "444";
+        registry.OpenResult = ErrorAccessDenied;
+    };
+    EXPECT_FALSE(Passes());
+    EXPECT_EQ(TakeBoxes().size(), 2U);
+}
+
+TEST_F(DialingTest, DialsUnattendedAndOnceMoreWithThePromptAfterAWrongPassword) {
+    using Flags = std::vector<std::uint32_t>;
+    constexpr std::uint32_t prompt = 0x2000, unattended = 0xFFFF8000;
+    struct {
+        const char* Type;
+        bool Connected;
+        std::vector<int> Results;
+        Flags Expected;
+        const char* Last;
+    } const rows[] = {{"", false, {0}, {unattended}, "Office"},
+                      {"LAN", true, {0}, {unattended}, "Office"},
+                      {"RAS", false, {0}, {unattended}, "Office"},
+                      {"RAS", true, {0}, {prompt}, "Office"},
+                      {"RAS", true, {691, 0}, {prompt, prompt}, "Office"},
+                      {"", false, {691, 0}, {unattended, prompt}, "Office"},
+                      {"", false, {691, 691, 0}, {unattended, prompt}, "before"},
+                      {"", false, {691, 678, 0}, {unattended, prompt}, "before"},
+                      {"", false, {ErrorNoCarrier, 0}, {unattended}, "before"},
+                      {"", false, {ErrorCancelled, 0}, {unattended}, "before"}};
+    Add("Office");
+    for (const auto& row : rows) {
+        settings.SetReg("LineLast", std::string("before"));
+        lines.MonitoredLineType = row.Type;
+        lines.AnyLineConnected = row.Connected;
+        internet.Dials.clear();
+        internet.DialResults = row.Results;
+        dialing.DialEntry("Office");
+        Flags flags;
+        for (const auto& [entry, flag] : internet.Dials)
+            flags.push_back(flag);
+        EXPECT_EQ(flags, row.Expected) << &row - rows;
+        EXPECT_EQ(settings.GetText("LineLast"), row.Last) << &row - rows;
+    }
+    internet.Connection = 0; // it is up, but was not dialed by this program
+    settings.SetReg("LineLast", std::string("before"));
+    internet.DialResults.clear();
+    dialing.DialEntry("Office");
+    EXPECT_EQ(settings.GetText("LineLast"), "before");
+}
+
+TEST_F(DialingTest, ARefusedNumberIsNotDialedAlsoAtTheSecondAttempt) {
+    Add("Office", "111", "");
+    internet.DialResults = {691};
+    internet.OnDial = [&](const std::string&) { Number() = "222"; };
+    dialing.DialEntry("Office");
+    EXPECT_EQ(TakeBoxes().size(), 1U);
+    EXPECT_EQ(internet.Dials.size(), 1U);
+    dialing.DialEntry("Office");
+    EXPECT_EQ(TakeBoxes().size(), 1U);
+    EXPECT_EQ(internet.Dials.size(), 1U);
+    EXPECT_FALSE(dialing.Busy());
+}
+
+TEST_F(DialingTest, NothingElseBeginsWhileItDialsOrWhenTheProgramEnds) {
+    Add("Office");
+    Connect(1);
+    internet.OnDial = [&](const std::string&) {
+        EXPECT_TRUE(dialing.Busy());
+        dialing.DialEntry("Office");
+        dialing.MONHangUp();
+    };
+    dialing.DialEntry("Office");
+    EXPECT_EQ(internet.Dials.size(), 1U);
+    EXPECT_EQ(ras.HungUp.size(), 0U);
+    internet.DialResults = {0, 691};
+    internet.OnDial = [&](const std::string&) { dialing.Stop(); };
+    dialing.DialEntry("Office");
+    dialing.DialEntry("Office");
+    EXPECT_EQ(internet.Dials.size(), 2U);
+}
+
+TEST_F(DialingTest, HangsUpOneConnectionAPass) {
+    struct {
+        int Connections;
+        bool Stubborn;
+        std::size_t HangUps;
+        bool Logged;
+    } const rows[] = {{0, false, 0, false}, {3, false, 3, false}, {8, false, 8, false},
+                      {9, false, 9, true},  {1, true, 11, true},  {257, false, 0, false}};
+    for (const auto& row : rows) {
+        ras.Lines.clear();
+        ras.HungUp.clear();
+        ras.Stubborn = row.Stubborn;
+        std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
+        for (int i = 1; i <= row.Connections; ++i)
+            Connect(i, i % 2 == 0 ? RascsConnected : 0); // one that is still being dialed is hung up too
+        const double before = clock.BootSeconds();
+        dialing.MONHangUp();
+        EXPECT_EQ(ras.HungUp.size(), row.HangUps) << &row - rows;
+        EXPECT_NEAR(clock.BootSeconds() - before, static_cast<double>(row.HangUps) * 0.1, 1e-6);
+        EXPECT_EQ(Log().find("MONHangUp failed") != std::string::npos, row.Logged) << &row - rows;
+    }
+    EXPECT_EQ(TakeBoxes(), Lines());
+}
+
+TEST_F(DialingTest, OffersTheEntriesOrToHangUp) {
+    Add("Work", "1", "", "VPN");
+    Add("Tunnel", "1", "", "vpn");
+    Add("Home", "1", "", "PPPoE");
+    settings.SetReg("LineLast", std::string("Tunnel"));
+    EXPECT_EQ(dialing.Choices().Entries, (Lines{"Home", "Work"}));
+    EXPECT_EQ(dialing.Choices().Quick, "") << "what is not offered is no quick item";
+    settings.SetReg("LineLast", std::string("Work"));
+    EXPECT_EQ(dialing.Choices().Quick, "Work");
+    struct {
+        const char* Type;
+        bool AnyLineConnected;
+        std::uint32_t State; // of a dial-up connection; 0 for none
+        bool HangUp;
+    } const rows[] = {{"RAS", true, RascsConnected, true},
+                      {"RAS", false, RascsConnected, false},
+                      {"LAN", true, RascsConnected, true},
+                      {"LAN", true, 3, false},
+                      {"LAN", true, 0, false},
+                      {"", false, RascsConnected, true}};
+    for (const auto& row : rows) {
+        lines.MonitoredLineType = row.Type;
+        lines.AnyLineConnected = row.AnyLineConnected;
+        ras.Lines.clear();
+        if (row.State != 0) Connect(1, row.State);
+        const DialChoices choices = dialing.Choices();
+        EXPECT_EQ(choices.HangUp, row.HangUp) << &row - rows;
+        EXPECT_EQ(choices.Entries.empty() && choices.Quick.empty(), row.HangUp) << &row - rows;
+    }
+    ras.FillEntriesResult = 608;
+    ras.Lines.clear();
+    EXPECT_EQ(dialing.Choices().Entries, Lines()) << "names that could not be read";
+    TakeBoxes();
+}
+
+} // namespace
