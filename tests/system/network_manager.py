@@ -15,9 +15,11 @@ import signal
 import subprocess
 import unittest
 
+import rig
 from rig import ended, wait_for
 
 PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
+DRIVER = rig.BIN.parent / "tests/dialdriver" if rig.BIN else None  # DialDriver.cpp
 SCRIPTS = pathlib.Path(__file__).resolve().parent
 NEEDED = ("ip", "unshare", "nsenter", "NetworkManager", "nmcli", "dbus-daemon", "pppd")
 BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
@@ -217,3 +219,22 @@ class NetworkManager:
 
     def counter(self, interface, which):
         return int(self.run("cat", f"/sys/class/net/{interface}/statistics/{which}"))
+
+
+class LineCase(rig.Case):
+    """Tests that share one NetworkManager; each begins without profiles and lines."""
+
+    @classmethod
+    def setUpClass(cls):
+        home = rig.Home()
+        cls.addClassCleanup(home.__exit__)
+        cls.nm = NetworkManager(home.path)
+        cls.nm.__enter__()
+        cls.addClassCleanup(cls.nm.__exit__)
+
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(self.nm.remove_all)
+
+    def drive(self, *arguments):
+        return self.nm.run(DRIVER, *arguments)

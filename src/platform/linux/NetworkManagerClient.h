@@ -23,9 +23,6 @@ class NetworkManagerClient {
     NetworkManagerClient(const NetworkManagerClient&) = delete;
     NetworkManagerClient& operator=(const NetworkManagerClient&) = delete;
 
-    /// Starts to connect without waiting; the first question does so too.
-    void BeginConnecting();
-
     /// The picture as of now; null while NetworkManager does not answer. Valid until the next call.
     NMClient* Running();
 
@@ -58,6 +55,7 @@ class NetworkManagerClient {
 
     static void TakeEnding(GObject* source, GAsyncResult* result, gpointer ending);
 
+    void BeginConnecting();
     void HandleWhile(const std::function<bool()>& pending, guint milliseconds);
     void HandleArrived();
     void Disconnect();
