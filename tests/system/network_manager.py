@@ -217,6 +217,18 @@ class NetworkManager:
         """The names of the connections that are up or coming up."""
         return sorted(self.nmcli("-t", "-f", "NAME", "connection", "show", "--active").splitlines())
 
+    def calls_during(self, *command):
+        """How many calls went over the bus while a command ran; NetworkManager and the modem talk now and then too."""
+        file = self.folder / "calls"
+        with open(file, "w", encoding="utf-8") as output:
+            monitor = self.start("dbus-monitor", "--system", "--profile", "type='method_call'", stdout=output)
+        wait_for(lambda: file.stat().st_size > 0, "the monitor")
+        self.run(*command)
+        self.run("dbus-send", "--system", "--type=method_call", "--dest=org.freedesktop.DBus", "/", "test.last.Mark")
+        wait_for(lambda: "Mark" in file.read_text(), "the last call")
+        ended(monitor)
+        return sum(text.startswith("mc") for text in file.read_text().splitlines())
+
     def counter(self, interface, which):
         return int(self.run("cat", f"/sys/class/net/{interface}/statistics/{which}"))
 

@@ -2,7 +2,6 @@
 
 #include "platform/linux/AddressMessage.h"
 #include "platform/linux/LinkMessage.h"
-#include "platform/linux/TcpFigures.h"
 
 #include <libmnl/libmnl.h>
 #include <linux/if_addr.h>
@@ -57,7 +56,7 @@ class RowFinder {
 
 } // namespace
 
-NetlinkNetworkTables::NetlinkNetworkTables(std::filesystem::path procNet) : procNet_(std::move(procNet)) {}
+NetlinkNetworkTables::NetlinkNetworkTables(const std::filesystem::path& procNet) : tcp_(procNet) {}
 
 // Everything about every link. No extension mask: the kernel then leaves out the virtual functions of server
 // cards.
@@ -119,7 +118,7 @@ int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
 }
 
 int NetlinkNetworkTables::GetTcpStatistics(TcpStatistics& statistics) {
-    return ReadTcpFigures(procNet_, statistics);
+    return tcp_.Read(statistics);
 }
 
 } // namespace korvalin

@@ -3,6 +3,7 @@
 #include "platform/NetworkTables.h"
 #include "platform/linux/LinkWatch.h"
 #include "platform/linux/NetlinkSocket.h"
+#include "platform/linux/TcpFigures.h"
 
 #include <filesystem>
 
@@ -12,7 +13,7 @@ namespace korvalin {
 /// changed, a fifth of the cost of the whole link table. TCP figures come from /proc/net.
 class NetlinkNetworkTables : public NetworkTables {
   public:
-    explicit NetlinkNetworkTables(std::filesystem::path procNet = "/proc/net");
+    explicit NetlinkNetworkTables(const std::filesystem::path& procNet = "/proc/net");
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
     int GetTcpStatistics(TcpStatistics& statistics) override;
@@ -26,7 +27,7 @@ class NetlinkNetworkTables : public NetworkTables {
     LinkWatch watch_;
     std::vector<InterfaceRow> links_; // by ascending index
     bool countersAlone_ = true;       // the kernel dumps counters without the rest
-    std::filesystem::path procNet_;
+    TcpFigures tcp_;
 };
 
 } // namespace korvalin
