@@ -1,7 +1,7 @@
 """A real NetworkManager for tests: in network, mount and bus namespaces of its own, with lines that dial.
 
-There is an adapter wan0, over which PPPoE profiles dial to a stand-in for pppd (pppd_stand_in.py), a modem ttyS9 with its data
-port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that is reached over PPPoE. The other ends stand in a
+There is an adapter wan0, over which PPPoE profiles dial to a stand-in for pppd (pppd_stand_in.py), a modem ttyS9 with its
+data port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that is reached over PPPoE. The other ends stand in a
 second network namespace.
 """
 
@@ -98,10 +98,15 @@ class NetworkManager:
         self.holder = self.launch(["ip", "netns", "exec", self.here, "unshare", "-m", "sh", "-ec",
                                    INSIDE.format(folder=self.folder)])
         wait_for((self.folder / "ready").exists, "the namespaces")
-        self.start("dbus-daemon", f"--config-file={self.folder}/bus.conf", "--nofork", "--nopidfile")
+        self.start_bus()
+
+    def start_bus(self):
+        """With everything that stands on it."""
+        (self.folder / "bus").unlink(missing_ok=True)
+        self.bus = self.start("dbus-daemon", f"--config-file={self.folder}/bus.conf", "--nofork", "--nopidfile")
         wait_for((self.folder / "bus").exists, "the bus")
-        self.start(PYTHON, "-B", "-m", "dbusmock", "--system", "--template", SCRIPTS / "modem_manager.py", "--logfile",
-                   self.folder / "modem.log")
+        self.modem = self.start(PYTHON, "-B", "-m", "dbusmock", "--system", "--template", SCRIPTS / "modem_manager.py",
+                                "--logfile", self.folder / "modem.log")
         self.start_daemon()
 
     def __exit__(self, *_):
@@ -154,11 +159,18 @@ class NetworkManager:
         wait_for(lambda: "ttyS9" in self.nmcli("-t", "-f", "DEVICE,STATE", "device", check=False), "the modem")
 
     def stop_daemon(self):
-        """At one blow with its lines, which it would leave to whoever manages services."""
-        lines = self.processes_in(self.here, "pppd_stand_in.py")
+        """Its PPP lines go on, as it leaves them to whoever manages services."""
         self.daemon.kill()
-        self.kill(lines)
         self.daemon.wait()
+
+    def stop_bus(self):
+        for process in (self.bus, self.modem, self.daemon):
+            ended(process)
+        self.cut_lines()
+
+    def cut_lines(self):
+        """Ends PPP lines that outlived the daemon."""
+        self.kill(self.processes_in(self.here, "pppd_stand_in.py"))
 
     @staticmethod
     def processes_in(namespace, name=""):
@@ -201,6 +213,7 @@ class NetworkManager:
     def remove_all(self):
         """Every line and every profile, and what the far ends were told."""
         if self.daemon.poll() is not None:
+            self.cut_lines()
             self.start_daemon()
         for name in ("ppp.json", "ppp.hangup", "modem.json"):
             (self.folder / name).unlink(missing_ok=True)

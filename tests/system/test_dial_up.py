@@ -48,6 +48,17 @@ class DialUpLines(LineCase):
         self.addCleanup(rig.ended, watch.process)
         return watch
 
+    def follow(self):
+        """A process that writes every connected state into a file, and how to wait for one."""
+        file = self.home.path / "states"
+        with open(file, "w", encoding="utf-8") as output:
+            self.addCleanup(rig.ended, self.nm.start(DRIVER, "follow", stdout=output))
+
+        def await_state(flags):
+            rig.wait_for(lambda: file.read_text().endswith(f"{flags:#x}\n"), f"{flags:#x}")
+
+        return await_state, file
+
     def start_recording(self):
         process = self.nm.start(rig.BIN / "korvalin-cli", "record", env={**self.nm.env, **self.home.env})
         self.addCleanup(rig.ended, process)
@@ -142,6 +153,10 @@ class DialUpLines(LineCase):
         watch.await_names("T-DSL")
         self.nm.stop_daemon()
         watch.await_names()
+        seen = watch.file.read_text()
+        rig.wait_for(lambda: watch.file.read_text().count("\n") > seen.count("\n") + 1, "two more looks")
+        self.assertEqual(watch.lines(), [])  # the kernel still routes over the line, which is no network for that
+        self.nm.cut_lines()
         rig.wait_for(lambda: self.drive("state") == "0x0", "nothing that is up or installed")
         self.assertEqual(self.drive("entries"), "")
         self.assertEqual(rig.wait_for(self.records, "the record")[0]["lineName"], "T-DSL")
@@ -149,6 +164,17 @@ class DialUpLines(LineCase):
         self.nm.nmcli("connection", "up", "T-DSL")
         watch.await_names("T-DSL")
         self.assertIsNone(watch.process.poll())
+
+    def test_a_bus_that_was_restarted_is_found_again(self):
+        self.nm.add_pppoe("T-DSL")
+        await_state, _ = self.follow()
+        await_state(INSTALLED)
+        self.nm.stop_bus()
+        await_state(0)
+        self.nm.start_bus()
+        await_state(INSTALLED)
+        self.nm.nmcli("connection", "up", "T-DSL")
+        await_state(MODEM | INSTALLED | CONFIGURED)
 
     def test_looking_at_the_lines_asks_nobody(self):
         self.nm.add_pppoe("T-DSL")
@@ -160,13 +186,7 @@ class DialUpLines(LineCase):
     def test_a_line_never_looks_like_a_network(self):
         self.nm.add_pppoe("T-DSL")
         self.nm.add_gsm("Umts")
-        file = self.nm.folder / "states"
-        with open(file, "w", encoding="utf-8") as output:
-            self.addCleanup(rig.ended, self.nm.start(DRIVER, "follow", stdout=output))
-
-        def await_state(flags):
-            rig.wait_for(lambda: file.read_text().endswith(f"{flags:#x}\n"), f"{flags:#x}")
-
+        await_state, file = self.follow()
         for name in ("T-DSL", "Umts"):
             await_state(INSTALLED)
             self.nm.nmcli("connection", "up", name)

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <gio/gio.h>
+#include <optional>
 
 using NMActiveConnection = struct _NMActiveConnection;
 using NMClient = struct _NMClient;
@@ -70,7 +71,8 @@ class NetworkManagerClient {
     bool isClosing_ = false;
     bool connecting_ = false;
     bool firstAnswerAwaited_ = false;
-    double nextAttempt_ = 0; // seconds awake
+    std::optional<double> wasThere_; ///< seconds awake when the bus was lost
+    double nextAttempt_ = 0;         // seconds awake
 };
 
 } // namespace korvalin
