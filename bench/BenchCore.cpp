@@ -54,6 +54,7 @@ class Bench {
 class Online : public Internet {
   public:
     ConnectedState GetConnectedState() override { return {true, InternetConnectionLan}; }
+    int Dial(const std::string&, std::uint32_t, std::int32_t&) override { return ErrorCancelled; }
 };
 
 void GetReg(benchmark::State& state) {
@@ -106,6 +107,20 @@ void TickWithAdapters(benchmark::State& state) {
         loop.Get_TransferedData();
 }
 BENCHMARK(TickWithAdapters)->Arg(1)->Arg(1000);
+
+// Every second's reading of the dial-up lines that are up on this machine.
+void DialUpLines(benchmark::State& state) {
+    Bench bench;
+    Program& program = *bench.program;
+    program.LoadRecords();
+    program.lineMonitor.Get_Bytes_Transmitted();
+    if (!program.lines.AnyLineConnected || program.lines.MonitoredLineType != "RAS")
+        return state.SkipWithError("no dial-up line is up");
+    for (auto _ : state)
+        program.lineMonitor.Get_Bytes_Transmitted();
+    state.counters["lines"] = static_cast<double>(program.lines.LineCount);
+}
+BENCHMARK(DialUpLines);
 
 // The kernel's link table of this machine, in one dump.
 void LinkTable(benchmark::State& state) {

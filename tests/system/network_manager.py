@@ -1,7 +1,7 @@
 """A real NetworkManager for tests: in network, mount and bus namespaces of its own, with lines that dial.
 
-There is an adapter wan0, over which PPPoE profiles dial to a stand-in for pppd (pppd_stand_in.py), a modem ttyS9 with its data
-port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that is reached over PPPoE. The other ends stand in a
+There is an adapter wan0, over which PPPoE profiles dial to a stand-in for pppd (pppd_stand_in.py), a modem ttyS9 with its
+data port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that is reached over PPPoE. The other ends stand in a
 second network namespace.
 """
 
@@ -15,9 +15,11 @@ import signal
 import subprocess
 import unittest
 
+import rig
 from rig import ended, wait_for
 
 PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
+DRIVER = rig.BIN.parent / "tests/dialdriver" if rig.BIN else None  # DialDriver.cpp
 SCRIPTS = pathlib.Path(__file__).resolve().parent
 NEEDED = ("ip", "unshare", "nsenter", "NetworkManager", "nmcli", "dbus-daemon", "pppd")
 BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
@@ -96,10 +98,15 @@ class NetworkManager:
         self.holder = self.launch(["ip", "netns", "exec", self.here, "unshare", "-m", "sh", "-ec",
                                    INSIDE.format(folder=self.folder)])
         wait_for((self.folder / "ready").exists, "the namespaces")
-        self.start("dbus-daemon", f"--config-file={self.folder}/bus.conf", "--nofork", "--nopidfile")
+        self.start_bus()
+
+    def start_bus(self):
+        """With everything that stands on it."""
+        (self.folder / "bus").unlink(missing_ok=True)
+        self.bus = self.start("dbus-daemon", f"--config-file={self.folder}/bus.conf", "--nofork", "--nopidfile")
         wait_for((self.folder / "bus").exists, "the bus")
-        self.start(PYTHON, "-B", "-m", "dbusmock", "--system", "--template", SCRIPTS / "modem_manager.py", "--logfile",
-                   self.folder / "modem.log")
+        self.modem = self.start(PYTHON, "-B", "-m", "dbusmock", "--system", "--template", SCRIPTS / "modem_manager.py",
+                                "--logfile", self.folder / "modem.log")
         self.start_daemon()
 
     def __exit__(self, *_):
@@ -152,11 +159,18 @@ class NetworkManager:
         wait_for(lambda: "ttyS9" in self.nmcli("-t", "-f", "DEVICE,STATE", "device", check=False), "the modem")
 
     def stop_daemon(self):
-        """At one blow with its lines, which it would leave to whoever manages services."""
-        lines = self.processes_in(self.here, "pppd_stand_in.py")
+        """Its PPP lines go on, as it leaves them to whoever manages services."""
         self.daemon.kill()
-        self.kill(lines)
         self.daemon.wait()
+
+    def stop_bus(self):
+        for process in (self.bus, self.modem, self.daemon):
+            ended(process)
+        self.cut_lines()
+
+    def cut_lines(self):
+        """Ends PPP lines that outlived the daemon."""
+        self.kill(self.processes_in(self.here, "pppd_stand_in.py"))
 
     @staticmethod
     def processes_in(namespace, name=""):
@@ -199,6 +213,7 @@ class NetworkManager:
     def remove_all(self):
         """Every line and every profile, and what the far ends were told."""
         if self.daemon.poll() is not None:
+            self.cut_lines()
             self.start_daemon()
         for name in ("ppp.json", "ppp.hangup", "modem.json"):
             (self.folder / name).unlink(missing_ok=True)
@@ -215,5 +230,36 @@ class NetworkManager:
         """The names of the connections that are up or coming up."""
         return sorted(self.nmcli("-t", "-f", "NAME", "connection", "show", "--active").splitlines())
 
+    def calls_during(self, *command):
+        """How many calls went over the bus while a command ran; NetworkManager and the modem talk now and then too."""
+        file = self.folder / "calls"
+        with open(file, "w", encoding="utf-8") as output:
+            monitor = self.start("dbus-monitor", "--system", "--profile", "type='method_call'", stdout=output)
+        wait_for(lambda: file.stat().st_size > 0, "the monitor")
+        self.run(*command)
+        self.run("dbus-send", "--system", "--type=method_call", "--dest=org.freedesktop.DBus", "/", "test.last.Mark")
+        wait_for(lambda: "Mark" in file.read_text(), "the last call")
+        ended(monitor)
+        return sum(text.startswith("mc") for text in file.read_text().splitlines())
+
     def counter(self, interface, which):
         return int(self.run("cat", f"/sys/class/net/{interface}/statistics/{which}"))
+
+
+class LineCase(rig.Case):
+    """Tests that share one NetworkManager; each begins without profiles and lines."""
+
+    @classmethod
+    def setUpClass(cls):
+        home = rig.Home()
+        cls.addClassCleanup(home.__exit__)
+        cls.nm = NetworkManager(home.path)
+        cls.nm.__enter__()
+        cls.addClassCleanup(cls.nm.__exit__)
+
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(self.nm.remove_all)
+
+    def drive(self, *arguments):
+        return self.nm.run(DRIVER, *arguments)

@@ -36,16 +36,16 @@ DialStage StageOfDevice(NMDeviceState state) {
 
 } // namespace
 
-/// An asynchronous call. An answer that nobody waits for any more goes to `Late`.
+/// An asynchronous call. Once nobody waits for the answer any more it goes to `Late`, where that is set.
 struct DialAttempt::Call {
     GObjectPointer<GObject> Source;
     GObjectPointer<GAsyncResult> Result;
-    std::function<void(NMClient*, GAsyncResult*)> Late;
+    std::function<void(GObject*, GAsyncResult*)> Late{};
 };
 
 void DialAttempt::TakeAnswer(GObject* source, GAsyncResult* result, gpointer data) {
     const std::unique_ptr<SharedCall> call(static_cast<SharedCall*>(data));
-    if ((*call)->Late) return (*call)->Late(NM_CLIENT(source), result);
+    if ((*call)->Late) return (*call)->Late(source, result);
     (*call)->Source = ShareGObject(source);
     (*call)->Result = ShareGObject(result);
 }
@@ -92,34 +92,34 @@ bool DialAttempt::ComesAtOnce(const Call& call) {
     return call.Result != nullptr;
 }
 
-// A profile that is sent with a secret loses those that are not sent: the others are fetched first.
-GObjectPointer<NMConnection> DialAttempt::CopyWithSecrets(const std::string& setting,
-                                                          std::optional<int>& interrupted) {
+int DialAttempt::StoreLogin(const Login& login) {
+    const GObjectPointer<NMConnection> changed(nm_simple_connection_new_clone(NM_CONNECTION(profile_.get())));
+    if (const int error = FetchSecrets(changed.get()); error != ErrorSuccess) return error;
+    korvalin::StoreLogin(changed.get(), login);
+    return SendProfile(changed.get());
+}
+
+// A profile that is sent with a secret loses those that are not sent: the others come along.
+int DialAttempt::FetchSecrets(NMConnection* changed) {
+    const std::string setting = LoginSetting(changed);
     const auto call = std::make_shared<Call>();
     {
         const NetworkManagerClient::CallScope scope(parts_.Client);
         nm_remote_connection_get_secrets_async(profile_.get(), setting.c_str(), nullptr, TakeAnswer,
                                                new SharedCall(call));
     }
-    interrupted = Await(*call);
-    if (interrupted) {
-        call->Late = [](NMClient*, GAsyncResult*) {};
-        return nullptr;
-    }
-    GObjectPointer<NMConnection> copy(nm_simple_connection_new_clone(NM_CONNECTION(profile_.get())));
-    GVariant* secrets = nm_remote_connection_get_secrets_finish(profile_.get(), call->Result.get(), nullptr);
-    if (secrets != nullptr) {
-        nm_connection_update_secrets(copy.get(), setting.c_str(), secrets, nullptr);
-        g_variant_unref(secrets);
-    }
-    return copy;
+    if (const auto interrupted = Await(*call)) return *interrupted;
+    GErrorPointer error;
+    GVariant* secrets =
+        nm_remote_connection_get_secrets_finish(profile_.get(), call->Result.get(), GErrorSlot(error));
+    // Where nothing is stored and nobody could be asked there is nothing to lose.
+    if (secrets == nullptr) return AreNoSecrets(*error) ? ErrorSuccess : ResultOfRefusal(*error);
+    nm_connection_update_secrets(changed, setting.c_str(), secrets, nullptr);
+    g_variant_unref(secrets);
+    return ErrorSuccess;
 }
 
-int DialAttempt::StoreLogin(const Login& login) {
-    std::optional<int> interrupted;
-    const auto changed = CopyWithSecrets(LoginSetting(NM_CONNECTION(profile_.get())), interrupted);
-    if (interrupted) return *interrupted;
-    korvalin::StoreLogin(changed.get(), login);
+int DialAttempt::SendProfile(NMConnection* changed) {
     const auto persistence = nm_remote_connection_get_unsaved(profile_.get())
                                  ? NM_SETTINGS_UPDATE2_FLAG_IN_MEMORY
                                  : NM_SETTINGS_UPDATE2_FLAG_TO_DISK;
@@ -127,13 +127,10 @@ int DialAttempt::StoreLogin(const Login& login) {
     {
         const NetworkManagerClient::CallScope scope(parts_.Client);
         nm_remote_connection_update2(profile_.get(),
-                                     nm_connection_to_dbus(changed.get(), NM_CONNECTION_SERIALIZE_ALL),
-                                     persistence, nullptr, nullptr, TakeAnswer, new SharedCall(call));
+                                     nm_connection_to_dbus(changed, NM_CONNECTION_SERIALIZE_ALL), persistence,
+                                     nullptr, nullptr, TakeAnswer, new SharedCall(call));
     }
-    if (const auto code = Await(*call)) {
-        call->Late = [](NMClient*, GAsyncResult*) {};
-        return *code;
-    }
+    if (const auto interrupted = Await(*call)) return *interrupted;
     GErrorPointer error;
     GVariant* answer =
         nm_remote_connection_update2_finish(profile_.get(), call->Result.get(), GErrorSlot(error));
@@ -176,9 +173,9 @@ int DialAttempt::Activate() {
     const auto interrupted = Await(*call);
     // What was asked for cannot be taken back before it is granted.
     if (interrupted && !ComesAtOnce(*call)) {
-        call->Late = [&client = parts_.Client](NMClient* running, GAsyncResult* result) {
+        call->Late = [&client = parts_.Client](GObject* running, GAsyncResult* result) {
             const GObjectPointer<NMActiveConnection> late(
-                nm_client_activate_connection_finish(running, result, nullptr));
+                nm_client_activate_connection_finish(NM_CLIENT(running), result, nullptr));
             if (late) client.Deactivate(late.get());
         };
         return *interrupted;

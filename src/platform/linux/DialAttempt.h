@@ -43,7 +43,8 @@ class DialAttempt {
     [[nodiscard]] int Follow(std::int32_t& handle);
     [[nodiscard]] int ReasonOfEnd() const;
     [[nodiscard]] double SecondsAwake() const;
-    GObjectPointer<NMConnection> CopyWithSecrets(const std::string& setting, std::optional<int>& interrupted);
+    [[nodiscard]] int FetchSecrets(NMConnection* changed);
+    [[nodiscard]] int SendProfile(NMConnection* changed);
     GObjectPointer<NMActiveConnection> ActiveConnection();
     bool IsListed();
     void WatchDevices(NMClient* client);

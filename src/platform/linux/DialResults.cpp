@@ -73,6 +73,10 @@ int ResultOfConnectionEnd(NMActiveConnectionStateReason reason) {
     }
 }
 
+bool AreNoSecrets(const GError& error) {
+    return error.domain == NM_AGENT_MANAGER_ERROR;
+}
+
 int ResultOfRefusal(const GError& error) {
     if (error.domain == NM_SETTINGS_ERROR)
         return error.code == NM_SETTINGS_ERROR_PERMISSION_DENIED ? ErrorAccessDenied : ErrorUnknown;

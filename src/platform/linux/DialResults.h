@@ -21,4 +21,7 @@ int ResultOfConnectionEnd(NMActiveConnectionStateReason reason);
 /// The RAS or system error number for a request that NetworkManager refused.
 int ResultOfRefusal(const GError& error);
 
+/// Whether secrets were asked for where none are stored and nobody else has any.
+bool AreNoSecrets(const GError& error);
+
 } // namespace korvalin

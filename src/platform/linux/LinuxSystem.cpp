@@ -44,10 +44,6 @@ Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen&
             screen,     b.Shell,         b.User,     b.InstanceLock, b.Files, b.RecordingLock};
 }
 
-void LinuxSystem::BeginConnecting() {
-    backEnds_->NetworkManager.BeginConnecting();
-}
-
 void LinuxSystem::PlugDialDialog(DialDialog* dialog) {
     backEnds_->Internet.Dialer().PlugDialog(dialog);
 }

@@ -20,9 +20,6 @@ class LinuxSystem {
     /// The ports of the program with the three that depend on how it is used.
     Ports PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen);
 
-    /// Asks for the dial-up lines beforehand, so that the answer is there when it is wanted.
-    void BeginConnecting();
-
     /// The window that dialling shows; null for none, as at the beginning.
     void PlugDialDialog(DialDialog* dialog);
 

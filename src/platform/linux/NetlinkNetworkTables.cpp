@@ -3,7 +3,6 @@
 #include "platform/linux/AddressMessage.h"
 #include "platform/linux/LinkMessage.h"
 #include "platform/linux/QueueMessage.h"
-#include "platform/linux/TcpFigures.h"
 
 #include <libmnl/libmnl.h>
 #include <linux/if_addr.h>
@@ -80,7 +79,7 @@ class RowFinder {
 
 } // namespace
 
-NetlinkNetworkTables::NetlinkNetworkTables(std::filesystem::path procNet) : procNet_(std::move(procNet)) {}
+NetlinkNetworkTables::NetlinkNetworkTables(const std::filesystem::path& procNet) : tcp_(procNet) {}
 
 // Everything about every link. No extension mask: the kernel then leaves out the virtual functions of server
 // cards.
@@ -220,7 +219,7 @@ int NetlinkNetworkTables::GetUnicastIpAddressTable(std::vector<UnicastIpAddressR
 }
 
 int NetlinkNetworkTables::GetTcpStatistics(TcpStatistics& statistics) {
-    return ReadTcpFigures(procNet_, statistics);
+    return tcp_.Read(statistics);
 }
 
 } // namespace korvalin

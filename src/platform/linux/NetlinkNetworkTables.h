@@ -5,6 +5,7 @@
 #include "platform/linux/LinkSpeeds.h"
 #include "platform/linux/LinkWatch.h"
 #include "platform/linux/NetlinkSocket.h"
+#include "platform/linux/TcpFigures.h"
 
 #include <filesystem>
 
@@ -15,7 +16,7 @@ namespace korvalin {
 /// its status is known to the second while GetIfTable is called every second, otherwise to the next call.
 class NetlinkNetworkTables : public NetworkTables {
   public:
-    explicit NetlinkNetworkTables(std::filesystem::path procNet = "/proc/net");
+    explicit NetlinkNetworkTables(const std::filesystem::path& procNet = "/proc/net");
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
     int GetIfTable2(std::vector<InterfaceEntry>& entries) override;
@@ -39,7 +40,7 @@ class NetlinkNetworkTables : public NetworkTables {
     LinkSpeeds speeds_;
     std::vector<InterfaceRow> links_; // by ascending index
     bool countersAlone_ = true;       // the kernel dumps counters without the rest
-    std::filesystem::path procNet_;
+    TcpFigures tcp_;
 };
 
 } // namespace korvalin

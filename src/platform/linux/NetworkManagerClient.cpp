@@ -13,6 +13,9 @@ namespace {
 constexpr guint firstAnswerMilliseconds = 300;
 constexpr guint lastAnswerMilliseconds = 300;
 constexpr double secondsBetweenAttempts = 10;
+// A bus that was there a moment ago is being restarted.
+constexpr double secondsOfRestart = 60;
+constexpr double secondsBetweenAttemptsInRestart = 1;
 
 struct SourceReleaser {
     void operator()(GSource* source) const {
@@ -88,7 +91,9 @@ void NetworkManagerClient::TakeClient(GObject*, GAsyncResult* result, gpointer s
 void NetworkManagerClient::GiveUpForNow() {
     Disconnect();
     connecting_ = false;
-    nextAttempt_ = clock_.AwakeSeconds() + secondsBetweenAttempts;
+    const double now = clock_.AwakeSeconds();
+    const bool isRestarting = wasThere_ && now - *wasThere_ < secondsOfRestart;
+    nextAttempt_ = now + (isRestarting ? secondsBetweenAttemptsInRestart : secondsBetweenAttempts);
 }
 
 void NetworkManagerClient::Disconnect() {
@@ -129,7 +134,10 @@ void NetworkManagerClient::HandleArrived() {
 NMClient* NetworkManagerClient::Running() {
     HandleArrived();
     // The bus was stopped; when it comes back it knows nothing of this connection.
-    if (client_ && g_dbus_connection_is_closed(connection_.get())) GiveUpForNow();
+    if (client_ && g_dbus_connection_is_closed(connection_.get())) {
+        wasThere_ = clock_.AwakeSeconds();
+        GiveUpForNow();
+    }
     BeginConnecting();
     // Once for a whole run: later answers are taken when they are there.
     if (!std::exchange(firstAnswerAwaited_, true))

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <gio/gio.h>
+#include <optional>
 
 using NMActiveConnection = struct _NMActiveConnection;
 using NMClient = struct _NMClient;
@@ -22,9 +23,6 @@ class NetworkManagerClient {
     ~NetworkManagerClient();
     NetworkManagerClient(const NetworkManagerClient&) = delete;
     NetworkManagerClient& operator=(const NetworkManagerClient&) = delete;
-
-    /// Starts to connect without waiting; the first question does so too.
-    void BeginConnecting();
 
     /// The picture as of now; null while NetworkManager does not answer. Valid until the next call.
     NMClient* Running();
@@ -58,6 +56,7 @@ class NetworkManagerClient {
 
     static void TakeEnding(GObject* source, GAsyncResult* result, gpointer ending);
 
+    void BeginConnecting();
     void HandleWhile(const std::function<bool()>& pending, guint milliseconds);
     void HandleArrived();
     void Disconnect();
@@ -72,7 +71,8 @@ class NetworkManagerClient {
     bool isClosing_ = false;
     bool connecting_ = false;
     bool firstAnswerAwaited_ = false;
-    double nextAttempt_ = 0; // seconds awake
+    std::optional<double> wasThere_; ///< seconds awake when the bus was lost
+    double nextAttempt_ = 0;         // seconds awake
 };
 
 } // namespace korvalin

@@ -13,6 +13,8 @@
 namespace korvalin {
 namespace {
 
+constexpr double secondsBetweenLineAndNetwork = 30;
+
 // The name of each interface that others set up stands as one more connection in the picture: external.
 bool IsDialUpConnection(NMActiveConnection* connection) {
     if ((nm_active_connection_get_state_flags(connection) & NM_ACTIVATION_STATE_FLAG_EXTERNAL) != 0)
@@ -173,7 +175,7 @@ void NetworkManagerLines::Follow(NMClient* client, NetworkManagerLine& line) {
     const auto raw = ReadCounters(client, line);
     line.IsThere = raw.has_value();
     if (!raw) return;
-    carriers_.insert(line.Counters.Index());
+    lastAsLine_[line.Counters.Index()] = clock_.AwakeSeconds();
     line.Raw = *raw;
     const InterfaceBytes own = earlier_.Without(line.Counters.Index(), line.Raw);
     line.Statistics.BytesReceived = own.Received;
@@ -226,17 +228,20 @@ std::int32_t NetworkManagerLines::HandleOfProfile(const NMRemoteConnection* prof
     return 0;
 }
 
+bool NetworkManagerLines::WasLineJustNow(const std::string& name) const {
+    const auto found = lastAsLine_.find(if_nametoindex(name.c_str()));
+    return found != lastAsLine_.end() && clock_.AwakeSeconds() - found->second < secondsBetweenLineAndNetwork;
+}
+
+// The kernel routes over a link before the service says whose it is, and a moment longer than the line is up.
 bool NetworkManagerLines::OwnsInterface(const std::string& name) {
+    if (WasLineJustNow(name)) return true;
     NMClient* client = client_.Running();
-    if (client == nullptr) return false;
-    // The kernel routes over a link before the service says whose it is, and a moment longer than the line is
-    // up.
     const std::vector<NMActiveConnection*> connections = DialUpConnections(client);
-    return carriers_.contains(if_nametoindex(name.c_str())) ||
-           std::any_of(connections.begin(), connections.end(), [&](NMActiveConnection* connection) {
-               return TrafficInterface(client, connection) == name ||
-                      (IsComingUp(connection) && !BelongsToNetwork(client, name));
-           });
+    return std::any_of(connections.begin(), connections.end(), [&](NMActiveConnection* connection) {
+        return TrafficInterface(client, connection) == name ||
+               (IsComingUp(connection) && !BelongsToNetwork(client, name));
+    });
 }
 
 } // namespace korvalin

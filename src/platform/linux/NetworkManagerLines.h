@@ -8,7 +8,7 @@
 
 #include <filesystem>
 #include <list>
-#include <set>
+#include <map>
 #include <vector>
 
 using NMRemoteConnection = struct _NMRemoteConnection;
@@ -58,11 +58,13 @@ class NetworkManagerLines {
     /// The same for a profile of NetworkManager.
     [[nodiscard]] std::int32_t HandleOfProfile(const NMRemoteConnection* profile);
 
-    /// Whether an interface belongs to a dial-up connection that is up, comes up or has just ended.
+    /// Whether an interface belongs to a dial-up connection that is up, comes up or has ended within the last
+    /// half minute. So a restart of NetworkManager does not make a network of a line that outlives it.
     [[nodiscard]] bool OwnsInterface(const std::string& name);
 
   private:
     NetworkManagerLine* FindLine(std::int32_t handle);
+    [[nodiscard]] bool WasLineJustNow(const std::string& name) const;
     void EndMissing(const std::vector<NMActiveConnection*>& up);
     void Add(NMClient* client, NMActiveConnection* connection);
     void OpenInterface(NetworkManagerLine& line, const std::string& name);
@@ -75,7 +77,7 @@ class NetworkManagerLines {
     std::filesystem::path netFolder_;
     NetlinkSocket addresses_;
     EarlierBytes earlier_;
-    std::set<std::uint32_t> carriers_; ///< links that have been a line
+    std::map<std::uint32_t, double> lastAsLine_; ///< for each link, seconds awake when it was last a line
     std::list<NetworkManagerLine> lines_;
     std::int32_t lastHandle_ = 0;
     bool firstPictureSeen_ = false;

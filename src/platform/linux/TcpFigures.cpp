@@ -1,7 +1,5 @@
 #include "platform/linux/TcpFigures.h"
 
-#include "platform/linux/WholeFile.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -35,19 +33,20 @@ std::uint32_t Figure(std::string_view text) {
 }
 
 // "TCP: inuse 5 orphan 0 ..."
-std::uint32_t SocketsInUse(const std::filesystem::path& file, std::string_view label) {
-    const std::optional<std::string> content = ReadWholeFile(file);
-    if (!content) return 0; // no IPv6 in this kernel
-    std::string_view text = *content;
+std::uint32_t SocketsInUse(KernelFile& file, std::string_view label) {
+    std::string_view text = file.Read().value_or(""); // no file: no IPv6 in this kernel
     std::string_view line = TakeLine(text, label).value_or("");
     return TakeUntil(line, ' ') == "inuse" ? Figure(TakeUntil(line, ' ')) : 0;
 }
 
 } // namespace
 
-int ReadTcpFigures(const std::filesystem::path& procNet, TcpStatistics& statistics) {
+TcpFigures::TcpFigures(const std::filesystem::path& procNet)
+    : snmp_(procNet / "snmp"), sockets_(procNet / "sockstat"), socketsVersion6_(procNet / "sockstat6") {}
+
+int TcpFigures::Read(TcpStatistics& statistics) {
     statistics = {};
-    const std::optional<std::string> content = ReadWholeFile(procNet / "snmp");
+    const std::optional<std::string_view> content = snmp_.Read();
     if (!content) return errno;
     // A line of names and a line of figures; the order differs from kernel to kernel.
     std::string_view text = *content;
@@ -61,8 +60,7 @@ int ReadTcpFigures(const std::filesystem::path& procNet, TcpStatistics& statisti
         if (name == "InSegs") statistics.InSegs = figure;
         if (name == "OutSegs") statistics.OutSegs = figure;
     }
-    statistics.NumConns =
-        SocketsInUse(procNet / "sockstat", "TCP: ") + SocketsInUse(procNet / "sockstat6", "TCP6: ");
+    statistics.NumConns = SocketsInUse(sockets_, "TCP: ") + SocketsInUse(socketsVersion6_, "TCP6: ");
     return 0;
 }
 
