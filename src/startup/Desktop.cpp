@@ -1,7 +1,6 @@
 #include "startup/Desktop.h"
 
 #include "dialogs/QtMessageBoxes.h"
-#include "dialogs/frmAbout.h"
 #include "display/frmMain.h"
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
@@ -14,13 +13,13 @@
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtNotificationArea.h"
 #include "platform/qt/QtScreen.h"
+#include "startup/AboutBox.h"
 #include "startup/EndRequests.h"
 #include "startup/Program.h"
 #include "stats/frmStatistik.h"
 
 #include <QApplication>
 #include <QLocale>
-#include <QPointer>
 
 #include <cstdlib>
 
@@ -78,23 +77,24 @@ int RunDesktop(int argc, char** argv) {
         }
         statistics->Open();
     };
-    QPointer<frmAbout> about; // exists only while it is shown
-    const auto openAbout = [&] {
-        if (!about) {
-            about = new frmAbout({program.language, system.UserShell(), Program::Version().Numbers()});
-            about->setAttribute(Qt::WA_DeleteOnClose);
-        }
-        about->Open();
-    };
     QtNotificationArea tray;
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale, tray, messageBoxes});
+    AboutBox about(program, system.UserShell(), [&] { window.Quit(); });
     // Dialling is not there yet: the phone book is empty.
-    window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
+    window.Plug({[&](CloseReason reason) {
+                     program.updateCheck.Cancel();
+                     program.recorder.SaveStatsLine(reason, 0);
+                 },
                  [&] { return UseOfChartLine(program); }, [] { return std::size_t{0}; }, openStatistics,
-                 openAbout});
-    program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
+                 [&] { about.Open(); }});
+    program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); },
+                               [&] {
+                                   about.ScheduleCheck();
+                                   return false;
+                               },
+                               [] {}});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
     const ExitWatch exitWatch([&] {
@@ -104,7 +104,6 @@ int RunDesktop(int argc, char** argv) {
     program.LoadStatistics();
     window.Form_Load();
     const int exitCode = QApplication::exec();
-    delete about; // nobody deletes a window that is closed at the very end
     system.TellNotes(program.errors);
     return exitCode;
 }

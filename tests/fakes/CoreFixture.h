@@ -2,6 +2,7 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFiles.h"
+#include "fakes/FakeHttp.h"
 #include "fakes/FakeMessageBoxes.h"
 #include "fakes/FakeNetwork.h"
 #include "fakes/FakeRegistry.h"
@@ -34,9 +35,10 @@ class CoreFixture : public testing::Test {
     bool StartProgram() {
         std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng", programFolder / "Korvalin.lng");
         settings.SetReg("Language", "ENG");
-        program = std::make_unique<Program>(Ports{registry, network, internet, ras, clock, events, boxes,
-                                                  screen, shell, user, lock, files, recordingLock},
-                                            Locale());
+        program =
+            std::make_unique<Program>(Ports{registry, network, internet, ras, clock, events, boxes, screen,
+                                            shell, user, lock, files, recordingLock, http, signatures},
+                                      Locale());
         return program->Main();
     }
     std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
@@ -63,6 +65,8 @@ class CoreFixture : public testing::Test {
     FakeEvents events{clock};
     FakeInstanceLock lock;
     FakeRecordingLock recordingLock;
+    FakeHttp http;
+    FakeSignatures signatures;
     Locale locale;
     Errors errors{clock, files, boxes, locale, "Korvalin"};
     Settings settings{registry, errors, screen, clock, locale};

@@ -96,7 +96,7 @@ TEST_F(About, ChecksForAnUpdateOnDemandOnly) {
                          EXPECT_TRUE(about->findChild<QLabel*>(QStringLiteral("lblStatus"))->isVisible());
                          return result;
                      },
-                     [&] { programEnded = true; }});
+                     [] {}, [&] { programEnded = true; }});
         Button("cmdUpdate")->click();
         EXPECT_EQ(programEnded, result == 9);
         EXPECT_TRUE(Button("cmdUpdate")->isEnabled());

@@ -2,6 +2,7 @@
 
 #include "errors/Errors.h"
 #include "platform/linux/AutostartRegistry.h"
+#include "platform/linux/CurlHttp.h"
 #include "platform/linux/FlockInstanceLock.h"
 #include "platform/linux/FlockRecordingLock.h"
 #include "platform/linux/LinuxShell.h"
@@ -10,6 +11,7 @@
 #include "platform/linux/PasswdUser.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/RouteInternet.h"
+#include "platform/linux/SodiumSignatures.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/XdgFolders.h"
@@ -29,6 +31,8 @@ struct LinuxSystem::BackEnds {
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
     FlockRecordingLock RecordingLock;
+    CurlHttp Http;
+    SodiumSignatures Signatures;
 };
 
 LinuxSystem::LinuxSystem() : backEnds_(std::make_unique<BackEnds>()) {}
@@ -36,8 +40,9 @@ LinuxSystem::~LinuxSystem() = default;
 
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
-    return {b.Registry, b.NetworkTables, b.Internet, b.Ras,          b.Clock, events,         messageBoxes,
-            screen,     b.Shell,         b.User,     b.InstanceLock, b.Files, b.RecordingLock};
+    return {b.Registry,     b.NetworkTables, b.Internet,      b.Ras,   b.Clock,
+            events,         messageBoxes,    screen,          b.Shell, b.User,
+            b.InstanceLock, b.Files,         b.RecordingLock, b.Http,  b.Signatures};
 }
 
 Clock& LinuxSystem::SystemTime() {
