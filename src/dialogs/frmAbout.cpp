@@ -16,6 +16,7 @@ namespace {
 
 // Logical pixels; the icon brings a picture for four times as many.
 constexpr int pictureSize = 64;
+constexpr std::uint64_t mostMeasured = 1'000'000'000'000;
 
 } // namespace
 
@@ -95,14 +96,15 @@ void frmAbout::ShowRunning(bool running) {
 }
 
 void frmAbout::ShowProgress(std::uint64_t received, std::optional<std::uint64_t> announced) {
-    const auto kilobytes = [](std::uint64_t bytes) { return static_cast<int>((bytes + 999) / 1000); };
-    const auto text = [](int number) { return QLocale::system().toString(number); };
-    // What is compressed on its way can become more than was announced.
-    const bool measured = announced && *announced > 0 && received <= *announced;
-    ui_->prgUpdate->setRange(0, measured ? kilobytes(*announced) : 0);
-    ui_->prgUpdate->setValue(kilobytes(received));
-    ui_->lblBytes->setText(text(kilobytes(received)) +
-                           (measured ? QLatin1String(" / ") + text(kilobytes(*announced)) : QString()) +
+    const auto kilobytes = [](std::uint64_t bytes) { return (bytes + 999) / 1000; };
+    const auto text = [&](std::uint64_t bytes) {
+        return QLocale::system().toString(static_cast<qulonglong>(kilobytes(bytes)));
+    };
+    // What is compressed on its way can become more than was announced; and anything can be announced.
+    const bool measured = announced && received <= *announced && *announced > 0 && *announced < mostMeasured;
+    ui_->prgUpdate->setRange(0, measured ? static_cast<int>(kilobytes(*announced)) : 0);
+    ui_->prgUpdate->setValue(measured ? static_cast<int>(kilobytes(received)) : 0);
+    ui_->lblBytes->setText(text(received) + (measured ? QLatin1String(" / ") + text(*announced) : QString()) +
                            QLatin1String(" KB"));
 }
 

@@ -32,7 +32,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             else:
                 self.serve_file(parts.path)
         except (BrokenPipeError, ConnectionResetError, ssl.SSLError):
-            pass  # the other side has had enough
+            self.server.site.given_up.append(self.path)  # the other side has had enough
 
     def log_message(self, *_):
         pass
@@ -170,7 +170,8 @@ class Site:
     """Serves a folder on http, and on https when certificates are asked for."""
 
     def __init__(self, folder, certificates=False):
-        self.folder, self.requests, self.slow, self.go_on = pathlib.Path(folder), [], set(), threading.Event()
+        self.folder, self.requests, self.given_up = pathlib.Path(folder), [], []
+        self.slow, self.go_on = set(), threading.Event()  # what comes slowly, until the end
         self.note = self.requests.append
         self.servers = [self.listen(None)]
         if certificates:
