@@ -2,6 +2,8 @@
 
 #include "base/Date.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace korvalin {
@@ -21,6 +23,14 @@ struct FetchState {
     /// Seconds awake at the last event or received chunk.
     double LastActivity = 0;
     std::string Url; ///< without its account
+};
+
+/// Told after every chunk.
+struct FetchProgress {
+    std::size_t ChunkSize = 0; ///< of the buffer, in bytes
+    std::uint64_t Received = 0;
+    /// As it travels, perhaps compressed; nullopt when nothing was announced.
+    std::optional<std::uint64_t> Announced;
 };
 
 } // namespace korvalin

@@ -116,7 +116,7 @@ UpdateResult UpdateCheck::ShowPage(const UpdatePage& page) {
 UpdateResult UpdateCheck::Update(const UpdateOffer& offer, const UpdatePage& page) {
     if (!m_.Download.CanWrite()) return TellThatItCannotBeInstalled();
     if (MustAsk() && !UserWants(page)) {
-        NoteThatUserWasTold();
+        if (!m_.Site.IsCancelled()) NoteThatUserWasTold();
         return UpdateResult::Postponed;
     }
     switch (m_.Download.Run(offer, page)) {

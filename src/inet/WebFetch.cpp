@@ -22,11 +22,14 @@ constexpr std::uint64_t longestFile = 256 * 1024 * 1024;
 constexpr int waitMilliseconds = 50;
 constexpr double patienceSeconds = 60;
 constexpr double timeOutSeconds = 120;
-constexpr int firstErrorStatus = 400;
 constexpr int missingStatus = 404;
 constexpr const char* noData = "NoData";
 constexpr std::string_view missingText = "404 Not Found";
 constexpr std::size_t missingTextWithin = 999; // further on it is something that a page tells about
+
+bool IsSuccess(const HttpHead& head) {
+    return head.StatusCode >= 200 && head.StatusCode < 300;
+}
 
 std::string StatusText(const HttpHead& head) {
     return head.StatusCode == missingStatus ? std::string(missingText)
@@ -120,7 +123,7 @@ std::string WebFetch::GetURLSource(const std::string& url, const std::filesystem
     if (head.StatusCode == missingStatus || ContainsNoCase(beginning, missingText)) {
         state_.Status = "404";
         if (report) m_.Errors.WriteErrorLog("URL not found " + state_.Url, "INET");
-    } else if (state_.Status.empty() && head.StatusCode >= firstErrorStatus) {
+    } else if (state_.Status.empty() && !IsSuccess(head)) {
         state_.Status = StatusText(head);
     }
     if (state_.Status.empty() && state_.ToFile && !head.EndIsKnown) state_.Status = "0:of unknown length";
@@ -141,7 +144,7 @@ std::string WebFetch::ReadAll(HttpStream& stream, const HttpRequest& request) {
             state_.Status = "0:too long";
             return result;
         }
-        hooks_.Progress(result.size(), stream.Head().Length);
+        hooks_.Progress({readSize, result.size(), stream.Head().Length});
         m_.Events.ProcessPending();
         if (cancelled_) return result;
     }
@@ -174,11 +177,11 @@ void WebFetch::Control_StateChanged(int state) {
     switch (state) {
     case TransferReceiving:
         if (IsTooLong(head, control_->BytesReceived(), longestFile)) return GiveUp("0:too long");
-        return hooks_.Progress(control_->BytesReceived(), head.Length);
+        return hooks_.Progress({chunkSize, control_->BytesReceived(), head.Length});
     case TransferError:
         return GiveUp(fmt::format("{}:{}", control_->ResponseCode(), control_->ResponseInfo()));
     case TransferCompleted:
-        if (head.StatusCode >= firstErrorStatus) {
+        if (!IsSuccess(head)) {
             state_.Status = StatusText(head);
         } else if (state_.ToFile) {
             TakeFile();

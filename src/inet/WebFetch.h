@@ -6,7 +6,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace korvalin {
@@ -34,9 +33,7 @@ class WebFetch {
         std::function<std::filesystem::path()> DataFolder;
     };
     struct Hooks {
-        /// Bytes received so far, and how many are announced; a part of the announced ones may be compressed.
-        std::function<void(std::uint64_t received, std::optional<std::uint64_t> announced)> Progress =
-            [](std::uint64_t, std::optional<std::uint64_t>) {};
+        std::function<void(const FetchProgress& progress)> Progress = [](const FetchProgress&) {};
         std::function<void(const std::string& text)> CopyToClipboard = [](const std::string&) {};
     };
 

@@ -35,8 +35,8 @@ AboutBox::~AboutBox() {
 // Before there is an event loop for it, files are fetched without the control.
 void AboutBox::PlugFetch() {
     if (program_.components.CheckVBComponent("msinet.ocx", true)) program_.webFetch.UseControl(&control_);
-    program_.webFetch.Plug({[this](std::uint64_t received, std::optional<std::uint64_t> announced) {
-                                if (box_) box_->ShowProgress(received, announced);
+    program_.webFetch.Plug({[this](const FetchProgress& progress) {
+                                if (box_) box_->ShowProgress(progress.Received, progress.Announced);
                             },
                             [](const std::string& text) {
                                 QGuiApplication::clipboard()->setText(QString::fromStdString(text));

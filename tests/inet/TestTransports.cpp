@@ -46,6 +46,7 @@ TEST_P(Transports, BringPagesAndFilesWholeOrNotAtAll) {
         {"empty", false, false, "NoData", "NoData"},
         {"status/404", false, false, "404", "404 Not Found"},
         {"status/503", false, false, "503:", "503:"},
+        {"status/300", false, false, "300:", "300:"},
         {"headers", false, false, "23:", "23:"},
         {"away?to=/page", true, true, "", ""},
         {"hops/10", true, true, "", ""},
@@ -83,14 +84,13 @@ TEST_P(Transports, CutLongPagesOffAndRefuseLongFiles) {
     EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "bomb/50").size(), longest);
     EXPECT_FALSE(Download(server.Http() + "huge"));
     EXPECT_EQ(fetch.State().Status, "0:too long");
-    std::vector<std::pair<std::uint64_t, std::optional<std::uint64_t>>> seen;
-    fetch.Plug({[&](std::uint64_t received, std::optional<std::uint64_t> announced) {
-                    seen.emplace_back(received, announced);
-                },
-                [](const std::string&) {}});
+    std::vector<FetchProgress> seen;
+    fetch.Plug({[&](const FetchProgress& progress) { seen.push_back(progress); }, [](const std::string&) {}});
     EXPECT_TRUE(Download(server.Http() + "slow"));
     EXPECT_GT(seen.size(), 5U) << "the bar moves";
-    EXPECT_EQ(seen.back(), std::pair(std::uint64_t{380}, std::optional<std::uint64_t>(380)));
+    EXPECT_EQ(seen.back().ChunkSize, IsLoop() ? 2048U : 1024U);
+    EXPECT_EQ(seen.back().Received, 380U);
+    EXPECT_EQ(seen.back().Announced, 380U);
 }
 
 TEST_P(Transports, GiveASilentServerUp) {
@@ -149,8 +149,7 @@ TEST_P(Transports, TellWhoTheyAreAndTheAccountToTheSiteAlone) {
 }
 
 TEST_P(Transports, AreGivenUpOnRequest) {
-    fetch.Plug(
-        {[&](std::uint64_t, std::optional<std::uint64_t>) { fetch.Cancel(); }, [](const std::string&) {}});
+    fetch.Plug({[&](const FetchProgress&) { fetch.Cancel(); }, [](const std::string&) {}});
     EXPECT_FALSE(Download(server.Http() + "long/20"));
     EXPECT_EQ(fetch.State().Status, "0:cancelled");
     EXPECT_FALSE(fs::exists(folder / "file.htm"));
