@@ -1,5 +1,6 @@
 #include "inet/UpdateDownload.h"
 
+#include "base/Text.h"
 #include "errors/Errors.h"
 #include "errors/Paths.h"
 #include "inet/UpdateFiles.h"
@@ -33,6 +34,8 @@ fs::path UpdateDownload::NewProgram() const {
 }
 
 bool UpdateDownload::CanWrite() {
+    // A new program that could not install itself waits to be started anew; it is not replaced while it runs.
+    if (EqualsNoCase(m_.Shell.ExecutablePath().filename().string(), NewProgramFileName)) return false;
     const fs::path trial = NewProgram().string() + ".part";
     const bool written = m_.Files.Replace(trial, "");
     std::error_code ignored;
@@ -60,7 +63,7 @@ bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
     if (!FileExists(program)) return false;
     if (IsWorthStarting(program, m_.ProgramFolder / ProgramFileName) &&
         m_.Site.IsSigned(program, offer.FileName)) {
-        TakePermissions(program, m_.ProgramFolder / ProgramFileName);
+        TakePermissions(program, m_.Shell.ExecutablePath());
         return true;
     }
     std::error_code ignored;

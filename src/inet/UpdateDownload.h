@@ -40,7 +40,7 @@ class UpdateDownload {
     /// Takes the line of text that tells what is going on.
     std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
 
-    /// Whether files can be put into the program folder.
+    /// Whether a new program can be put into the program folder.
     bool CanWrite();
 
     /// Everything up to the start of the new program. Each attempt puts UpdateNext further ahead.

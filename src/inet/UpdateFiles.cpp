@@ -1,5 +1,7 @@
 #include "inet/UpdateFiles.h"
 
+#include "base/Text.h"
+
 #include <fmt/format.h>
 
 #include <system_error>
@@ -26,10 +28,17 @@ bool IsWorthStarting(const fs::path& newProgram, const fs::path& program) {
     return !newUnknown && length >= ShortestProgram;
 }
 
-void TakePermissions(const fs::path& file, const fs::path& example) {
+bool IsProgramName(std::string_view name) {
+    return EndsWithNoCase(name, ".exe");
+}
+
+void TakePermissions(const fs::path& file, const fs::path& runningProgram) {
+    constexpr fs::perms run = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
     std::error_code ignored;
-    const fs::perms taken = fs::status(example, ignored).permissions();
-    if (!ignored) fs::permissions(file, taken & fs::perms::all, fs::perm_options::add, ignored);
+    fs::perms taken = fs::status(runningProgram, ignored).permissions() & fs::perms::all;
+    if (ignored) return;
+    if (!IsProgramName(file.string())) taken &= ~run;
+    fs::permissions(file, taken, fs::perm_options::add, ignored);
 }
 
 } // namespace korvalin

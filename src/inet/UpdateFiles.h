@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 namespace korvalin {
 
@@ -23,8 +25,11 @@ std::string KeptLanguageName(const ProgramVersion& version);
 /// counts as date 0 and length 0.
 bool IsWorthStarting(const std::filesystem::path& newProgram, const std::filesystem::path& program);
 
-/// Gives a new file the permissions that `example` has: a download has no right to be run, nor to be read by
-/// others.
-void TakePermissions(const std::filesystem::path& file, const std::filesystem::path& example);
+/// Whether a file of that name is a program.
+bool IsProgramName(std::string_view name);
+
+/// Gives a new file the permissions that the running program has, that of being run only to programs: a
+/// download may neither be run nor be read by others.
+void TakePermissions(const std::filesystem::path& file, const std::filesystem::path& runningProgram);
 
 } // namespace korvalin

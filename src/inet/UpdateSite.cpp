@@ -1,6 +1,5 @@
 #include "inet/UpdateSite.h"
 
-#include "base/Text.h"
 #include "errors/Errors.h"
 #include "inet/UpdateFiles.h"
 #include "inet/WebAddress.h"
@@ -24,14 +23,18 @@ std::string ReadFile(const fs::path& path) {
 bool IsLongEnough(const fs::path& file, const std::string& name) {
     std::error_code error;
     const auto length = fs::file_size(file, error);
-    return !error && length >= (EndsWithNoCase(name, ".exe") ? ShortestProgram : 1);
+    return !error && length >= (IsProgramName(name) ? ShortestProgram : 1);
 }
 
 } // namespace
 
-UpdateSite::UpdateSite(UpdateConfiguration configuration, WebFetch& fetch, Signatures& signatures,
-                       Errors& errors)
-    : configuration_(std::move(configuration)), fetch_(fetch), signatures_(signatures), errors_(errors) {}
+UpdateSite::UpdateSite(UpdateConfiguration configuration, const fs::path& executable, WebFetch& fetch,
+                       Signatures& signatures, Errors& errors)
+    : configuration_(std::move(configuration)),
+      executable_(executable),
+      fetch_(fetch),
+      signatures_(signatures),
+      errors_(errors) {}
 
 UpdatePage UpdateSite::LoadPage(const std::string& name) {
     return cancelled_ ? UpdatePage() : UpdatePage(fetch_.HtmLoadPage(configuration_.Site + name));
@@ -48,11 +51,13 @@ bool UpdateSite::Download(const std::string& name, const fs::path& target) {
     std::string fault = Fetch(name, part);
     std::error_code error;
     if (fault.empty()) {
-        TakePermissions(part, target.parent_path() / ProgramFileName);
         fs::rename(part, target, error);
         fault = error ? error.message() : std::string();
     }
-    if (fault.empty()) return true;
+    if (fault.empty()) {
+        TakePermissions(target, executable_);
+        return true;
+    }
     fs::remove(part, error);
     errors_.WriteErrorLog(name + ": " + fault, "Update");
     return false;

@@ -25,7 +25,9 @@ struct UpdateConfiguration {
 /// The maker's update site.
 class UpdateSite {
   public:
-    UpdateSite(UpdateConfiguration configuration, WebFetch& fetch, Signatures& signatures, Errors& errors);
+    /// What is downloaded gets the permissions of `executable`.
+    UpdateSite(UpdateConfiguration configuration, const std::filesystem::path& executable, WebFetch& fetch,
+               Signatures& signatures, Errors& errors);
 
     bool IsThere() const { return !configuration_.Site.empty(); }
     const std::string& VersionHistoryPage() const { return configuration_.VersionHistoryPage; }
@@ -49,6 +51,7 @@ class UpdateSite {
     std::string Fetch(const std::string& name, const std::filesystem::path& file);
 
     UpdateConfiguration configuration_;
+    std::filesystem::path executable_;
     WebFetch& fetch_;
     Signatures& signatures_;
     Errors& errors_;

@@ -26,7 +26,7 @@ Program::Program(const Ports& ports, Locale userLocale)
                  programFolder_),
       webFetch({ports.Http, settings, errors, ports.Files, ports.Events, ports.Clock, BuiltVersion,
                 [this] { return language.LanguageCode(); }, [this] { return dataFolder.GetDataPath(); }}),
-      updateSite(BuiltUpdateSite(), webFetch, ports.Signatures, errors),
+      updateSite(BuiltUpdateSite(), executable_, webFetch, ports.Signatures, errors),
       components(settings, language, ports.MessageBoxes, ports.Shell, ports.Events, dataFolder,
                  FromUpdateSite(), downloadPage),
       updateInstallation(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell,

@@ -56,7 +56,9 @@ TEST_F(UpdateCheckTest, BringsKeepsAndStartsTheNewVersion) {
                      "Downloading: Korvalin_new.exe", "Downloading: KorvalinLng_new.lng (1.3)",
                      "All files have been downloaded."}));
     EXPECT_EQ(fs::file_size(New()), ShortestProgram);
-    EXPECT_EQ(fs::status(New()).permissions() & fs::perms(0111), fs::perms(0111));
+    EXPECT_EQ(fs::status(New()).permissions() & fs::perms(0755), fs::perms(0755));
+    EXPECT_EQ(fs::status(programFolder / NewLanguageFileName).permissions() & fs::perms(0755),
+              fs::perms(0644));
     EXPECT_EQ(folder.Read("program/KorvalinLng_new.lng"), "new texts");
     EXPECT_EQ(folder.Read("program/Korvalin_V2_3_12.exe"), "the running program");
     EXPECT_EQ(folder.Read("program/KorvalinLng_V2_3_12.txt"), folder.Read("program/Korvalin.lng"));
@@ -219,6 +221,9 @@ TEST_F(UpdateCheckTest, OnlyTellsWhereItCannotInstall) {
     EXPECT_NE(TakeStatuses().back().find("install the new version in the same way"), std::string::npos);
     EXPECT_EQ(Automatic(), 5);
     EXPECT_EQ(shell.Pages.size(), 2U);
+    files.DiskFull = false;
+    shell.Executable = New(); // could not install itself
+    EXPECT_EQ(Automatic(), 5);
     EXPECT_EQ(settings.GetDate("UpdateCheckLast"), DayOf(clock.Now())) << "not told again every hour";
     EXPECT_EQ(settings.GetDate("UpdateNext"), 0);
 }

@@ -29,7 +29,7 @@ class UpdateFixture : public Base {
         site.emplace(UpdateConfiguration{address,
                                          address.empty() ? "" : "https://maker.example/versions.html",
                                          publicKey},
-                     this->fetch, makers, this->errors);
+                     running, this->fetch, makers, this->errors);
         download.emplace(UpdateDownload::Modules{*site, this->settings, this->errors, someFiles, this->shell,
                                                  this->clock, this->programFolder, version, text,
                                                  [this] { return this->language.LanguageCode(); }});
