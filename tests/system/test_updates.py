@@ -186,6 +186,23 @@ class Updates(UpdateCase):
             self.site.requests.clear()
             self.site.given_up.clear()
 
+    def test_a_server_that_stalls_stops_nothing_else(self):
+        self.home.env["KORVALIN_UPDATE_SITE"] = self.update_address.replace("update", "stall")
+        self.start(self.program_folder().path / "Korvalin.exe")
+        window, about = self.main_window(), self.open_about()
+        self.press(about, "alt+u")
+        asked = "/stall/update100.html"
+        rig.wait_for(lambda: asked in self.site.requests, "the check")
+        place, seen = self.display.geometry(window), set()
+
+        def online_time():  # at the lower right edge
+            area = f"100x14+{place['X'] + place['WIDTH'] - 104}+{place['Y'] + place['HEIGHT'] - 16}"
+            return self.display.tool("import", "-window", "root", "-crop", area, "-depth", "8", "txt:-")
+
+        rig.wait_for(lambda: seen.add(online_time()) or len(seen) == 4, "three seconds that pass")
+        self.press(about, "Escape")
+        rig.wait_for(lambda: asked in self.site.given_up, "the end of the check", seconds=2)
+
     def test_the_end_of_the_program_does_not_wait_for_a_download(self):
         self.site.slow.add("/update/setup.exe")
         self.addCleanup(self.site.slow.clear)

@@ -57,6 +57,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.connection.recv(1)
         except OSError:
             pass
+        self.server.site.given_up.append(self.path)
         self.hang_up()
 
     def serve_file(self, path):
@@ -94,7 +95,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def trick_silent(self):
         self.wait_for_the_other_side()
 
-    def trick_stall(self):
+    def trick_stall(self, *_):
         self.answer(PAGE, length=100_000)
         self.wait_for_the_other_side()
 
