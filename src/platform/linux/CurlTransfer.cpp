@@ -57,8 +57,7 @@ void CurlTransfer::SetUp(const HttpRequest& request, const CurlRules& rules) {
         Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     }
     const bool isPlain = StartsWithNoCase(request.Address, "http://");
-    Set(CURLOPT_PROTOCOLS_STR, isPlain ? "http,https" : "https");
-    Set(CURLOPT_REDIR_PROTOCOLS_STR, isPlain ? "http,https" : "https");
+    Set(CURLOPT_PROTOCOLS_STR, isPlain ? "http,https" : "https"); // after redirects too
     if (isPlain) KeepToThisMachine();
     Set(CURLOPT_FOLLOWLOCATION, 1L);
     Set(CURLOPT_MAXREDIRS, mostRedirects);
