@@ -124,7 +124,7 @@ UpdateResult UpdateCheck::Update(const UpdateOffer& offer, const UpdatePage& pag
     case UpdateDownload::Outcome::Failed: hooks_.ShowStatus(m_.Text(15)); return UpdateResult::Failed;
     case UpdateDownload::Outcome::Ready: break;
     }
-    return m_.Site.IsCancelled() ? UpdateResult::Postponed : Start();
+    return Start();
 }
 
 bool UpdateCheck::MustAsk() {
@@ -158,9 +158,11 @@ void UpdateCheck::NoteThatUserWasTold() {
 
 UpdateResult UpdateCheck::Start() {
     const std::filesystem::path program = m_.Download.NewProgram();
-    if (!automatic_)
+    if (!automatic_ && !m_.Site.IsCancelled()) {
         m_.MessageBoxes.Show(m_.Text(21), std::string(ProgramTitle), MessageIcon::Information,
                              MessageButtons::Ok);
+    }
+    if (m_.Site.IsCancelled()) return UpdateResult::Postponed;
     if (m_.Shell.StartProgram(program)) return UpdateResult::Started;
     m_.Errors.WriteErrorLog("cannot be started: " + program.string(), "Update");
     std::error_code ignored;

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t readSize = 2048;
 constexpr std::size_t chunkSize = 1024;
-constexpr std::uint64_t longestPage = 4 * 1024 * 1024;
-constexpr std::uint64_t longestFile = 256 * 1024 * 1024;
+constexpr std::uint64_t longestPage = 4UL * 1024 * 1024;
+constexpr std::uint64_t longestFile = 256UL * 1024 * 1024;
 constexpr int waitMilliseconds = 50;
 constexpr double patienceSeconds = 60;
 constexpr double timeOutSeconds = 120;
@@ -254,11 +254,10 @@ bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) 
 }
 
 bool WebFetch::AwaitControl() {
-    while (state_.LastState != FetchFinished && state_.Status.empty()) {
-        if (IsInactiveFor(patienceSeconds))
-            TimeOut();
-        else
-            m_.Events.Wait(waitMilliseconds);
+    const auto ended = [this] { return state_.LastState == FetchFinished || !state_.Status.empty(); };
+    while (!ended()) {
+        m_.Events.Wait(waitMilliseconds);
+        if (!ended() && IsInactiveFor(patienceSeconds)) TimeOut();
     }
     return state_.Status.empty();
 }

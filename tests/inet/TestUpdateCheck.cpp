@@ -261,6 +261,15 @@ TEST_F(UpdateCheckTest, IsCancelledAtAnyMomentAndRunsOnceAtATime) {
     }
     check->Cancel(); // none is running
     settings.SetReg("UpdateNext", Date(0));
+    Answer(MessageAnswer::Yes);
+    OnStatus = [&](const std::string& status) {
+        if (status == "All files have been downloaded.") check->Cancel(); // the end of the program
+    };
+    EXPECT_EQ(OnDemand(), 5);
+    EXPECT_TRUE(shell.Started.empty());
+    OnStatus = [](const std::string&) {};
+    boxes.Shown.clear();
+    settings.SetReg("UpdateNext", Date(0));
     EXPECT_EQ(Automatic(), 9);
 }
 

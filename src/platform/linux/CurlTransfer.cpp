@@ -11,7 +11,7 @@ namespace korvalin {
 namespace {
 
 constexpr long mostRedirects = 10;
-constexpr std::size_t mostHeaderBytes = 256 * 1024; // of all answers of a transfer, redirects included
+constexpr std::size_t mostHeaderBytes = 256UL * 1024; // of all answers of a transfer, redirects included
 constexpr long hardlyAnything = 20;                 // bytes a second
 
 bool IsLoopback(const sockaddr& address) {
