@@ -41,9 +41,8 @@ void UpdateCheck::SetRunning(bool running) {
 }
 
 UpdateResult UpdateCheck::CheckUpdate(bool automatic, bool preCheck) {
-    if (m_.Settings.GetBool("NoInet")) return UpdateResult::NothingDone;
-    if (!m_.Site.IsThere() || running_) {
-        hooks_.ShowStatus(running_ ? m_.Text(25) : m_.Text(22));
+    if (const auto hindrance = Hindrance()) {
+        hooks_.ShowStatus(*hindrance);
         return UpdateResult::NothingDone;
     }
     SetRunning(true);
@@ -57,6 +56,14 @@ UpdateResult UpdateCheck::CheckUpdate(bool automatic, bool preCheck) {
     }
     SetRunning(false);
     return result;
+}
+
+// What keeps a check from beginning, in words.
+std::optional<std::string> UpdateCheck::Hindrance() {
+    if (m_.Settings.GetBool("NoInet")) return m_.Text(26);
+    if (!m_.Site.IsThere()) return m_.Text(22);
+    if (running_) return m_.Text(25);
+    return std::nullopt;
 }
 
 void UpdateCheck::Cancel() {

@@ -64,6 +64,7 @@ class UpdateCheck {
     void Cancel();
 
   private:
+    std::optional<std::string> Hindrance();
     UpdateResult Run(bool preCheck);
     UpdateResult TellToWait();
     UpdateResult JudgePage(const UpdatePage& page);

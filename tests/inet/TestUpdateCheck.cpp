@@ -105,6 +105,7 @@ TEST_F(UpdateCheckTest, LeavesTheNetworkAloneWhereItMust) {
     PutUpdate();
     settings.SetReg("NoInet", true);
     EXPECT_EQ(OnDemand(), 10);
+    EXPECT_EQ(TakeStatuses(), Lines{"Internet access is switched off in the settings."});
     settings.SetReg("NoInet", false);
     settings.SetReg("UpdateNext", clock.Now() + 30 * OneSecond);
     EXPECT_EQ(OnDemand(), 5);
