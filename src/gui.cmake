@@ -39,6 +39,7 @@ add_library(korvalin_gui STATIC
   lang/ToolkitTexts.cpp
   lang/frmLanguage.cpp
   lang/frmLanguage.ui
+  platform/qt/CurlTransferControl.cpp
   platform/qt/QtEvents.cpp
   platform/qt/QtLocale.cpp
   platform/qt/QtNotificationArea.cpp
@@ -55,6 +56,7 @@ add_library(korvalin_gui STATIC
   stats/TariffEditor.cpp
   stats/frmStatistik.cpp
   stats/frmStatistik.ui
+  startup/AboutBox.cpp
   startup/Desktop.cpp
   startup/EndRequests.cpp
   startup/SettingsDialog.cpp

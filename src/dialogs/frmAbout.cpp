@@ -8,6 +8,7 @@
 #include "platform/Shell.h"
 #include "ui_frmAbout.h"
 
+#include <QLocale>
 #include <QPointer>
 
 namespace korvalin {
@@ -15,6 +16,7 @@ namespace {
 
 // Logical pixels; the icon brings a picture for four times as many.
 constexpr int pictureSize = 64;
+constexpr std::uint64_t mostMeasured = 1'000'000'000'000;
 
 } // namespace
 
@@ -28,6 +30,11 @@ frmAbout::frmAbout(Parts parts) : parts_(std::move(parts)), ui_(std::make_unique
     connect(ui_->lblSupportMail, &QPushButton::clicked, this, [this] { lblSupportMail_Click(); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, &QDialog::close);
     connect(ui_->cmdUpdate, &QPushButton::clicked, this, [this] { cmdUpdate_Click(); });
+    connect(ui_->cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
+    // Nobody would see what becomes of the check.
+    connect(this, &QDialog::finished, this, [this] {
+        if (checking_) hooks_.CancelUpdate();
+    });
 }
 
 frmAbout::~frmAbout() = default;
@@ -55,6 +62,7 @@ void frmAbout::Form_Load() {
     ui_->lblSupportMail->setText(QString::fromUtf8(maker::SupportMail));
     ui_->lblStatus->hide();
     ui_->cmdUpdate->hide();
+    ShowRunning(false);
     ShowTexts();
     ui_->cmdOK->setFocus();
 }
@@ -76,6 +84,28 @@ void frmAbout::changeEvent(QEvent* event) {
 void frmAbout::ShowStatus(const QString& text) {
     ui_->lblStatus->setText(text);
     ui_->lblStatus->setVisible(!text.isEmpty());
+}
+
+void frmAbout::ShowRunning(bool running) {
+    ui_->cmdUpdate->setEnabled(!running);
+    ui_->prgUpdate->setRange(0, 0); // busy, until there is something to measure
+    ui_->prgUpdate->setVisible(running);
+    ui_->lblBytes->clear();
+    ui_->lblBytes->setVisible(running);
+    ui_->cmdCancel->setVisible(running);
+}
+
+void frmAbout::ShowProgress(std::uint64_t received, std::optional<std::uint64_t> announced) {
+    const auto kilobytes = [](std::uint64_t bytes) { return (bytes + 999) / 1000; };
+    const auto text = [&](std::uint64_t bytes) {
+        return QLocale::system().toString(static_cast<qulonglong>(kilobytes(bytes)));
+    };
+    // What is compressed on its way can become more than was announced; and anything can be announced.
+    const bool measured = announced && received <= *announced && *announced > 0 && *announced < mostMeasured;
+    ui_->prgUpdate->setRange(0, measured ? static_cast<int>(kilobytes(*announced)) : 0);
+    ui_->prgUpdate->setValue(measured ? static_cast<int>(kilobytes(received)) : 0);
+    ui_->lblBytes->setText(text(received) + (measured ? QLatin1String(" / ") + text(*announced) : QString()) +
+                           QLatin1String(" KB"));
 }
 
 // A box that went although nothing opens would leave the user without the address too.
@@ -110,9 +140,17 @@ void frmAbout::cmdUpdate_Click() {
     const QPointer<frmAbout> box = this;
     const Hooks hooks = hooks_;
     ui_->cmdUpdate->setEnabled(false);
+    checking_ = true;
     const int result = hooks.CheckUpdate();
-    if (box) ui_->cmdUpdate->setEnabled(true);
+    if (box) {
+        checking_ = false;
+        ui_->cmdUpdate->setEnabled(true);
+    }
     if (result == NewProgramStarted) hooks.EndProgram();
+}
+
+void frmAbout::cmdCancel_Click() {
+    hooks_.CancelUpdate();
 }
 
 } // namespace korvalin

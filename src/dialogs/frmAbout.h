@@ -2,8 +2,10 @@
 
 #include <QDialog>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace Ui {
 class frmAbout;
@@ -26,8 +28,11 @@ class frmAbout : public QDialog {
     };
     /// What the update check plugs in; without it there is no button for it.
     struct Hooks {
-        /// Looks for a newer version, tells on the way with ShowStatus, and returns its result code.
+        /// Looks for a newer version, tells on the way with ShowStatus, ShowRunning and ShowProgress, and
+        /// returns its result code.
         std::function<int()> CheckUpdate = {};
+        /// Gives up a check that is running.
+        std::function<void()> CancelUpdate = [] {};
         /// Ends the program, for the new one that was started.
         std::function<void()> EndProgram = [] {};
     };
@@ -45,6 +50,12 @@ class frmAbout : public QDialog {
     /// Shows how far the update check is.
     void ShowStatus(const QString& text);
 
+    /// While a check runs it can be cancelled but not begun.
+    void ShowRunning(bool running);
+
+    /// Shows how many bytes have come in, and how many will.
+    void ShowProgress(std::uint64_t received, std::optional<std::uint64_t> announced);
+
   protected:
     void changeEvent(QEvent* event) override;
 
@@ -57,10 +68,12 @@ class frmAbout : public QDialog {
     void lblInfoLink_Click();
     void lblSupportMail_Click();
     void cmdUpdate_Click();
+    void cmdCancel_Click();
 
     Parts parts_;
     Hooks hooks_;
     std::unique_ptr<Ui::frmAbout> ui_;
+    bool checking_ = false; ///< by this box's button
 };
 
 } // namespace korvalin

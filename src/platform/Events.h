@@ -11,6 +11,12 @@ class Events {
     virtual void ProcessPending() = 0;
 
     virtual void Sleep(int milliseconds) = 0;
+
+    /// Lets so much time pass in which everything is handled as it comes.
+    virtual void Wait(int milliseconds) {
+        ProcessPending();
+        Sleep(milliseconds);
+    }
 };
 
 } // namespace korvalin

@@ -5,6 +5,7 @@ namespace korvalin {
 class Clock;
 class Events;
 class Files;
+class Http;
 class InstanceLock;
 class Internet;
 class MessageBoxes;
@@ -14,6 +15,7 @@ class RecordingLock;
 class Registry;
 class Screen;
 class Shell;
+class Signatures;
 class User;
 
 /// The system's facilities that the program runs on; all of them outlive it.
@@ -31,6 +33,8 @@ struct Ports {
     korvalin::InstanceLock& InstanceLock;
     korvalin::Files& Files;
     korvalin::RecordingLock& RecordingLock;
+    korvalin::Http& Http;
+    korvalin::Signatures& Signatures;
 };
 
 } // namespace korvalin

@@ -2,7 +2,6 @@
 
 #include "dialogs/QtDialDialog.h"
 #include "dialogs/QtMessageBoxes.h"
-#include "dialogs/frmAbout.h"
 #include "display/frmMain.h"
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
@@ -16,6 +15,7 @@
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtNotificationArea.h"
 #include "platform/qt/QtScreen.h"
+#include "startup/AboutBox.h"
 #include "startup/EndRequests.h"
 #include "startup/Program.h"
 #include "startup/SettingsDialog.h"
@@ -86,19 +86,12 @@ int RunDesktop(int argc, char** argv) {
         }
         statistics->Open();
     };
-    QPointer<frmAbout> about; // exists only while it is shown
-    const auto openAbout = [&] {
-        if (!about) {
-            about = new frmAbout({program.language, system.UserShell(), Program::Version().Numbers()});
-            about->setAttribute(Qt::WA_DeleteOnClose);
-        }
-        about->Open();
-    };
     QtNotificationArea tray;
     QPointer<frmEinstellungen> settings; // exists only while it is shown
     frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
                     program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
                     system.SystemTime(), program.locale, tray, messageBoxes, program.dialing});
+    AboutBox about(program, system.UserShell(), [&] { window.Quit(); });
     const auto openSettings = [&] {
         if (!settings) {
             settings = MakeSettingsDialog(program, ports, window);
@@ -106,9 +99,18 @@ int RunDesktop(int argc, char** argv) {
         }
         settings->Open();
     };
-    window.Plug({[&](CloseReason reason) { program.recorder.SaveStatsLine(reason, 0); },
-                 [&] { return UseOfChartLine(program); }, openStatistics, openSettings, openAbout});
-    program.samplingLoop.Plug({[] {}, [] { return false; }, [&] { window.Quit(); }});
+    window.Plug({[&](CloseReason reason) {
+                     program.updateCheck.Cancel();
+                     program.recorder.SaveStatsLine(reason, 0);
+                 },
+                 [&] { return UseOfChartLine(program); }, openStatistics, openSettings,
+                 [&] { about.Open(); }});
+    program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); },
+                               [&] {
+                                   about.ScheduleCheck();
+                                   return false;
+                               },
+                               [] {}});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
     const ExitWatch exitWatch([&] {
@@ -118,8 +120,7 @@ int RunDesktop(int argc, char** argv) {
     program.LoadStatistics();
     window.Form_Load();
     const int exitCode = QApplication::exec();
-    delete about; // nobody deletes a window that is closed at the very end
-    delete settings;
+    delete settings; // nobody deletes a window that is closed at the very end
     system.TellNotes(program.errors);
     return exitCode;
 }

@@ -1,6 +1,7 @@
 #include "startup/Program.h"
 
 #include "platform/Shell.h"
+#include "startup/BuiltUpdateSite.h"
 #include "startup/UserVariables.h"
 #include "startup/Version.h"
 
@@ -9,8 +10,6 @@
 namespace korvalin {
 namespace {
 
-// Fetching files from the maker's site is not there yet: every download fails.
-const Download noDownload = {};
 const std::string downloadPage;
 
 } // namespace
@@ -25,8 +24,11 @@ Program::Program(const Ports& ports, Locale userLocale)
       language(programFolder_, settings, errors, ports.Files, ports.MessageBoxes, ports.Shell),
       dataFolder(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell, ports.Clock,
                  programFolder_),
-      components(settings, language, ports.MessageBoxes, ports.Shell, ports.Events, dataFolder, noDownload,
-                 downloadPage),
+      webFetch({ports.Http, settings, errors, ports.Files, ports.Events, ports.Clock, BuiltVersion,
+                [this] { return language.LanguageCode(); }, [this] { return dataFolder.GetDataPath(); }}),
+      updateSite(BuiltUpdateSite(), executable_, webFetch, ports.Signatures, errors),
+      components(settings, language, ports.MessageBoxes, ports.Shell, ports.Events, dataFolder,
+                 FromUpdateSite(), downloadPage),
       updateInstallation(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell,
                          ports.Events, ports.Clock, ports.InstanceLock, programFolder_),
       autoStart(settings, settings.Primitives(), executable_),
@@ -48,18 +50,38 @@ Program::Program(const Ports& ports, Locale userLocale)
       units(errors, locale, ports.Clock),
       liveTexts(lines, rateHistory, monthSums, units, language, errors),
       samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
+      updateDownload({updateSite, settings, errors, ports.Files, ports.Shell, ports.Clock, programFolder_,
+                      BuiltVersion, UpdateText(), [this] { return language.LanguageCode(); }}),
+      updateCheck({updateSite, updateDownload, settings, errors, ports.MessageBoxes, ports.Files, ports.Shell,
+                   ports.Internet, ports.Clock, locale, BuiltVersion, UpdateText(),
+                   [this] { return dataFolder.GetDataPath(); },
+                   [this] { return lines.MonitoredLineType == "RAS" && lines.AnyLineConnected; }}),
+      updateSchedule(updateCheck, settings, errors, ports.Clock),
       startup({settings, language, errors, ports.MessageBoxes, ports.Shell, ports.Clock, ports.InstanceLock,
-               dataFolder, updateInstallation, components, noDownload, [this] { lines = LineState(); },
+               dataFolder, updateInstallation, components, FromUpdateSite(), [this] { lines = LineState(); },
                [this] { LoadUserVar(); }},
               BuiltVersion) {
     PlugErrors();
     lineBook.Plug({[this](const std::string& entryName) { return aliases.GetAlias(entryName); },
                    [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
                    [this] { samplingLoop.ResizeRateHistory(); }});
+    updateSchedule.Plug([this](double seconds) {
+        samplingLoop.SetUpdateCheckPending(ports_.Clock.Now() + seconds * OneSecond);
+    });
 }
 
 ProgramVersion Program::Version() {
     return BuiltVersion;
+}
+
+Download Program::FromUpdateSite() {
+    return [this](const std::string& name, const std::filesystem::path& target) {
+        return updateSite.Download(name, target);
+    };
+}
+
+std::function<std::string(int)> Program::UpdateText() {
+    return [this](int number) { return language.Lng("modInternet", number); };
 }
 
 void Program::PlugErrors() {

@@ -4,6 +4,10 @@
 #include "display/LiveTexts.h"
 #include "display/SamplingLoop.h"
 #include "errors/Errors.h"
+#include "inet/UpdateCheck.h"
+#include "inet/UpdateSchedule.h"
+#include "inet/UpdateSite.h"
+#include "inet/WebFetch.h"
 #include "lang/Language.h"
 #include "platform/Ports.h"
 #include "settings/Settings.h"
@@ -53,6 +57,8 @@ class Program {
     Settings settings;
     Language language;
     DataFolder dataFolder;
+    WebFetch webFetch;
+    UpdateSite updateSite;
     Components components;
     UpdateInstallation updateInstallation;
     AutoStartEntry autoStart;
@@ -79,9 +85,15 @@ class Program {
     LiveTexts liveTexts;
     SamplingLoop samplingLoop;
 
+    UpdateDownload updateDownload;
+    UpdateCheck updateCheck;
+    UpdateSchedule updateSchedule;
+
     Startup startup;
 
   private:
+    Download FromUpdateSite();
+    std::function<std::string(int)> UpdateText();
     void PlugErrors();
 };
 

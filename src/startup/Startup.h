@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/ProgramVersion.h"
 #include "startup/Components.h"
-#include "startup/ProgramVersion.h"
 
 #include <filesystem>
 #include <functional>

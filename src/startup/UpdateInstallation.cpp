@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "errors/Errors.h"
 #include "errors/Paths.h"
+#include "inet/UpdateFiles.h"
 #include "lang/Language.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
@@ -21,21 +22,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* programName = "Korvalin.exe";
-constexpr std::string_view newProgramName = "Korvalin_new.exe";
-// A shorter download is an error page or was cut off.
-constexpr std::uintmax_t shortestProgram = 200'000;
 // An old program that is still closing its windows needs its time; a file left over does not.
 constexpr double longWait = 30;
 constexpr double shortWait = 5;
 constexpr int pauseMilliseconds = 100;
-
-// A download has no right to be run; it gets those that the running program has.
-void AllowRunning(const fs::path& program, const fs::path& example) {
-    std::error_code ignored;
-    const fs::perms running = fs::status(example, ignored).permissions();
-    if (!ignored) fs::permissions(program, running & fs::perms::all, fs::perm_options::add, ignored);
-}
 
 } // namespace
 
@@ -52,15 +42,15 @@ UpdateInstallation::UpdateInstallation(Settings& settings, Language& language, E
       events_(events),
       clock_(clock),
       instanceLock_(instanceLock),
-      program_(programFolder / programName),
+      program_(programFolder / ProgramFileName),
       programBeside_(programFolder / "Korvalin.exe.part"),
-      newProgram_(programFolder / newProgramName),
-      languageFile_(programFolder / "Korvalin.lng"),
-      newLanguageFile_(programFolder / "KorvalinLng_new.lng"),
+      newProgram_(programFolder / NewProgramFileName),
+      languageFile_(programFolder / LanguageFileName),
+      newLanguageFile_(programFolder / NewLanguageFileName),
       newLanguageText_(programFolder / "KorvalinLng_new.txt") {}
 
 bool UpdateInstallation::Run() {
-    const bool isNew = EqualsNoCase(shell_.ExecutablePath().filename().string(), newProgramName);
+    const bool isNew = EqualsNoCase(shell_.ExecutablePath().filename().string(), NewProgramFileName);
     return isNew ? Install() : HandOver();
 }
 
@@ -72,27 +62,16 @@ bool UpdateInstallation::Delete(const fs::path& file, double seconds) {
 
 bool UpdateInstallation::HandOver() {
     if (!FileExists(newProgram_)) return false;
-    if (!IsWorthStarting()) {
+    if (!IsWorthStarting(newProgram_, program_)) {
         Delete(newProgram_, shortWait);
         return false;
     }
-    AllowRunning(newProgram_, shell_.ExecutablePath());
+    TakePermissions(newProgram_, shell_.ExecutablePath());
     if (shell_.StartProgram(newProgram_)) return true;
     // No program at all, an error page for instance: this one goes on, and does not meet it again.
     errors_.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
     Delete(newProgram_, shortWait);
     return false;
-}
-
-// What cannot be found out counts as date 0 and length 0.
-bool UpdateInstallation::IsWorthStarting() {
-    std::error_code currentUnknown;
-    std::error_code newUnknown;
-    const auto currentTime = fs::last_write_time(program_, currentUnknown);
-    const auto newTime = fs::last_write_time(newProgram_, newUnknown);
-    if (newUnknown || (!currentUnknown && newTime <= currentTime)) return false;
-    const auto length = fs::file_size(newProgram_, newUnknown);
-    return !newUnknown && length >= shortestProgram;
 }
 
 // ---- as the new program
@@ -149,7 +128,7 @@ bool UpdateInstallation::WaitForOldProgram() {
 // A running program's file can be deleted on some systems: only its lock tells that it has ended.
 bool UpdateInstallation::AwaitEnd() {
     const double giveUp = clock_.AwakeSeconds() + longWait;
-    while (instanceLock_.IsRunning(programName)) {
+    while (instanceLock_.IsRunning(ProgramFileName)) {
         if (clock_.AwakeSeconds() >= giveUp) return false;
         events_.ProcessPending();
         events_.Sleep(pauseMilliseconds);

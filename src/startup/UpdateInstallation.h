@@ -29,7 +29,6 @@ class UpdateInstallation {
 
   private:
     bool HandOver();
-    bool IsWorthStarting();
     bool Install();
     void TakeLanguageText();
     void LoadTexts();

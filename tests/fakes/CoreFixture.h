@@ -2,6 +2,7 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFiles.h"
+#include "fakes/FakeHttp.h"
 #include "fakes/FakeMessageBoxes.h"
 #include "fakes/FakeNetwork.h"
 #include "fakes/FakeRegistry.h"
@@ -38,8 +39,8 @@ class CoreFixture : public testing::Test {
         return program->Main();
     }
     Ports AllPorts() {
-        return {registry, network, internet, ras,  clock, events,       boxes,
-                screen,   shell,   user,     lock, files, recordingLock};
+        return {registry, network, internet, ras,   clock,         events, boxes,     screen,
+                shell,    user,    lock,     files, recordingLock, http,   signatures};
     }
     std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
     /// The texts of the boxes shown since the last call.
@@ -65,6 +66,8 @@ class CoreFixture : public testing::Test {
     FakeEvents events{clock};
     FakeInstanceLock lock;
     FakeRecordingLock recordingLock;
+    FakeHttp http;
+    FakeSignatures signatures;
     Locale locale;
     Errors errors{clock, files, boxes, locale, "Korvalin"};
     Settings settings{registry, errors, screen, clock, locale};

@@ -96,10 +96,60 @@ TEST_F(About, ChecksForAnUpdateOnDemandOnly) {
                          EXPECT_TRUE(about->findChild<QLabel*>(QStringLiteral("lblStatus"))->isVisible());
                          return result;
                      },
-                     [&] { programEnded = true; }});
+                     [] {}, [&] { programEnded = true; }});
         Button("cmdUpdate")->click();
         EXPECT_EQ(programEnded, result == 9);
         EXPECT_TRUE(Button("cmdUpdate")->isEnabled());
+    }
+}
+
+TEST_F(About, ShowsHowFarACheckIsAndCancelsIt) {
+    const QLocale numbers = QLocale::system();
+    const auto text = [&](int number) { return numbers.toString(number); };
+    const QString half = text(1500) + QLatin1String(" / ") + text(3000) + QLatin1String(" KB");
+    for (const auto& [choice, caption] :
+         {std::pair("ENG - English", "&Cancel"), {"GER - Deutsch", "A&bbrechen"}}) {
+        Open();
+        program->language.ChooseLanguage(choice);
+        ApplyTextsToLoadedForms(program->language);
+        auto* bar = about->findChild<QProgressBar*>(QStringLiteral("prgUpdate"));
+        auto* bytes = about->findChild<QLabel*>(QStringLiteral("lblBytes"));
+        EXPECT_FALSE(bar->isVisible() || Button("cmdCancel")->isVisible());
+        int cancelled = 0;
+        about->Plug({[&] {
+                         about->ShowRunning(true);
+                         EXPECT_TRUE(bar->isVisible());
+                         EXPECT_EQ(bar->maximum(), 0) << "busy";
+                         about->ShowProgress(1'500'000, 3'000'000);
+                         EXPECT_EQ(bar->maximum(), 3000);
+                         EXPECT_EQ(bar->value(), 1500);
+                         EXPECT_EQ(bytes->text(), half);
+                         about->layout()->activate();
+                         EXPECT_GE(bytes->width(), bytes->sizeHint().width());
+                         EXPECT_GE(Button("cmdCancel")->width(), Button("cmdCancel")->sizeHint().width());
+                         EXPECT_GT(bar->width(), 40);
+                         about->ShowProgress(1, {});
+                         EXPECT_EQ(bar->maximum(), 0);
+                         EXPECT_EQ(bytes->text(), QStringLiteral("1 KB"));
+                         for (const std::uint64_t announced : {std::uint64_t{3'000'000}, UINT64_MAX - 5000}) {
+                             about->ShowProgress(5'000'000, announced);
+                             EXPECT_EQ(bar->maximum(), 0) << "compressed, or worse";
+                         }
+                         EXPECT_EQ(Button("cmdCancel")->text().toStdString(), caption);
+                         Button("cmdCancel")->click();
+                         EXPECT_EQ(cancelled, 1);
+                         QTest::keyClick(about.get(), Qt::Key_Escape);
+                         EXPECT_EQ(cancelled, 2) << "nobody would see the rest";
+                         about->ShowRunning(false);
+                         return 5;
+                     },
+                     [&] { ++cancelled; }});
+        Button("cmdUpdate")->click();
+        EXPECT_FALSE(about->isVisible());
+        EXPECT_FALSE(bar->isVisibleTo(about.get()) || Button("cmdCancel")->isVisibleTo(about.get()));
+        Open();
+        QTest::keyClick(about.get(), Qt::Key_Escape);
+        EXPECT_EQ(cancelled, 2) << "a box without a check cancels none";
     }
 }
 

@@ -238,6 +238,17 @@ class DesktopCase(Case):
     def click(self, window, x, y, button="1"):
         self.display.tool("xdotool", "mousemove", "--window", window, str(x), str(y), "click", button)
 
+    def choose(self, window, entry):
+        """Opens the popup menu by a right click and takes its entry by its access key."""
+        def opened():
+            # A window that is just being decorated anew may lose a click.
+            self.click(window, 60, 50, "3")
+            time.sleep(0.3)
+            return self.menu()
+
+        wait_for(opened, "the menu")
+        self.display.tool("xdotool", "key", entry)
+
     def press(self, window, *keys):
         self.display.tool("xdotool", "windowactivate", "--sync", window, "key", *keys)
 

@@ -12,17 +12,6 @@ BACKGROUND = "A9D1E9"
 
 
 class Desktop(rig.DesktopCase):
-    def choose(self, window, entry):
-        """Opens the popup menu by a right click and takes its entry by its access key."""
-        def opened():
-            # A window that is just being decorated anew may lose a click.
-            self.click(window, 60, 50, "3")
-            time.sleep(0.3)
-            return self.menu()
-
-        rig.wait_for(opened, "the menu")
-        self.display.tool("xdotool", "key", entry)
-
     def setting(self, name, expected):
         rig.wait_for(lambda: self.home.cli("settings", "get", name) == expected, f"{name} = {expected}")
 

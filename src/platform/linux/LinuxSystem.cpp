@@ -2,6 +2,7 @@
 
 #include "errors/Errors.h"
 #include "platform/linux/AutostartRegistry.h"
+#include "platform/linux/CurlHttp.h"
 #include "platform/linux/FlockInstanceLock.h"
 #include "platform/linux/FlockRecordingLock.h"
 #include "platform/linux/LinuxShell.h"
@@ -11,6 +12,7 @@
 #include "platform/linux/NetworkManagerRas.h"
 #include "platform/linux/PasswdUser.h"
 #include "platform/linux/PosixFiles.h"
+#include "platform/linux/SodiumSignatures.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/XdgFolders.h"
@@ -32,6 +34,8 @@ struct LinuxSystem::BackEnds {
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
     FlockRecordingLock RecordingLock;
+    CurlHttp Http;
+    SodiumSignatures Signatures;
 };
 
 LinuxSystem::LinuxSystem() : backEnds_(std::make_unique<BackEnds>()) {}
@@ -40,8 +44,9 @@ LinuxSystem::~LinuxSystem() = default;
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
     b.Internet.Dialer().Plug(events);
-    return {b.Registry, b.NetworkTables, b.Internet, b.Ras,          b.Clock, events,         messageBoxes,
-            screen,     b.Shell,         b.User,     b.InstanceLock, b.Files, b.RecordingLock};
+    return {b.Registry,     b.NetworkTables, b.Internet,      b.Ras,   b.Clock,
+            events,         messageBoxes,    screen,          b.Shell, b.User,
+            b.InstanceLock, b.Files,         b.RecordingLock, b.Http,  b.Signatures};
 }
 
 void LinuxSystem::PlugDialDialog(DialDialog* dialog) {

@@ -1,7 +1,9 @@
 #include "platform/qt/QtEvents.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QThread>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -13,6 +15,12 @@ void QtEvents::ProcessPending() {
 
 void QtEvents::Sleep(int milliseconds) {
     QThread::msleep(static_cast<unsigned long>(std::max(milliseconds, 0)));
+}
+
+void QtEvents::Wait(int milliseconds) {
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 } // namespace korvalin

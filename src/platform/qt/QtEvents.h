@@ -9,6 +9,7 @@ class QtEvents : public Events {
   public:
     void ProcessPending() override;
     void Sleep(int milliseconds) override;
+    void Wait(int milliseconds) override;
 };
 
 } // namespace korvalin

@@ -1,4 +1,4 @@
-#include "startup/ProgramVersion.h"
+#include "base/ProgramVersion.h"
 
 #include <fmt/format.h>
 

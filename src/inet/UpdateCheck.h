@@ -1,0 +1,88 @@
+#pragma once
+
+#include "inet/UpdateDownload.h"
+
+#include <optional>
+
+namespace korvalin {
+
+class Internet;
+class MessageBoxes;
+struct Locale;
+
+/// Result codes of CheckUpdate.
+enum class UpdateResult {
+    NoUpgradeMark = 1, ///< the page says nothing about upgrades
+    Offline = 2,       ///< no page could be read
+    Failed = 3,        ///< a page without a release was read, or a download failed
+    Postponed = 5,     ///< it is too early, the user does not want it now, or it cannot be installed here
+    Newest = 8,        ///< the running version is the newest
+    Started = 9,       ///< the new program was started: this one is to end
+    NothingDone = 10   ///< checks are switched off, or there is no site, or a check is running
+};
+
+/// Looks for a newer release on the update site, tells the user, and on consent fetches and starts it.
+class UpdateCheck {
+  public:
+    struct Modules {
+        UpdateSite& Site;
+        UpdateDownload& Download;
+        korvalin::Settings& Settings;
+        korvalin::Errors& Errors;
+        korvalin::MessageBoxes& MessageBoxes;
+        korvalin::Files& Files;
+        korvalin::Shell& Shell;
+        korvalin::Internet& Internet;
+        korvalin::Clock& Clock;
+        const korvalin::Locale& Locale;
+        ProgramVersion Version;
+        /// Text of section "modInternet" by number.
+        std::function<std::string(int number)> Text;
+        std::function<std::filesystem::path()> DataFolder;
+        /// Whether the machine is online through a dial-up line.
+        std::function<bool()> OnRasLine;
+    };
+    /// What the about box shows.
+    struct Hooks {
+        std::function<bool()> AboutBoxIsOpen = [] { return false; };
+        std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
+        /// A check begins or has ended.
+        std::function<void(bool running)> ShowRunning = [](bool) {};
+    };
+
+    explicit UpdateCheck(Modules modules);
+
+    void Plug(Hooks hooks);
+
+    /// `automatic`: nobody has asked for it. `preCheck`: reads the page for every version first. Windows stay
+    /// alive meanwhile.
+    UpdateResult CheckUpdate(bool automatic, bool preCheck);
+
+    bool IsRunning() const { return running_; }
+
+    /// Gives up the running check, which then is postponed.
+    void Cancel();
+
+  private:
+    std::optional<std::string> Hindrance();
+    UpdateResult Run(bool preCheck);
+    UpdateResult TellToWait();
+    UpdateResult JudgePage(const UpdatePage& page);
+    UpdateResult ShowPage(const UpdatePage& page);
+    UpdateResult Update(const UpdateOffer& offer, const UpdatePage& page);
+    UpdateResult TellThatItCannotBeInstalled();
+    UpdateResult Start();
+    UpdatePage ReadVersionPage();
+    bool UserWants(const UpdatePage& page);
+    void OpenVersionHistory();
+    void NoteThatUserWasTold();
+    void SetRunning(bool running);
+    bool MustAsk();
+
+    Modules m_;
+    Hooks hooks_;
+    bool running_ = false;
+    bool automatic_ = false;
+};
+
+} // namespace korvalin

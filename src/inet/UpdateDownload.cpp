@@ -1,0 +1,95 @@
+#include "inet/UpdateDownload.h"
+
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "errors/Paths.h"
+#include "inet/UpdateFiles.h"
+#include "inet/UpdateSite.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/Shell.h"
+#include "settings/Settings.h"
+
+#include <system_error>
+
+namespace korvalin {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A server that is being repaired is not asked again and again.
+Date NextAttempt(int attempts, Date now) {
+    constexpr int manyAttempts = 3;
+    constexpr int tooManyAttempts = 6;
+    if (attempts >= tooManyAttempts) return DayOf(now) + 1;
+    return attempts >= manyAttempts ? now + 600 * OneSecond : now + 30 * OneSecond;
+}
+
+} // namespace
+
+UpdateDownload::UpdateDownload(Modules modules) : m_(std::move(modules)) {}
+
+fs::path UpdateDownload::NewProgram() const {
+    return m_.ProgramFolder / NewProgramFileName;
+}
+
+bool UpdateDownload::CanWrite() {
+    // A new program that could not install itself waits to be started anew; it is not replaced while it runs.
+    if (EqualsNoCase(m_.Shell.ExecutablePath().filename().string(), NewProgramFileName)) return false;
+    const fs::path trial = NewProgram().string() + ".part";
+    const bool written = m_.Files.Replace(trial, "");
+    std::error_code ignored;
+    fs::remove(trial, ignored);
+    return written;
+}
+
+UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const UpdatePage& page) {
+    if (m_.Settings.GetDate("UpdateNext") > m_.Clock.Now()) return Outcome::TooEarly;
+    if (!HasUsefulProgram(offer)) {
+        CountAttempt();
+        ShowStatus(m_.Text(16) + NewProgramFileName);
+        if (!m_.Site.Download(offer.FileName, NewProgram())) return Outcome::Failed;
+    }
+    if (!DownloadLanguage(page)) return Outcome::Failed;
+    attempts_ = 0;
+    ShowStatus(m_.Text(17));
+    KeepRunningVersion();
+    return Outcome::Ready;
+}
+
+// A program that an earlier run could not start any more; anything else of its name makes room.
+bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
+    const fs::path program = NewProgram();
+    if (!FileExists(program)) return false;
+    if (IsWorthStarting(program, m_.ProgramFolder / ProgramFileName) &&
+        m_.Site.IsSigned(program, offer.FileName)) {
+        TakePermissions(program, m_.Shell.ExecutablePath());
+        return true;
+    }
+    std::error_code ignored;
+    fs::remove(program, ignored);
+    return false;
+}
+
+void UpdateDownload::CountAttempt() {
+    m_.Settings.SetReg("UpdateNext", NextAttempt(++attempts_, m_.Clock.Now()));
+}
+
+bool UpdateDownload::DownloadLanguage(const UpdatePage& page) {
+    const std::string about = page.LanguageInformation(m_.LanguageCode());
+    ShowStatus(m_.Text(16) + NewLanguageFileName + (about.empty() ? "" : " (" + about + ")"));
+    return m_.Site.Download(LanguageFileName, m_.ProgramFolder / NewLanguageFileName);
+}
+
+void UpdateDownload::KeepRunningVersion() {
+    Keep(m_.Shell.ExecutablePath(), KeptProgramName(m_.Version));
+    Keep(m_.ProgramFolder / LanguageFileName, KeptLanguageName(m_.Version));
+}
+
+// Without its copy the update goes on: a full disk shows itself when the new program installs itself.
+void UpdateDownload::Keep(const fs::path& file, const std::string& name) {
+    if (!m_.Files.Copy(file, m_.ProgramFolder / name))
+        m_.Errors.WriteErrorLog("cannot be kept as " + name + ": " + file.string(), "Update");
+}
+
+} // namespace korvalin

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "base/Date.h"
+#include "base/ProgramVersion.h"
+#include "inet/UpdatePage.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace korvalin {
+
+class Clock;
+class Errors;
+class Files;
+class Settings;
+class Shell;
+class UpdateSite;
+
+/// Brings a new version into the program folder and keeps the running one beside it.
+class UpdateDownload {
+  public:
+    struct Modules {
+        UpdateSite& Site;
+        korvalin::Settings& Settings;
+        korvalin::Errors& Errors;
+        korvalin::Files& Files;
+        korvalin::Shell& Shell;
+        korvalin::Clock& Clock;
+        std::filesystem::path ProgramFolder;
+        ProgramVersion Version;
+        /// Text of section "modInternet" by number.
+        std::function<std::string(int number)> Text;
+        std::function<std::string()> LanguageCode;
+    };
+    enum class Outcome { Ready, Failed, TooEarly };
+
+    explicit UpdateDownload(Modules modules);
+
+    /// Takes the line of text that tells what is going on.
+    std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
+
+    /// Whether a new program can be put into the program folder.
+    bool CanWrite();
+
+    /// Everything up to the start of the new program. Each attempt puts UpdateNext further ahead.
+    Outcome Run(const UpdateOffer& offer, const UpdatePage& page);
+
+    std::filesystem::path NewProgram() const;
+
+  private:
+    bool HasUsefulProgram(const UpdateOffer& offer);
+    void CountAttempt();
+    bool DownloadLanguage(const UpdatePage& page);
+    void KeepRunningVersion();
+    void Keep(const std::filesystem::path& file, const std::string& name);
+
+    Modules m_;
+    int attempts_ = 0;
+};
+
+} // namespace korvalin

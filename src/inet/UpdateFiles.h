@@ -1,0 +1,35 @@
+// The files of the program folder that an update is made of.
+#pragma once
+
+#include "base/ProgramVersion.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace korvalin {
+
+/// A shorter program is an error page or was cut off.
+inline constexpr std::uintmax_t ShortestProgram = 200'000;
+inline constexpr const char* ProgramFileName = "Korvalin.exe";
+inline constexpr const char* NewProgramFileName = "Korvalin_new.exe";
+inline constexpr const char* LanguageFileName = "Korvalin.lng";
+inline constexpr const char* NewLanguageFileName = "KorvalinLng_new.lng";
+
+/// "Korvalin_V2_3_12.exe": what is kept of the running version.
+std::string KeptProgramName(const ProgramVersion& version);
+std::string KeptLanguageName(const ProgramVersion& version);
+
+/// Whether a new program is later than the current one and long enough to be one. What cannot be found out
+/// counts as date 0 and length 0.
+bool IsWorthStarting(const std::filesystem::path& newProgram, const std::filesystem::path& program);
+
+/// Whether a file of that name is a program.
+bool IsProgramName(std::string_view name);
+
+/// Gives a new file the permissions that the running program has, that of being run only to programs: a
+/// download may neither be run nor be read by others.
+void TakePermissions(const std::filesystem::path& file, const std::filesystem::path& runningProgram);
+
+} // namespace korvalin

@@ -1,0 +1,66 @@
+#include "inet/UpdateSchedule.h"
+
+#include "base/Date.h"
+#include "errors/Errors.h"
+#include "inet/UpdateCheck.h"
+#include "platform/Clock.h"
+#include "settings/Settings.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace korvalin {
+namespace {
+
+constexpr double settlingSeconds = 68;
+constexpr double secondsBetweenAttempts = 3600;
+constexpr int daysOfWeek = 7;
+
+} // namespace
+
+UpdateSchedule::UpdateSchedule(UpdateCheck& check, Settings& settings, Errors& errors, Clock& clock)
+    : check_(check), settings_(settings), errors_(errors), clock_(clock) {}
+
+void UpdateSchedule::Arm() {
+    armed_ = true;
+    if (!done_) callAgain_(settlingSeconds);
+}
+
+bool UpdateSchedule::AutoUpdateCheck() {
+    if (!armed_) {
+        Arm();
+        return false;
+    }
+    if (done_) return false;
+    const double remaining = nextAttempt_ - clock_.BootSeconds();
+    if (remaining > 0 || check_.IsRunning()) {
+        callAgain_(std::max(remaining, settlingSeconds));
+        return false;
+    }
+    nextAttempt_ = clock_.BootSeconds() + secondsBetweenAttempts;
+    done_ = settings_.GetBool("NoInet");
+    const bool started = !done_ && IsDue() && RunCheck();
+    if (!done_) callAgain_(secondsBetweenAttempts);
+    return started;
+}
+
+// A last check in the future is one before the clock was set back.
+bool UpdateSchedule::IsDue() {
+    const Date today = DayOf(clock_.Now());
+    const Date last = settings_.GetDate("UpdateCheckLast");
+    return last < today - settings_.GetNumber("UpdateInterval") * daysOfWeek || last > today;
+}
+
+bool UpdateSchedule::RunCheck() {
+    const UpdateResult result = check_.CheckUpdate(true, true);
+    if (result < UpdateResult::Newest) {
+        errors_.WriteErrorLog(fmt::format("Return {}", static_cast<int>(result)), "AutoUpdate");
+        return false;
+    }
+    done_ = true;
+    if (result == UpdateResult::Newest) settings_.SetReg("UpdateCheckLast", DayOf(clock_.Now()));
+    return result == UpdateResult::Started;
+}
+
+} // namespace korvalin

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "base/ProgramVersion.h"
+#include "inet/FetchState.h"
+#include "platform/Http.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace korvalin {
+
+class Clock;
+class Errors;
+class Events;
+class Files;
+class Settings;
+class TransferControl;
+
+/// Fetches one page or file at a time: by a blocking loop, or beside everything else once there is a transfer
+/// control. Windows stay alive while a fetch is waited for.
+class WebFetch {
+  public:
+    struct Modules {
+        korvalin::Http& Http;
+        korvalin::Settings& Settings;
+        korvalin::Errors& Errors;
+        korvalin::Files& Files;
+        korvalin::Events& Events;
+        korvalin::Clock& Clock;
+        ProgramVersion Version;
+        std::function<std::string()> LanguageCode;
+        std::function<std::filesystem::path()> DataFolder;
+    };
+    struct Hooks {
+        std::function<void(const FetchProgress& progress)> Progress = [](const FetchProgress&) {};
+        std::function<void(const std::string& text)> CopyToClipboard = [](const std::string&) {};
+    };
+
+    explicit WebFetch(Modules modules);
+
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
+
+    /// From now on transfers run beside everything else; nullptr goes back to the blocking loop.
+    void UseControl(TransferControl* control);
+
+    /// The page, read by the blocking loop; empty when it could not be read whole. With a path the whole
+    /// download is also written there. `report` has a missing page noted in the error log.
+    std::string GetURLSource(const std::string& url, const std::filesystem::path& filePath, bool report);
+
+    /// Starts a transfer with the control; the result arrives in State. True when one was started or is
+    /// running, false when NoInet forbids it. An empty target stands for a page.
+    bool Inet_GetBgrd(const std::string& url, const std::filesystem::path& targetFile);
+
+    /// The page; empty on failure. A page is cut off at 4 MB.
+    std::string HtmLoadPage(const std::string& url);
+
+    /// Saves a page or file; false when it did not arrive whole, as then nothing is saved. An empty name is
+    /// replaced by the part of the address behind its last "\".
+    bool HtmDownloadFile(const std::string& url, const std::filesystem::path& folder, std::string fileName);
+
+    /// Gives up what is being fetched; who waits for it sees a failure.
+    void Cancel();
+
+    const FetchState& State() const { return state_; }
+
+  private:
+    void Reset(const std::string& url);
+    HttpRequest RequestFor(const std::string& url, bool toFile);
+    std::string UserAgent();
+    std::string ReadAll(HttpStream& stream, const HttpRequest& request);
+    bool IsTooLong(const HttpHead& head, std::uint64_t received, std::uint64_t limit) const;
+    void Touch();
+    bool IsInactiveFor(double seconds);
+    void GiveUp(std::string status);
+    void TimeOut();
+    bool Fetch(const std::string& url, const std::filesystem::path& file);
+    bool AwaitControl();
+    void Control_StateChanged(int state);
+    void TakeFile();
+    void TakePage();
+    void Timer_Timer();
+    void Save(const std::string& content, const std::filesystem::path& file);
+
+    Modules m_;
+    Hooks hooks_;
+    TransferControl* control_ = nullptr;
+    FetchState state_;
+    bool cancelled_ = false;
+};
+
+} // namespace korvalin

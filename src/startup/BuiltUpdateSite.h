@@ -1,0 +1,11 @@
+#pragma once
+
+#include "inet/UpdateSite.h"
+
+namespace korvalin {
+
+/// The update site that the program was built with. The environment variable KORVALIN_UPDATE_SITE replaces it
+/// by one on this machine, for trying updates out; any other address in it is ignored.
+UpdateConfiguration BuiltUpdateSite();
+
+} // namespace korvalin

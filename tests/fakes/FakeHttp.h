@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/Http.h"
+#include "platform/Signatures.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace korvalin {
+
+/// A web of a few files by their addresses; everything else cannot be reached.
+class FakeHttp : public Http {
+  public:
+    struct Answer {
+        std::string Body;
+        int StatusCode = 200;
+        bool EndIsKnown = true;
+        /// The transfer breaks off behind the body.
+        bool Breaks = false;
+        std::optional<std::uint64_t> Length = std::nullopt;
+    };
+    std::map<std::string, Answer> Answers;
+    std::vector<HttpRequest> Requests;
+
+    std::unique_ptr<HttpStream> Open(const HttpRequest& request) override {
+        Requests.push_back(request);
+        const auto found = Answers.find(request.Address);
+        return std::make_unique<Stream>(found == Answers.end() ? Answer{"", 0, false, true} : found->second);
+    }
+    /// The addresses asked for since the last call.
+    std::vector<std::string> TakeAddresses() {
+        std::vector<std::string> addresses;
+        for (const HttpRequest& request : std::exchange(Requests, {}))
+            addresses.push_back(request.Address);
+        return addresses;
+    }
+
+  private:
+    struct Stream : HttpStream {
+        explicit Stream(Answer answer) : Given(std::move(answer)) {}
+        std::optional<std::size_t> Read(std::span<char> buffer) override {
+            const std::size_t count = Given.Body.copy(buffer.data(), buffer.size(), Taken);
+            Taken += count;
+            return count == 0 && Given.Breaks ? std::nullopt : std::optional(count);
+        }
+        HttpHead Head() override { return {Given.StatusCode, Given.Length, Given.EndIsKnown}; }
+        HttpFailure Failure() override {
+            return Given.Breaks ? HttpFailure{7, "no connection"} : HttpFailure();
+        }
+        Answer Given;
+        std::size_t Taken = 0;
+    };
+};
+
+/// Takes the one signature that it is told.
+class FakeSignatures : public Signatures {
+  public:
+    std::string Valid;
+    bool IsValid(std::string_view, std::string_view signature, std::string_view) override {
+        return signature == Valid;
+    }
+};
+
+} // namespace korvalin

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "inet/UpdateCheck.h"
+#include "inet/UpdateFiles.h"
+#include "inet/UpdateSite.h"
+#include "inet/WebFetch.h"
+
+namespace korvalin {
+
+/// A running version 2.3.12 that looks for updates, on whatever transport the base class has as `fetch`.
+template <typename Base>
+class UpdateFixture : public Base {
+  protected:
+    UpdateFixture() {
+        std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng",
+                                   this->programFolder / LanguageFileName);
+        EXPECT_TRUE(this->language.LoadLanguageChoices() && this->language.UseLanguage("ENG"));
+        running = this->folder.Write("program/Korvalin.exe", "the running program");
+        std::filesystem::permissions(running, std::filesystem::perms(0755));
+        std::filesystem::last_write_time(running, std::filesystem::file_time_type::clock::now() -
+                                                      std::chrono::hours(1));
+    }
+
+    /// The site is at `address`, the maker's signatures those of `publicKey`.
+    void UseSite(const std::string& address, Files& someFiles, Signatures& makers,
+                 const std::string& publicKey = "") {
+        const ProgramVersion version{2, 3, 12};
+        const auto text = [this](int number) { return this->language.Lng("modInternet", number); };
+        site.emplace(UpdateConfiguration{address,
+                                         address.empty() ? "" : "https://maker.example/versions.html",
+                                         publicKey},
+                     running, this->fetch, makers, this->errors);
+        download.emplace(UpdateDownload::Modules{*site, this->settings, this->errors, someFiles, this->shell,
+                                                 this->clock, this->programFolder, version, text,
+                                                 [this] { return this->language.LanguageCode(); }});
+        check.emplace(UpdateCheck::Modules{*site, *download, this->settings, this->errors, this->boxes,
+                                           someFiles, this->shell, this->internet, this->clock, this->locale,
+                                           version, text, [this] { return this->folder.Path(); },
+                                           [this] { return onRasLine; }});
+        check->Plug({[this] { return aboutIsOpen; },
+                     [this](const std::string& status) {
+                         statuses.push_back(status);
+                         const auto act = OnStatus; // may put another in its place
+                         act(status);
+                     },
+                     [this](bool nowRunning) { runnings.push_back(nowRunning); }});
+    }
+    int OnDemand() { return Check(false); }
+    int Automatic() { return Check(true); }
+    std::filesystem::path New() const { return this->programFolder / NewProgramFileName; }
+    std::vector<std::string> TakeStatuses() { return std::exchange(statuses, {}); }
+
+    std::filesystem::path running;
+    bool aboutIsOpen = true;
+    bool onRasLine = false;
+    std::vector<std::string> statuses;
+    std::vector<bool> runnings;
+    std::function<void(const std::string&)> OnStatus = [](const std::string&) {};
+    std::optional<UpdateSite> site;
+    std::optional<UpdateDownload> download;
+    std::optional<UpdateCheck> check;
+
+  private:
+    int Check(bool automatic) {
+        statuses.clear();
+        runnings.clear();
+        const int result = static_cast<int>(check->CheckUpdate(automatic, automatic));
+        EXPECT_TRUE(runnings.empty() || runnings == (std::vector<bool>{true, false}));
+        return result;
+    }
+};
+
+} // namespace korvalin
