@@ -9,6 +9,7 @@ import re
 import signal
 import subprocess
 import sys
+import time
 import unittest
 
 import rig
@@ -80,12 +81,21 @@ class Statistics(unittest.TestCase):
     def wait_until_watching(self, process):
         """Two passes later the open lines are known well enough to be recorded."""
         rig.wait_for(lambda: "wire0_Alias" in self.home.cli("settings", "list"), "the first pass")
-        before = self.ticks(process)
-        rig.wait_for(lambda: self.ticks(process) >= before + 3, "three more passes")
+        passes, ticks, since = 0, self.ticks(process), time.monotonic()
+
+        def passed():
+            nonlocal passes, ticks, since
+            if self.ticks(process) > ticks:
+                # At the start it sleeps often and briefly; a pass comes once a second.
+                passes += time.monotonic() - since > 0.5
+                ticks, since = self.ticks(process), time.monotonic()
+            return passes >= 3
+
+        rig.wait_for(passed, "more passes")
 
     @staticmethod
     def ticks(process):
-        """How often the program has slept, that is once a second."""
+        """How often the program has slept."""
         status = pathlib.Path(f"/proc/{process.pid}/status").read_text()
         return int(re.search(r"^voluntary_ctxt_switches:\s*(\d+)", status, re.M).group(1))
 
