@@ -1,0 +1,41 @@
+#include "fakes/CoreFixture.h"
+#include "settingsdlg/TypedValues.h"
+
+using namespace korvalin;
+
+namespace {
+
+class TypedValues : public CoreFixture {};
+
+TEST_F(TypedValues, NumbersAreReadAsTheUserWritesThem) {
+    struct {
+        const char *Decimal, *Grouping, *Typed, *Transparency;
+    } const rows[] = {{".", ",", "12.5 %", "12%"}, {",", ".", "12,5%", "12%"}, {",", ".", "13.6", "14%"},
+                      {",", ".", "1,2,3", "0%"},   {".", ",", "nan", "0%"},    {".", ",", "1e999", "0%"},
+                      {".", ",", "%", "0%"},       {".", ",", "95.4%", "95%"}, {".", ",", "101", "95%"}};
+    for (const auto& row : rows) {
+        locale.DecimalMark = row.Decimal;
+        locale.GroupingMark = row.Grouping;
+        EXPECT_EQ(CheckedTransparency(row.Typed, locale), row.Transparency) << row.Typed;
+    }
+    locale.DecimalMark = ",";
+    EXPECT_EQ(CheckedHistoryMinutes(settings, "7,9", locale, 4, 600), 7);
+    EXPECT_EQ(CheckedHistoryMinutes(settings, "2,9", locale, 4, 600), 4);
+    locale.GroupingMark = "\u202f";
+    for (const char* thousand : {"1000", "1.000", "1 000", " 1\u202f000"})
+        EXPECT_EQ(WithoutGrouping(thousand, locale), "1000") << thousand;
+}
+
+TEST_F(TypedValues, NothingTypedIsTheDefaultAndLeavesTheStore) {
+    settings.SetReg("LANActive", 700);
+    EXPECT_EQ(CheckedNumber(settings, "LANActive", ""), 100);
+    EXPECT_EQ(settings.GetNumber("LANActive"), 700);
+}
+
+TEST_F(TypedValues, AFolderIsMeantInFull) {
+    EXPECT_EQ(TypedFolder(" /data/new  "), "/data/new");
+    EXPECT_EQ(TypedFolder(" new"), (std::filesystem::current_path() / "new").string());
+    EXPECT_EQ(TypedFolder("  "), "");
+}
+
+} // namespace
