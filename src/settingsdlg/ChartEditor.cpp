@@ -211,7 +211,7 @@ void ChartEditor::ConnectUnits() {
 // ---- values
 
 int ChartEditor::Checked(const char* setting, const std::string& typed) {
-    return CheckedNumber(parts_.Settings, setting, typed);
+    return CheckedNumber(parts_.Settings, setting, typed, parts_.UserLocale);
 }
 
 void ChartEditor::CheckNumber(QComboBox& combo, const char* setting, int& value) {

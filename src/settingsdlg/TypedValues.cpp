@@ -25,12 +25,20 @@ std::optional<double> TypedNumber(std::string_view text, const Locale& locale) {
     return ParseNumber(ReplaceAll(text, locale.DecimalMark, "."));
 }
 
+// "1.000" is a thousand where points group, but "1.5" is no fifteen.
+std::string WithoutGroups(const std::string& text, const Locale& locale) {
+    const std::optional<double> number = ReadFormattedNumber(text, locale);
+    const bool grouped = number && FormatNumber(*number, "#,##0", locale) == Trim(text);
+    return grouped ? fmt::format("{:.0f}", *number) : text;
+}
+
 } // namespace
 
-std::int32_t CheckedNumber(Settings& settings, std::string_view name, std::string typed) {
+std::int32_t CheckedNumber(Settings& settings, std::string_view name, std::string typed,
+                           const Locale& locale) {
     // Handed over as nothing it would stand for a missing setting, whose default is stored.
     if (typed.empty()) typed = SettingsTable().Find(ToLower(name)).Default;
-    return std::get<std::int32_t>(settings.GetRegValidate(name, std::move(typed)));
+    return std::get<std::int32_t>(settings.GetRegValidate(name, WithoutGroups(typed, locale)));
 }
 
 std::string WithoutGrouping(std::string_view text, const Locale& locale) {
@@ -68,7 +76,7 @@ int CheckedHistoryMinutes(Settings& settings, std::string_view typed, const Loca
     constexpr double manyMinutes = 1000;
     const double minutes = std::clamp(TypedNumber(typed, locale).value_or(0), -manyMinutes, manyMinutes);
     const std::string wanted = fmt::format("{:.0f}", minutes * secondsPerMinute);
-    int seconds = CheckedNumber(settings, "ConnDataMax", wanted);
+    int seconds = CheckedNumber(settings, "ConnDataMax", wanted, locale);
     seconds = std::min(std::max(seconds, chartMinutes * secondsPerMinute), historySeconds);
     return seconds / secondsPerMinute;
 }

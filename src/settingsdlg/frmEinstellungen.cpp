@@ -353,20 +353,20 @@ void frmEinstellungen::ConnectTray() {
 
 void frmEinstellungen::cboLANactive_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.UserLocale);
-    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, "LANActive", typed);
+    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, "LANActive", typed, parts_.UserLocale);
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
 
 void frmEinstellungen::cboTrayMaxRate_Validate() {
     int& rate = record_.Display.TrayMaxRate;
-    rate = CheckedNumber(parts_.Settings, "TrayMaxRate", TextOf(*ui_->cboTrayMaxRate));
+    rate = CheckedNumber(parts_.Settings, "TrayMaxRate", TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxRate, std::to_string(rate));
 }
 
 void frmEinstellungen::cboTrayMaxVol_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.UserLocale);
     int& volume = record_.Display.TrayMaxVol;
-    volume = CheckedNumber(parts_.Settings, "TrayMaxVol", typed);
+    volume = CheckedNumber(parts_.Settings, "TrayMaxVol", typed, parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxVol, Grouped(volume));
 }
 
