@@ -104,7 +104,11 @@ frmEinstellungen::frmEinstellungen(const Parts& parts, Hooks hooks)
     Form_Load();
 }
 
-frmEinstellungen::~frmEinstellungen() = default;
+// Hiding it leaves the field that has the focus, whose check needs the whole dialog.
+frmEinstellungen::~frmEinstellungen() {
+    folderInQuestion_ = true;
+    hide();
+}
 
 SettingsApplier::Hooks frmEinstellungen::ApplierHooks() {
     return {hooks_.GetDataPath,
