@@ -4,6 +4,7 @@
 #include "display/UnitFormat.h"
 #include "forms/Colors.h"
 #include "forms/Combos.h"
+#include "forms/KeptWhileAsking.h"
 #include "lang/Language.h"
 #include "settings/Settings.h"
 #include "settingsdlg/ChoiceLists.h"
@@ -89,11 +90,17 @@ void ChartEditor::LoadCurves() {
     for (std::size_t i = 0; i < RateSlots; ++i) {
         ui_.frmDownload->SetShown(i, display.LineDLShow[i]);
         ui_.frmUpload->SetShown(i, display.LineULShow[i]);
-        ui_.frmDownload->SetColor(i, display.LineDLColor[i]);
-        ui_.frmUpload->SetColor(i, display.LineULColor[i]);
     }
+    ShowColors();
     ui_.frmDownload->SetChoice(display.DisplayChoiceDL);
     ui_.frmUpload->SetChoice(display.DisplayChoiceUL);
+}
+
+void ChartEditor::ShowColors() {
+    for (std::size_t i = 0; i < RateSlots; ++i) {
+        ui_.frmDownload->SetColor(i, Display().LineDLColor[i]);
+        ui_.frmUpload->SetColor(i, Display().LineULColor[i]);
+    }
 }
 
 void ChartEditor::ApplyTexts() {
@@ -167,6 +174,7 @@ void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& 
         parts_.Changed();
     });
     connect(&frame, &CurveFrame::ColorClicked, this, [this, &frame, &colors](std::size_t curve) {
+        const KeptWhileAsking kept(parts_.Dialog);
         const auto color = chooseColor_(parts_.Dialog, colors.at(curve), StoredColors());
         if (!color) return;
         colors.at(curve) = *color;
@@ -203,7 +211,7 @@ void ChartEditor::ConnectUnits() {
 // ---- values
 
 int ChartEditor::Checked(const char* setting, const std::string& typed) {
-    return std::get<std::int32_t>(parts_.Settings.GetRegValidate(setting, typed));
+    return CheckedNumber(parts_.Settings, setting, typed, parts_.UserLocale);
 }
 
 void ChartEditor::CheckNumber(QComboBox& combo, const char* setting, int& value) {
@@ -236,7 +244,7 @@ void ChartEditor::cboPicWidthMin_Click() {
 }
 
 void ChartEditor::cboConnDataMax_Click() {
-    const int minutes = CheckedHistoryMinutes(parts_.Settings, TextOf(*ui_.cboConnDataMax),
+    const int minutes = CheckedHistoryMinutes(parts_.Settings, TextOf(*ui_.cboConnDataMax), parts_.UserLocale,
                                               Display().picWidthMin, historySeconds_);
     ShowText(*ui_.cboConnDataMax, Plain(minutes));
     parts_.Changed();
@@ -263,6 +271,7 @@ CustomColors ChartEditor::StoredColors() {
 }
 
 void ChartEditor::lblColorBackground_Click() {
+    const KeptWhileAsking kept(parts_.Dialog);
     const auto color = chooseColor_(parts_.Dialog, Display().ChartBackgroundColor, StoredColors());
     if (!color) return;
     Display().ChartBackgroundColor = *color;
@@ -272,7 +281,7 @@ void ChartEditor::lblColorBackground_Click() {
 
 void ChartEditor::cmdSwapColors_Click() {
     std::swap(Display().LineDLColor, Display().LineULColor);
-    LoadCurves();
+    ShowColors();
     parts_.Changed();
 }
 

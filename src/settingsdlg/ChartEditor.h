@@ -36,6 +36,7 @@ class ChartEditor : public QObject {
         korvalin::Settings& Settings;
         korvalin::Language& Language;
         UnitFormat& Units;
+        const Locale& UserLocale;
         SettingsRecord& Record;
         /// The preview is to be drawn again.
         std::function<void()> Changed;
@@ -59,6 +60,7 @@ class ChartEditor : public QObject {
   private:
     void LoadFonts();
     void LoadCurves();
+    void ShowColors();
     void Connect();
     void ConnectScale();
     void ConnectFont();

@@ -5,7 +5,7 @@
 
 namespace korvalin {
 
-/// Thousands of bytes from which on an adapter counts as active.
+/// Received bytes from which on an adapter counts as active.
 std::vector<int> LanActiveChoices();
 
 /// Points.

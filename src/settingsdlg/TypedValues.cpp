@@ -8,6 +8,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <optional>
 
 namespace korvalin {
 namespace {
@@ -16,20 +18,48 @@ constexpr double highestTransparency = 95; // beyond it nobody finds the window 
 constexpr double opaque = 255;
 constexpr int secondsPerMinute = 60;
 
+// With the locale's decimal mark or a point.
+std::optional<double> TypedNumber(std::string_view text, const Locale& locale) {
+    const std::optional<double> plain = ParseNumber(text);
+    if (plain || locale.DecimalMark.empty()) return plain;
+    return ParseNumber(ReplaceAll(text, locale.DecimalMark, "."));
+}
+
+// "1.000" is a thousand where points group, but "1.5" is no fifteen.
+std::string WithoutGroups(const std::string& text, const Locale& locale) {
+    const std::optional<double> number = ReadFormattedNumber(text, locale);
+    const bool grouped = number && FormatNumber(*number, "#,##0", locale) == Trim(text);
+    return grouped ? fmt::format("{:.0f}", *number) : text;
+}
+
 } // namespace
 
+std::int32_t CheckedNumber(Settings& settings, std::string_view name, std::string typed,
+                           const Locale& locale) {
+    // Handed over as nothing it would stand for a missing setting, whose default is stored.
+    if (typed.empty()) typed = SettingsTable().Find(ToLower(name)).Default;
+    return std::get<std::int32_t>(settings.GetRegValidate(name, WithoutGroups(typed, locale)));
+}
+
 std::string WithoutGrouping(std::string_view text, const Locale& locale) {
-    std::string plain = ReplaceAll(text, ".", "");
+    std::string plain = ReplaceAll(ReplaceAll(text, ".", ""), " ", "");
     if (!locale.GroupingMark.empty()) plain = ReplaceAll(plain, locale.GroupingMark, "");
     return plain;
 }
 
-double TransparencyOf(std::string_view text) {
-    return std::clamp(ParseNumber(ReplaceAll(text, "%", "")).value_or(0), 0.0, 100.0);
+std::string TypedFolder(std::string_view text) {
+    const std::filesystem::path folder = Trim(text);
+    std::error_code error;
+    const std::filesystem::path inFull = std::filesystem::absolute(folder, error);
+    return folder.empty() || error ? folder.string() : inFull.string();
 }
 
-std::string CheckedTransparency(std::string_view text) {
-    return fmt::format("{:.0f}%", std::min(RoundToEven(TransparencyOf(text)), highestTransparency));
+double TransparencyOf(std::string_view text, const Locale& locale) {
+    return std::clamp(TypedNumber(ReplaceAll(text, "%", ""), locale).value_or(0), 0.0, 100.0);
+}
+
+std::string CheckedTransparency(std::string_view text, const Locale& locale) {
+    return fmt::format("{:.0f}%", std::min(RoundToEven(TransparencyOf(text, locale)), highestTransparency));
 }
 
 int AlphaOf(double transparency) {
@@ -40,12 +70,13 @@ int TransparencyOfAlpha(int alpha) {
     return static_cast<int>(100 - alpha / opaque * 100);
 }
 
-int CheckedHistoryMinutes(Settings& settings, std::string_view typed, int chartMinutes, int historySeconds) {
+int CheckedHistoryMinutes(Settings& settings, std::string_view typed, const Locale& locale, int chartMinutes,
+                          int historySeconds) {
     // Beyond an hour the setting's own rule decides; here only the product must not overflow.
     constexpr double manyMinutes = 1000;
-    const double minutes = std::clamp(ParseNumber(typed).value_or(0), -manyMinutes, manyMinutes);
+    const double minutes = std::clamp(TypedNumber(typed, locale).value_or(0), -manyMinutes, manyMinutes);
     const std::string wanted = fmt::format("{:.0f}", minutes * secondsPerMinute);
-    int seconds = std::get<std::int32_t>(settings.GetRegValidate("ConnDataMax", wanted));
+    int seconds = CheckedNumber(settings, "ConnDataMax", wanted, locale);
     seconds = std::min(std::max(seconds, chartMinutes * secondsPerMinute), historySeconds);
     return seconds / secondsPerMinute;
 }

@@ -6,6 +6,7 @@
 #include "display/frmMain.h"
 #include "errors/Errors.h"
 #include "forms/Combos.h"
+#include "forms/KeptWhileAsking.h"
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
@@ -47,6 +48,19 @@ constexpr Page pages[] = {
     {"tvNetIP", "tvNetInfo", "frmEinstellungen", 20, {nullptr, nullptr}, &NetworkPages::ShowAddresses},
 };
 
+const Page* FindPage(const QString& key) {
+    const auto* const found = std::find_if(std::begin(pages), std::end(pages), [&key](const Page& page) {
+        return key.compare(QLatin1String(page.Key), Qt::CaseInsensitive) == 0;
+    });
+    return found == std::end(pages) ? nullptr : found;
+}
+
+bool HasFrame(const Page* page, std::string_view frame) {
+    return page != nullptr &&
+           std::any_of(std::begin(page->Frames), std::end(page->Frames),
+                       [frame](const char* other) { return other != nullptr && frame == other; });
+}
+
 // The check boxes of the tooltip's parts, by their flags.
 struct TrayBox {
     const char* Name;
@@ -82,28 +96,35 @@ frmEinstellungen::frmEinstellungen(const Parts& parts, Hooks hooks)
     ui_->setupUi(this);
     setWindowIcon(ProgramIcon());
     setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
-    chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{
-        *this, *ui_, parts_.Settings, parts_.Language, parts_.Units, record_, [this] { DrawPreview(); }});
+    chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{*this, *ui_, parts_.Settings, parts_.Language,
+                                                              parts_.Units, parts_.UserLocale, record_,
+                                                              [this] { DrawPreview(); }});
     network_ = std::make_unique<NetworkPages>(
         NetworkPages::Parts{*ui_, parts_.NetworkTables, parts_.Internet, parts_.Language, parts_.UserLocale});
     Form_Load();
 }
 
-frmEinstellungen::~frmEinstellungen() = default;
+// Hiding it leaves the field that has the focus, whose check needs the whole dialog.
+frmEinstellungen::~frmEinstellungen() {
+    folderInQuestion_ = true;
+    hide();
+}
 
 SettingsApplier::Hooks frmEinstellungen::ApplierHooks() {
     return {hooks_.GetDataPath,
-            hooks_.ChangeDataPath,
-            hooks_.AutoStart,
-            [this](bool topmost) { parts_.Window.SetTopmost(topmost); },
+            // A question that the program's end has answered moves nothing.
+            [this](const std::filesystem::path& from, const std::filesystem::path& to) {
+                return hooks_.ChangeDataPath(from, to) && isVisible();
+            },
+            hooks_.AutoStart, [this](bool topmost) { parts_.Window.SetTopmost(topmost); },
             [this](int alpha) { parts_.Window.SetOpacity(alpha); },
-            [this] { parts_.Loop.ResizeRateHistory(); },
-            [this] { parts_.Window.ShowFixedTrayIcon(); },
-            [this] { parts_.Window.DrawChart(true); },
-            [this] {
-                parts_.MessageBoxes.Show(parts_.Language.Lng("frmEinstellungen", 32),
-                                         std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
-            }};
+            [this] { parts_.Loop.ResizeRateHistory(); }, [this] { parts_.Window.ShowFixedTrayIcon(); },
+            [this] { parts_.Window.DrawChart(true); }, [this] { Warn(32); }};
+}
+
+void frmEinstellungen::Warn(int textNumber) {
+    parts_.MessageBoxes.Show(parts_.Language.Lng("frmEinstellungen", textNumber), std::string(ProgramTitle),
+                             MessageIcon::Warning, MessageButtons::Ok);
 }
 
 // ---- loading
@@ -124,6 +145,7 @@ void frmEinstellungen::Form_Load() {
     loaded_ = true;
     FillTreeView();
     SizeForPages();
+    adjustSize();
     DrawPreview();
 }
 
@@ -148,6 +170,7 @@ void frmEinstellungen::changeEvent(QEvent* event) {
     ApplyTexts();
     FillTreeView();
     SizeForPages();
+    resize(size().expandedTo(sizeHint())); // the user may have made it larger
 }
 
 void frmEinstellungen::LoadSystem() {
@@ -243,18 +266,19 @@ void frmEinstellungen::FillTreeView() {
 
 void frmEinstellungen::TreeAct(const QString& key) {
     network_->Hide();
+    const Page* const shown = FindPage(key);
+    // What stays in sight is not hidden in between: it would lose the focus.
     for (const Page& page : pages) {
         for (const char* frame : page.Frames) {
-            if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->hide();
+            if (frame != nullptr && !HasFrame(shown, frame))
+                findChild<QWidget*>(QLatin1String(frame))->hide();
         }
     }
-    for (const Page& page : pages) {
-        if (key.compare(QLatin1String(page.Key), Qt::CaseInsensitive) != 0) continue;
-        for (const char* frame : page.Frames) {
-            if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->show();
-        }
-        if (page.Fill != nullptr) (network_.get()->*page.Fill)();
+    if (shown == nullptr) return;
+    for (const char* frame : shown->Frames) {
+        if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->show();
     }
+    if (shown->Fill != nullptr) (network_.get()->*shown->Fill)();
 }
 
 // As large as the largest page, so that the dialog stays as it is while the user looks around.
@@ -277,7 +301,6 @@ void frmEinstellungen::SizeForPages() {
     QTreeWidget& tree = *ui_->TreeView1;
     tree.resizeColumnToContents(0);
     tree.setFixedWidth(tree.columnWidth(0) + 2 * tree.frameWidth() + spacing);
-    adjustSize();
 }
 
 // ---- what the user does
@@ -334,31 +357,30 @@ void frmEinstellungen::ConnectTray() {
 
 void frmEinstellungen::cboLANactive_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.UserLocale);
-    record_.Traffic.LanActive = std::get<std::int32_t>(parts_.Settings.GetRegValidate("LANActive", typed));
+    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, "LANActive", typed, parts_.UserLocale);
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
 
 void frmEinstellungen::cboTrayMaxRate_Validate() {
     int& rate = record_.Display.TrayMaxRate;
-    rate =
-        std::get<std::int32_t>(parts_.Settings.GetRegValidate("TrayMaxRate", TextOf(*ui_->cboTrayMaxRate)));
+    rate = CheckedNumber(parts_.Settings, "TrayMaxRate", TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxRate, std::to_string(rate));
 }
 
 void frmEinstellungen::cboTrayMaxVol_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.UserLocale);
     int& volume = record_.Display.TrayMaxVol;
-    volume = std::get<std::int32_t>(parts_.Settings.GetRegValidate("TrayMaxVol", typed));
+    volume = CheckedNumber(parts_.Settings, "TrayMaxVol", typed, parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxVol, Grouped(volume));
 }
 
 void frmEinstellungen::cboOpacity_Change() {
-    record_.Display.Opacity = AlphaOf(TransparencyOf(TextOf(*ui_->cboOpacity)));
+    record_.Display.Opacity = AlphaOf(TransparencyOf(TextOf(*ui_->cboOpacity), parts_.UserLocale));
     parts_.Window.SetOpacity(record_.Display.Opacity);
 }
 
 void frmEinstellungen::cboOpacity_Validate() {
-    ShowText(*ui_->cboOpacity, CheckedTransparency(TextOf(*ui_->cboOpacity)));
+    ShowText(*ui_->cboOpacity, CheckedTransparency(TextOf(*ui_->cboOpacity), parts_.UserLocale));
     cboOpacity_Change();
 }
 
@@ -369,14 +391,18 @@ void frmEinstellungen::cboLanguage_Click() {
 // ---- the data folder
 
 bool frmEinstellungen::txtDataPath_Validate() {
-    const std::string folder = ui_->txtDataPath->text().toStdString();
-    if (folder == acceptedFolder_) return true;
+    const std::string folder = TypedFolder(ui_->txtDataPath->text().toStdString());
+    if (folder == acceptedFolder_) {
+        ui_->txtDataPath->setText(QString::fromStdString(folder));
+        return true;
+    }
     // A question about the folder takes the focus from the field, which must not lead to the next one.
     if (folderInQuestion_) return false;
     folderInQuestion_ = true;
-    const bool isEmpty = Trim(folder).empty();
-    if (isEmpty) ui_->txtDataPath->setText(QString::fromStdString(hooks_.DefaultDataFolder().string()));
-    const bool accepted = !isEmpty && hooks_.CheckDataFolder(folder);
+    const KeptWhileAsking kept(*this);
+    const std::string shown = folder.empty() ? hooks_.DefaultDataFolder().string() : folder;
+    ui_->txtDataPath->setText(QString::fromStdString(shown));
+    const bool accepted = !folder.empty() && CheckDataFolder(folder);
     if (accepted) acceptedFolder_ = folder;
     // Return leaves the field and then presses the default button: the same folder would be asked about
     // twice.
@@ -390,15 +416,23 @@ bool frmEinstellungen::txtDataPath_Validate() {
     return accepted;
 }
 
+// A name that the settings cannot hold would leave the statistics where the next start does not look.
+bool frmEinstellungen::CheckDataFolder(const std::string& folder) {
+    if (folder.size() < RegistryBufferBytes) return hooks_.CheckDataFolder(folder);
+    Warn(33);
+    return false;
+}
+
 void frmEinstellungen::KeepDataPathFocus() {
     ui_->TreeView1->setCurrentItem(ui_->TreeView1->topLevelItem(0));
     ui_->txtDataPath->setFocus();
 }
 
 void frmEinstellungen::cmdChooseDir_Click() {
+    const KeptWhileAsking kept(*this);
     const QString current = ui_->txtDataPath->text();
     const QString chosen = chooseFolder_(this, DialogText(25) + QLatin1Char(' ') + current, current);
-    if (chosen.isEmpty() || !hooks_.CheckDataFolder(chosen.toStdString())) return;
+    if (chosen.isEmpty() || !CheckDataFolder(chosen.toStdString())) return;
     acceptedFolder_ = chosen.toStdString();
     ui_->txtDataPath->setText(chosen);
 }
@@ -434,6 +468,7 @@ void frmEinstellungen::CheckAll() {
 }
 
 bool frmEinstellungen::ApplyChanges() {
+    const KeptWhileAsking kept(*this);
     if (!txtDataPath_Validate()) return false;
     CheckAll();
     applier_.ApplyChanges(Entered(), record_);

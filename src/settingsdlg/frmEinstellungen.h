@@ -106,8 +106,10 @@ class frmEinstellungen : public QDialog {
     void cboOpacity_Change();
     void cboOpacity_Validate();
     bool txtDataPath_Validate();
+    bool CheckDataFolder(const std::string& folder);
     void KeepDataPathFocus();
     void cmdChooseDir_Click();
+    void Warn(int textNumber);
     std::string Grouped(int value) const;
     QString DialogText(int number) const;
 

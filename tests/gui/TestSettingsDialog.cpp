@@ -20,10 +20,12 @@ class SettingsDialog : public MainWindow {
             dialog->Plug([this](QWidget&, std::int32_t initial, const CustomColors& custom) {
                 askedFor.push_back(initial);
                 offered = custom;
+                whileAsked();
                 return nextColor;
             });
             dialog->Plug([this](QWidget*, const QString&, const QString& current) {
                 startFolders.push_back(current.toStdString());
+                whileAsked();
                 return QString::fromStdString(nextFolder);
             });
             dialog->Open();
@@ -108,6 +110,7 @@ class SettingsDialog : public MainWindow {
     CustomColors offered{};
     std::string nextFolder;
     std::vector<std::string> startFolders;
+    std::function<void()> whileAsked = [] {}; // for a colour or a folder
 };
 
 // One change to a control: what is clicked, typed or picked, what the control shows then, and what stands in
@@ -267,6 +270,17 @@ TEST_F(SettingsDialog, ClosingWithoutApplyingLeavesTheStoreAndKeepsTheOpacity) {
     }
 }
 
+TEST_F(SettingsDialog, TheMainWindowIsNeverLeftInvisible) {
+    Open();
+    GoTo("tvDarst");
+    Find<QComboBox>("cboOpacity")->setFocus();
+    QTest::keyClicks(Find<QComboBox>("cboOpacity"), QStringLiteral("100"));
+    EXPECT_EQ(window->windowOpacity(), 0) << "as it is typed";
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    Gone();
+    EXPECT_NEAR(window->windowOpacity() * 255, 13, 0.6);
+}
+
 TEST_F(SettingsDialog, WhatIsTypedIsCorrected) {
     struct {
         const char *Page, *Control, *Typed, *Becomes;
@@ -285,11 +299,13 @@ TEST_F(SettingsDialog, WhatIsTypedIsCorrected) {
         {"tvTray", "cboTrayMaxVol", "9", "10"},       {"tvTray", "cboTrayMaxVol", "2,500", "2,500"},
     };
     Open();
+    const int writes = registry.Writes;
     for (const auto& row : rows) {
         GoTo(row.Page);
         Type(row.Control, row.Typed);
         EXPECT_EQ(Shown(row.Control), row.Becomes) << row.Control << " '" << row.Typed << "'";
     }
+    EXPECT_EQ(registry.Writes, writes) << "nothing is applied yet";
     GoTo("tvDarst");
     Type("cboOpacity", "95");
     EXPECT_NEAR(window->windowOpacity() * 255, 13, 0.6);
@@ -345,6 +361,8 @@ TEST_F(SettingsDialog, TheTextOfTheChartIsTheChosenCurveOrThePresetOne) {
     EXPECT_EQ(Stored("DisplayChoiceDL"), "3") << "it holds for this run";
     Click("optTextDL0");
     GoTo("tvUpload");
+    Click("cmdSwapColors");
+    EXPECT_EQ(Shown("optTextDL0"), "True") << "only the colours are swapped";
     Click("optTextUL1");
     Click("cmdApply");
     EXPECT_EQ(program->infoTexts.DisplayChoiceDL, 3);
@@ -427,7 +445,11 @@ TEST_F(SettingsDialog, AnotherLanguageRelabelsEveryWindowAtOnce) {
     GoTo("tvInternet");
     GoTo("tvAllg");
     EXPECT_EQ(Find<QAbstractButton>("boxAlwaysOnTop")->text(), QStringLiteral("Always on &top"));
+    const QSize size = dialog->size() + QSize(200, 150);
+    dialog->resize(size);
     Pick("cboLanguage", "GER - Deutsch");
+    EXPECT_TRUE(Find<QWidget>("cboLanguage")->hasFocus()) << "for the next choice by keyboard";
+    EXPECT_EQ(dialog->size(), size) << "as the user made it";
     EXPECT_EQ(Stored("Language"), "GER");
     EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Einstellungen"));
     EXPECT_EQ(Find<QAbstractButton>("boxAlwaysOnTop")->text(), QStringLiteral("Immer im &Vordergrund"));
@@ -521,6 +543,90 @@ TEST_F(SettingsDialog, AFolderThatDoesNotServeKeepsTheFocusAndTheOldOne) {
     Click("cmdCancel"); // who cancels is not asked
     Gone();
     EXPECT_EQ(Stored("DataPath"), oldFolder);
+}
+
+TEST_F(SettingsDialog, AFolderIsTakenAsItIsMeant) {
+    Open();
+    const std::string oldFolder = Shown("txtDataPath");
+    const std::string newFolder = (folder / "new").string();
+    std::filesystem::create_directory(newFolder);
+    Type("txtDataPath", "  " + newFolder + " ");
+    EXPECT_EQ(Shown("txtDataPath"), newFolder);
+    Click("cmdApply");
+    EXPECT_EQ(Stored("DataPath"), newFolder);
+    QTest::qWait(0);
+    // A relative one would be another at the next start.
+    Type("txtDataPath", "somewhere");
+    EXPECT_EQ(Shown("txtDataPath"), (std::filesystem::current_path() / "somewhere").string());
+    EXPECT_TRUE(boxes.Take().Text.starts_with(Shown("txtDataPath") + "\n")) << "whether to create it";
+    QTest::qWait(0);
+    // The settings could not hold it, and the next start would not find the statistics there.
+    const std::string longFolder = (folder / std::string(200, 'a')).string();
+    std::string tooLong = longFolder;
+    while (tooLong.size() < 1024)
+        tooLong += "/" + std::string(200, 'b');
+    std::filesystem::create_directories(tooLong);
+    nextFolder = tooLong;
+    Click("cmdChooseDir");
+    EXPECT_EQ(boxes.Take().Text, program->language.Lng("frmEinstellungen", 33));
+    Find<QLineEdit>("txtDataPath")->setFocus();
+    Find<QLineEdit>("txtDataPath")->setText(QString::fromStdString(tooLong));
+    Click("cmdOK");
+    EXPECT_EQ(boxes.Take().Text, program->language.Lng("frmEinstellungen", 33));
+    EXPECT_TRUE(dialog && dialog->isVisible());
+    EXPECT_EQ(Stored("DataPath"), newFolder);
+    nextFolder = longFolder;
+    QTest::qWait(0);
+    Click("cmdChooseDir");
+    Click("cmdOK");
+    Gone();
+    EXPECT_EQ(Stored("DataPath"), longFolder);
+}
+
+TEST_F(SettingsDialog, TheProgramMayEndWhileTheUserIsAsked) {
+    Start();
+    const std::filesystem::path oldFolder = program->dataFolder.GetDataPath();
+    std::ofstream(oldFolder / "Korvalin_Stats.db") << "records";
+    std::filesystem::create_directory(folder / "new");
+    nextColor = 0x123456;
+    nextFolder = (folder / "new").string();
+    const auto end = [this] {
+        UnloadOtherForms(*window);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        ASSERT_FALSE(dialog.isNull()) << "whoever asks goes on with the answer";
+        EXPECT_FALSE(dialog->isVisible());
+    };
+    boxes.OnShow = whileAsked = end;
+    struct {
+        const char* Asks;
+        std::function<void()> Do;
+        std::size_t Boxes;
+    } const rows[] = {
+        {"for a colour", [this] { GoTo("tvDownload"), Click("lblColorDL0"); }, 0},
+        {"for the background", [this] { GoTo("tvDarst"), Click("cmdBackground"); }, 0},
+        {"for a folder", [this] { Click("cmdChooseDir"); }, 0},
+        {"whether to create it", [this] { Type("txtDataPath", (folder / "missing").string()); }, 1},
+        {"whether to move",
+         [this] {
+             Type("txtDataPath", nextFolder);
+             Click("cmdOK");
+         },
+         1},
+        {"about a password",
+         [this] {
+             Find<QLineEdit>("txtFirewallPassword")->setText(QString::fromUtf8("\xf4\x8f\xbf\xbf"));
+             Click("cmdApply");
+         },
+         1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.Asks);
+        Open();
+        row.Do();
+        EXPECT_EQ(TakeBoxes().size(), row.Boxes);
+        Gone();
+        EXPECT_EQ(std::filesystem::path(Stored("DataPath")) / "", oldFolder) << "nobody agreed to it";
+    }
 }
 
 TEST_F(SettingsDialog, AMoveThatFailsKeepsTheFolder) {

@@ -1,0 +1,50 @@
+#include "fakes/CoreFixture.h"
+#include "settingsdlg/TypedValues.h"
+
+#include <fmt/format.h>
+
+using namespace korvalin;
+
+namespace {
+
+class TypedValues : public CoreFixture {};
+
+TEST_F(TypedValues, NumbersAreReadAsTheUserWritesThem) {
+    struct {
+        const char *Decimal, *Grouping, *Typed, *Transparency;
+    } const rows[] = {{".", ",", "12.5 %", "12%"}, {",", ".", "12,5%", "12%"}, {",", ".", "13.6", "14%"},
+                      {",", ".", "1,2,3", "0%"},   {".", ",", "nan", "0%"},    {".", ",", "1e999", "0%"},
+                      {".", ",", "%", "0%"},       {".", ",", "95.4%", "95%"}, {".", ",", "101", "95%"}};
+    for (const auto& row : rows) {
+        locale.DecimalMark = row.Decimal;
+        locale.GroupingMark = row.Grouping;
+        EXPECT_EQ(CheckedTransparency(row.Typed, locale), row.Transparency) << row.Typed;
+    }
+    for (const char* marks : {".,", ",."}) {
+        locale.DecimalMark = marks[0];
+        locale.GroupingMark = marks[1];
+        const std::string half = fmt::format("12{}5", marks[0]);
+        EXPECT_EQ(CheckedNumber(settings, "ChartMax", fmt::format(" 1{}000", marks[1]), locale), 1000);
+        EXPECT_EQ(CheckedNumber(settings, "ChartMax", half, locale), 12) << half;
+    }
+    EXPECT_EQ(CheckedNumber(settings, "ChartMax", "12.5", locale), 12) << "no group of three";
+    EXPECT_EQ(CheckedHistoryMinutes(settings, "7,9", locale, 4, 600), 7);
+    EXPECT_EQ(CheckedHistoryMinutes(settings, "2,9", locale, 4, 600), 4);
+    locale.GroupingMark = "\u202f";
+    for (const char* thousand : {"1000", "1.000", "1 000", " 1\u202f000"})
+        EXPECT_EQ(WithoutGrouping(thousand, locale), "1000") << thousand;
+}
+
+TEST_F(TypedValues, NothingTypedIsTheDefaultAndLeavesTheStore) {
+    settings.SetReg("LANActive", 700);
+    EXPECT_EQ(CheckedNumber(settings, "LANActive", "", locale), 100);
+    EXPECT_EQ(settings.GetNumber("LANActive"), 700);
+}
+
+TEST_F(TypedValues, AFolderIsMeantInFull) {
+    EXPECT_EQ(TypedFolder(" /data/new  "), "/data/new");
+    EXPECT_EQ(TypedFolder(" new"), (std::filesystem::current_path() / "new").string());
+    EXPECT_EQ(TypedFolder("  "), "");
+}
+
+} // namespace
