@@ -126,6 +126,13 @@ class Dialling(LineCase):
         self.assertGreater(time.monotonic() - start, 1.9)
         rig.wait_for(lambda: "Umts" not in self.nm.active(), "the end of what was begun")
 
+    def test_a_login_that_nobody_has_is_asked_for(self):
+        uuid = self.nm.add_gsm("Umts")
+        self.nm.nmcli("connection", "modify", uuid, "gsm.username", "u", "gsm.password-flags", "1")
+        self.assertEqual(self.dial("Umts", "--clock-rate", 45)[1], "result 691 none")
+        rig.wait_for(lambda: "Umts" not in self.nm.active(), "the end of what was begun")
+        self.assertEqual(self.dial("Umts", "--user", "u", "--password", "p", flags=FORCE_PROMPT)[1], "result 0 line")
+
     def test_a_daemon_that_stops_ends_the_dial(self):
         self.nm.add_pppoe("T-DSL")
         self.nm.tell("ppp", delay=2)

@@ -73,7 +73,9 @@ double DialAttempt::SecondsAwake() const {
 std::optional<int> DialAttempt::Wait() {
     events_.ProcessPending();
     if (dialog_ != nullptr && dialog_->Cancelled()) return ErrorCancelled;
-    if (SecondsAwake() >= secondsUntilGivenUp) return ErrorNoCarrier;
+    // The service waits without end for a login that is not stored and that nobody else tells it.
+    if (SecondsAwake() >= secondsUntilGivenUp)
+        return stage_ == DialStage::LoggingIn ? ErrorAuthenticationFailure : ErrorNoCarrier;
     if (parts_.Client.Running() == nullptr) return ErrorConnectionDropped;
     events_.Sleep(millisecondsBetweenLooks);
     return std::nullopt;
