@@ -21,6 +21,8 @@ inline constexpr std::uint32_t InternetDialUnattended = 0x8000;
 
 /// The user cancelled (winerror.h).
 inline constexpr int ErrorCancelled = 1223;
+/// What was asked for has changed meanwhile and may be asked for anew (winerror.h).
+inline constexpr int ErrorRetry = 1237;
 
 struct ConnectedState {
     bool Online = false;
@@ -35,8 +37,9 @@ class Internet {
     [[nodiscard]] virtual ConnectedState GetConnectedState() = 0;
 
     /// Dials a phonebook entry and waits until it is up, has failed, or the user has cancelled; windows stay
-    /// alive meanwhile. InternetDialForcePrompt asks for the login first. 0 with `connection` the handle of
-    /// the connection, else a RAS or system error number with `connection` 0.
+    /// alive meanwhile. InternetDialForcePrompt asks for the login first; ErrorRetry, with nothing dialed,
+    /// when the entry's telephone number has changed while it was asked for. 0 with `connection` the handle
+    /// of the connection, else a RAS or system error number with `connection` 0.
     [[nodiscard]] virtual int Dial(const std::string& entryName, std::uint32_t flags,
                                    std::int32_t& connection) = 0;
 };

@@ -36,11 +36,16 @@ void Dialing::DialEntry(const std::string& entryName) {
     });
 }
 
-// The number is looked at before every attempt: it may have changed during the one before.
+// The number is looked at before every attempt: it may have changed during the one before, or while that
+// asked for the login.
 int Dialing::Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) {
-    connection = 0;
-    if (!parts_.PhoneNumberGuard.CheckPhoneNumber(entryName) || stopped_) return ErrorCancelled;
-    return parts_.Internet.Dial(entryName, flags, connection);
+    int result = ErrorRetry;
+    while (result == ErrorRetry) {
+        connection = 0;
+        if (!parts_.PhoneNumberGuard.CheckPhoneNumber(entryName) || stopped_) return ErrorCancelled;
+        result = parts_.Internet.Dial(entryName, flags, connection);
+    }
+    return result;
 }
 
 std::vector<RasConnection> Dialing::Connections() {

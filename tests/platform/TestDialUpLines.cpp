@@ -14,17 +14,18 @@ using namespace korvalin;
 namespace {
 
 TEST(DialResults, TellARefusedLoginFromALineThatIsSilent) {
-    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_NO_SECRETS, 50), 691);
-    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_FAILED, 3), 691);
-    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_DISCONNECT, 3), 691);
-    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_FAILED, 35), 678);
-    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_MODEM_NO_DIAL_TONE, 3), 680);
-    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_MODEM_NO_CARRIER, 3), 678);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_NO_SECRETS, false, 50), 691);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_FAILED, true, 3), 691);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_DISCONNECT, true, 3), 691);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_FAILED, true, 35), 678);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_PPP_FAILED, false, 3), 678);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_MODEM_NO_DIAL_TONE, false, 3), 680);
+    EXPECT_EQ(ResultOfDeviceFailure(NM_DEVICE_STATE_REASON_MODEM_NO_CARRIER, false, 3), 678);
     EXPECT_EQ(ResultOfConnectionEnd(NM_ACTIVE_CONNECTION_STATE_REASON_LOGIN_FAILED), 691);
     EXPECT_EQ(ResultOfConnectionEnd(NM_ACTIVE_CONNECTION_STATE_REASON_CONNECT_TIMEOUT), 678);
     // No failure may look like success or like the wish for another login.
     for (int reason = 0; reason <= NM_DEVICE_STATE_REASON_PEER_NOT_FOUND + 1; ++reason) {
-        const int result = ResultOfDeviceFailure(static_cast<NMDeviceStateReason>(reason), 60);
+        const int result = ResultOfDeviceFailure(static_cast<NMDeviceStateReason>(reason), true, 60);
         EXPECT_TRUE(result >= 600 && result < 800) << reason;
         EXPECT_EQ(result == 691, reason == NM_DEVICE_STATE_REASON_NO_SECRETS) << reason;
     }

@@ -10,6 +10,8 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <functional>
 #include <thread>
 
 namespace {
@@ -39,6 +41,8 @@ class PrintedDialog : public DialDialog {
   public:
     std::optional<Login> Answer;
     std::string CancelAt;
+    /// Runs while the login is asked for.
+    std::function<void(const std::string& entryName)> WhenAsked = [](const std::string&) {};
 
     void Begin(const std::string& entryName) override { fmt::print("begin {}\n", entryName); }
     void ShowStage(DialStage stage) override {
@@ -52,6 +56,7 @@ class PrintedDialog : public DialDialog {
     }
     std::optional<Login> AskLogin(const std::string& entryName, const std::string& userName) override {
         fmt::print("asked {} for {}\n", entryName, userName);
+        WhenAsked(entryName);
         return Answer;
     }
 
@@ -133,13 +138,26 @@ void HangUpAll(BackEnd& system) {
     }
 }
 
+// Runs a command that changes an entry, and waits until the change is seen.
+void ChangeEntry(BackEnd& system, const std::string& entryName, const std::string& command) {
+    constexpr int looks = 200;
+    const auto look = [&](PhoneEntry& entry) { return system.Ras.GetEntryProperties(entryName, entry); };
+    PhoneEntry before, now;
+    const int found = look(before);
+    if (std::system(command.c_str()) != 0) fmt::print("cannot run {}\n", command);
+    for (int i = 0; i < looks; ++i) {
+        if (look(now) != found || now.LocalPhoneNumber != before.LocalPhoneNumber) return;
+        system.Events.Sleep(20);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     CLI::App app;
     app.require_subcommand(1);
     BackEnd system;
-    std::string name, user, password;
+    std::string name, user, password, change;
     std::uint32_t flags = 0;
     int passes = 1000;
     double rate = 1;
@@ -155,6 +173,7 @@ int main(int argc, char** argv) {
     dial->add_option("--flags", flags);
     dial->add_option("--user", user);
     dial->add_option("--password", password);
+    dial->add_option("--when-asked", change, "a command that changes the entry");
     dial->add_option("--cancel-at", system.Dialog.CancelAt);
     dial->add_option("--clock-rate", rate);
     dial->add_flag("--bare", bare, "without a dialog");
@@ -164,7 +183,12 @@ int main(int argc, char** argv) {
     system.Clock.Rate = rate;
     system.Internet.Dialer().Plug(system.Events);
     if (!bare) system.Internet.Dialer().PlugDialog(&system.Dialog);
-    if (!user.empty()) system.Dialog.Answer = Login{user, password};
+    if (dial->count("--user") > 0) system.Dialog.Answer = Login{user, password};
+    if (!change.empty()) {
+        system.Dialog.WhenAsked = [&](const std::string& entryName) {
+            ChangeEntry(system, entryName, change);
+        };
+    }
     if (app.got_subcommand("entries")) PrintEntries(system.Ras);
     if (app.got_subcommand("state")) fmt::print("{:#x}\n", system.Internet.GetConnectedState().Flags);
     if (app.got_subcommand("follow")) FollowState(system.Internet);

@@ -26,7 +26,7 @@ import dbus
 DEAD, ESTABLISH, AUTHENTICATE, NETWORK, RUNNING, DISCONNECT = 1, 5, 6, 8, 9, 10
 HUNG_UP, LOGIN_REFUSED = 16, 19
 HERE, THERE = "10.64.64.65", "10.64.64.64"
-CLONE_NEWNET, TUNSETIFF, TUN_WITHOUT_HEADER = 0x40000000, 0x400454CA, 0x1001
+CLONE_NEWNET, TUNSETIFF, TUNSETLINK, TUN_WITHOUT_HEADER, PPP = 0x40000000, 0x400454CA, 0x400454CD, 0x1001, 512
 
 
 def tunnel(name):
@@ -40,17 +40,24 @@ def enter(namespace):
         raise OSError(ctypes.get_errno(), "setns")
 
 
-def tunnels(provider):
-    """ppp0 here, and the other end at the provider."""
-    here = os.open("/proc/self/ns/net", os.O_RDONLY)
+def link():
+    """ppp0, which comes as soon as the other end is found."""
     near = tunnel("ppp0")
+    fcntl.ioctl(near, TUNSETLINK, PPP)
+    subprocess.run("ip link set ppp0 mtu 1492 multicast off".split(), check=True)
+    return near
+
+
+def join(provider):
+    """The other end at the provider."""
+    here = os.open("/proc/self/ns/net", os.O_RDONLY)
     enter(os.open(f"/run/netns/{provider}", os.O_RDONLY))
     far = tunnel("ras0")
     for words in ("addr add " + THERE + " peer " + HERE + " dev ras0", "link set ras0 up"):
         subprocess.run(["ip", *words.split()], check=True)
     enter(here)
-    subprocess.run("ip link set ppp0 mtu 1492 multicast off up".split(), check=True)
-    return near, far
+    subprocess.run("ip link set ppp0 up".split(), check=True)
+    return far
 
 
 def number(address):
@@ -91,13 +98,14 @@ def main():
     phase(ESTABLISH)
     if told["fails"]:
         end(told["fails"])
+    near = link()
     manager.SetState(dbus.UInt32(AUTHENTICATE))
     login = tuple(manager.NeedSecrets())
     time.sleep(told["delay"])
     if login != (told["user"], told["password"]):
         end(LOGIN_REFUSED)
     phase(NETWORK)
-    near, far = tunnels(provider)
+    far = join(provider)
     phase(RUNNING)
     manager.SetIfindex(dbus.Int32(socket.if_nametoindex("ppp0")))
     manager.SetIp4Config(dbus.Dictionary({"interface": "ppp0", "address": number(HERE), "gateway": number(THERE),

@@ -157,7 +157,7 @@ class DialUpLines(LineCase):
         rig.wait_for(lambda: watch.file.read_text().count("\n") > seen.count("\n") + 1, "two more looks")
         self.assertEqual(watch.lines(), [])  # the kernel still routes over the line, which is no network for that
         self.nm.cut_lines()
-        rig.wait_for(lambda: self.drive("state") == "0x0", "nothing that is up or installed")
+        rig.wait_for(lambda: int(self.drive("state"), 16) == INSTALLED, "nothing that is up")
         self.assertEqual(self.drive("entries"), "")
         self.assertEqual(rig.wait_for(self.records, "the record")[0]["lineName"], "T-DSL")
         self.nm.start_daemon()
@@ -165,12 +165,23 @@ class DialUpLines(LineCase):
         watch.await_names("T-DSL")
         self.assertIsNone(watch.process.poll())
 
+    def test_a_daemon_that_starts_after_the_program_has_lines_too(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.stop_daemon()
+        watch = self.watch()
+        watch.await_names()
+        self.nm.start_daemon()
+        self.nm.nmcli("connection", "up", "T-DSL")
+        watch.await_names("T-DSL")
+
     def test_a_bus_that_was_restarted_is_found_again(self):
         self.nm.add_pppoe("T-DSL")
         await_state, _ = self.follow()
         await_state(INSTALLED)
+        self.nm.nmcli("connection", "up", "T-DSL")
+        await_state(MODEM | INSTALLED | CONFIGURED)
         self.nm.stop_bus()
-        await_state(0)
+        await_state(INSTALLED)
         self.nm.start_bus()
         await_state(INSTALLED)
         self.nm.nmcli("connection", "up", "T-DSL")

@@ -246,6 +246,31 @@ TEST_F(DialingTest, ARefusedNumberIsNotDialedAlsoAtTheSecondAttempt) {
     EXPECT_FALSE(dialing.Busy());
 }
 
+TEST_F(DialingTest, ANumberThatChangesWhileTheLoginIsAskedForIsAskedAboutBeforeItIsDialed) {
+    struct {
+        MessageAnswer Answer;
+        std::size_t Dials;
+        const char* Last;
+    } const rows[] = {{MessageAnswer::Yes, 3, "Office"}, {MessageAnswer::No, 2, ""}};
+    for (const auto& row : rows) {
+        ras.Entries.clear();
+        Add("Office", "111", "");
+        settings.SetReg("Phone_Office", std::string("111"));
+        settings.SetReg("LineLast", std::string());
+        internet.Dials.clear();
+        internet.DialResults = {691, ErrorRetry};
+        internet.OnDial = [&](const std::string&) {
+            if (internet.Dials.size() == 2) Number() = "222";
+        };
+        boxes.Answers = {row.Answer};
+        dialing.DialEntry("Office");
+        EXPECT_EQ(TakeBoxes().size(), 1U);
+        EXPECT_EQ(internet.Dials.size(), row.Dials);
+        EXPECT_EQ(internet.Dials.back().second, InternetDialForcePrompt);
+        EXPECT_EQ(settings.GetText("LineLast"), row.Last);
+    }
+}
+
 TEST_F(DialingTest, NothingElseBeginsWhileItDialsOrWhenTheProgramEnds) {
     Add("Office");
     Connect(1);

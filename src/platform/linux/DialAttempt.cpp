@@ -2,12 +2,14 @@
 
 #include "platform/Clock.h"
 #include "platform/Events.h"
-#include "platform/Internet.h" // ErrorCancelled
+#include "platform/Internet.h" // ErrorCancelled, ErrorRetry
 #include "platform/Registry.h" // ErrorSuccess
 #include "platform/linux/DialResults.h"
+#include "platform/linux/Phonebook.h"
 #include "platform/linux/ProfileLogin.h"
 #include "platform/linux/RasErrors.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace korvalin {
@@ -71,7 +73,9 @@ double DialAttempt::SecondsAwake() const {
 std::optional<int> DialAttempt::Wait() {
     events_.ProcessPending();
     if (dialog_ != nullptr && dialog_->Cancelled()) return ErrorCancelled;
-    if (SecondsAwake() >= secondsUntilGivenUp) return ErrorNoCarrier;
+    // The service waits without end for a login that is not stored and that nobody else tells it.
+    if (SecondsAwake() >= secondsUntilGivenUp)
+        return stage_ == DialStage::LoggingIn ? ErrorAuthenticationFailure : ErrorNoCarrier;
     if (parts_.Client.Running() == nullptr) return ErrorConnectionDropped;
     events_.Sleep(millisecondsBetweenLooks);
     return std::nullopt;
@@ -92,9 +96,11 @@ bool DialAttempt::ComesAtOnce(const Call& call) {
     return call.Result != nullptr;
 }
 
-int DialAttempt::StoreLogin(const Login& login) {
+int DialAttempt::StoreLogin(const Login& login, const std::string& number) {
     const GObjectPointer<NMConnection> changed(nm_simple_connection_new_clone(NM_CONNECTION(profile_.get())));
     if (const int error = FetchSecrets(changed.get()); error != ErrorSuccess) return error;
+    // The service's answer came behind its announcements. What is sent from here on has that number.
+    if (DescribeProfile(NM_CONNECTION(profile_.get())).LocalPhoneNumber != number) return ErrorRetry;
     korvalin::StoreLogin(changed.get(), login);
     return SendProfile(changed.get());
 }
@@ -191,7 +197,10 @@ int DialAttempt::Activate() {
 int DialAttempt::Follow(std::int32_t& handle) {
     for (;;) {
         const GPtrArray* devices = nm_active_connection_get_devices(connection_.get());
-        if (devices->len > 0) device_ = ShareGObject(static_cast<NMDevice*>(devices->pdata[0]));
+        if (devices->len > 0) {
+            device_ = ShareGObject(static_cast<NMDevice*>(devices->pdata[0]));
+            Watch(device_.get()); // one that is made for this dial was not there beforehand
+        }
         const NMActiveConnectionState state = nm_active_connection_get_state(connection_.get());
         if (state == NM_ACTIVE_CONNECTION_STATE_ACTIVATED) {
             parts_.Lines.Refresh();
@@ -216,27 +225,35 @@ bool DialAttempt::IsListed() {
 }
 
 // A VPN's device is the one it runs over, which has no part in its failure.
-int DialAttempt::ReasonOfEnd() const {
+int DialAttempt::ReasonOfEnd() {
     const auto failure = failures_.find(device_.get());
     if (failure == failures_.end() || nm_active_connection_get_vpn(connection_.get()))
         return ResultOfConnectionEnd(nm_active_connection_get_state_reason(connection_.get()));
-    return ResultOfDeviceFailure(failure->second, SecondsAwake());
+    return ResultOfDeviceFailure(failure->second, ppp_.HasSeenLink(), SecondsAwake());
 }
 
 // All of them, beforehand: a device that fails is back at rest, its reason forgotten, before one could look.
 void DialAttempt::WatchDevices(NMClient* client) {
     const GPtrArray* devices = nm_client_get_devices(client);
-    for (guint i = 0; i < devices->len; ++i) {
-        watched_.push_back(ShareGObject(static_cast<NMDevice*>(devices->pdata[i])));
-        g_signal_connect(watched_.back().get(), "state-changed", G_CALLBACK(TakeDeviceState), this);
-    }
+    for (guint i = 0; i < devices->len; ++i)
+        Watch(static_cast<NMDevice*>(devices->pdata[i]));
+}
+
+void DialAttempt::Watch(NMDevice* device) {
+    const bool isWatched = std::any_of(watched_.begin(), watched_.end(),
+                                       [&](const auto& watched) { return watched.get() == device; });
+    if (isWatched) return;
+    watched_.push_back(ShareGObject(device));
+    g_signal_connect(device, "state-changed", G_CALLBACK(TakeDeviceState), this);
 }
 
 void DialAttempt::TakeDeviceState(NMDevice* device, NMDeviceState state, NMDeviceState,
                                   NMDeviceStateReason reason, gpointer attempt) {
     const bool ends = state == NM_DEVICE_STATE_DEACTIVATING || state == NM_DEVICE_STATE_FAILED ||
                       state <= NM_DEVICE_STATE_UNAVAILABLE;
-    if (ends) static_cast<DialAttempt*>(attempt)->failures_.emplace(device, reason);
+    // It makes way, as a rule for this dial: that is no failure.
+    const bool makesWay = reason == NM_DEVICE_STATE_REASON_NEW_ACTIVATION;
+    if (ends && !makesWay) static_cast<DialAttempt*>(attempt)->failures_.emplace(device, reason);
 }
 
 void DialAttempt::ShowStage() {

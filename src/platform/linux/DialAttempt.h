@@ -3,6 +3,7 @@
 #include "platform/DialDialog.h"
 #include "platform/linux/NetworkManagerDialer.h"
 #include "platform/linux/NetworkManagerLines.h"
+#include "platform/linux/PppWatch.h"
 
 #include <NetworkManager.h>
 #include <map>
@@ -21,8 +22,9 @@ class DialAttempt {
     DialAttempt(const DialAttempt&) = delete;
     DialAttempt& operator=(const DialAttempt&) = delete;
 
-    /// Puts a login into the profile, whose other secrets stay. 0 or an error number.
-    [[nodiscard]] int StoreLogin(const Login& login);
+    /// Puts a login into the profile, whose other secrets stay. 0 or an error number: ErrorRetry, with
+    /// nothing stored, when the profile no longer has this telephone number.
+    [[nodiscard]] int StoreLogin(const Login& login, const std::string& number);
 
     /// Starts the profile, or joins the start that somebody else has made, and waits. 0 with `handle` that of
     /// the line, or an error number.
@@ -41,13 +43,14 @@ class DialAttempt {
     [[nodiscard]] bool ComesAtOnce(const Call& call);
     [[nodiscard]] int Activate();
     [[nodiscard]] int Follow(std::int32_t& handle);
-    [[nodiscard]] int ReasonOfEnd() const;
+    [[nodiscard]] int ReasonOfEnd();
     [[nodiscard]] double SecondsAwake() const;
     [[nodiscard]] int FetchSecrets(NMConnection* changed);
     [[nodiscard]] int SendProfile(NMConnection* changed);
     GObjectPointer<NMActiveConnection> ActiveConnection();
     bool IsListed();
     void WatchDevices(NMClient* client);
+    void Watch(NMDevice* device);
     void ShowStage();
 
     DialerParts parts_;
@@ -59,6 +62,7 @@ class DialAttempt {
     GObjectPointer<NMDevice> device_;
     std::vector<GObjectPointer<NMDevice>> watched_;
     std::map<NMDevice*, NMDeviceStateReason> failures_;
+    PppWatch ppp_;
     std::optional<DialStage> stage_;
 };
 

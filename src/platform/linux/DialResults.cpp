@@ -7,18 +7,17 @@
 namespace korvalin {
 namespace {
 
-// The search for an access concentrator alone is given half a minute, a login is refused within a few
-// seconds.
+// An answer of the other side's PPP is waited for half a minute, a login is refused within a few seconds.
 constexpr double secondsOfRefusal = 20;
 
 } // namespace
 
-int ResultOfDeviceFailure(NMDeviceStateReason reason, double secondsAwake) {
+int ResultOfDeviceFailure(NMDeviceStateReason reason, bool pppBegan, double secondsAwake) {
     switch (reason) {
     case NM_DEVICE_STATE_REASON_NO_SECRETS: return ErrorAuthenticationFailure;
     case NM_DEVICE_STATE_REASON_PPP_DISCONNECT:
     case NM_DEVICE_STATE_REASON_PPP_FAILED:
-        return secondsAwake < secondsOfRefusal ? ErrorAuthenticationFailure : ErrorNoCarrier;
+        return pppBegan && secondsAwake < secondsOfRefusal ? ErrorAuthenticationFailure : ErrorNoCarrier;
     case NM_DEVICE_STATE_REASON_MODEM_NO_DIAL_TONE:
     case NM_DEVICE_STATE_REASON_GSM_REGISTRATION_NOT_SEARCHING:
     case NM_DEVICE_STATE_REASON_GSM_REGISTRATION_TIMEOUT: return ErrorNoDialtone;
@@ -46,8 +45,7 @@ int ResultOfDeviceFailure(NMDeviceStateReason reason, double secondsAwake) {
     case NM_DEVICE_STATE_REASON_DHCP_START_FAILED:
     case NM_DEVICE_STATE_REASON_DHCP_ERROR:
     case NM_DEVICE_STATE_REASON_DHCP_FAILED: return ErrorPppNoProtocolsConfigured;
-    case NM_DEVICE_STATE_REASON_USER_REQUESTED:
-    case NM_DEVICE_STATE_REASON_NEW_ACTIVATION: return ErrorUserDisconnection;
+    case NM_DEVICE_STATE_REASON_USER_REQUESTED: return ErrorUserDisconnection;
     case NM_DEVICE_STATE_REASON_SLEEPING:
     case NM_DEVICE_STATE_REASON_DEPENDENCY_FAILED: return ErrorConnectionDropped;
     default: return ErrorUnknown;

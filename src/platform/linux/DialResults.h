@@ -10,10 +10,10 @@ extern "C" { // which the header itself forgets
 
 namespace korvalin {
 
-/// The RAS error number for a device that gave up a dial, `secondsAwake` after it began. What PPP says tells
-/// a refused login from a silent line by the time alone: a refusal comes at once, an answer that does not
-/// come is waited for.
-int ResultOfDeviceFailure(NMDeviceStateReason reason, double secondsAwake);
+/// The RAS error number for a device that gave up a dial, `secondsAwake` after it began. PPP does not say why
+/// it failed: its login was refused when the other side had been found, `pppBegan`, and the end came at once.
+/// An answer that does not come is waited for.
+int ResultOfDeviceFailure(NMDeviceStateReason reason, bool pppBegan, double secondsAwake);
 
 /// The RAS error number for a connection that ended before it was up.
 int ResultOfConnectionEnd(NMActiveConnectionStateReason reason);

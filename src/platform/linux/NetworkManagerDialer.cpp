@@ -61,6 +61,16 @@ int NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags
     // Windows are alive during a dial: their menu can ask for one more.
     if (dialling_ || events_ == nullptr) return ErrorDialAlreadyInProgress;
     const Raised dialling(dialling_);
+    const int error = DialProfile(entryName, flags, connection);
+    const bool goesOn = error == ErrorRetry ||
+                        (error == ErrorAuthenticationFailure && (flags & InternetDialForcePrompt) == 0);
+    if (error != ErrorSuccess && error != ErrorCancelled && !goesOn && dialog_ != nullptr)
+        dialog_->ShowFailure(entryName, error);
+    return error;
+}
+
+int NetworkManagerDialer::DialProfile(const std::string& entryName, std::uint32_t flags,
+                                      std::int32_t& connection) {
     const auto profile = ShareGObject(FindProfile(parts_.Client.Running(), entryName));
     if (!profile) return ErrorCannotFindPhonebookEntry;
     if (const std::int32_t handle = parts_.Lines.HandleOfProfile(profile.get()); handle != 0) {
@@ -71,19 +81,19 @@ int NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags
     NMConnection* settings = NM_CONNECTION(profile.get());
     const bool asks = (flags & InternetDialForcePrompt) != 0 && (flags & InternetDialUnattended) == 0 &&
                       dialog_ != nullptr && TakesLogin(settings);
+    const std::string number = DescribeProfile(settings).LocalPhoneNumber;
     const ShortLivedLogin login(asks ? dialog_->AskLogin(entryName, StoredUserName(settings)) : std::nullopt);
     if (asks && !login.Get()) return ErrorCancelled;
+    // Gone, or renamed, while the question stood.
+    if (asks && FindProfile(parts_.Client.Running(), entryName) != profile.get())
+        return ErrorCannotFindPhonebookEntry;
 
     const ShownDial shown(dialog_, entryName);
     DialAttempt attempt(parts_, *events_, dialog_, profile.get());
     if (login.Get()) {
-        if (const int error = attempt.StoreLogin(*login.Get()); error != ErrorSuccess) return error;
+        if (const int error = attempt.StoreLogin(*login.Get(), number); error != ErrorSuccess) return error;
     }
-    const int error = attempt.Run(connection);
-    const bool triedAgain = error == ErrorAuthenticationFailure && (flags & InternetDialForcePrompt) == 0;
-    if (error != 0 && error != ErrorCancelled && !triedAgain && dialog_ != nullptr)
-        dialog_->ShowFailure(entryName, error);
-    return error;
+    return attempt.Run(connection);
 }
 
 } // namespace korvalin

@@ -33,6 +33,9 @@ class NetworkManagerDialer {
     [[nodiscard]] int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection);
 
   private:
+    [[nodiscard]] int DialProfile(const std::string& entryName, std::uint32_t flags,
+                                  std::int32_t& connection);
+
     DialerParts parts_;
     Events* events_ = nullptr;
     DialDialog* dialog_ = nullptr;

@@ -3,7 +3,26 @@
 #include "platform/linux/NetworkManagerClient.h"
 #include "platform/linux/NetworkManagerLines.h"
 
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+
 namespace korvalin {
+namespace {
+
+// Without one of these the bus would not let NetworkManager take its name.
+constexpr const char* busPolicies[] = {"/usr/share/dbus-1/system.d/org.freedesktop.NetworkManager.conf",
+                                       "/etc/dbus-1/system.d/org.freedesktop.NetworkManager.conf"};
+
+// Also where it does not run yet, as while a desktop starts: who asks does so once for a whole run.
+bool IsNetworkManagerInstalled() {
+    return std::any_of(std::begin(busPolicies), std::end(busPolicies), [](const char* policy) {
+        std::error_code ignored;
+        return std::filesystem::exists(policy, ignored);
+    });
+}
+
+} // namespace
 
 NetworkManagerInternet::NetworkManagerInternet(const DialerParts& parts)
     : parts_(parts), dialer_(parts), route_("/proc/net", [this](const std::string& name) {
@@ -13,7 +32,8 @@ NetworkManagerInternet::NetworkManagerInternet(const DialerParts& parts)
 ConnectedState NetworkManagerInternet::GetConnectedState() {
     ConnectedState state = route_.GetConnectedState();
     parts_.Lines.Refresh();
-    if (parts_.Client.Running() != nullptr) state.Flags |= InternetRasInstalled;
+    if (parts_.Client.Running() != nullptr || IsNetworkManagerInstalled())
+        state.Flags |= InternetRasInstalled;
     if (!parts_.Lines.Up().empty()) {
         state.Online = true;
         state.Flags |= InternetConnectionModem | InternetConnectionConfigured;

@@ -15,7 +15,7 @@ class NetworkManagerInternet : public Internet {
     /// What dialling needs; see there.
     NetworkManagerDialer& Dialer() { return dialer_; }
 
-    /// Remote access counts as installed while NetworkManager answers.
+    /// Remote access counts as installed where NetworkManager answers, or may do so later.
     ConnectedState GetConnectedState() override;
     int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override;
 
