@@ -10,7 +10,7 @@ namespace {
 
 // What is a dial-up line is settled at the first look at the lines, so that one is worth waiting for. A
 // service that is there answers in a few milliseconds.
-constexpr guint firstAnswerMilliseconds = 300;
+constexpr guint firstAnswerMilliseconds = 1000;
 constexpr guint lastAnswerMilliseconds = 300;
 constexpr double secondsBetweenAttempts = 10;
 // A bus that was there a moment ago is being restarted.
