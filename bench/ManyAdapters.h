@@ -22,6 +22,7 @@ class ManyAdapters : public NetworkTables {
         rows = rows_;
         return 0;
     }
+    std::vector<InterfaceRow> TakeRemoved() override { return {}; }
     int GetIfTable2(std::vector<InterfaceEntry>& entries) override {
         entries.clear();
         for (const InterfaceRow& row : rows_) {

@@ -41,6 +41,11 @@ struct InterfaceRow {
     std::string Description;
     /// An IP address of the adapter, version 4 before 6; empty when it has none that is known elsewhere.
     std::string Address;
+    /// Bytes leave the machine here: a device stands behind the adapter, or behind a port of this bond or
+    /// team.
+    bool HasHardware = false;
+    /// A port of a bond or team, whose bytes are counted there.
+    bool IsPort = false;
 };
 
 /// What the administrator wants of an adapter (ifAdminStatus of RFC 2863).
@@ -117,6 +122,10 @@ class NetworkTables {
     /// All adapters, in ascending order of their index when `sorted`. 0, or the system's error number with
     /// `rows` empty.
     [[nodiscard]] virtual int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) = 0;
+
+    /// The adapters that went since the last call, up to the last GetIfTable, with their last counters: also
+    /// those that no table has ever shown. In the order in which they went.
+    [[nodiscard]] virtual std::vector<InterfaceRow> TakeRemoved() = 0;
 
     /// Everything about all adapters, in ascending order of their index: for people to look at, not for every
     /// second. 0, or the system's error number with `entries` empty.

@@ -32,6 +32,8 @@ struct RasStatistics {
     std::uint64_t ConnectDurationMilliseconds = 0;
     /// The counters never wrap; see InterfaceRow::Counts64Bits.
     bool Counts64Bits = false;
+    /// The kernel's number of the interface that carries the connection; 0 when there is none.
+    std::uint32_t InterfaceIndex = 0;
 };
 
 /// What the phonebook tells about an entry (the fields of RASENTRY that this program reads).

@@ -13,6 +13,9 @@ class RecordingLock {
     /// and stays it until its end or until it asks for another folder. True also when the folder cannot be
     /// locked at all.
     [[nodiscard]] virtual bool Take(const std::filesystem::path& folder) = 0;
+
+    /// Whether another process records into the folder.
+    [[nodiscard]] virtual bool IsTaken(const std::filesystem::path& folder) = 0;
 };
 
 } // namespace korvalin

@@ -11,11 +11,13 @@ namespace korvalin {
 /// One monitored line: an active dial-up connection or an active network adapter.
 struct LineRecord {
     std::string LineName;     ///< for display: the alias of EntryName
-    double BytesReceived = 0; ///< cumulative, extended beyond 32 bits
+    double BytesReceived = 0; ///< what the connection has moved, extended beyond 32 bits
     double BytesTransmitted = 0;
     bool IsRas = false;
-    double StartReceived = 0; ///< adapters: the first counter seen in this table slot; 0 = not yet set
+    double StartReceived = 0; ///< the system's counter, so extended, at which the connection began
     double StartTransmitted = 0;
+    double RecordedReceived = 0; ///< of the connection's bytes, those that records hold already
+    double RecordedTransmitted = 0;
     std::string User; ///< filled in the snapshot of the previous pass only
     double SampleTimer =
         0; ///< seconds since midnight at this pass, later seconds on the continuous time base
@@ -24,7 +26,8 @@ struct LineRecord {
     std::int32_t WrapsTransmitted = 0;
     double LastRawReceived = 0; ///< as the system reported it at the previous pass
     double LastRawTransmitted = 0;
-    Date LogIn = 0; ///< 0 = not yet known
+    Date LogIn = 0;     ///< 0 = not yet known
+    Date PartLogIn = 0; ///< when the part began that is not recorded yet; 0 = LogIn
     bool Connected = false;
     bool Counts64Bits = false; ///< the system's counters of this line never wrap
     std::uint32_t CounterSource =
@@ -36,6 +39,8 @@ struct LineRecord {
     std::string IpAddress;   ///< empty when the line has none
     std::string EntryName;   ///< phone-book entry or adapter description
     std::int32_t Handle = 0; ///< of a dial-up connection; 0 for adapters
+    std::uint32_t Index = 0; ///< the kernel's number of the interface; 0 when there is none
+    std::string Adapter;     ///< adapters: the kernel's name, which EntryName may be instead of
     std::uint32_t Bps = 0;   ///< dial-up line speed in bits per second
     Date TcpTime = 0;        ///< when the TCP figures were read
     std::uint32_t TcpConnections = 0;
@@ -43,6 +48,17 @@ struct LineRecord {
     std::uint32_t TcpOutSegments = 0;
     std::uint32_t TcpEstablished = 0;
 };
+
+/// The part of a connection that no record holds yet: of an adapter's within one day.
+struct LinePart {
+    Date LogIn = 0;
+    Date End = 0;
+    double BytesReceived = 0;
+    double BytesTransmitted = 0;
+
+    Date Duration() const { return End - LogIn; }
+};
+LinePart OpenPartOf(const LineRecord& line);
 
 /// What the traffic readers know, one for the whole program. Lines count from 1.
 struct LineState {

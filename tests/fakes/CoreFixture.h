@@ -3,6 +3,7 @@
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFiles.h"
 #include "fakes/FakeHttp.h"
+#include "fakes/FakeJournal.h"
 #include "fakes/FakeMessageBoxes.h"
 #include "fakes/FakeNetwork.h"
 #include "fakes/FakeRegistry.h"
@@ -39,8 +40,8 @@ class CoreFixture : public testing::Test {
         return program->Main();
     }
     Ports AllPorts() {
-        return {registry, network, internet, ras,   clock,         events, boxes,     screen,
-                shell,    user,    lock,     files, recordingLock, http,   signatures};
+        return {registry, network, internet, ras,           clock,   events,   boxes, screen,    shell,
+                user,     lock,    files,    recordingLock, journal, networks, http,  signatures};
     }
     std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
     /// The texts of the boxes shown since the last call.
@@ -66,6 +67,8 @@ class CoreFixture : public testing::Test {
     FakeEvents events{clock};
     FakeInstanceLock lock;
     FakeRecordingLock recordingLock;
+    FakeJournal journal;
+    FakeNetworks networks;
     FakeHttp http;
     FakeSignatures signatures;
     Locale locale;

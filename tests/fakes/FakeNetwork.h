@@ -2,16 +2,20 @@
 
 #include "platform/Internet.h"
 #include "platform/NetworkTables.h"
+#include "platform/Networks.h"
 #include "platform/Ras.h"
 
 #include <functional>
+#include <map>
 #include <stdexcept>
+#include <utility>
 
 namespace korvalin {
 
 class FakeNetworkTables : public NetworkTables {
   public:
     std::vector<InterfaceRow> Rows;
+    std::vector<InterfaceRow> Removed; ///< adapters that went since the last look, with their last counters
     std::vector<InterfaceEntry> Entries;
     std::vector<IpAddressRow> Addresses;
     std::vector<UnicastIpAddressRow> Addresses6;
@@ -23,6 +27,7 @@ class FakeNetworkTables : public NetworkTables {
         if (Throws) throw std::runtime_error("the interface table is gone");
         return Give(Rows, rows);
     }
+    std::vector<InterfaceRow> TakeRemoved() override { return std::exchange(Removed, {}); }
     int GetIfTable2(std::vector<InterfaceEntry>& entries) override { return Give(Entries, entries); }
     int GetIpAddrTable(std::vector<IpAddressRow>& rows) override { return Give(Addresses, rows); }
     int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override {
@@ -36,7 +41,7 @@ class FakeNetworkTables : public NetworkTables {
     /// Adds an Ethernet adapter that counts in 64 bits.
     InterfaceRow& Add(const std::string& description, std::uint64_t in, std::uint64_t out) {
         Rows.push_back({static_cast<std::uint32_t>(Rows.size() + 1), IfTypeEthernet,
-                        OperationalStatus::Operational, in, out, true, description, ""});
+                        OperationalStatus::Operational, in, out, true, description, "", true});
         return Rows.back();
     }
 
@@ -45,6 +50,16 @@ class FakeNetworkTables : public NetworkTables {
     int Give(const std::vector<Row>& table, std::vector<Row>& rows) const {
         rows = Result == 0 ? table : std::vector<Row>{};
         return Result;
+    }
+};
+
+/// Networks of wireless adapters, by the adapter's name.
+class FakeNetworks : public Networks {
+  public:
+    std::map<std::string, std::string> Names;
+    std::string NetworkOf(const std::string& adapter) override {
+        const auto found = Names.find(adapter);
+        return found == Names.end() ? "" : found->second;
     }
 };
 

@@ -30,6 +30,7 @@ class FakeRecordingLock : public RecordingLock {
   public:
     bool AnotherRecords = false;
     bool Take(const std::filesystem::path&) override { return !AnotherRecords; }
+    bool IsTaken(const std::filesystem::path&) override { return AnotherRecords; }
 };
 
 /// Sleeping moves the fake clock; `OnProcessPending` runs instead of the window system's events.

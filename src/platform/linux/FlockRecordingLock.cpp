@@ -16,4 +16,10 @@ bool FlockRecordingLock::Take(const std::filesystem::path& folder) {
     return true;
 }
 
+bool FlockRecordingLock::IsTaken(const std::filesystem::path& folder) {
+    if (held_ && folder == folder_) return false;
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return descriptor && flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
 } // namespace korvalin

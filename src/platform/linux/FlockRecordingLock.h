@@ -9,6 +9,7 @@ namespace korvalin {
 class FlockRecordingLock : public RecordingLock {
   public:
     bool Take(const std::filesystem::path& folder) override;
+    bool IsTaken(const std::filesystem::path& folder) override;
 
   private:
     Descriptor held_;

@@ -9,10 +9,12 @@
 #include "platform/linux/NetlinkNetworkTables.h"
 #include "platform/linux/NetworkManagerInternet.h"
 #include "platform/linux/NetworkManagerLines.h"
+#include "platform/linux/NetworkManagerNetworks.h"
 #include "platform/linux/NetworkManagerRas.h"
 #include "platform/linux/PasswdUser.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/SodiumSignatures.h"
+#include "platform/linux/SqliteJournal.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/XdgFolders.h"
@@ -34,6 +36,8 @@ struct LinuxSystem::BackEnds {
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
     FlockRecordingLock RecordingLock;
+    SqliteJournal Journal;
+    NetworkManagerNetworks Networks{NetworkManager};
     CurlHttp Http;
     SodiumSignatures Signatures;
 };
@@ -44,9 +48,9 @@ LinuxSystem::~LinuxSystem() = default;
 Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen& screen) {
     BackEnds& b = *backEnds_;
     b.Internet.Dialer().Plug(events);
-    return {b.Registry,     b.NetworkTables, b.Internet,      b.Ras,   b.Clock,
-            events,         messageBoxes,    screen,          b.Shell, b.User,
-            b.InstanceLock, b.Files,         b.RecordingLock, b.Http,  b.Signatures};
+    return {b.Registry,      b.NetworkTables, b.Internet, b.Ras,  b.Clock,        events,
+            messageBoxes,    screen,          b.Shell,    b.User, b.InstanceLock, b.Files,
+            b.RecordingLock, b.Journal,       b.Networks, b.Http, b.Signatures};
 }
 
 void LinuxSystem::PlugDialDialog(DialDialog* dialog) {

@@ -147,6 +147,10 @@ int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
     return error;
 }
 
+std::vector<InterfaceRow> NetlinkNetworkTables::TakeRemoved() {
+    return {};
+}
+
 int NetlinkNetworkTables::ReadEntries(std::vector<InterfaceEntry>& entries) {
     Request request(RTM_GETLINK, ifinfomsg{});
     InterfaceEntry entry;

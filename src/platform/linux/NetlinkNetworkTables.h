@@ -19,6 +19,7 @@ class NetlinkNetworkTables : public NetworkTables {
     explicit NetlinkNetworkTables(const std::filesystem::path& procNet = "/proc/net");
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
+    std::vector<InterfaceRow> TakeRemoved() override;
     int GetIfTable2(std::vector<InterfaceEntry>& entries) override;
     int GetIpAddrTable(std::vector<IpAddressRow>& rows) override;
     int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override;

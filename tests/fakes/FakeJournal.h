@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/Journal.h"
+
+#include <algorithm>
+
+namespace korvalin {
+
+/// A journal in memory that tells what is on the medium from what a kill would leave.
+class FakeJournal : public Journal {
+  public:
+    bool KnowsMachine = false;
+    bool SameBoot = true;
+    bool Fails = false;
+    JournalPicture Kept;     ///< after a kill
+    JournalPicture OnMedium; ///< after a power loss
+    int Saves = 0;           ///< onto the medium
+
+    JournalFound Load(const std::filesystem::path&) override {
+        if (!KnowsMachine) return {};
+        return {true, SameBoot, Kept};
+    }
+    bool Save(const std::filesystem::path&, const JournalPicture& picture, Durability durability) override {
+        if (Fails) return false;
+        KnowsMachine = true;
+        Kept = picture;
+        if (durability == Durability::Medium) {
+            OnMedium = picture;
+            ++Saves;
+        }
+        return true;
+    }
+    void Note(const std::vector<JournalNote>& notes) override {
+        for (const JournalNote& note : notes) {
+            const auto entry = std::find_if(Kept.Entries.begin(), Kept.Entries.end(),
+                                            [&](const JournalEntry& e) { return e.Index == note.Index; });
+            if (entry == Kept.Entries.end() || !entry->Open) continue;
+            entry->Received = note.Received;
+            entry->Transmitted = note.Transmitted;
+            entry->ReadAt = note.ReadAt;
+            entry->Open->BytesReceived = note.OpenReceived;
+            entry->Open->BytesTransmitted = note.OpenTransmitted;
+            entry->Open->End = note.OpenEnd;
+        }
+    }
+    JournalFound Look(const std::filesystem::path& folder) override { return Load(folder); }
+};
+
+} // namespace korvalin
