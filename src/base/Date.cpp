@@ -178,6 +178,17 @@ Date RoundToSecond(Date date) {
     return std::round(date * SecondsPerDay) / SecondsPerDay;
 }
 
+Date EndOfDay(Date date) {
+    return RoundToSecond(DayOf(date) + 1 - OneSecond);
+}
+
+Date FloorToSecond(Date date) {
+    constexpr double lostInSums = 0.001;
+    const Date nearest = RoundToSecond(date);
+    const bool isBefore = nearest <= date || (nearest - date) * SecondsPerDay < lostInSums;
+    return isBefore ? nearest : RoundToSecond(nearest - OneSecond);
+}
+
 double SecondsOfDay(Date date) {
     return (date - std::floor(date)) * SecondsPerDay;
 }

@@ -40,6 +40,12 @@ int WeekdayOf(Date date);
 /// restored.
 Date RoundToSecond(Date date);
 
+/// The last moment of a date's day that is written as a whole second: 23:59:59.
+Date EndOfDay(Date date);
+
+/// The date-time at the whole second before it; what sums lose in the last bits makes no second less.
+Date FloorToSecond(Date date);
+
 /// Seconds since midnight of a date-time, with fractions.
 double SecondsOfDay(Date date);
 

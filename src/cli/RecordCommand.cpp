@@ -21,18 +21,19 @@ int AwaitSignal(const TerminationSignals& signals, int milliseconds) {
 } // namespace
 
 int RecordUntilSignal(Program& program, const TerminationSignals& signals) {
-    if (!program.recorder.TakeOver()) {
+    program.LoadRecords();
+    if (!program.BeginToRecord()) {
         fmt::print(stderr, "Another program records into {}\n", program.dataFolder.GetDataPath().string());
         return EXIT_FAILURE;
     }
-    program.LoadRecords();
     SamplingLoop& loop = program.samplingLoop;
     int signal = 0;
     while (signal == 0) {
         loop.TimerMain_Timer();
         signal = AwaitSignal(signals, loop.MillisecondsToNextStep());
     }
-    program.recorder.SaveStatsLine(signal == SIGTERM ? CloseReason::SystemEnd : CloseReason::TaskManager, 0);
+    program.journalKeeper.RecordOpenLines(signal == SIGTERM ? CloseReason::SystemEnd
+                                                            : CloseReason::TaskManager);
     return EXIT_SUCCESS;
 }
 

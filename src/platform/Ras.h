@@ -34,6 +34,9 @@ struct RasStatistics {
     bool Counts64Bits = false;
     /// The kernel's number of the interface that carries the connection; 0 when there is none.
     std::uint32_t InterfaceIndex = 0;
+    /// That interface's own counters; what it had counted before the connection came up is in them.
+    std::uint64_t RawReceived = 0;
+    std::uint64_t RawTransmitted = 0;
 };
 
 /// What the phonebook tells about an entry (the fields of RASENTRY that this program reads).

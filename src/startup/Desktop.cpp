@@ -101,7 +101,7 @@ int RunDesktop(int argc, char** argv) {
     };
     window.Plug({[&](CloseReason reason) {
                      program.updateCheck.Cancel();
-                     program.recorder.SaveStatsLine(reason, 0);
+                     program.journalKeeper.RecordOpenLines(reason);
                  },
                  [&] { return UseOfChartLine(program); }, openStatistics, openSettings,
                  [&] { about.Open(); }});

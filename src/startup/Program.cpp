@@ -33,9 +33,13 @@ Program::Program(const Ports& ports, Locale userLocale)
                          ports.Events, ports.Clock, ports.InstanceLock, programFolder_),
       autoStart(settings, settings.Primitives(), executable_),
       lineBook(lines, errors, ports.Clock),
-      rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, settings, errors, ports.Clock),
-      lanReader(ports.NetworkTables, lines, lineBook, trafficOptions, errors, ports.Clock),
-      lineMonitor(lines, lineBook, rasReader, lanReader, trafficOptions, ports.Internet, ports.User, errors),
+      lineNames(ports.Networks, ports.Ras, trafficOptions),
+      rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, counterLedger, settings, errors,
+                ports.Clock),
+      lanReader(ports.NetworkTables, lines, lineBook, counterLedger, lineNames, trafficOptions, errors,
+                ports.Clock),
+      lineMonitor(lines, lineBook, rasReader, lanReader, trafficOptions, ports.Internet, ports.User,
+                  ports.Clock, errors),
       phoneBook(ports.Ras, ports.Internet, ports.MessageBoxes, errors),
       phoneNumberGuard(ports.Ras, settings, language, ports.MessageBoxes),
       dialing(
@@ -45,8 +49,10 @@ Program::Program(const Ports& ports, Locale userLocale)
       statFile([this] { return dataFolder.GetDataPath(); }, ports.Files, ports.Events, ports.Clock, errors,
                lines, aliases, locale),
       periodSums(aliases, errors, locale),
-      recorder({lines, ports.Files, errors, language, ports.Clock, ports.RecordingLock, locale,
-                [this] { return dataFolder.GetDataPath(); }}),
+      recorder({lines, counterLedger, ports.Files, errors, language, ports.Clock, ports.RecordingLock, locale,
+                [this] { return dataFolder.GetDataPath(); }, [](const OpenConnection&) {}}),
+      journalKeeper({ports.Journal, recorder, counterLedger, lines, lineBook, lineMonitor, ports.Clock,
+                     errors, [this] { return dataFolder.GetDataPath(); }}),
       units(errors, locale, ports.Clock),
       liveTexts(lines, rateHistory, monthSums, units, language, errors),
       samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
@@ -64,7 +70,7 @@ Program::Program(const Ports& ports, Locale userLocale)
     PlugErrors();
     lineBook.Plug({[this](const std::string& entryName) { return aliases.GetAlias(entryName); },
                    [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
-                   [this] { samplingLoop.ResizeRateHistory(); }});
+                   [this] { samplingLoop.ResizeRateHistory(); }, [this] { journalKeeper.PassEnded(); }});
     updateSchedule.Plug([this](double seconds) {
         samplingLoop.SetUpdateCheckPending(ports_.Clock.Now() + seconds * OneSecond);
     });
@@ -100,9 +106,12 @@ void Program::LoadRecords() {
     errors.Step("LoadUserVar", [this] { samplingLoop.ResizeRateHistory(); });
 }
 
+bool Program::BeginToRecord() {
+    return journalKeeper.Start();
+}
+
 void Program::LoadStatistics() {
-    if (!recorder.TakeOver())
-        errors.WriteErrorLog("Another program records into this data folder.", "SaveStats");
+    if (!BeginToRecord()) errors.WriteErrorLog("Another program records into this data folder.", "SaveStats");
     StatRecords records;
     statFile.LoadStatFile(records, true);
     monthSums.CalcStatsThisMonth(records);

@@ -16,6 +16,7 @@
 #include "startup/Startup.h"
 #include "startup/UpdateInstallation.h"
 #include "stats/Aliases.h"
+#include "stats/JournalKeeper.h"
 #include "stats/MonthSums.h"
 #include "stats/PeriodSums.h"
 #include "stats/Recorder.h"
@@ -45,7 +46,10 @@ class Program {
     /// Loads the settings into the records below, notes the program's start and sizes the history.
     void LoadRecords();
 
-    /// Begins to record, and loads the statistics file, repairing it, for the sums of the current billing
+    /// Takes up what the last run has counted and begins to record. False while another program records.
+    bool BeginToRecord();
+
+    /// BeginToRecord, and loads the statistics file, repairing it, for the sums of the current billing
     /// periods.
     void LoadStatistics();
 
@@ -66,6 +70,8 @@ class Program {
     LineState lines;
     TrafficOptions trafficOptions;
     LineBook lineBook;
+    CounterLedger counterLedger;
+    LineNames lineNames;
     RasReader rasReader;
     LanReader lanReader;
     LineMonitor lineMonitor;
@@ -78,6 +84,7 @@ class Program {
     StatFile statFile;
     PeriodSums periodSums;
     Recorder recorder;
+    JournalKeeper journalKeeper;
 
     InfoTexts infoTexts;
     RateHistory rateHistory;

@@ -50,6 +50,9 @@ void LoadDisplaySettings(Settings& settings, UnitFormat& units, InfoTexts& texts
 void LoadTrafficOptions(Settings& settings, TrafficOptions& options) {
     options.LanProt = settings.GetBool("LANProt");
     options.LanActive = settings.GetNumber("LANActive");
+    options.LanByNetwork = settings.GetBool("LANByNetwork");
+    options.LanVirtual = settings.GetBool("LANVirtual");
+    options.Split = static_cast<SplitDays>(settings.GetNumber("SplitDays"));
 }
 
 } // namespace korvalin

@@ -7,12 +7,16 @@
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/RecordingLock.h"
+#include "stats/LineReader.h"
+#include "stats/RecordPlace.h"
 #include "stats/StatFileName.h"
 #include "stats/StatLine.h"
+#include "traffic/CounterLedger.h"
 #include "traffic/LineRecord.h"
 
 #include <cerrno>
 #include <cmath>
+#include <fstream>
 #include <system_error>
 
 namespace korvalin {
@@ -45,31 +49,68 @@ bool Recorder::TakeOver() {
 }
 
 void Recorder::SaveStatsLine(CloseReason reason, std::size_t index) {
-    constexpr std::string_view procName = "SaveStatsLine";
-    const std::vector<const LineRecord*> lines = LinesToRecord(index);
-    if (lines.empty() || !TakeOver()) return;
-    std::string info;
-    parts_.Errors.Step(procName, [&] { info = InfoText(reason); });
-    parts_.Errors.Step(procName,
-                       [&] { Append(StatFileName, "", StatLines(lines, info), Files::Flush::Yes); });
-    parts_.Errors.Step(
-        procName, [&] { Append(StatExportName, exportHeader, ExportLines(lines, info), Files::Flush::No); });
-}
-
-std::vector<const LineRecord*> Recorder::LinesToRecord(std::size_t index) const {
     const TableFromOne<LineRecord>& previous = parts_.Lines.PreviousLineTable;
     const std::size_t first = index == 0 ? 1 : index;
     const std::size_t last = index == 0 ? std::min(parts_.Lines.LineCount, previous.Size()) : index;
-    std::vector<const LineRecord*> lines;
+    if (!TakeOver()) return;
     for (std::size_t i = first; i <= last && i <= previous.Size(); ++i) {
-        const LineRecord& line = previous(i);
-        if (line.BytesReceived > fewBytes || line.Duration != 0) lines.push_back(&line);
+        OpenConnection record = ConnectionOf(previous(i));
+        if (record.IsRas && previous(i).Duration == 0) {
+            if (record.BytesReceived <= fewBytes) continue;
+            record.End = record.LogIn + (parts_.Clock.Now() - parts_.Lines.ProgramStart);
+        }
+        Record(std::move(record), reason);
     }
-    return lines;
 }
 
-double Recorder::DurationOf(const LineRecord& line) const {
-    return line.Duration != 0 ? line.Duration : parts_.Clock.Now() - parts_.Lines.ProgramStart;
+void Recorder::Record(OpenConnection record, CloseReason reason) {
+    constexpr std::string_view procName = "SaveStatsLine";
+    const bool isEmpty = record.BytesReceived + record.BytesTransmitted == 0 && record.End == record.LogIn;
+    if (isEmpty) return;
+    Waiting waiting;
+    parts_.Errors.Step(procName, [&] { Settle(record); });
+    std::string info;
+    parts_.Errors.Step(procName, [&] { info = InfoText(reason); });
+    WriteStatRecord(waiting.Record.StatLine,
+                    {record.LineName, record.LogIn, record.End - record.LogIn, record.BytesTransmitted,
+                     record.BytesReceived, info, record.User});
+    parts_.Errors.Step(procName, [&] { waiting.Record.ExportLine = ExportLine(record, info); });
+    waiting_.push_back(std::move(waiting));
+    parts_.Recorded(record);
+}
+
+// Dial-up lines stay as they were measured: one that is recorded twice is to be merged.
+void Recorder::Settle(OpenConnection& record) const {
+    if (!record.IsRas) {
+        record.LogIn = FloorToSecond(record.LogIn);
+        record.End = std::max(FloorToSecond(record.End), record.LogIn);
+        const Date last = parts_.Ledger.LastEnd(record.LineName);
+        // As long as time goes forward the others have ended before.
+        if (last == 0 || last >= record.LogIn) {
+            const RecordTime place = FindPlace({record.LogIn, record.End}, TimesOf(record.LineName));
+            record.LogIn = place.LogIn;
+            record.End = place.End;
+        }
+    }
+    parts_.Ledger.NoteEnd(record.LineName, record.End);
+}
+
+std::vector<RecordTime> Recorder::TimesOf(std::string_view lineName) const {
+    std::vector<RecordTime> times;
+    const auto take = [&](std::string_view text) {
+        const auto fields = ParseStatLine(text, parts_.UserLocale);
+        if (!fields || !EqualsNoCase(fields->LineName, lineName)) return;
+        times.push_back({fields->LogIn, RoundToSecond(fields->LogIn + fields->Duration)});
+    };
+    const std::filesystem::path path = parts_.DataFolder() / StatFileName;
+    if (std::filesystem::exists(path)) {
+        ReadLines(path, [&](std::string_view line) {
+            take(IsValidUtf8(line) ? std::string(line) : FromWindows1252(line));
+        });
+    }
+    for (const Waiting& waiting : waiting_)
+        take(std::string_view(waiting.Record.StatLine).substr(0, waiting.Record.StatLine.find('\r')));
+    return times;
 }
 
 std::string Recorder::InfoText(CloseReason reason) const {
@@ -81,6 +122,9 @@ std::string Recorder::InfoText(CloseReason reason) const {
     case CloseReason::SystemEnd: text = language.Lng("modStats", 3); break;
     case CloseReason::TaskManager: text = language.Lng("modStats", 4); break;
     case CloseReason::LineEnded: text = language.Lng("frmStatistik", 15); break;
+    case CloseReason::DayEnded: text = language.Lng("modStats", 6); break;
+    case CloseReason::Renamed: text = language.Lng("modStats", 7); break;
+    case CloseReason::Interrupted: text = language.Lng("modStats", 8); break;
     default: text = fmt::format("{} {}.", language.Lng("modStats", 5), static_cast<int>(reason)); break;
     }
     const Date now = parts_.Clock.Now();
@@ -88,40 +132,79 @@ std::string Recorder::InfoText(CloseReason reason) const {
            FormatPattern(now, parts_.UserLocale.Time) + " " + text;
 }
 
-std::string Recorder::StatLines(const std::vector<const LineRecord*>& lines, std::string_view info) const {
-    std::string text;
-    for (const LineRecord* line : lines) {
-        WriteStatRecord(text, {line->EntryName, line->LogIn, DurationOf(*line), line->BytesTransmitted,
-                               line->BytesReceived, info, line->User});
-    }
-    return text;
-}
-
-std::string Recorder::ExportLines(const std::vector<const LineRecord*>& lines, std::string_view info) const {
+std::string Recorder::ExportLine(const OpenConnection& record, std::string_view info) const {
     const Locale& locale = parts_.UserLocale;
     const auto date = [&](Date value) { return FormatDateGeneral(value, locale); };
     const auto number = [&](double value) { return NumberText(value, locale); };
-    std::string text;
-    for (const LineRecord* line : lines) {
-        const Date duration = DurationOf(*line);
-        const std::string row = fmt::format(
-            "{},{},{},{},{},{},{},{},{},{}", line->EntryName, date(line->LogIn), date(line->LogIn + duration),
-            date(duration), number(line->BytesTransmitted), number(line->BytesReceived),
-            number(line->BytesTransmitted + line->BytesReceived), line->User, line->IpAddress, info);
-        text.append(OneLine(row)).append(StatLineEnd);
-    }
-    return text;
+    const std::string row = fmt::format(
+        "{},{},{},{},{},{},{},{},{},{}", record.LineName, date(record.LogIn), date(record.End),
+        date(record.End - record.LogIn), number(record.BytesTransmitted), number(record.BytesReceived),
+        number(record.BytesTransmitted + record.BytesReceived), record.User, record.IpAddress, info);
+    return OneLine(row).append(StatLineEnd);
 }
 
-// Nothing is tried again; what could not be written is kept in the log.
-void Recorder::Append(std::string_view fileName, std::string_view header, const std::string& lines,
-                      Files::Flush flush) {
+// ---- on their way into the files
+
+std::vector<PendingRecord> Recorder::Pending() const {
+    std::vector<PendingRecord> pending;
+    for (const Waiting& waiting : waiting_)
+        pending.push_back(waiting.Record);
+    return pending;
+}
+
+void Recorder::TakeUp(const std::vector<PendingRecord>& pending) {
+    for (const PendingRecord& record : pending) {
+        Waiting waiting{record, IsAtEndOf(StatFileName, record.StatLine),
+                        IsAtEndOf(StatExportName, record.ExportLine)};
+        if (!waiting.InStatistics || !waiting.InExport) waiting_.push_back(std::move(waiting));
+    }
+}
+
+// No two records of a line are the same, so the text alone tells.
+bool Recorder::IsAtEndOf(std::string_view fileName, std::string_view line) const {
+    constexpr std::streamoff searched = 1 << 18; // many times what a run leaves behind
+    std::ifstream file(parts_.DataFolder() / fileName, std::ios::binary | std::ios::ate);
+    if (!file) return false;
+    const std::streamoff size = file.tellg();
+    file.seekg(std::max<std::streamoff>(size - searched, 0));
+    const std::string end{std::istreambuf_iterator<char>(file), {}};
+    return end.find(line) != std::string::npos;
+}
+
+void Recorder::WritePending() {
+    constexpr std::string_view procName = "SaveStatsLine";
+    parts_.Errors.Step(procName, [&] {
+        Append(StatFileName, "", &PendingRecord::StatLine, &Waiting::InStatistics, Files::Flush::Yes);
+    });
+    parts_.Errors.Step(procName, [&] {
+        Append(StatExportName, exportHeader, &PendingRecord::ExportLine, &Waiting::InExport,
+               Files::Flush::No);
+    });
+    for (Waiting& waiting : waiting_)
+        waiting.Told = true;
+    std::erase_if(waiting_, [](const Waiting& waiting) { return waiting.InStatistics && waiting.InExport; });
+}
+
+void Recorder::Append(std::string_view fileName, std::string_view header, std::string PendingRecord::*line,
+                      bool Waiting::*done, Files::Flush flush) {
+    std::string lines;
+    bool isNews = false;
+    for (const Waiting& waiting : waiting_) {
+        if (waiting.*done) continue;
+        lines += waiting.Record.*line;
+        isNews = isNews || !waiting.Told;
+    }
+    if (lines.empty()) return;
     const std::filesystem::path path = parts_.DataFolder() / fileName;
     const int error = parts_.Files.AppendLines(path, header, lines, StatLineEnd, flush);
-    if (error == 0) return;
+    if (error == 0) {
+        for (Waiting& waiting : waiting_)
+            waiting.*done = true;
+    }
+    if (error == 0 || !isNews) return;
     if (IsDenied(error)) parts_.Errors.WriteErrorLog("File locked: " + path.string(), logGroup);
-    for (const std::string_view line : Split(lines, '\n', lines.size())) {
-        if (!line.empty()) parts_.Errors.WriteErrorLog(line, logGroup);
+    for (const std::string_view text : Split(lines, '\n', lines.size())) {
+        if (!text.empty()) parts_.Errors.WriteErrorLog(text, logGroup);
     }
     if (!IsDenied(error)) throw std::system_error(error, std::generic_category(), path.string());
 }

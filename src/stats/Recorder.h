@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Files.h"
+#include "platform/Journal.h"
 #include "traffic/CloseReason.h"
 
 #include <filesystem>
@@ -12,18 +13,21 @@
 namespace korvalin {
 
 class Clock;
+class CounterLedger;
 class Errors;
 class Language;
 class RecordingLock;
-struct LineRecord;
 struct LineState;
 struct Locale;
+struct RecordTime;
 
-/// Writes ended connections to the statistics file and to its export, as the previous pass has left them.
+/// Makes records of connections that ended, and writes them to the statistics file and to its export. A
+/// record waits until both have it: the journal keeps it over a fault in between.
 class Recorder {
   public:
     struct Parts {
         const LineState& Lines;
+        CounterLedger& Ledger;
         korvalin::Files& Files;
         korvalin::Errors& Errors;
         korvalin::Language& Language;
@@ -31,27 +35,49 @@ class Recorder {
         korvalin::RecordingLock& RecordingLock;
         const Locale& UserLocale;
         std::function<std::filesystem::path()> DataFolder;
+        /// Told of each record when it is made, for the sums.
+        std::function<void(const OpenConnection& record)> Recorded;
     };
     explicit Recorder(Parts parts) : parts_(std::move(parts)) {}
 
     /// Becomes the one program that records into the data folder; false while another one is.
     bool TakeOver();
 
-    /// Records line `index`, or all of them (0). Lines that moved next to nothing
-    /// are left out. A line that cannot be written goes to the error log, and so does why. Does nothing while
-    /// another program records.
+    /// Makes records of the open part of line `index`, or of all lines (0), as the previous pass has left
+    /// them. Lines that moved next to nothing are left out.
     void SaveStatsLine(CloseReason reason, std::size_t index);
 
+    /// Makes a record of a connection. An adapter's gets whole seconds of one day, at a place where a load
+    /// takes it for no other record.
+    void Record(OpenConnection connection, CloseReason reason);
+
+    /// The records that are not in both files yet.
+    std::vector<PendingRecord> Pending() const;
+    bool HasPending() const { return !waiting_.empty(); }
+
+    /// Takes over what an earlier run has left, unless the files have it.
+    void TakeUp(const std::vector<PendingRecord>& pending);
+
+    /// Writes what waits. What cannot be written goes on waiting; it and the reason are in the error log.
+    void WritePending();
+
   private:
-    std::vector<const LineRecord*> LinesToRecord(std::size_t index) const;
-    double DurationOf(const LineRecord& line) const;
+    struct Waiting {
+        PendingRecord Record;
+        bool InStatistics = false;
+        bool InExport = false;
+        bool Told = false; ///< the log has it
+    };
+    void Settle(OpenConnection& connection) const;
+    std::vector<RecordTime> TimesOf(std::string_view lineName) const;
     std::string InfoText(CloseReason reason) const;
-    std::string StatLines(const std::vector<const LineRecord*>& lines, std::string_view info) const;
-    std::string ExportLines(const std::vector<const LineRecord*>& lines, std::string_view info) const;
-    void Append(std::string_view fileName, std::string_view header, const std::string& lines,
-                Files::Flush flush);
+    std::string ExportLine(const OpenConnection& record, std::string_view info) const;
+    bool IsAtEndOf(std::string_view fileName, std::string_view line) const;
+    void Append(std::string_view fileName, std::string_view header, std::string PendingRecord::*line,
+                bool Waiting::*done, Files::Flush flush);
 
     Parts parts_;
+    std::vector<Waiting> waiting_;
 };
 
 } // namespace korvalin

@@ -1,42 +1,65 @@
 #pragma once
 
 #include "platform/NetworkTables.h"
+#include "traffic/CounterLedger.h"
 #include "traffic/LineBook.h"
+#include "traffic/LineNames.h"
 
 namespace korvalin {
 
 /// Fills the line table from the active network adapters, packed from line 1 in the order of the interface
-/// table.
+/// table. Bytes that leave the machine are counted where they leave it: at adapters with hardware, at a bond
+/// instead of its ports; at others only while there is no hardware that is up, or when the user wants them.
 class LanReader {
   public:
-    LanReader(NetworkTables& network, LineState& state, LineBook& book, const TrafficOptions& options,
-              Errors& errors, Clock& clock);
+    LanReader(NetworkTables& network, LineState& state, LineBook& book, CounterLedger& ledger,
+              LineNames& names, const TrafficOptions& options, Errors& errors, Clock& clock);
 
     void Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines);
+
+    /// What adapters move while nobody follows them is a line's once one is followed, or nobody's.
+    enum class Unfollowed { Kept, Nobodys };
+    /// Looks at the adapters in a pass that follows none of them.
+    void Observe(Unfollowed bytes);
 
   private:
     template <typename F>
     void Step(F&& step);
-    bool ReadTable();
-    void ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted);
-    bool IsActive(const InterfaceRow& row) const;
     // When the table was read.
     struct Reading {
-        Date Time;
-        double Awake;
+        Date Time = 0;
+        double Awake = 0;
     };
-    void TakeSource(const InterfaceRow& row, LineRecord& line);
-    void FillLine(const InterfaceRow& row, const Reading& reading, LineRecord& line);
+    bool CarriesDialUp(std::uint32_t index) const;
+    bool ReadTable();
+    bool IsLeftOut(const InterfaceRow& row) const;
+    bool PassesThreshold(const InterfaceRow& row) const;
+    bool IsActive(const InterfaceRow& row) const;
+    const InterfaceRow* FindRow(std::uint32_t index) const;
+    LineRecord* FindOpen(std::uint32_t index, std::size_t slot);
+    void EndLines();
+    void EndRemoved(const InterfaceRow& row);
+    bool GoesOn(std::size_t i, const InterfaceRow* row);
+    void ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted);
+    LineRecord BeginLine(const InterfaceRow& row, const std::string& name);
+    void NameLine(const InterfaceRow& row, const std::string& name, LineRecord& line);
+    void ReadCounters(const InterfaceRow& row, LineRecord& line);
 
     NetworkTables& network_;
     LineState& state_;
     LineBook& book_;
+    CounterLedger& ledger_;
+    LineNames& names_;
     const TrafficOptions& options_;
     Errors& errors_;
     Clock& clock_;
-    std::vector<InterfaceRow> rows_; // kept for its storage
-    bool replaced_ = false;          // another adapter stands in a slot than in the pass before
-    int progress_ = 0;               // which step failed, for the report
+    std::vector<InterfaceRow> rows_;    // kept for its storage
+    std::vector<InterfaceRow> removed_; // since the pass before
+    Reading reading_;
+    bool hardwareIsUp_ = false;
+    bool atStart_ = true; // no table has been read before
+    bool ended_ = false;  // a connection has ended in this pass
+    int progress_ = 0;    // which step failed, for the report
 };
 
 } // namespace korvalin

@@ -18,30 +18,21 @@ LineBook::LineBook(LineState& state, Errors& errors, Clock& clock)
     hooks_.GetAlias = [](const std::string& entryName) { return entryName; };
     hooks_.SaveStatsLine = [](CloseReason, std::size_t) {};
     hooks_.ResizeRateHistory = [] {};
+    hooks_.PassEnded = [] {};
 }
 
-// False when the log-in time had to be set anew; the counters then have no past to compare with.
-bool LineBook::LogInIsPlausible(LineRecord& line) {
+// A connection that was up before this program saw it began earlier.
+void LineBook::CorrectLogIn(LineRecord& line) {
     const Date start = clock_.Now() - line.Duration;
     if (line.LogIn == 0) {
         line.LogIn = start - 2 * OneSecond;
-        return false;
-    }
-    if (line.LogIn > start) {
-        // The connection was up before this program saw it.
+    } else if (line.LogIn > start) {
         line.LogIn = start - 5 * OneSecond;
-        return false;
     }
-    return true;
 }
 
-void LineBook::CountWrap(const LineRecord& line, double raw, double last, std::int32_t& wraps,
-                         const char* maximumName, const char* currentName) {
-    if (raw >= last) return;
-    if (!line.Counts64Bits && last - halfCounterRange > raw) {
-        ++wraps;
-        return;
-    }
+void LineBook::LogDrop(const LineRecord& line, const char* maximumName, double last, const char* currentName,
+                       double raw) {
     const auto log = [&](const std::string& text) { errors_.WriteErrorLog(text, "Error CheckVolume"); };
     log("RAS_EntryName: " + line.EntryName);
     log(fmt::format("{}: {:.0f}", maximumName, last));
@@ -49,19 +40,28 @@ void LineBook::CountWrap(const LineRecord& line, double raw, double last, std::i
     log("RAS_ConnectDateTime: " + FormatDateIso(line.LogIn));
 }
 
+void LineBook::ContinueCounters(LineRecord& line) {
+    const auto advance = [&](double& bytes, double& last, std::int32_t& wraps, double& start,
+                             const char* maximumName, const char* currentName) {
+        const double raw = bytes;
+        if (raw < last && !line.Counts64Bits && last - halfCounterRange > raw) {
+            ++wraps;
+        } else if (raw < last) {
+            LogDrop(line, maximumName, last, currentName, raw);
+            if (line.Counts64Bits) start -= last;
+        }
+        last = raw;
+        bytes = wraps * counterRange + raw - start;
+    };
+    advance(line.BytesReceived, line.LastRawReceived, line.WrapsReceived, line.StartReceived, "MaxRcved",
+            "BytesRecvd");
+    advance(line.BytesTransmitted, line.LastRawTransmitted, line.WrapsTransmitted, line.StartTransmitted,
+            "MaxXmited", "BytesXmited");
+}
+
 void LineBook::CheckVolume(LineRecord& line) {
-    const double received = line.BytesReceived;
-    const double transmitted = line.BytesTransmitted;
-    errors_.Step("CheckVolume", [&] {
-        if (!LogInIsPlausible(line)) return;
-        CountWrap(line, received, line.LastRawReceived, line.WrapsReceived, "MaxRcved", "BytesRecvd");
-        CountWrap(line, transmitted, line.LastRawTransmitted, line.WrapsTransmitted, "MaxXmited",
-                  "BytesXmited");
-    });
-    line.LastRawReceived = received;
-    line.LastRawTransmitted = transmitted;
-    line.BytesReceived = line.WrapsReceived * counterRange + received;
-    line.BytesTransmitted = line.WrapsTransmitted * counterRange + transmitted;
+    errors_.Step("CheckVolume", [&] { CorrectLogIn(line); });
+    errors_.Step("CheckVolume", [&] { ContinueCounters(line); });
 }
 
 void LineBook::ResetLineSamples(TableFromOne<LineRecord>& lines) {
@@ -85,26 +85,46 @@ bool LineBook::AnyLineWasConnected() const {
                        [](const LineRecord& line) { return line.Connected; });
 }
 
+void LineBook::Divide(std::size_t line, CloseReason reason, Date partLogIn) {
+    hooks_.SaveStatsLine(reason, line);
+    const LineRecord& recorded = state_.PreviousLineTable(line);
+    const auto goOn = [&](LineRecord& part) {
+        part.RecordedReceived = recorded.BytesReceived;
+        part.RecordedTransmitted = recorded.BytesTransmitted;
+        part.PartLogIn = partLogIn;
+        part.PartEnd = 0;
+    };
+    for (LineRecord& current : state_.LineTable) {
+        if (current.CounterSource == recorded.CounterSource) goOn(current);
+    }
+    goOn(state_.PreviousLineTable(line));
+    ++state_.Changes;
+}
+
 void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::size_t newCount) {
-    std::unordered_set<std::string_view> adapters;
+    std::unordered_set<std::uint32_t> adapters;
     std::unordered_set<std::int32_t> handles;
     for (const LineRecord& line : lines) {
         if (!line.Connected) continue;
         if (line.IsRas) {
             handles.insert(line.Handle);
         } else {
-            adapters.insert(line.EntryName);
+            adapters.insert(line.CounterSource);
         }
     }
     const TableFromOne<LineRecord>& previous = state_.PreviousLineTable;
     TableFromOne<LineRecord> open;
-    for (std::size_t i = 1; i <= previous.Size() && i <= lines.Size(); ++i) {
+    for (std::size_t i = 1; i <= previous.Size(); ++i) {
         const LineRecord& line = previous(i);
-        const bool goesOn = line.IsRas ? handles.contains(line.Handle) : adapters.contains(line.EntryName);
+        const bool goesOn =
+            line.IsRas ? handles.contains(line.Handle) : adapters.contains(line.CounterSource);
         if (line.Connected && goesOn) open.Append(line);
         if (line.Connected && !goesOn) hooks_.SaveStatsLine(CloseReason::LineEnded, i);
-        if (!lines(i).Connected) lines(i) = LineRecord();
     }
+    for (LineRecord& line : lines) {
+        if (!line.Connected) line = LineRecord();
+    }
+    ++state_.Changes;
     // Should the program end before the next pass, these are still to be recorded.
     open.Resize(std::max<std::size_t>(newCount, 1));
     state_.PreviousLineTable = newCount > 0 ? std::move(open) : TableFromOne<LineRecord>(1);
@@ -115,6 +135,13 @@ void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::siz
         state_.AnyLineConnected = false;
         lines = TableFromOne<LineRecord>(1);
     }
+}
+
+void LineBook::ForgetLines() {
+    state_.LineTable = state_.PreviousLineTable = TableFromOne<LineRecord>(1);
+    state_.LineCount = 0;
+    state_.AnyLineConnected = false;
+    ++state_.Changes;
 }
 
 void LineBook::GrowTo(TableFromOne<LineRecord>& lines, std::size_t count) {

@@ -7,7 +7,8 @@
 namespace korvalin {
 
 LineMonitor::LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan,
-                         const TrafficOptions& options, Internet& internet, User& user, Errors& errors)
+                         const TrafficOptions& options, Internet& internet, User& user, Clock& clock,
+                         Errors& errors)
     : state_(state),
       book_(book),
       ras_(ras),
@@ -15,23 +16,39 @@ LineMonitor::LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanRe
       options_(options),
       internet_(internet),
       user_(user),
+      clock_(clock),
       errors_(errors) {}
 
 void LineMonitor::Get_Bytes_Transmitted() {
-    const auto step = [&](auto&& work) { errors_.Step("Get_Bytes_Transmitted", work); };
+    Pass();
+    book_.TellPassEnded();
+}
+
+void LineMonitor::Pass() {
+    const auto step = [&](auto&& work) { static_cast<void>(errors_.Step("Get_Bytes_Transmitted", work)); };
     step([&] { TakeSnapshot(); });
+    step([&] { DivideAtMidnight(); });
     state_.AnyLineConnected = false;
     step([&] { book_.ResetLineSamples(state_.LineTable); });
     if (!firstPassDone_) step([&] { state_.RasInstalled = IsRasInstalled(internet_); });
     firstPassDone_ = true;
     if (state_.MonitoredLineType.empty() || state_.LineCount == 0) step([&] { DetermineLineType(); });
-    if (state_.MonitoredLineType == "LAN" && options_.LanProt) {
-        step([&] { lan_.Get_Bytes_Transmitted_LAN(state_.LineTable); });
-    } else if (state_.MonitoredLineType == "RAS") {
+    const bool isLan = state_.MonitoredLineType == "LAN";
+    const bool isRas = state_.MonitoredLineType == "RAS";
+    if (isLan && options_.LanProt) return step([&] { lan_.Get_Bytes_Transmitted_LAN(state_.LineTable); });
+    if (isRas) {
         step([&] { ras_.Get_Bytes_Transmitted_RAS(state_.LineTable); });
     } else {
         step([&] { CloseLines(); });
     }
+    // What carries a dial-up line, or is not wanted, is nobody's; without a route it is the coming line's.
+    step(
+        [&] { lan_.Observe(isRas || isLan ? LanReader::Unfollowed::Nobodys : LanReader::Unfollowed::Kept); });
+}
+
+void LineMonitor::TakeLastReading() {
+    Pass();
+    TakeSnapshot();
 }
 
 // Nobody looks after the lines of the previous pass any more, as when the last route has gone: they have
@@ -42,12 +59,12 @@ void LineMonitor::CloseLines() {
 
 void LineMonitor::TakeSnapshot() {
     state_.PreviousLineTable = TableFromOne<LineRecord>(std::max<std::size_t>(state_.LineCount, 1));
+    state_.User = user_.Name();
     if (state_.LineCount == 0) return;
-    const std::string user = user_.Name();
     for (std::size_t i = 1; i <= state_.LineCount; ++i) {
         LineRecord& previous = state_.PreviousLineTable(i);
         if (state_.LineTable(i).Connected) previous = state_.LineTable(i);
-        if (previous.User.empty()) previous.User = user;
+        if (previous.User.empty()) previous.User = state_.User;
     }
 }
 
@@ -61,13 +78,41 @@ void LineMonitor::DetermineLineType() {
     if ((connected.Flags & InternetConnectionLan) != 0) state_.MonitoredLineType = "LAN";
 }
 
-void LineMonitor::ShiftMoments(Date days) {
-    state_.ProgramStart += days;
-    for (auto* table : {&state_.LineTable, &state_.PreviousLineTable}) {
-        for (LineRecord& line : *table) {
-            if (line.LogIn != 0) line.LogIn += days;
-        }
+bool LineMonitor::IsDivided(const LineRecord& line) const {
+    return line.Connected &&
+           (options_.Split == SplitDays::All || (options_.Split == SplitDays::Adapters && !line.IsRas));
+}
+
+// A suspend may lie between the last reading and this one: the parts belong to the days of their readings.
+void LineMonitor::DivideAtMidnight() {
+    const Date today = DayOf(clock_.Now());
+    for (std::size_t i = 1; i <= state_.PreviousLineTable.Size(); ++i) {
+        LineRecord& line = state_.PreviousLineTable(i);
+        if (!IsDivided(line) || DayOf(line.SampleTime) == today) continue;
+        line.PartEnd = EndOfDay(line.SampleTime);
+        book_.Divide(i, CloseReason::DayEnded, today);
     }
+}
+
+void LineMonitor::ShiftMoments(Date days) {
+    const Date now = clock_.Now();
+    TakeSnapshot();
+    for (std::size_t i = 1; i <= state_.PreviousLineTable.Size(); ++i) {
+        const LineRecord& line = state_.PreviousLineTable(i);
+        if (IsDivided(line) && DayOf(line.SampleTime) != DayOf(now))
+            book_.Divide(i, CloseReason::DayEnded, now - days);
+    }
+    state_.ProgramStart += days;
+    for (LineRecord& line : state_.LineTable) {
+        for (Date* moment : {&line.LogIn, &line.UpSince, &line.PartLogIn, &line.SampleTime}) {
+            if (*moment != 0) *moment += days;
+        }
+        if (!IsDivided(line)) continue;
+        // What was today's stays today's.
+        line.PartLogIn = std::max(OpenPartOf(line).LogIn, DayOf(now));
+        line.SampleTime = std::max(line.SampleTime, DayOf(now));
+    }
+    TakeSnapshot();
 }
 
 } // namespace korvalin

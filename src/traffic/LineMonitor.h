@@ -12,17 +12,25 @@ class User;
 class LineMonitor {
   public:
     LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan,
-                const TrafficOptions& options, Internet& internet, User& user, Errors& errors);
+                const TrafficOptions& options, Internet& internet, User& user, Clock& clock, Errors& errors);
 
     /// One pass; called at the start of every update.
     void Get_Bytes_Transmitted();
 
+    /// One more pass, after which PreviousLineTable holds what it has read: what is recorded when the program
+    /// ends.
+    void TakeLastReading();
+
     /// The wall clock was set by `days`: moves every moment remembered here with it, so that durations stay
-    /// true.
+    /// true. Connections that find themselves in another day are recorded up to here, with the moments of the
+    /// clock before.
     void ShiftMoments(Date days);
 
   private:
+    void Pass();
     void TakeSnapshot();
+    bool IsDivided(const LineRecord& line) const;
+    void DivideAtMidnight();
     void DetermineLineType();
     void CloseLines();
 
@@ -33,6 +41,7 @@ class LineMonitor {
     const TrafficOptions& options_;
     Internet& internet_;
     User& user_;
+    Clock& clock_;
     Errors& errors_;
     bool firstPassDone_ = false;
 };

@@ -6,8 +6,17 @@ namespace korvalin {
 
 LinePart OpenPartOf(const LineRecord& line) {
     const Date logIn = line.PartLogIn != 0 ? line.PartLogIn : line.LogIn;
-    return {logIn, std::max(logIn, line.LogIn + line.Duration), line.BytesReceived - line.RecordedReceived,
+    Date end = line.LogIn + line.Duration;
+    if (line.SampleTime != 0) end = std::min(end, line.SampleTime);
+    if (line.PartEnd != 0) end = line.PartEnd;
+    return {logIn, std::max(logIn, end), line.BytesReceived - line.RecordedReceived,
             line.BytesTransmitted - line.RecordedTransmitted};
+}
+
+OpenConnection ConnectionOf(const LineRecord& line) {
+    const LinePart part = OpenPartOf(line);
+    return {line.EntryName,        part.LogIn, part.End,       part.BytesReceived,
+            part.BytesTransmitted, line.User,  line.IpAddress, line.IsRas};
 }
 
 } // namespace korvalin

@@ -2,6 +2,7 @@
 
 #include "base/Date.h"
 #include "base/TableFromOne.h"
+#include "platform/Journal.h"
 
 #include <cstdint>
 #include <string>
@@ -18,6 +19,8 @@ struct LineRecord {
     double StartTransmitted = 0;
     double RecordedReceived = 0; ///< of the connection's bytes, those that records hold already
     double RecordedTransmitted = 0;
+    double UnseenReceived = 0; ///< adapters: moved before the connection was seen, so not within its time
+    double UnseenTransmitted = 0;
     std::string User; ///< filled in the snapshot of the previous pass only
     double SampleTimer =
         0; ///< seconds since midnight at this pass, later seconds on the continuous time base
@@ -27,7 +30,9 @@ struct LineRecord {
     double LastRawReceived = 0; ///< as the system reported it at the previous pass
     double LastRawTransmitted = 0;
     Date LogIn = 0;     ///< 0 = not yet known
+    Date UpSince = 0;   ///< adapters: from when on the duration counts
     Date PartLogIn = 0; ///< when the part began that is not recorded yet; 0 = LogIn
+    Date PartEnd = 0;   ///< when that part ended; 0 = it goes on
     bool Connected = false;
     bool Counts64Bits = false; ///< the system's counters of this line never wrap
     std::uint32_t CounterSource =
@@ -60,6 +65,9 @@ struct LinePart {
 };
 LinePart OpenPartOf(const LineRecord& line);
 
+/// The same with all that a record of it needs.
+OpenConnection ConnectionOf(const LineRecord& line);
+
 /// What the traffic readers know, one for the whole program. Lines count from 1.
 struct LineState {
     /// The current pass; never empty.
@@ -76,14 +84,25 @@ struct LineState {
     /// Last discrepancy recorded between the measured online time and the one RAS reports.
     Date LogInShift = 0;
     Date ProgramStart = 0;
+    std::string User; ///< who runs the program
     std::uint32_t LastCounterSource = 0;
+    /// Grows whenever a line begins, ends or is divided.
+    std::uint32_t Changes = 0;
 };
+
+/// Which connections are recorded in parts that end with the day.
+enum class SplitDays { None = 0, Adapters = 1, All = 2 };
 
 /// The settings that the readers follow.
 struct TrafficOptions {
     bool LanProt = true;
     /// An adapter counts as active when it has received more bytes than this.
     std::int32_t LanActive = 100;
+    /// A wireless adapter's line is named after its network.
+    bool LanByNetwork = true;
+    /// Adapters without hardware are followed beside those with it.
+    bool LanVirtual = false;
+    SplitDays Split = SplitDays::Adapters;
 };
 
 } // namespace korvalin

@@ -11,12 +11,13 @@
 
 namespace korvalin {
 
-RasReader::RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, Settings& settings,
-                     Errors& errors, Clock& clock)
+RasReader::RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book,
+                     CounterLedger& ledger, Settings& settings, Errors& errors, Clock& clock)
     : ras_(ras),
       network_(network),
       state_(state),
       book_(book),
+      ledger_(ledger),
       settings_(settings),
       errors_(errors),
       clock_(clock) {}
@@ -44,7 +45,9 @@ void RasReader::Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines) {
     for (std::size_t i = 1; i <= count && i <= lines.Size(); ++i) {
         Step([&] { ReadConnection(connections[i - 1], i, lines(i)); });
     }
+    carriedOn_.clear();
     Step([&] { CloseEndedLines(lines, count); });
+    atStart_ = false;
 }
 
 std::vector<RasConnection> RasReader::Enumerate() {
@@ -77,10 +80,7 @@ void RasReader::ReadConnection(const RasConnection& connection, std::size_t i, L
     line.SampleTime = now;
     line.SampleTimer = SecondsOfDay(now);
     line.SampleAwake = clock_.AwakeSeconds();
-    if (line.LogIn == 0) {
-        line.LogIn = now - OneSecond;
-        line.CounterSource = ++state_.LastCounterSource;
-    }
+    if (line.LogIn == 0) BeginLine(connection, statistics, line);
     line.DeviceName = Trim(connection.DeviceName);
     line.EntryName = Trim(connection.EntryName);
     line.LineName = book_.GetAlias(line.EntryName);
@@ -91,7 +91,39 @@ void RasReader::ReadConnection(const RasConnection& connection, std::size_t i, L
     line.Bps = statistics.Bps;
     MeasureDuration(line, statistics);
     book_.CheckVolume(line);
+    line.Index = statistics.InterfaceIndex;
+    if (line.Index != 0)
+        ledger_.Set(line.Index,
+                    {connection.DeviceName, statistics.RawReceived, statistics.RawTransmitted, now});
     ReadTcpStatistics();
+}
+
+void RasReader::BeginLine(const RasConnection& connection, const RasStatistics& statistics,
+                          LineRecord& line) {
+    const auto carried = std::find_if(carriedOn_.begin(), carriedOn_.end(), [&](const LineRecord& candidate) {
+        return candidate.Handle == connection.Handle;
+    });
+    if (carried != carriedOn_.end()) {
+        line = *carried;
+        line.Connected = line.IsRas = true;
+        return;
+    }
+    line.LogIn = clock_.Now() - OneSecond;
+    line.User = state_.User;
+    line.CounterSource = ++state_.LastCounterSource;
+    ++state_.Changes;
+    const std::uint32_t index = statistics.InterfaceIndex;
+    if (const auto earlier = ledger_.TakeDialUp(index, Trim(connection.EntryName))) {
+        // Open already when the last run ended: it goes on as it was then.
+        line.LogIn = earlier->Open->LogIn;
+        line.StartReceived = static_cast<double>(earlier->Received) - earlier->Open->BytesReceived;
+        line.StartTransmitted = static_cast<double>(earlier->Transmitted) - earlier->Open->BytesTransmitted;
+    } else if (atStart_ && statistics.BytesReceived == statistics.RawReceived) {
+        // Up before the program, and told with all that its interface has ever counted: an earlier
+        // connection's bytes are accounted for.
+        line.StartReceived = static_cast<double>(ledger_.Of(index).Received);
+        line.StartTransmitted = static_cast<double>(ledger_.Of(index).Transmitted);
+    }
 }
 
 // The online duration is the larger of what RAS reports and the time since log-in.
@@ -113,6 +145,10 @@ void RasReader::MeasureDuration(LineRecord& line, const RasStatistics& statistic
 
 void RasReader::CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count) {
     const bool fewer = count < state_.LineCount && book_.AnyLineWasConnected();
+    if (lineSetChanged_) {
+        std::copy_if(lines.begin(), lines.end(), std::back_inserter(carriedOn_),
+                     [](const LineRecord& line) { return line.Connected; });
+    }
     if (fewer || lineSetChanged_) book_.RecordClosedConnections(lines, lineSetChanged_ ? 0 : count);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Ras.h"
+#include "traffic/CounterLedger.h"
 #include "traffic/LineBook.h"
 
 #include <functional>
@@ -13,8 +14,8 @@ class Settings;
 /// Fills the line table from the active dial-up connections.
 class RasReader {
   public:
-    RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, Settings& settings,
-              Errors& errors, Clock& clock);
+    RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, CounterLedger& ledger,
+              Settings& settings, Errors& errors, Clock& clock);
 
     /// One pass. After one failure the reader stays off until the program is started again.
     void Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines);
@@ -26,6 +27,7 @@ class RasReader {
     bool Step(const std::function<void()>& step);
     std::vector<RasConnection> Enumerate();
     void ReadConnection(const RasConnection& connection, std::size_t i, LineRecord& line);
+    void BeginLine(const RasConnection& connection, const RasStatistics& statistics, LineRecord& line);
     void MeasureDuration(LineRecord& line, const RasStatistics& statistics);
     void CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count);
 
@@ -33,10 +35,14 @@ class RasReader {
     NetworkTables& network_;
     LineState& state_;
     LineBook& book_;
+    CounterLedger& ledger_;
     Settings& settings_;
     Errors& errors_;
     Clock& clock_;
     bool lineSetChanged_ = false;
+    // Connections that go on although the table was cleared, until the next pass finds them again.
+    std::vector<LineRecord> carriedOn_;
+    bool atStart_ = true; // no connection has been looked for before
 };
 
 } // namespace korvalin

@@ -22,7 +22,7 @@ class FakeJournal : public Journal {
     }
     bool Save(const std::filesystem::path&, const JournalPicture& picture, Durability durability) override {
         if (Fails) return false;
-        KnowsMachine = true;
+        KnowsMachine = SameBoot = true;
         Kept = picture;
         if (durability == Durability::Medium) {
             OnMedium = picture;

@@ -14,12 +14,14 @@ class RecorderTest : public StatsFixture {
   protected:
     RecorderTest() {
         WriteTexts("GER\tmodStats\t2\tbeendet\nGER\tmodStats\t3\tabgemeldet\nGER\tmodStats\t4\tTask-Manager\n"
-                   "GER\tmodStats\t5\tGrund\nGER\tfrmStatistik\t15\tGetrennt\n");
+                   "GER\tmodStats\t5\tGrund\n"
+                   "GER\tmodStats\t6\tTag\nGER\tmodStats\t7\tName\nGER\tmodStats\t8\tUnterbrochen\nGER\tfrmSt"
+                   "atistik\t15\tGetrennt\n");
         settings.SetReg("Language", std::string("GER"));
         EXPECT_TRUE(language.InitProgramTexts());
         book.Plug({[](const std::string& entry) { return "alias of " + entry; },
                    [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
-                   [] {}});
+                   [] {}, [this] { recorder.WritePending(); }});
         lines.PreviousLineTable = TableFromOne<LineRecord>();
         lines.LineCount = 0;
     }
@@ -38,11 +40,11 @@ class RecorderTest : public StatsFixture {
     std::string Export() const { return folder.Read("Korvalin_Stats.csv"); }
     // The names of the recorded lines, in order.
     std::string Recorded() const {
-        std::string names;
+        std::string found;
         std::istringstream file(Stats());
         for (std::string line; std::getline(file, line);)
-            names += line.substr(1, line.find('"', 1) - 1) + " ";
-        return names;
+            found += line.substr(1, line.find('"', 1) - 1) + " ";
+        return found;
     }
     // The error log without times.
     std::string LogEntries() const {
@@ -53,18 +55,24 @@ class RecorderTest : public StatsFixture {
         return entries;
     }
 
-    Recorder recorder{
-        {lines, files, errors, language, clock, recordingLock, locale, [this] { return folder.Path(); }}};
+    void Save(CloseReason reason, std::size_t index) {
+        recorder.SaveStatsLine(reason, index);
+        recorder.WritePending();
+    }
+
+    Recorder recorder{{lines, ledger, files, errors, language, clock, recordingLock, locale,
+                       [this] { return folder.Path(); }, [](const OpenConnection&) {}}};
 };
 
 TEST_F(RecorderTest, TellsWhyARecordWasWritten) {
-    AddLine("eth0", clock.Now(), OneSecond, 1);
-    const std::pair<int, const char*> rows[] = {{0, "beendet"},      {1, "beendet"},   {2, "abgemeldet"},
-                                                {3, "Task-Manager"}, {10, "Getrennt"}, {7, "Grund 7."}};
+    AddLine("ISP", clock.Now(), OneSecond, 1).IsRas = true;
+    const std::pair<int, const char*> rows[] = {{0, "beendet"},      {1, "beendet"},       {2, "abgemeldet"},
+                                                {3, "Task-Manager"}, {10, "Getrennt"},     {11, "Tag"},
+                                                {12, "Name"},        {13, "Unterbrochen"}, {7, "Grund 7."}};
     for (const auto& [reason, text] : rows) {
         std::filesystem::remove(folder / "Korvalin_Stats.db");
-        recorder.SaveStatsLine(static_cast<CloseReason>(reason), 1);
-        EXPECT_EQ(Stats(), "\"eth0\",#2024-03-15 12:00:00#,#00:00:01#,700,1,\"2024-03-15 12:00:00 " +
+        Save(static_cast<CloseReason>(reason), 1);
+        EXPECT_EQ(Stats(), "\"ISP\",#2024-03-15 12:00:00#,#00:00:01#,700,1,\"2024-03-15 12:00:00 " +
                                std::string(text) + "\",\"alice\"\r\n");
     }
 }
@@ -72,8 +80,10 @@ TEST_F(RecorderTest, TellsWhyARecordWasWritten) {
 TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
     AddLine("Büro", At("2024-03-15 11:48:00"), At("00:12:00"), 5'000'000).IpAddress = "192.0.2.7";
     AddLine("a,\"b\"", At("2024-03-14"), At("1899-12-31 01:00:00"), 1e13);
+    for (LineRecord& line : lines.PreviousLineTable)
+        line.IsRas = true;
     locale.ShortDate = "dd.mm.yyyy";
-    recorder.SaveStatsLine(CloseReason::SystemEnd, 0);
+    Save(CloseReason::SystemEnd, 0);
     EXPECT_EQ(Stats(), "\"Büro\",#2024-03-15 11:48:00#,#00:12:00#,700,5000000,"
                        "\"15.03.2024 12:00:00 abgemeldet\",\"alice\"\r\n"
                        "\"a,'b'\",#2024-03-14#,#1899-12-31 01:00:00#,700,10000000000000,"
@@ -87,23 +97,61 @@ TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
     EXPECT_EQ(Export(), german);
     locale.ShortDate = "m/d/yyyy";
     locale.Time = "h:nn:ss AMPM";
-    recorder.SaveStatsLine(CloseReason::SystemEnd, 1);
+    Save(CloseReason::SystemEnd, 1);
     EXPECT_EQ(Export(), german + "Büro,3/15/2024 11:48:00 AM,3/15/2024 12:00:00 PM,12:12:00 AM,700,5000000,"
                                  "5000700,alice,192.0.2.7,3/15/2024 12:00:00 PM abgemeldet\r\n");
     EXPECT_EQ(Load(Stats()), 2) << "both are read back, the first one's copies as one";
 }
 
-TEST_F(RecorderTest, LeavesOutWhatHardlyMovedAndGivesTheRestADuration) {
+TEST_F(RecorderTest, LeavesOutDialUpLinesThatHardlyMovedAndGivesTheRestADuration) {
     lines.ProgramStart = clock.Now() - 90 * OneSecond;
     AddLine("few", clock.Now(), 0, 1000);
     AddLine("short", clock.Now(), OneSecond, 0);
     AddLine("loud", clock.Now(), 0, 1001);
-    recorder.SaveStatsLine(CloseReason::LineEnded, 1);
-    EXPECT_EQ(Stats() + Export(), "");
-    recorder.SaveStatsLine(CloseReason::Program, 0);
+    for (LineRecord& line : lines.PreviousLineTable)
+        line.IsRas = true;
+    Save(CloseReason::Program, 0);
     EXPECT_EQ(Recorded(), "short loud ");
     EXPECT_NE(Stats().find("\"loud\",#2024-03-15 12:00:00#,#00:01:30#,"), std::string::npos);
     EXPECT_NE(Export().find("loud,2024-03-15 12:00:00,2024-03-15 12:01:30,00:01:30,"), std::string::npos);
+}
+
+TEST_F(RecorderTest, AnAdaptersRecordStandsInItsDayBesideTheOthersOfItsLine) {
+    struct {
+        const char* Case;
+        const char *LogIn, *Duration, *Expected;
+    } const rows[] = {
+        {"within the last one", "10:30:00", "00:45:00", "#2024-03-15 10:30:00#,#00:45:00#"},
+        {"begins with it", "10:00:20", "02:00:00", "#2024-03-15 10:01:00#,#01:59:20#"},
+        {"at its end", "11:00:00", "00:10:00", "#2024-03-15 11:00:00#,#00:10:00#"},
+        {"short, at the same time", "10:00:00", "00:00:00", "#2024-03-15 09:59:59#,#00:00:00#"},
+    };
+    for (const auto& row : rows) {
+        folder.Write("Korvalin_Stats.db", Line("ETH0", "10:00:00", "01:00:00"));
+        AddLine("eth0", At(std::string("2024-03-15 ") + row.LogIn), At(row.Duration), 5);
+        Save(CloseReason::LineEnded, lines.LineCount);
+        EXPECT_NE(Stats().find(row.Expected), std::string::npos) << row.Case << "\n" << Stats();
+        EXPECT_EQ(Load(Stats()), 2) << row.Case;
+    }
+}
+
+TEST_F(RecorderTest, WhatAFaultHasHeldUpIsWrittenOnce) {
+    AddLine("eth0", At("2024-03-15 11:00:00"), At("01:00:00"), 5);
+    recorder.SaveStatsLine(CloseReason::LineEnded, 1);
+    const std::vector<PendingRecord> left = recorder.Pending();
+    ASSERT_EQ(left.size(), 1U);
+    const auto next = [&] {
+        Recorder another{{lines, ledger, files, errors, language, clock, recordingLock, locale,
+                          [this] { return folder.Path(); }, [](const OpenConnection&) {}}};
+        another.TakeUp(left);
+        another.WritePending();
+    };
+    next();
+    EXPECT_EQ(Recorded(), "eth0 ");
+    std::filesystem::remove(folder / "Korvalin_Stats.csv");
+    next();
+    EXPECT_EQ(Recorded(), "eth0 ") << "the file has it";
+    EXPECT_NE(Export().find("\r\neth0,"), std::string::npos) << "its copy was missing";
 }
 
 TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLog) {
@@ -121,23 +169,32 @@ TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLog) {
     } const rows[] = {{EAGAIN, true}, {EACCES, true},  {EPERM, true},
                       {EROFS, true},  {ENOSPC, false}, {EIO, false}};
     for (const auto& row : rows) {
+        files.DurableResult = 0;
+        recorder.WritePending();
         std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
+        std::filesystem::remove(folder / "Korvalin_Stats.db");
         files.DurableResult = row.Error;
-        recorder.SaveStatsLine(CloseReason::LineEnded, 1);
+        Save(CloseReason::LineEnded, 1);
         EXPECT_EQ(LogEntries(), (row.Denied ? locked("Korvalin_Stats.db") : "") + stat +
                                     (row.Denied ? locked("Korvalin_Stats.csv") : "") + exported);
         int reports = 0;
         for (const std::string& text : TakeBoxes())
             reports += text.find("SaveStatsLine") != std::string::npos ? 1 : 0;
         EXPECT_EQ(reports, row.Denied ? 0 : 2) << row.Error;
+        const std::string told = Log();
+        recorder.WritePending();
+        EXPECT_EQ(Log(), told) << "told once";
     }
+    files.DurableResult = 0;
+    recorder.WritePending();
+    EXPECT_EQ(Recorded(), "eth0 ") << "written when it can be";
 }
 
 TEST_F(RecorderTest, DoesNothingWhileAnotherProgramRecords) {
     AddLine("eth0", clock.Now(), OneSecond, 1);
     recordingLock.AnotherRecords = true;
     EXPECT_FALSE(recorder.TakeOver());
-    recorder.SaveStatsLine(CloseReason::Program, 0);
+    Save(CloseReason::Program, 0);
     EXPECT_EQ(Stats() + Export() + Log(), "");
 }
 
@@ -160,14 +217,14 @@ TEST_F(RecorderTest, EachEndedLineIsRecordedOnce) {
     network.Rows.erase(network.Rows.begin());
     Pass();
     EXPECT_EQ(Recorded(), "eth0 ") << "eth1 has moved up";
-    recorder.SaveStatsLine(CloseReason::Program, 0);
+    Save(CloseReason::Program, 0);
     EXPECT_EQ(Recorded(), "eth0 eth1 ") << "closed within the same second";
 
     start({"eth0", "eth1"});
     network.Rows[0].Description = "usb0";
     Pass();
     EXPECT_EQ(Recorded(), "eth0 ") << "replaced";
-    recorder.SaveStatsLine(CloseReason::Program, 0);
+    Save(CloseReason::Program, 0);
     EXPECT_EQ(Recorded(), "eth0 eth1 ");
 }
 

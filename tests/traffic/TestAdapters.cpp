@@ -1,5 +1,7 @@
 #include "TrafficFixture.h"
 
+#include <fmt/format.h>
+
 using namespace korvalin;
 
 namespace {
@@ -17,7 +19,6 @@ TEST_F(Adapters, ThoseAboveTheThresholdArePackedFromLineOne) {
     EXPECT_EQ(lines.LineTable(2).EntryName, "tun0");
     EXPECT_EQ(lines.LineTable(2).LineName, "<tun0>");
     EXPECT_EQ(lines.LineTable(2).BytesReceived, 5000);
-    EXPECT_EQ(lines.LineTable(2).StartTransmitted, 60);
     EXPECT_TRUE(lines.AnyLineConnected);
     EXPECT_EQ(historyResizes, 1) << "line 1 has room from the beginning";
 }
@@ -30,7 +31,7 @@ TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
         bool Logged;
     } const rows[] = {{false, 4294967000, 1000, 4294967296.0 + 1000, false},
                       {false, 3000000, 1000000, 1000000, true},
-                      {true, 4294967000, 1000, 1000, true},
+                      {true, 4294967000, 1000, 4294967000.0 + 1000, true},
                       {false, 2147483648 + 500, 499, 4294967296.0 + 499, false},
                       {false, 2147483648 + 500, 500, 500, true}};
     for (const auto& row : rows) {
@@ -48,56 +49,84 @@ TEST_F(Adapters, CountersContinueBeyond32BitsWhereTheSystemCountsIn32) {
     }
 }
 
-TEST_F(Adapters, OneThatGoesTogetherWithTheLastRouteIsRecorded) {
+TEST_F(Adapters, LinesAreFollowedWithoutARouteToo) {
     network.Add("eth0", 1000, 0);
     Pass();
-    Pass();
+    internet.State = {false, 0};
     network.Add("eth1", 2000, 0);
     Pass();
-    EXPECT_EQ(lines.MonitoredLineType, "") << "grown: the type is decided again at the next pass";
+    EXPECT_EQ(lines.LineCount, 2U);
     network.Rows.clear();
-    internet.State = {false, 0};
     Pass();
-    ASSERT_EQ(closed.size(), 2U);
-    EXPECT_EQ(closed[1].EntryName, "eth1");
+    EXPECT_EQ(closed.size(), 2U);
     EXPECT_EQ(lines.LineCount, 0U);
     Pass();
     EXPECT_EQ(closed.size(), 2U) << "once";
 }
 
-TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastState) {
+TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastCounters) {
+    using Rows = std::vector<InterfaceRow>;
     const auto disconnected = OperationalStatus::Disconnected;
     struct {
         const char* Case;
-        std::function<void(std::vector<InterfaceRow>&)> Change;
+        std::function<void(Rows&)> Change;
         std::string Ended, Open;
     } const rows[] = {
-        {"the first drops out, the others move up", [](auto& r) { r.erase(r.begin()); }, "a", "bc"},
-        {"the last drops out", [](auto& r) { r.pop_back(); }, "c", "ab"},
-        {"the middle one loses its carrier", [&](auto& r) { r[1].OperStatus = disconnected; }, "b", "ac"},
-        {"one is replaced by another", [](auto& r) { r[2].Description = "d"; }, "c", "ab"},
-        {"a new one comes before them", [](auto& r) { r.insert(r.begin(), r[0])->Description = "n"; }, "",
-         "abc"},
-        {"the table cannot be read", [&](auto&) { network.Result = 5; }, "abc", ""},
+        {"the first drops out, the others move up", [](Rows& r) { r.erase(r.begin()); }, "a5000", "bc"},
+        {"the last drops out", [](Rows& r) { r.pop_back(); }, "c5000", "ab"},
+        {"the middle one loses its carrier",
+         [&](Rows& r) {
+             r[1].OperStatus = disconnected;
+             r[1].InOctets += 7;
+         },
+         "b5007", "ac"},
+        {"one is taken out and told with its last counters",
+         [&](Rows& r) {
+             network.Removed = {r[0]};
+             network.Removed[0].InOctets += 9;
+             r.erase(r.begin());
+         },
+         "a5009", "bc"},
+        {"one is made anew",
+         [&](Rows& r) {
+             network.Removed = {r[2]};
+             r[2].Index += 10;
+             r[2].InOctets = 300;
+         },
+         "c5000", "abc"},
+        {"one comes and goes between two looks",
+         [&](Rows& r) {
+             network.Removed = {r[0]};
+             network.Removed[0].Index = 99;
+             network.Removed[0].Description = "d";
+         },
+         "d5000", "abc"},
+        {"one is renamed", [](Rows& r) { r[1].Description = "x"; }, "b5000", "axc"},
+        {"hardware comes up where there was none",
+         [](Rows& r) {
+             for (InterfaceRow& row : r)
+                 row.HasHardware = row.Description == "b";
+         },
+         "a5000c5000", "b"},
+        {"one becomes a port of a bond", [](Rows& r) { r[0].IsPort = true; }, "a5000", "bc"},
+        {"the table cannot be read", [&](Rows&) { network.Result = 5; }, "a5000b5000c5000", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Case);
         network.Rows.clear();
         for (const char* name : {"a", "b", "c"})
-            network.Add(name, 5000, 0);
+            network.Add(name, 5000, 0).HasHardware = false;
         Pass();
         Pass();
         closed.clear();
         row.Change(network.Rows);
         Pass();
-        std::string names;
-        for (const Closed& line : closed) {
-            names += line.EntryName;
-            EXPECT_EQ(line.BytesReceived, 5000);
-        }
-        EXPECT_EQ(names, row.Ended);
-        std::string open; // should the program end now
-        for (const LineRecord& line : lines.PreviousLineTable)
+        std::string recorded;
+        for (const Closed& line : closed)
+            recorded += fmt::format("{}{:.0f}", line.EntryName, line.BytesReceived);
+        EXPECT_EQ(recorded, row.Ended);
+        std::string open;
+        for (const LineRecord& line : lines.LineTable)
             open += line.EntryName;
         EXPECT_EQ(open, row.Open);
         network.Rows.clear();
@@ -107,6 +136,28 @@ TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastState) {
     }
 }
 
+TEST_F(Adapters, AWirelessLineIsNamedAfterItsNetwork) {
+    ras.Entries = {{"Phone", {}}};
+    network.Add("wlan0", 5000, 0);
+    network.Add("eth0", 5000, 0);
+    struct {
+        std::string Network;
+        bool ByNetwork;
+        std::string Expected;
+    } const rows[] = {{"Home", true, "Home"},         {"", true, "wlan0"},
+                      {"ETH0", true, "ETH0 (wlan0)"}, {"phone", true, "phone (wlan0)"},
+                      {"Home", false, "wlan0"},       {"Home", true, "Home"}};
+    for (const auto& row : rows) {
+        networks.Names["wlan0"] = row.Network;
+        options.LanByNetwork = row.ByNetwork;
+        Pass();
+        EXPECT_EQ(lines.LineTable(1).EntryName, row.Expected);
+        EXPECT_EQ(lines.LineTable(1).DeviceName, "wlan0");
+        EXPECT_EQ(lines.LineTable(2).EntryName, "eth0");
+    }
+    EXPECT_EQ(closed.size(), std::size(rows) - 1) << "each network is a line of its own";
+}
+
 TEST_F(Adapters, AFailingReaderNamesItsProgress) {
     network.Throws = true;
     Pass();
@@ -114,18 +165,41 @@ TEST_F(Adapters, AFailingReaderNamesItsProgress) {
               std::string::npos);
 }
 
-TEST_F(Adapters, TheSlotOfARenamedOrReplacedAdapterCountsAsAnotherSource) {
+TEST_F(Adapters, TheSlotOfAReplacedAdapterCountsAsAnotherSource) {
     network.Add("eth0", 1000, 0);
     Pass();
     const std::uint32_t before = lines.LineTable(1).CounterSource;
+    network.Rows[0].Description = "lan0";
     Pass();
-    EXPECT_EQ(lines.LineTable(1).CounterSource, before);
-    network.Rows[0] = {7, IfTypeEthernet, OperationalStatus::Operational, 99'000, 40, true, "lan0", ""};
+    EXPECT_EQ(lines.LineTable(1).CounterSource, before) << "a new name, the same counters";
+    network.Rows[0] = {7, IfTypeEthernet, OperationalStatus::Operational, 900, 40, true, "lan0", ""};
     Pass();
     EXPECT_NE(lines.LineTable(1).CounterSource, before);
-    EXPECT_EQ(lines.LineTable(1).StartReceived, 99'000) << "averages count from here";
-    EXPECT_EQ(lines.LineTable(1).WrapsReceived, 0);
+    EXPECT_EQ(lines.LineTable(1).BytesReceived, 900) << "all that the new one has counted";
     EXPECT_EQ(Log(), "") << "a smaller counter of another adapter is no drop";
+}
+
+TEST_F(Adapters, AConnectionCountsFromWhereNobodyHasCountedYet) {
+    network.Add("eth0", 5000, 70);
+    const JournalFound never;
+    JournalFound known{true, true, {}};
+    known.Picture.Entries = {{1, "eth0", 4000, 60, 0, {}}};
+    JournalFound booted = known;
+    booted.SameBoot = false;
+    JournalFound ahead = known;
+    ahead.Picture.Entries[0].Received = 6000;
+    const std::tuple<JournalFound, double, double> rows[] = {
+        {never, 0, 0}, {known, 1000, 10}, {booted, 5000, 70}, {ahead, 5000, 10}};
+    for (const auto& [found, received, transmitted] : rows) {
+        ledger.Begin(found);
+        book.ForgetLines();
+        Pass();
+        EXPECT_EQ(lines.LineTable(1).BytesReceived, received);
+        EXPECT_EQ(lines.LineTable(1).BytesTransmitted, transmitted);
+    }
+    network.Add("eth1", 300, 0);
+    Pass();
+    EXPECT_EQ(lines.LineTable(2).BytesReceived, 300) << "it came while the program ran";
 }
 
 TEST_F(Adapters, LogInMovesWithAWallClockThatIsSet) {

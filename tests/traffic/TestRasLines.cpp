@@ -32,7 +32,7 @@ TEST_F(RasLines, TheTypeFollowsTheFlags) {
     for (const auto& row : rows) {
         internet.State = {row.Flags != 0, row.Flags};
         LineState state;
-        LineMonitor fresh{state, book, rasReader, lanReader, options, internet, user, errors};
+        LineMonitor fresh{state, book, rasReader, lanReader, options, internet, user, clock, errors};
         fresh.Get_Bytes_Transmitted();
         EXPECT_EQ(state.MonitoredLineType, row.Expected) << row.Flags;
     }

@@ -18,11 +18,11 @@ class TrafficFixture : public CoreFixture {
         lines.ProgramStart = clock.Now();
         book.Plug({[](const std::string& entry) { return "<" + entry + ">"; },
                    [this](CloseReason reason, std::size_t line) {
-                       EXPECT_EQ(reason, CloseReason::LineEnded);
+                       EXPECT_TRUE(reason == CloseReason::LineEnded || reason == CloseReason::Renamed);
                        const LineRecord& last = lines.PreviousLineTable(line);
                        closed.push_back({line, last.EntryName, last.BytesReceived});
                    },
-                   [this] { ++historyResizes; }});
+                   [this] { ++historyResizes; }, [] {}});
     }
 
     void Pass(double secondsLater = 1) {
@@ -33,9 +33,11 @@ class TrafficFixture : public CoreFixture {
     LineState lines;
     TrafficOptions options;
     LineBook book{lines, errors, clock};
-    RasReader rasReader{ras, network, lines, book, settings, errors, clock};
-    LanReader lanReader{network, lines, book, options, errors, clock};
-    LineMonitor monitor{lines, book, rasReader, lanReader, options, internet, user, errors};
+    CounterLedger ledger;
+    LineNames names{networks, ras, options};
+    RasReader rasReader{ras, network, lines, book, ledger, settings, errors, clock};
+    LanReader lanReader{network, lines, book, ledger, names, options, errors, clock};
+    LineMonitor monitor{lines, book, rasReader, lanReader, options, internet, user, clock, errors};
     std::vector<Closed> closed;
     int historyResizes = 0;
 };

@@ -180,6 +180,8 @@ void NetworkManagerLines::Follow(NMClient* client, NetworkManagerLine& line) {
     const InterfaceBytes own = earlier_.Without(line.Counters.Index(), line.Raw);
     line.Statistics.BytesReceived = own.Received;
     line.Statistics.BytesTransmitted = own.Transmitted;
+    line.Statistics.RawReceived = raw->Received;
+    line.Statistics.RawTransmitted = raw->Transmitted;
     const double seconds = std::max(clock_.BootSeconds() - line.UpSince, 0.0);
     line.Statistics.ConnectDurationMilliseconds = static_cast<std::uint64_t>(seconds * 1000);
 }

@@ -1,0 +1,137 @@
+#include "stats/JournalKeeper.h"
+
+#include "errors/Errors.h"
+#include "platform/Clock.h"
+#include "stats/Recorder.h"
+#include "traffic/LineMonitor.h"
+
+namespace korvalin {
+namespace {
+
+constexpr double secondsBetweenSaves = 60;
+// A journal that is only busy can be written by then; records do not wait longer for one that is broken.
+constexpr double mostSecondsWithoutJournal = 60;
+
+} // namespace
+
+bool JournalKeeper::Start() {
+    records_ = parts_.Recorder.TakeOver();
+    const std::filesystem::path folder = parts_.DataFolder();
+    const JournalFound found = records_ ? parts_.Journal.Load(folder) : parts_.Journal.Look(folder);
+    parts_.Ledger.Begin(found);
+    started_ = false;
+    if (!records_) return false;
+    parts_.Recorder.TakeUp(found.Picture.Pending);
+    std::vector<JournalEntry> ended = found.Picture.Entries;
+    // A dial-up line may still be up: the first pass tells.
+    if (found.SameBoot)
+        std::erase_if(ended, [](const JournalEntry& entry) { return entry.Open && entry.Open->IsRas; });
+    RecordInterrupted(ended);
+    if (parts_.Recorder.HasPending()) Write(false);
+    return true;
+}
+
+void JournalKeeper::RecordInterrupted(const std::vector<JournalEntry>& entries) {
+    for (const JournalEntry& entry : entries) {
+        if (entry.Open && !entry.Open->Recorded)
+            parts_.Recorder.Record(*entry.Open, CloseReason::Interrupted);
+    }
+}
+
+void JournalKeeper::PassEnded() {
+    if (!records_) {
+        // The other program has counted these lines up to its end; from there they begin anew.
+        if (parts_.Recorder.TakeOver() && Start()) parts_.Book.ForgetLines();
+        return;
+    }
+    if (!started_) RecordInterrupted(parts_.Ledger.TakeDialUps());
+    const bool changed = !started_ || parts_.Lines.Changes != savedChanges_;
+    started_ = true;
+    if (changed || failingSince_ >= 0 || parts_.Clock.AwakeSeconds() >= nextSave_) {
+        Write(false);
+    } else {
+        Note();
+    }
+}
+
+void JournalKeeper::RecordOpenLines(CloseReason reason) {
+    parts_.Monitor.TakeLastReading();
+    if (!records_) return;
+    if (!started_) RecordInterrupted(parts_.Ledger.TakeDialUps());
+    parts_.Recorder.SaveStatsLine(reason, 0);
+    KeepDialUps();
+    parts_.Book.ForgetLines();
+    Write(true);
+    recordedDialUps_.clear();
+}
+
+// They may be up at the next start, which then knows where they began.
+void JournalKeeper::KeepDialUps() {
+    for (const LineRecord& line : parts_.Lines.LineTable) {
+        if (!line.Connected || !line.IsRas || line.Index == 0) continue;
+        recordedDialUps_.push_back(EntryOf(line));
+        recordedDialUps_.back().Open->Recorded = true;
+    }
+}
+
+// ---- the journal
+
+JournalEntry JournalKeeper::EntryOf(const LineRecord& line) const {
+    const CounterLedger::Account account = parts_.Ledger.Of(line.Index);
+    return {line.Index,          account.Adapter, account.Received,
+            account.Transmitted, account.ReadAt,  ConnectionOf(line)};
+}
+
+JournalPicture JournalKeeper::Picture() const {
+    std::map<std::uint32_t, JournalEntry> entries;
+    for (const auto& [index, account] : parts_.Ledger.Accounts())
+        entries[index] = {index, account.Adapter, account.Received, account.Transmitted, account.ReadAt, {}};
+    for (const JournalEntry& entry : parts_.Ledger.DialUps())
+        entries[entry.Index] = entry;
+    for (const JournalEntry& entry : recordedDialUps_)
+        entries[entry.Index] = entry;
+    for (const LineRecord& line : parts_.Lines.LineTable) {
+        if (line.Connected && line.Index != 0) entries[line.Index] = EntryOf(line);
+    }
+    JournalPicture picture{{}, parts_.Recorder.Pending(), parts_.Ledger.LastEnds()};
+    for (auto& [index, entry] : entries)
+        picture.Entries.push_back(std::move(entry));
+    return picture;
+}
+
+bool JournalKeeper::Save(Journal::Durability durability) {
+    return parts_.Journal.Save(parts_.DataFolder(), Picture(), durability);
+}
+
+void JournalKeeper::Write(bool evenWithoutJournal) {
+    const double now = parts_.Clock.AwakeSeconds();
+    if (Save(Journal::Durability::Medium)) {
+        failingSince_ = -1;
+        savedChanges_ = parts_.Lines.Changes;
+        nextSave_ = now + secondsBetweenSaves;
+    } else {
+        if (failingSince_ < 0) {
+            failingSince_ = now;
+            parts_.Errors.WriteErrorLog("The journal of the counters cannot be written.", "SaveStats");
+        }
+        if (!evenWithoutJournal && now - failingSince_ < mostSecondsWithoutJournal) return;
+    }
+    if (!parts_.Recorder.HasPending()) return;
+    parts_.Recorder.WritePending();
+    // Once more, but not onto the medium: after a power loss the files themselves tell what they have.
+    static_cast<void>(Save(Journal::Durability::Process));
+}
+
+void JournalKeeper::Note() const {
+    std::vector<JournalNote> notes;
+    for (const LineRecord& line : parts_.Lines.LineTable) {
+        if (!line.Connected || line.Index == 0) continue;
+        const CounterLedger::Account account = parts_.Ledger.Of(line.Index);
+        const LinePart part = OpenPartOf(line);
+        notes.push_back({line.Index, account.Received, account.Transmitted, account.ReadAt,
+                         part.BytesReceived, part.BytesTransmitted, part.End});
+    }
+    parts_.Journal.Note(notes);
+}
+
+} // namespace korvalin

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/Journal.h"
+#include "traffic/CloseReason.h"
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+namespace korvalin {
+
+class Clock;
+class CounterLedger;
+class Errors;
+class LineBook;
+class LineMonitor;
+class Recorder;
+struct LineRecord;
+struct LineState;
+
+/// Keeps the journal of the program that records: what it is up to date about survives a kill, and all but
+/// the last minute a power loss. A record goes into the journal together with the accounts that it settles,
+/// then into the statistics, so that each byte is in one of them and in no two.
+class JournalKeeper {
+  public:
+    struct Parts {
+        korvalin::Journal& Journal;
+        korvalin::Recorder& Recorder;
+        CounterLedger& Ledger;
+        const LineState& Lines;
+        LineBook& Book;
+        LineMonitor& Monitor;
+        korvalin::Clock& Clock;
+        korvalin::Errors& Errors;
+        std::function<std::filesystem::path()> DataFolder;
+    };
+    explicit JournalKeeper(Parts parts) : parts_(std::move(parts)) {}
+
+    /// Takes up what the last run has left, before the first pass: records what it could not. False while
+    /// another program records; its accounts are then only looked at.
+    bool Start();
+
+    /// After every pass: writes what has changed, once a minute what has been counted.
+    void PassEnded();
+
+    /// Reads the lines once more and records all that are open. They are no lines any more then.
+    void RecordOpenLines(CloseReason reason);
+
+  private:
+    JournalPicture Picture() const;
+    bool Save(Journal::Durability durability);
+    void Write(bool evenWithoutJournal);
+    void Note() const;
+    void RecordInterrupted(const std::vector<JournalEntry>& entries);
+    void KeepDialUps();
+    JournalEntry EntryOf(const LineRecord& line) const;
+
+    Parts parts_;
+    bool records_ = false;
+    bool started_ = false; // at least one pass has been made
+    std::uint32_t savedChanges_ = 0;
+    double nextSave_ = 0;      // seconds awake
+    double failingSince_ = -1; // seconds awake; below 0: the journal can be written
+    std::vector<JournalEntry> recordedDialUps_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,49 @@
+#include "traffic/LineNames.h"
+
+#include "base/Text.h"
+#include "platform/Networks.h"
+#include "platform/Ras.h"
+
+#include <algorithm>
+
+namespace korvalin {
+
+const std::string& LineNames::NameOf(const InterfaceRow& row, const std::vector<InterfaceRow>& rows) {
+    // Only hardware is on a network of the user's; asking for each of a thousand containers would cost.
+    std::string network;
+    if (options_.LanByNetwork && row.HasHardware) network = Trim(networks_.NetworkOf(row.Description));
+    if (named_.size() > rows.size()) ForgetGone(rows);
+    Named& named = named_[row.Index];
+    if (named.Adapter == row.Description && named.Network == network && !named.Name.empty())
+        return named.Name;
+    named = {row.Description, network, network.empty() ? std::string(Trim(row.Description)) : network};
+    if (!network.empty() && IsTaken(network, rows)) named.Name += " (" + row.Description + ")";
+    return named.Name;
+}
+
+std::string LineNames::NameOfRemoved(const InterfaceRow& row) const {
+    const auto named = named_.find(row.Index);
+    return named != named_.end() ? named->second.Name : std::string(Trim(row.Description));
+}
+
+void LineNames::ForgetGone(const std::vector<InterfaceRow>& rows) {
+    std::erase_if(named_, [&](const auto& named) {
+        return std::none_of(rows.begin(), rows.end(),
+                            [&](const InterfaceRow& row) { return row.Index == named.first; });
+    });
+}
+
+bool LineNames::IsTaken(const std::string& name, const std::vector<InterfaceRow>& rows) {
+    const auto isIt = [&](std::string_view other) { return EqualsNoCase(other, name); };
+    if (std::any_of(rows.begin(), rows.end(), [&](const InterfaceRow& row) { return isIt(row.Description); }))
+        return true;
+    std::vector<std::string> entries;
+    std::uint32_t count = 0;
+    if (ras_.EnumEntries(entries, count) == ErrorBufferTooSmall) {
+        entries.resize(count);
+        if (ras_.EnumEntries(entries, count) != 0) return false;
+    }
+    return std::any_of(entries.begin(), entries.end(), isIt);
+}
+
+} // namespace korvalin
