@@ -12,6 +12,13 @@ namespace {
 constexpr std::size_t longestName = 16;
 constexpr std::size_t earliestCut = 12;
 
+// Behind the samples of the newest one's connection begins what another adapter has left in the line's slot,
+// or nothing.
+bool EndsCurve(const HistorySample& sample, const HistorySample& newest) {
+    return sample.T == 0 || (newest.CounterSource != 0 && sample.CounterSource != 0 &&
+                             sample.CounterSource != newest.CounterSource);
+}
+
 // Where a sample stands, counted in samples from the left edge; below 1 it is out of sight.
 double Position(const HistorySample& sample, double newestTime, std::size_t visible) {
     return RoundToEven(static_cast<double>(visible) - (newestTime - sample.T));
@@ -32,12 +39,11 @@ double RoundUpToStep(double maximum, std::int32_t unitFactor) {
 
 double LargestRate(const RateHistory& history, std::size_t line, const InfoTexts& texts,
                    std::size_t visible) {
-    const std::size_t newest = history.Samples();
-    const double newestTime = history.At(newest, line).T;
+    const HistorySample& newest = history.At(history.Samples(), line);
     float largest = 0;
-    for (std::size_t n = newest; n >= 1; --n) {
+    for (std::size_t n = history.Samples(); n >= 1; --n) {
         const HistorySample& sample = history.At(n, line);
-        if (sample.T == 0 || Position(sample, newestTime, visible) < 1) break;
+        if (EndsCurve(sample, newest) || Position(sample, newest.T, visible) < 1) break;
         for (std::size_t slot = 0; slot < RateSlots; ++slot) {
             if (texts.LineDLShow[slot]) largest = std::max(largest, sample.RateDL[slot]);
             if (texts.LineULShow[slot]) largest = std::max(largest, sample.RateUL[slot]);
@@ -82,12 +88,11 @@ std::string LineLabel(const LineState& lines, const InfoTexts& texts, std::strin
 void CurvePoints(const RateHistory& history, std::size_t line, std::size_t slot, Direction direction,
                  std::size_t visible, double clip, std::vector<ChartPoint>& points) {
     points.clear();
-    const std::size_t newest = history.Samples();
-    const double newestTime = history.At(newest, line).T;
-    for (std::size_t n = newest; n >= 1; --n) {
+    const HistorySample& newest = history.At(history.Samples(), line);
+    for (std::size_t n = history.Samples(); n >= 1; --n) {
         const HistorySample& sample = history.At(n, line);
-        if (sample.T == 0) break;
-        const double x = Position(sample, newestTime, visible);
+        if (EndsCurve(sample, newest)) break;
+        const double x = Position(sample, newest.T, visible);
         if (x < 1) break;
         const float rate = direction == Direction::Received ? sample.RateDL[slot] : sample.RateUL[slot];
         points.push_back({x, std::min<double>(rate, clip)});

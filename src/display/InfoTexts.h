@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Date.h"
 #include "display/HistorySample.h"
 
 #include <array>
@@ -39,6 +38,7 @@ struct InfoTexts {
     int ConnDataMax = 240;         ///< samples of history
     int Opacity = 255;
     int ChartLineNo = 0;                          ///< the line in the chart; 0 = not yet read
+    std::string ChartLineName;                    ///< its name: when it moves or comes back the chart follows
     int ChartMax = 100;                           ///< fixed scale in thousands of bytes per second
     int ChartMinMax = 5;                          ///< floor of the scale in thousands of bytes per second
     std::int32_t ChartBackgroundColor = 15323561; ///< red + 256 green + 65536 blue, as all colours here
@@ -60,7 +60,6 @@ struct InfoTexts {
     std::string VolumeUnitText = "MB";
     std::int32_t KBFactor = 0; ///< bytes per rate unit; 0 = the program-wide one
     std::int32_t MBFactor = 0;
-    Date LanStartTime = 0; ///< when monitoring of adapters began
 
     // Texts
     std::string CaptionText;

@@ -63,16 +63,11 @@ void LiveTexts::FillOffline(InfoTexts& texts) const {
 void LiveTexts::FillAverages(InfoTexts& texts, const LineRecord& line) const {
     double received = 0;
     double transmitted = 0;
-    if (lines_.AnyLineConnected) {
-        const double seconds = line.IsRas ? units_.SecondsSince(line.Duration, false)
-                                          : units_.SecondsSince(texts.LanStartTime, true);
-        if (seconds > 0) {
-            // An adapter has counted since the system's start, not only since this program's.
-            // One that was reset since counts from below its start.
-            received = std::max(line.BytesReceived - (line.IsRas ? 0 : line.StartReceived), 0.0) / seconds;
-            transmitted =
-                std::max(line.BytesTransmitted - (line.IsRas ? 0 : line.StartTransmitted), 0.0) / seconds;
-        }
+    // What an adapter had moved before it was seen took longer than its online time.
+    const double seconds = lines_.AnyLineConnected ? units_.SecondsSince(line.Duration, false) : 0;
+    if (seconds > 0) {
+        received = (line.BytesReceived - line.UnseenReceived) / seconds;
+        transmitted = (line.BytesTransmitted - line.UnseenTransmitted) / seconds;
     }
     texts.AvgDLText = units_.FormatKB(received, texts.KBFactor, "0.0");
     texts.AvgULText = units_.FormatKB(transmitted, texts.KBFactor, "0.0");

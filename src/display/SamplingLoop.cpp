@@ -92,9 +92,8 @@ void SamplingLoop::Get_TransferedData() {
     const FlagGuard busy(updateBusy_);
     FollowWallClock();
     if (!timeBase_) timeBase_ = SecondsOfDay(clock_.Now()) - clock_.AwakeSeconds();
-    if (texts_.ChartLineNo == 0) texts_.ChartLineNo = std::max(settings_.GetNumber("ChartLineNo"), 1);
-
     monitor_.Get_Bytes_Transmitted();
+    FollowChartLine();
     HandleOnlineChange(RefreshMenus());
     for (std::size_t line = 1; line <= lines_.LineCount; ++line)
         AppendSample(line);
@@ -105,12 +104,25 @@ void SamplingLoop::Get_TransferedData() {
     window_->ShowCaption();
 }
 
+// The line in the chart is the one of that name, wherever it stands; while it is gone another one stands in.
+void SamplingLoop::FollowChartLine() {
+    if (texts_.ChartLineNo == 0) {
+        texts_.ChartLineNo = std::max(settings_.GetNumber("ChartLineNo"), 1);
+        texts_.ChartLineName = settings_.GetText("ChartLineName");
+    }
+    for (std::size_t line = 1; line <= lines_.LineCount; ++line) {
+        const std::string& name = lines_.LineTable(line).EntryName;
+        const auto number = static_cast<int>(line);
+        if (texts_.ChartLineName.empty() && number == texts_.ChartLineNo) texts_.ChartLineName = name;
+        if (!name.empty() && name == texts_.ChartLineName) texts_.ChartLineNo = number;
+    }
+}
+
 void SamplingLoop::FollowWallClock() {
     const Date step = watch_.TakeStep();
     if (step == 0) return;
     monitor_.ShiftMoments(step);
     errors_.ShiftMoments(step);
-    texts_.LanStartTime += step;
     if (updateCheckPending_) nextUpdateCheck_ += step;
 }
 
@@ -148,8 +160,9 @@ void SamplingLoop::AppendSample(std::size_t line) {
     HistorySample& newest = history_.Append(line, record.SampleTimer);
     if (!record.Connected) return;
     newest.CounterSource = record.CounterSource;
-    newest.Received = record.BytesReceived;
-    newest.Transmitted = record.BytesTransmitted;
+    // The system's counters: a connection's own begin at 0, which no rate is measured from.
+    newest.Received = record.StartReceived + record.BytesReceived;
+    newest.Transmitted = record.StartTransmitted + record.BytesTransmitted;
     history_.ComputeRates(line);
 }
 

@@ -83,6 +83,7 @@ class SamplingLoop {
 
   private:
     void FollowWallClock();
+    void FollowChartLine();
     void CheckForUpdate();
     void WatchScreenSize();
     void WatchWindowPosition();

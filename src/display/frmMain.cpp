@@ -304,8 +304,10 @@ void frmMain::SetOpacity(int alpha) {
 
 void frmMain::mnuLines_Click(std::size_t line) {
     parts_.Info.ChartLineNo = static_cast<int>(line);
+    parts_.Info.ChartLineName = parts_.Lines.LineTable(line).EntryName;
     linesMenu_.Check(line);
     parts_.Setting.SetReg("ChartLineNo", parts_.Info.ChartLineNo);
+    parts_.Setting.SetReg("ChartLineName", parts_.Info.ChartLineName);
     DrawChart(false);
 }
 

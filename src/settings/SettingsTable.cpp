@@ -127,6 +127,7 @@ constexpr SettingRow settingRows[] = {
     {"UpdateLast",           date},
     {"UpdateNext",           date},
 
+    {"ChartLineName",        text},
     {"DataPath",             text},
     {"FirewallPassword",     text},
     {"FirewallUser",         text},

@@ -49,10 +49,10 @@ void SettingsApplier::TakeOver(const SettingsRecord& chosen) {
     InfoTexts& live = parts_.Display;
     // These are no matter of the dialog and may have changed since it was opened.
     const int chartLine = live.ChartLineNo;
-    const Date lanStart = live.LanStartTime;
+    const std::string chartLineName = live.ChartLineName;
     live = chosen.Display;
     live.ChartLineNo = chartLine;
-    live.LanStartTime = lanStart;
+    live.ChartLineName = chartLineName;
     parts_.Traffic = chosen.Traffic;
 }
 
@@ -72,6 +72,8 @@ void SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
 void SettingsApplier::ApplyTraffic(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
     settings.SetReg("LANProt", parts_.Traffic.LanProt);
+    settings.SetReg("LANByNetwork", parts_.Traffic.LanByNetwork);
+    settings.SetReg("LANVirtual", parts_.Traffic.LanVirtual);
     const std::string typed = WithoutGrouping(entered.LanActive, parts_.UserLocale);
     parts_.Traffic.LanActive = std::get<std::int32_t>(settings.GetRegValidate("LANActive", typed));
     settings.SetReg("LANActive", parts_.Traffic.LanActive);

@@ -196,13 +196,16 @@ std::string frmEinstellungen::Grouped(int value) const {
 void frmEinstellungen::LoadConnection() {
     const auto enable = [this](bool enabled) {
         for (QWidget* control :
-             {static_cast<QWidget*>(ui_->boxProgRunTime), static_cast<QWidget*>(ui_->cboLANactive),
+             {static_cast<QWidget*>(ui_->boxLANByNetwork), static_cast<QWidget*>(ui_->boxLANVirtual),
+              static_cast<QWidget*>(ui_->boxProgRunTime), static_cast<QWidget*>(ui_->cboLANactive),
               static_cast<QWidget*>(ui_->lblLANactive), static_cast<QWidget*>(ui_->lblLANByte)})
             control->setEnabled(enabled);
     };
     connect(ui_->boxLANProt, &QCheckBox::toggled, this, enable);
     ui_->boxLANProt->setChecked(record_.Traffic.LanProt);
     enable(record_.Traffic.LanProt);
+    ui_->boxLANByNetwork->setChecked(record_.Traffic.LanByNetwork);
+    ui_->boxLANVirtual->setChecked(record_.Traffic.LanVirtual);
     ui_->boxProgRunTime->setChecked(record_.Display.ShowDuration);
     FillCombo(*ui_->cboLANactive, LanActiveChoices(), [this](int value) { return Grouped(value); });
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
@@ -329,6 +332,10 @@ void frmEinstellungen::Connect() {
 
 void frmEinstellungen::ConnectConnection() {
     connect(ui_->boxLANProt, &QCheckBox::toggled, this, [this](bool on) { record_.Traffic.LanProt = on; });
+    connect(ui_->boxLANByNetwork, &QCheckBox::toggled, this,
+            [this](bool on) { record_.Traffic.LanByNetwork = on; });
+    connect(ui_->boxLANVirtual, &QCheckBox::toggled, this,
+            [this](bool on) { record_.Traffic.LanVirtual = on; });
     connect(ui_->boxProgRunTime, &QCheckBox::toggled, this, [this](bool on) {
         record_.Display.ShowDuration = on;
         DrawPreview();

@@ -99,7 +99,6 @@ void Program::LoadRecords() {
     if (lines.ProgramStart == 0) {
         samplingLoop.RestartClockWatch();
         lines.ProgramStart = ports_.Clock.Now();
-        infoTexts.LanStartTime = lines.ProgramStart;
     }
     errors.Step("LoadUserVar", [this] { LoadDisplaySettings(settings, units, infoTexts); });
     errors.Step("LoadUserVar", [this] { LoadTrafficOptions(settings, trafficOptions); });

@@ -50,6 +50,19 @@ TEST_F(Curves, TheLargestRateCountsOnlyWhatIsShownAndVisible) {
     EXPECT_EQ(LargestRate(history, 1, texts, 100), 7);
 }
 
+TEST_F(Curves, WhatAnotherAdapterHasLeftInTheSlotIsNeitherShownNorScaledTo) {
+    Fill({900, 800, 700});
+    for (std::size_t i = 1; i <= 4; ++i) {
+        HistorySample& sample = history.Append(1, 1010.0 + static_cast<double>(i));
+        sample.CounterSource = i < 3 ? 1 : 2;
+        sample.RateDL[0] = static_cast<float>(i);
+    }
+    InfoTexts texts;
+    texts.LineDLShow[0] = true;
+    EXPECT_EQ(LargestRate(history, 1, texts, 100), 4);
+    EXPECT_EQ(Points(60).size(), 2U);
+}
+
 TEST_F(Curves, TheNewestStandsAtTheRightEdgeAndTimeStampsPlaceTheRest) {
     Fill({10, 20, 30});
     history.Append(1, 1010).RateDL[0] = 40; // eight seconds without a sample

@@ -18,7 +18,6 @@ class LiveTextsTest : public CoreFixture {
         EXPECT_TRUE(language.InitProgramTexts());
         texts.LineIndex = 1;
         texts.SampleIndex = 10;
-        texts.LanStartTime = clock.Now();
         clock.Advance(100);
         lines.LineCount = 1;
         lines.MonitoredLineType = "LAN";
@@ -27,7 +26,7 @@ class LiveTextsTest : public CoreFixture {
         line.LineName = line.EntryName = "eth0";
         line.Connected = true;
         line.BytesReceived = 5'500'000;
-        line.StartReceived = 500'000;
+        line.UnseenReceived = 500'000;
         line.BytesTransmitted = 1'250'000;
         line.Duration = 100 * OneSecond;
         HistorySample& sample = history.Append(1, 1);
@@ -57,7 +56,7 @@ TEST_F(LiveTextsTest, WithoutALineEverythingIsZeroAndOffline) {
 TEST_F(LiveTextsTest, RatesAveragesAndVolumesOfAnAdapter) {
     live.FillInfoStrings(texts);
     EXPECT_EQ(texts.RateDLText, "12.3");
-    EXPECT_EQ(texts.AvgDLText, "50.0") << "only what came since the program started, by its seconds";
+    EXPECT_EQ(texts.AvgDLText, "50.0") << "only what came while it was seen";
     EXPECT_EQ(texts.AvgULText, "12.5");
     EXPECT_EQ(texts.VolumeTotalText, "6.8");
     EXPECT_EQ(texts.CaptionText, "Korvalin  t22 1.0 12.3 KB  ");

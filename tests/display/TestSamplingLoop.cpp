@@ -35,7 +35,7 @@ class Sampling : public TrafficFixture {
         texts.LineDLShow[0] = true;
         history = RateHistory(240, 1);
         book.Plug({[](const std::string& entry) { return entry; }, [](CloseReason, std::size_t) {},
-                   [this] { loop.ResizeRateHistory(); }});
+                   [this] { loop.ResizeRateHistory(); }, [] {}});
         loop.Attach(&window);
         network.Add("eth0", 1000, 500);
     }
@@ -192,6 +192,33 @@ TEST_F(Sampling, AWiderChartRaisesTheHistory) {
     texts.ConnDataMax = 700;
     loop.ResizeRateHistory();
     EXPECT_EQ(history.Samples(), 700U);
+}
+
+TEST_F(Sampling, TheChartFollowsItsLineByName) {
+    settings.SetReg("ChartLineNo", 2);
+    network.Add("eth1", 2000, 0);
+    network.Add("eth2", 3000, 0);
+    struct {
+        const char* Case;
+        std::function<void(std::vector<InterfaceRow>&)> Change;
+        int Expected;
+    } const rows[] = {
+        {"the number alone is known", [](auto&) {}, 2},
+        {"the one before it goes", [](auto& r) { r.erase(r.begin()); }, 1},
+        {"it goes itself", [](auto& r) { r.erase(r.begin()); }, 1},
+        {"it comes back behind another",
+         [](auto& r) {
+             r.push_back({9, IfTypeEthernet, OperationalStatus::Operational, 2000, 0, true, "eth1", "", true});
+         },
+         2},
+    };
+    for (const auto& row : rows) {
+        row.Change(network.Rows);
+        clock.Advance(1.1);
+        loop.TimerMain_Timer();
+        EXPECT_EQ(texts.ChartLineNo, row.Expected) << row.Case;
+    }
+    EXPECT_EQ(texts.ChartLineName, "eth1");
 }
 
 } // namespace

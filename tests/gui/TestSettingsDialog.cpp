@@ -139,6 +139,8 @@ std::vector<Change> Changes() {
         {"tvAllg", "boxProgRunTime", "", "False", "ProgRunTime", "False"},
         {"tvAllg", "cboLANactive", "1.000", "1,000", "LANActive", "1000"},
         {"tvAllg", "boxLANProt", "", "False", "LANProt", "False"},
+        {"tvAllg", "boxLANByNetwork", "", "False", "LANByNetwork", "False"},
+        {"tvAllg", "boxLANVirtual", "", "True", "LANVirtual", "True"},
         {"tvDarst", "boxChartUseMax", "", "True", "ChartUseMax", "True"},
         {"tvDarst", "txtChartMax", "250", "250", "ChartMax", "250"},
         {"tvDarst", "txtChartMinMax", "7", "7", "ChartMinMax", "7"},

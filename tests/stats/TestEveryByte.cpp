@@ -250,6 +250,7 @@ class EveryByte : public StatsFixture {
         there_.clear();
         gone_.clear();
         nextIndex_ = 1;
+        renames_ = 0;
         gate_ = WriteGate();
         clock = FakeClock();
         options = TrafficOptions();
@@ -385,7 +386,7 @@ class EveryByte : public StatsFixture {
         case Act::Up: return with([](Adapter& a) { a.Row.OperStatus = OperationalStatus::Operational; });
         case Act::Down: return with([](Adapter& a) { a.Row.OperStatus = OperationalStatus::Disconnected; });
         case Act::Rename:
-            return with([&](Adapter& a) { a.Row.Description = fmt::format("lan{}", nextIndex_++); });
+            return with([&](Adapter& a) { a.Row.Description = fmt::format("lan{}", ++renames_); });
         case Act::Reset: return with([](Adapter& a) { a.Row.InOctets = a.Row.OutOctets = 0; });
         case Act::Network:
             return with([&](Adapter& a) {
@@ -482,6 +483,7 @@ class EveryByte : public StatsFixture {
     std::vector<Adapter> there_, gone_;
     std::uint32_t nextIndex_ = 1;
     bool met_ = false;
+    int renames_ = 0;
 };
 
 History RandomHistory(unsigned seed) {
