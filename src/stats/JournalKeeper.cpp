@@ -15,6 +15,7 @@ constexpr double mostSecondsWithoutJournal = 60;
 } // namespace
 
 bool JournalKeeper::Start() {
+    begun_ = true;
     records_ = parts_.Recorder.TakeOver();
     const std::filesystem::path folder = parts_.DataFolder();
     const JournalFound found = records_ ? parts_.Journal.Load(folder) : parts_.Journal.Look(folder);
@@ -39,6 +40,7 @@ void JournalKeeper::RecordInterrupted(const std::vector<JournalEntry>& entries) 
 }
 
 void JournalKeeper::PassEnded() {
+    if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
         // The other program has counted these lines up to its end; from there they begin anew.
         if (parts_.Recorder.TakeOver() && Start()) parts_.Book.ForgetLines();

@@ -56,6 +56,7 @@ class JournalKeeper {
     JournalEntry EntryOf(const LineRecord& line) const;
 
     Parts parts_;
+    bool begun_ = false;
     bool records_ = false;
     bool started_ = false; // at least one pass has been made
     std::uint32_t savedChanges_ = 0;

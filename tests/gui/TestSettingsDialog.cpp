@@ -138,9 +138,9 @@ std::vector<Change> Changes() {
         {"tvAllg", "boxMultiScreen", "", "True", "MultiScreen", "True"},
         {"tvAllg", "boxProgRunTime", "", "False", "ProgRunTime", "False"},
         {"tvAllg", "cboLANactive", "1.000", "1,000", "LANActive", "1000"},
-        {"tvAllg", "boxLANProt", "", "False", "LANProt", "False"},
         {"tvAllg", "boxLANByNetwork", "", "False", "LANByNetwork", "False"},
         {"tvAllg", "boxLANVirtual", "", "True", "LANVirtual", "True"},
+        {"tvAllg", "boxLANProt", "", "False", "LANProt", "False"},
         {"tvDarst", "boxChartUseMax", "", "True", "ChartUseMax", "True"},
         {"tvDarst", "txtChartMax", "250", "250", "ChartMax", "250"},
         {"tvDarst", "txtChartMinMax", "7", "7", "ChartMinMax", "7"},
@@ -482,14 +482,17 @@ TEST_F(SettingsDialog, DependentFieldsFollowTheirBoxes) {
         const char *Page, *Box;
         bool EnabledAtFirst;
         std::vector<const char*> Fields;
-    } const rows[] = {
-        {"tvAllg", "boxLANProt", true, {"boxProgRunTime", "cboLANactive", "lblLANactive", "lblLANByte"}},
-        {"tvDarst", "boxChartUseMax", false, {"txtChartMax", "lblMaximum"}},
-        {"tvDarst", "boxShowTimeLines", true, {"cboTimeLinesSec"}},
-        {"tvInternet",
-         "boxFirewallUse",
-         false,
-         {"txtFirewallUser", "txtFirewallPassword", "lblFirewallUser", "lblFirewallPassword"}}};
+    } const rows[] = {{"tvAllg",
+                       "boxLANProt",
+                       true,
+                       {"boxLANByNetwork", "boxLANVirtual", "boxProgRunTime", "cboLANactive", "lblLANactive",
+                        "lblLANByte"}},
+                      {"tvDarst", "boxChartUseMax", false, {"txtChartMax", "lblMaximum"}},
+                      {"tvDarst", "boxShowTimeLines", true, {"cboTimeLinesSec"}},
+                      {"tvInternet",
+                       "boxFirewallUse",
+                       false,
+                       {"txtFirewallUser", "txtFirewallPassword", "lblFirewallUser", "lblFirewallPassword"}}};
     Open();
     for (const auto& row : rows) {
         GoTo(row.Page);
