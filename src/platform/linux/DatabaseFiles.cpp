@@ -31,4 +31,9 @@ bool RenameDatabase(const std::filesystem::path& from, const std::filesystem::pa
     return true;
 }
 
+void RemoveDatabase(const std::filesystem::path& file) {
+    for (const char* part : DatabaseParts)
+        unlink((file.string() + part).c_str());
+}
+
 } // namespace korvalin

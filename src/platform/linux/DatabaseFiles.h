@@ -27,4 +27,7 @@ struct FileIdentity {
 /// Renames a database with all its parts; false when the folder does not allow it.
 [[nodiscard]] bool RenameDatabase(const std::filesystem::path& from, const std::filesystem::path& to);
 
+/// Removes a database with all its parts.
+void RemoveDatabase(const std::filesystem::path& file);
+
 } // namespace korvalin
