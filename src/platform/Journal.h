@@ -8,9 +8,13 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace korvalin {
+
+/// The journal's file name in the data folder.
+inline constexpr std::string_view JournalFileName = "Korvalin_Journal.db";
 
 /// The part of an open connection that no record holds yet, and all that its record needs.
 struct OpenConnection {

@@ -1,5 +1,6 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/ExitWatch.h"
 #include "platform/linux/FlockInstanceLock.h"
 #include "platform/linux/FlockRecordingLock.h"
@@ -7,6 +8,8 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/file.h>
 
 using namespace korvalin;
 
@@ -68,6 +71,24 @@ TEST(FlockRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
     earlier.Kill();
     EXPECT_TRUE(lock.Take(folder.Path()));
     EXPECT_TRUE(FlockRecordingLock().Take(another.Path())) << "still held after another folder was taken";
+}
+
+TEST(FlockRecordingLock, IsSeenByOthersWhoDoNotTryIt) {
+    const TemporaryFolder folder;
+    const TemporaryFolder another;
+    FlockRecordingLock lock;
+    FlockRecordingLock onlooker;
+    ASSERT_TRUE(lock.Take(folder.Path()));
+    EXPECT_TRUE(onlooker.IsTaken(folder.Path()));
+    EXPECT_FALSE(lock.IsTaken(folder.Path())) << "its own";
+    EXPECT_FALSE(onlooker.IsTaken(another.Path()));
+    EXPECT_FALSE(onlooker.IsTaken(folder / "none"));
+    ASSERT_TRUE(lock.Take(another.Path()));
+    EXPECT_FALSE(onlooker.IsTaken(folder.Path())) << "given up for another folder";
+
+    const Descriptor bare(open(folder.Path().c_str(), O_RDONLY | O_DIRECTORY));
+    ASSERT_EQ(flock(bare.Get(), LOCK_EX), 0);
+    EXPECT_FALSE(onlooker.IsTaken(folder.Path())) << "a try would have failed, and kept a recorder out else";
 }
 
 TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {

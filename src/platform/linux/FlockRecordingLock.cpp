@@ -5,12 +5,38 @@
 #include <sys/file.h>
 
 namespace korvalin {
+namespace {
+
+Descriptor OpenFolder(const std::filesystem::path& folder) {
+    return Descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+struct flock WholeFolder(short type) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    return lock;
+}
+
+// A shared lock beside the exclusive one, which nobody can look at without trying to take it.
+void PutUpSign(int folder) {
+    struct flock sign = WholeFolder(F_RDLCK);
+    static_cast<void>(fcntl(folder, F_OFD_SETLK, &sign));
+}
+
+bool SeesSign(int folder) {
+    struct flock conflict = WholeFolder(F_WRLCK);
+    return fcntl(folder, F_OFD_GETLK, &conflict) == 0 && conflict.l_type != F_UNLCK;
+}
+
+} // namespace
 
 bool FlockRecordingLock::Take(const std::filesystem::path& folder) {
     if (held_ && folder == folder_) return true;
-    Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    Descriptor descriptor = OpenFolder(folder);
     if (!descriptor) return true;
     if (flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;
+    PutUpSign(descriptor.Get());
     held_ = std::move(descriptor);
     folder_ = folder;
     return true;
@@ -18,8 +44,8 @@ bool FlockRecordingLock::Take(const std::filesystem::path& folder) {
 
 bool FlockRecordingLock::IsTaken(const std::filesystem::path& folder) {
     if (held_ && folder == folder_) return false;
-    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return descriptor && flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    const Descriptor descriptor = OpenFolder(folder);
+    return descriptor && SeesSign(descriptor.Get());
 }
 
 } // namespace korvalin

@@ -17,9 +17,27 @@
 #include "platform/linux/SqliteJournal.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "platform/linux/SystemClock.h"
+#include "platform/linux/WholeFile.h"
 #include "platform/linux/XdgFolders.h"
 
 namespace korvalin {
+namespace {
+
+// The first line of the first file that has one.
+std::string FirstLine(std::initializer_list<const char*> files) {
+    for (const char* file : files) {
+        const std::string text = ReadWholeFile(file).value_or("");
+        if (!text.empty()) return text.substr(0, text.find('\n'));
+    }
+    return {};
+}
+
+SqliteJournal MakeJournal() {
+    return {FirstLine({"/etc/machine-id", "/var/lib/dbus/machine-id"}),
+            FirstLine({"/proc/sys/kernel/random/boot_id"}), XdgRuntimeFolder()};
+}
+
+} // namespace
 
 struct LinuxSystem::BackEnds {
     SystemClock Clock;
@@ -36,7 +54,7 @@ struct LinuxSystem::BackEnds {
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
     FlockRecordingLock RecordingLock;
-    SqliteJournal Journal;
+    SqliteJournal Journal = MakeJournal();
     NetworkManagerNetworks Networks{NetworkManager};
     CurlHttp Http;
     SodiumSignatures Signatures;

@@ -1,14 +1,11 @@
 #pragma once
 
+#include "platform/linux/SqliteDatabase.h"
+
 #include <filesystem>
-#include <initializer_list>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-struct sqlite3;
-struct sqlite3_stmt;
 
 namespace korvalin {
 
@@ -19,13 +16,9 @@ class RegistryDatabase {
   public:
     enum class Source { File, ReadOnlyFile, Memory };
 
-    RegistryDatabase() = default;
-
-    /// Opens the database, makes its tables when it is empty and checks its structure. IsDamage tells of a
-    /// result that it holds something else than a sound settings store.
+    /// Opens the database, makes its tables when it is empty and checks its structure.
+    /// SqliteDatabase::IsDamage tells of a result that it holds something else than a sound settings store.
     [[nodiscard]] int Open(const std::filesystem::path& file, Source source);
-
-    static bool IsDamage(int code);
 
     [[nodiscard]] int FindKey(std::string_view lowerPath);
     [[nodiscard]] int AddKey(std::string_view lowerPath, std::string_view path);
@@ -38,28 +31,12 @@ class RegistryDatabase {
     [[nodiscard]] int ListValues(std::string_view lowerPath, std::vector<std::string>& names);
 
   private:
-    struct ConnectionCloser {
-        void operator()(sqlite3* connection) const;
-    };
-    struct Finalizer {
-        void operator()(sqlite3_stmt* statement) const;
-    };
-    using Statement = std::unique_ptr<sqlite3_stmt, Finalizer>;
-
-    int Execute(const char* sql);
-    int ReadNumber(const char* sql, long long& number);
-    int CheckStructure();
-    int EnsureTables(Source source);
-    int Prepare(const char* sql, Statement& statement);
-    int PrepareAll();
-
-    template <typename TakeRow>
-    int Run(const Statement& statement, std::initializer_list<std::string_view> texts, TakeRow&& takeRow);
-    int Run(const Statement& statement, std::initializer_list<std::string_view> texts);
+    int OpenConnection(const std::filesystem::path& file, Source source);
+    int Prepare();
 
     // The connection comes first, so that it is closed after its statements.
-    std::unique_ptr<sqlite3, ConnectionCloser> connection_;
-    Statement findKey_, addKey_, findValue_, putValue_, removeValue_, listValues_;
+    SqliteDatabase database_;
+    SqliteDatabase::Statement findKey_, addKey_, findValue_, putValue_, removeValue_, listValues_;
 };
 
 } // namespace korvalin

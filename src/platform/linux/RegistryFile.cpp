@@ -1,8 +1,8 @@
 #include "platform/linux/RegistryFile.h"
 
+#include "platform/linux/DatabaseFiles.h"
 #include "platform/linux/PosixFiles.h"
 
-#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,10 +13,6 @@ namespace {
 
 constexpr mode_t privateFile = 0600;
 constexpr mode_t permissionsOfOthers = 0077;
-
-// What SQLite keeps beside a database, in the order in which it is moved: a log that stayed behind alone
-// would be taken for the next database's.
-constexpr std::array<const char*, 3> partSuffixes = {"-wal", "-shm", ""};
 
 void MakePrivate(const std::string& path) {
     struct stat status {};
@@ -31,19 +27,10 @@ RegistryFile::RegistryFile(std::filesystem::path path) : path_(std::move(path)) 
 
 int RegistryFile::Prepare() const {
     if (const int error = PosixFiles().CreateFolders(path_.parent_path()); error != 0) return error;
-    // Only a new file is opened here: closing any descriptor of a database frees the locks this process has
-    // on it. SQLite gives its other files the permissions of this one.
-    const Descriptor created(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, privateFile));
-    if (!created && errno != EEXIST) return errno;
-    for (const char* suffix : partSuffixes)
-        MakePrivate(path_.string() + suffix);
+    if (const int error = CreateDatabaseFile(path_); error != 0) return error;
+    for (const char* part : DatabaseParts)
+        MakePrivate(path_.string() + part);
     return 0;
-}
-
-std::optional<RegistryFile::Identity> RegistryFile::CurrentIdentity() const {
-    struct stat status {};
-    if (stat(path_.c_str(), &status) != 0) return std::nullopt;
-    return Identity{status.st_dev, status.st_ino};
 }
 
 Descriptor RegistryFile::LockFolder() const {
@@ -60,11 +47,7 @@ std::optional<std::filesystem::path> RegistryFile::MoveAside(Date now) const {
     struct stat status {};
     for (int number = 2; lstat(target.c_str(), &status) == 0; ++number)
         target = first + "-" + std::to_string(number);
-    for (const char* suffix : partSuffixes) {
-        const int result = rename((path_.string() + suffix).c_str(), (target + suffix).c_str());
-        if (result != 0 && errno != ENOENT) return std::nullopt;
-    }
-    return target;
+    return RenameDatabase(path_, target) ? std::optional<std::filesystem::path>(target) : std::nullopt;
 }
 
 } // namespace korvalin

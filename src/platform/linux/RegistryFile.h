@@ -1,12 +1,12 @@
 #pragma once
 
 #include "base/Date.h"
+#include "platform/linux/DatabaseFiles.h"
 #include "platform/linux/Descriptor.h"
 
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 
 namespace korvalin {
 
@@ -14,13 +14,6 @@ namespace korvalin {
 /// out of the way. The database's content is none of its business.
 class RegistryFile {
   public:
-    /// Tells one file from another that has taken its name.
-    struct Identity {
-        dev_t Device = 0;
-        ino_t Inode = 0;
-        bool operator==(const Identity&) const = default;
-    };
-
     explicit RegistryFile(std::filesystem::path path);
 
     const std::filesystem::path& Path() const { return path_; }
@@ -30,7 +23,7 @@ class RegistryFile {
     [[nodiscard]] int Prepare() const;
 
     /// nullopt when there is no such file.
-    std::optional<Identity> CurrentIdentity() const;
+    std::optional<FileIdentity> CurrentIdentity() const { return IdentityOf(path_); }
 
     /// While it is held no other instance opens the store or moves it aside. Where folders cannot be locked
     /// (some network file systems) it holds nothing.

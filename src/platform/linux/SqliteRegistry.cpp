@@ -77,7 +77,7 @@ bool SqliteRegistry::OpenFile() {
 
 int SqliteRegistry::OpenOrMoveAside(RegistryDatabase& database) {
     const int code = database.Open(file_.Path(), Source::File);
-    if (!RegistryDatabase::IsDamage(code)) return code;
+    if (!SqliteDatabase::IsDamage(code)) return code;
     // Moved before it is closed: closing would write its log into it.
     const std::optional<std::filesystem::path> aside = file_.MoveAside(clock_.Now());
     if (!aside) return code;
@@ -134,7 +134,7 @@ int SqliteRegistry::Run(Purpose purpose, Operation&& operation) {
         if (!database_) return SQLITE_NOMEM;
         if (fileLost_ && purpose == Purpose::Write) return SQLITE_IOERR;
         const int code = operation(*database_);
-        if (!RegistryDatabase::IsDamage(code)) return code;
+        if (!SqliteDatabase::IsDamage(code)) return code;
         ReplaceDamaged();
         return operation(*database_);
     } catch (const std::exception&) {

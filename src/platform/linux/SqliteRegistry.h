@@ -63,7 +63,7 @@ class SqliteRegistry : public Registry {
     Clock& clock_;
     std::unique_ptr<RegistryDatabase> database_;
     RegistryDatabase::Source source_ = RegistryDatabase::Source::Memory;
-    std::optional<RegistryFile::Identity> identity_; // of the file that is open
+    std::optional<FileIdentity> identity_; // of the file that is open
     bool fileLost_ =
         false; // the open file has lost its name and no new one could be made: it can only be read
     std::unordered_map<RegistryKey, OpenedKey> opened_;

@@ -14,9 +14,14 @@ std::filesystem::path HomeFolder() {
     return home.empty() ? "/" : home;
 }
 
+std::filesystem::path FolderOf(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value == '/' ? value : "";
+}
+
 std::filesystem::path BaseFolder(const char* variable, std::string_view belowHome) {
-    if (const char* value = std::getenv(variable); value != nullptr && *value == '/') return value;
-    return HomeFolder() / belowHome;
+    const std::filesystem::path folder = FolderOf(variable);
+    return folder.empty() ? HomeFolder() / belowHome : folder;
 }
 
 } // namespace
@@ -26,6 +31,9 @@ std::filesystem::path XdgConfigHome() {
 }
 std::filesystem::path XdgDataHome() {
     return BaseFolder("XDG_DATA_HOME", ".local/share");
+}
+std::filesystem::path XdgRuntimeFolder() {
+    return FolderOf("XDG_RUNTIME_DIR");
 }
 std::filesystem::path ConfigFolder() {
     return XdgConfigHome() / "korvalin";

@@ -12,6 +12,9 @@ std::filesystem::path XdgConfigHome();
 /// $XDG_DATA_HOME, else ~/.local/share.
 std::filesystem::path XdgDataHome();
 
+/// $XDG_RUNTIME_DIR, which lasts from the user's log-in to the log-out; empty when there is none.
+std::filesystem::path XdgRuntimeFolder();
+
 /// The folder of this program's settings store and locks.
 std::filesystem::path ConfigFolder();
 
