@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/NetworkTables.h"
+#include "platform/linux/LinkHardware.h"
 #include "platform/linux/LinkHistory.h"
 #include "platform/linux/LinkSpeeds.h"
 #include "platform/linux/LinkWatch.h"
@@ -16,7 +17,9 @@ namespace korvalin {
 /// its status is known to the second while GetIfTable is called every second, otherwise to the next call.
 class NetlinkNetworkTables : public NetworkTables {
   public:
-    explicit NetlinkNetworkTables(const std::filesystem::path& procNet = "/proc/net");
+    /// `netFolder` holds the kernel's folders of the interfaces.
+    explicit NetlinkNetworkTables(const std::filesystem::path& procNet = "/proc/net",
+                                  std::filesystem::path netFolder = "/sys/class/net");
 
     int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
     std::vector<InterfaceRow> TakeRemoved() override;
@@ -27,6 +30,8 @@ class NetlinkNetworkTables : public NetworkTables {
 
   private:
     int ReadLinks();
+    void BeginLook();
+    void NoteLink(const InterfaceRow& row, const LinkDetails& details);
     template <typename Row>
     void ReadAddresses(std::vector<Row>& rows);
     bool ReadCounters();
@@ -38,6 +43,7 @@ class NetlinkNetworkTables : public NetworkTables {
     NetlinkSocket socket_;
     LinkWatch watch_;
     LinkHistory history_;
+    LinkHardware hardware_;
     LinkSpeeds speeds_;
     std::vector<InterfaceRow> links_; // by ascending index
     bool countersAlone_ = true;       // the kernel dumps counters without the rest
