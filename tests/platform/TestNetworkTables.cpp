@@ -170,6 +170,27 @@ TEST(NetworkTables, ALinksMessageTellsItsDeviceAndWhosePortItIs) {
     EXPECT_EQ(message.Details.Master, 0U);
 }
 
+TEST(NetworkTables, OnlyALinkItselfGoesNotItsPlaceInABridge) {
+    rtnl_link_stats64 last{};
+    last.rx_bytes = 7'000'000'000;
+    struct {
+        std::uint16_t Type;
+        unsigned char Family;
+        bool HasGone;
+    } const rows[] = {
+        {RTM_DELLINK, AF_UNSPEC, true}, {RTM_DELLINK, AF_BRIDGE, false}, {RTM_NEWLINK, AF_UNSPEC, false}};
+    for (const auto& [type, family, hasGone] : rows) {
+        InterfaceRow row;
+        Message message(type, ifinfomsg{family, 0, ARPHRD_ETHER, 7, 0, 0});
+        message.Add(IFLA_IFNAME, "usb0", 5).Add(IFLA_STATS64, &last, sizeof last);
+        EXPECT_EQ(ReadRemovedLink(message.Get(), row), hasGone) << type << " " << int(family);
+        EXPECT_EQ(row.Index, hasGone ? 7U : 0U);
+        EXPECT_EQ(row.InOctets, hasGone ? last.rx_bytes : 0);
+    }
+    InterfaceRow row;
+    EXPECT_FALSE(ReadRemovedLink(Message(RTM_DELLINK, AF_UNSPEC).Get(), row)) << "cut short";
+}
+
 TEST(LinkHardware, IsBehindABondWhenOneOfItsPortsHasIt) {
     const TemporaryFolder net;
     for (const char* name : {"lo", "eth0", "eth1"})

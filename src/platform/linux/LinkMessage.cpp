@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <sys/socket.h>
 
 namespace korvalin {
 namespace {
@@ -187,6 +188,14 @@ bool ReadLinkEntry(const nlmsghdr& message, InterfaceEntry& entry, LinkDetails& 
     entry.AdminStatus = (LinkOf(message).ifi_flags & IFF_UP) != 0 ? AdministrativeStatus::Enabled
                                                                   : AdministrativeStatus::Disabled;
     mnl_attr_parse(&message, sizeof(ifinfomsg), TakeEntryAttribute, &entry);
+    return true;
+}
+
+bool ReadRemovedLink(const nlmsghdr& message, InterfaceRow& row) {
+    // A bridge says so too when a port leaves it, in its own family.
+    if (!HoldsLink(message, RTM_DELLINK) || LinkOf(message).ifi_family != AF_UNSPEC) return false;
+    LinkDetails details;
+    ReadLink(message, row, details);
     return true;
 }
 

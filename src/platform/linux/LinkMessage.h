@@ -22,6 +22,10 @@ bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row, LinkDetails& de
 /// The same with all fields of the entry that the message tells: all but speed, last change and queue length.
 bool ReadLinkEntry(const nlmsghdr& message, InterfaceEntry& entry, LinkDetails& details);
 
+/// Reads the announcement that a link has gone, with its last counters. False for any other message, also for
+/// one that only says that a bridge has lost a port.
+bool ReadRemovedLink(const nlmsghdr& message, InterfaceRow& row);
+
 /// The index of the link that a message of the counter table is about; 0 for any other message.
 std::uint32_t LinkOfCounters(const nlmsghdr& message);
 

@@ -77,12 +77,13 @@ void NetlinkNetworkTables::NoteLink(const InterfaceRow& row, const LinkDetails& 
 // cards.
 int NetlinkNetworkTables::ReadLinks() {
     Request request(RTM_GETLINK, ifinfomsg{});
-    std::size_t count = 0; // rows of the last time are written over, as their texts have memory already
+    std::size_t count = 0;
     LinkDetails details;
     const auto restart = [&] {
         count = 0;
         BeginLook();
     };
+    std::swap(links_, previous_); // old rows are written over, as their texts have memory already
     const int error = socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
         if (count == links_.size()) links_.emplace_back();
         InterfaceRow& row = links_[count];
@@ -133,15 +134,43 @@ bool NetlinkNetworkTables::ReadCounters() {
     return error == 0 && found == links_.size();
 }
 
+void NetlinkNetworkTables::Listen() {
+    if (watch_.Changed()) changed_ = true;
+    for (InterfaceRow& removed : watch_.TakeRemoved())
+        NoteRemoved(std::move(removed));
+}
+
+// A link leaves its bond before it goes, its folder goes with it, and one half of a pair forgets what it has
+// received from the other: such things are known from before.
+void NetlinkNetworkTables::NoteRemoved(InterfaceRow removed) {
+    InterfaceRow* shown = RowFinder(links_).Find(removed.Index);
+    const InterfaceRow* known = shown != nullptr ? shown : RowFinder(previous_).Find(removed.Index);
+    if (known != nullptr) {
+        removed.InOctets = std::max(removed.InOctets, known->InOctets);
+        removed.OutOctets = std::max(removed.OutOctets, known->OutOctets);
+        removed.Address = known->Address;
+        removed.HasHardware = known->HasHardware;
+        removed.IsPort = known->IsPort;
+    }
+    if (shown != nullptr) links_.erase(links_.begin() + (shown - links_.data()));
+    removed_.push_back(std::move(removed));
+}
+
 int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
-    const bool known = !watch_.Changed() && !links_.empty();
-    const int error = known && countersAlone_ && ReadCounters() ? 0 : ReadLinks();
+    Listen();
+    const bool known = !std::exchange(changed_, false) && !links_.empty();
+    int error = 0;
+    if (!known || !countersAlone_ || !ReadCounters()) {
+        error = ReadLinks();
+        // The kernel has announced by now that those have gone which it no longer shows.
+        Listen();
+    }
     rows = links_;
     return error;
 }
 
 std::vector<InterfaceRow> NetlinkNetworkTables::TakeRemoved() {
-    return {};
+    return std::exchange(removed_, {});
 }
 
 int NetlinkNetworkTables::ReadEntries(std::vector<InterfaceEntry>& entries) {

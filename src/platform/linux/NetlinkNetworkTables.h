@@ -15,6 +15,8 @@ namespace korvalin {
 /// The kernel's adapters by one dump per call: of the counters alone as long as no link is announced to have
 /// changed, a fifth of the cost of the whole link table. TCP figures come from /proc/net. When a link changed
 /// its status is known to the second while GetIfTable is called every second, otherwise to the next call.
+/// The kernel announces a link's end with its last counters: they are whole unless more is announced between
+/// two calls than a socket holds.
 class NetlinkNetworkTables : public NetworkTables {
   public:
     /// `netFolder` holds the kernel's folders of the interfaces.
@@ -29,6 +31,8 @@ class NetlinkNetworkTables : public NetworkTables {
     int GetTcpStatistics(TcpStatistics& statistics) override;
 
   private:
+    void Listen();
+    void NoteRemoved(InterfaceRow removed);
     int ReadLinks();
     void BeginLook();
     void NoteLink(const InterfaceRow& row, const LinkDetails& details);
@@ -45,8 +49,11 @@ class NetlinkNetworkTables : public NetworkTables {
     LinkHistory history_;
     LinkHardware hardware_;
     LinkSpeeds speeds_;
-    std::vector<InterfaceRow> links_; // by ascending index
-    bool countersAlone_ = true;       // the kernel dumps counters without the rest
+    std::vector<InterfaceRow> links_;    // by ascending index
+    std::vector<InterfaceRow> previous_; // links_ of the look before
+    std::vector<InterfaceRow> removed_;  // in the order in which they went
+    bool changed_ = false;               // a link, since the last look began
+    bool countersAlone_ = true;          // the kernel dumps counters without the rest
     TcpFigures tcp_;
 };
 
