@@ -1,6 +1,7 @@
 #include "fakes/TemporaryFolder.h"
 #include "platform/linux/AddressMessage.h"
 #include "platform/linux/Descriptor.h"
+#include "platform/linux/LinkHardware.h"
 #include "platform/linux/LinkHistory.h"
 #include "platform/linux/LinkMessage.h"
 #include "platform/linux/NetlinkNetworkTables.h"
@@ -59,16 +60,15 @@ class LinkMessage : public Message {
     }
     InterfaceRow Read() {
         InterfaceRow row;
-        std::uint32_t carrierChanges = 0;
-        EXPECT_TRUE(ReadLinkMessage(Get(), row, carrierChanges));
+        EXPECT_TRUE(ReadLinkMessage(Get(), row, Details));
         return row;
     }
     InterfaceEntry ReadEntry() {
         InterfaceEntry entry;
-        EXPECT_TRUE(ReadLinkEntry(Get(), entry, CarrierChanges));
+        EXPECT_TRUE(ReadLinkEntry(Get(), entry, Details));
         return entry;
     }
-    std::uint32_t CarrierChanges = 0;
+    LinkDetails Details;
 };
 
 std::uint32_t Uptime() {
@@ -128,6 +128,115 @@ TEST(NetworkTables, ALineWithoutAStateIsUpWhileItRuns) {
     }
 }
 
+std::string Attribute(std::uint16_t type, const std::string& text) {
+    const rtattr head{static_cast<std::uint16_t>(RTA_LENGTH(text.size())), type};
+    std::string bytes(reinterpret_cast<const char*>(&head), sizeof head);
+    bytes += text;
+    bytes.resize(RTA_ALIGN(bytes.size()));
+    return bytes;
+}
+
+TEST(NetworkTables, ALinksMessageTellsItsDeviceAndWhosePortItIs) {
+    struct {
+        const char* Kind;
+        const char* PortKind;
+        const char* Device;
+        bool HasHardware;
+        bool IsPort;
+    } const rows[] = {{"", "", "0000:00:03.0", true, false},  {"wwan", "", "wwan0", true, false},
+                      {"veth", "", "", false, false},         {"bond", "", "", false, false},
+                      {"", "bond", "1-2:1.0", true, true},    {"veth", "team", "", false, true},
+                      {"", "bridge", "virtio2", true, false}, {"", "bonding", "virtio2", true, false},
+                      {"bond", "bridge", "", false, false}};
+    const std::uint32_t master = 9;
+    for (const auto& [kind, portKind, device, hasHardware, isPort] : rows) {
+        std::string info = Attribute(IFLA_INFO_KIND, kind);
+        LinkMessage message(ARPHRD_ETHER);
+        if (*portKind != 0) {
+            info += Attribute(IFLA_INFO_SLAVE_KIND, portKind);
+            message.Add(IFLA_MASTER, &master, sizeof master);
+        }
+        message.Add(IFLA_LINKINFO, info.data(), info.size());
+        if (*device != 0) message.Add(IFLA_PARENT_DEV_NAME, device, std::strlen(device) + 1);
+        const InterfaceRow row = message.Read();
+        EXPECT_EQ(row.HasHardware, hasHardware) << kind << ", port of " << portKind;
+        EXPECT_EQ(row.IsPort, isPort) << kind << ", port of " << portKind;
+        EXPECT_EQ(message.Details.Master, *portKind != 0 ? master : 0);
+    }
+    // cut short: the inner attribute claims more than there is
+    const std::string whole = Attribute(IFLA_INFO_SLAVE_KIND, "bond");
+    LinkMessage message(ARPHRD_ETHER);
+    EXPECT_FALSE(message.Add(IFLA_LINKINFO, whole.data(), 6).Add(IFLA_MASTER, &master, 2).Read().IsPort);
+    EXPECT_EQ(message.Details.Master, 0U);
+}
+
+TEST(NetworkTables, OnlyALinkItselfGoesNotItsPlaceInABridge) {
+    rtnl_link_stats64 last{};
+    last.rx_bytes = 7'000'000'000;
+    struct {
+        std::uint16_t Type;
+        unsigned char Family;
+        bool HasGone;
+    } const rows[] = {
+        {RTM_DELLINK, AF_UNSPEC, true}, {RTM_DELLINK, AF_BRIDGE, false}, {RTM_NEWLINK, AF_UNSPEC, false}};
+    for (const auto& [type, family, hasGone] : rows) {
+        InterfaceRow row;
+        Message message(type, ifinfomsg{family, 0, ARPHRD_ETHER, 7, 0, 0});
+        message.Add(IFLA_IFNAME, "usb0", 5).Add(IFLA_STATS64, &last, sizeof last);
+        EXPECT_EQ(ReadRemovedLink(message.Get(), row), hasGone) << type << " " << int(family);
+        EXPECT_EQ(row.Index, hasGone ? 7U : 0U);
+        EXPECT_EQ(row.InOctets, hasGone ? last.rx_bytes : 0);
+    }
+    InterfaceRow row;
+    EXPECT_FALSE(ReadRemovedLink(Message(RTM_DELLINK, AF_UNSPEC).Get(), row)) << "cut short";
+}
+
+TEST(LinkHardware, IsBehindABondWhenOneOfItsPortsHasIt) {
+    const TemporaryFolder net;
+    for (const char* name : {"lo", "eth0", "eth1"})
+        std::filesystem::create_directories(net.Path() / name / "device");
+    std::filesystem::create_directories(net.Path() / "veth0");
+    struct Link {
+        const char* Name;
+        std::uint32_t Type;
+        bool IsNamed; ///< the message names the device
+        std::uint32_t BondIndex;
+        bool HasHardware;
+    };
+    const std::vector<Link> looks[] = {
+        // an older kernel
+        {{"lo", IfTypeSoftwareLoopback, false, 0, false},
+         {"bond0", IfTypeEthernet, false, 0, true},
+         {"eth0", IfTypeEthernet, false, 2, true},
+         {"veth0", IfTypeEthernet, false, 2, false}},
+        // one that names every device: nothing is looked up
+        {{"veth0", IfTypeEthernet, false, 3, false},
+         {"eth1", IfTypeEthernet, false, 0, false},
+         {"bond0", IfTypeEthernet, false, 0, false},
+         {"eth0", IfTypeEthernet, true, 5, true},
+         {"bond1", IfTypeEthernet, false, 0, true}},
+        // a bond in another network
+        {{"eth0", IfTypeEthernet, false, 9, true}},
+    };
+    LinkHardware hardware(net.Path());
+    for (const auto& links : looks) {
+        std::vector<InterfaceRow> rows;
+        hardware.BeginLook();
+        for (const Link& link : links) {
+            InterfaceRow& row = rows.emplace_back();
+            row.Index = static_cast<std::uint32_t>(rows.size());
+            row.Type = link.Type;
+            row.Description = link.Name;
+            row.HasHardware = link.IsNamed;
+            row.IsPort = link.BondIndex != 0;
+            hardware.Note(row, {0, link.BondIndex});
+        }
+        hardware.Complete(rows);
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(rows[i].HasHardware, links[i].HasHardware) << rows[i].Description;
+    }
+}
+
 template <typename Record>
 Record Packets() {
     Record record{};
@@ -156,7 +265,7 @@ TEST(NetworkTables, TheEntryOfALinkHoldsWhatTheMessageTells) {
         .Add(IFLA_CARRIER_CHANGES, &changes, sizeof changes)
         .Add(IFLA_ADDRESS, "\1\2\3\4\5\6\7\10\11\12", 10);
     const InterfaceEntry entry = message.ReadEntry();
-    EXPECT_EQ(message.CarrierChanges, 3U);
+    EXPECT_EQ(message.Details.CarrierChanges, 3U);
     EXPECT_TRUE(entry.Type == IfTypeFddi && entry.Mtu == 1500);
     EXPECT_EQ(entry.AdminStatus, AdministrativeStatus::Enabled);
     EXPECT_EQ(entry.PhysAddr.Length, 8U);

@@ -112,9 +112,9 @@ void ReadLines(Ras& ras, bool print) {
         static_cast<void>(ras.GetConnectionStatistics(connection.Handle, statistics));
         static_cast<void>(ras.GetConnectStatus(connection.Handle, state));
         if (print) {
-            fmt::print("{}|{}|{}|{}|{}|{}\n", connection.Handle, connection.EntryName, connection.DeviceName,
-                       statistics.BytesReceived, statistics.BytesTransmitted,
-                       statistics.ConnectDurationMilliseconds);
+            fmt::print("{}|{}|{}|{}|{}|{}|{}\n", connection.Handle, connection.EntryName,
+                       connection.DeviceName, statistics.BytesReceived, statistics.BytesTransmitted,
+                       statistics.ConnectDurationMilliseconds, statistics.InterfaceIndex);
         }
     }
 }

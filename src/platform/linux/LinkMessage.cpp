@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string_view>
+#include <sys/socket.h>
 
 namespace korvalin {
 namespace {
@@ -31,24 +33,35 @@ std::uint32_t NumberOf(const nlattr& attribute) {
     return mnl_attr_get_payload_len(&attribute) >= sizeof(std::uint32_t) ? mnl_attr_get_u32(&attribute) : 0;
 }
 
-// The name, when it ends within its attribute.
-void CopyName(const nlattr& attribute, InterfaceRow& row) {
-    const auto* name = static_cast<const char*>(mnl_attr_get_payload(&attribute));
-    row.Description.assign(name, strnlen(name, mnl_attr_get_payload_len(&attribute)));
+// It may lack its zero at the end.
+std::string_view TextOf(const nlattr& attribute) {
+    const auto* text = static_cast<const char*>(mnl_attr_get_payload(&attribute));
+    return {text, strnlen(text, mnl_attr_get_payload_len(&attribute))};
+}
+
+// What a port of a bridge carries is not counted by the bridge, at least not all of it.
+int TakeKind(const nlattr* attribute, void* context) {
+    if (mnl_attr_get_type(attribute) != IFLA_INFO_SLAVE_KIND) return MNL_CB_OK;
+    const std::string_view kind = TextOf(*attribute);
+    static_cast<InterfaceRow*>(context)->IsPort = kind == "bond" || kind == "team";
+    return MNL_CB_STOP;
 }
 
 struct LinkAttributes {
     InterfaceRow& Row;
-    std::uint32_t& CarrierChanges;
+    LinkDetails& Details;
     unsigned State = IF_OPER_UNKNOWN;
 };
 
 int TakeAttribute(const nlattr* attribute, void* context) {
-    auto& [row, carrierChanges, state] = *static_cast<LinkAttributes*>(context);
+    auto& [row, details, state] = *static_cast<LinkAttributes*>(context);
     switch (mnl_attr_get_type(attribute)) {
-    case IFLA_IFNAME: CopyName(*attribute, row); break;
+    case IFLA_IFNAME: row.Description = TextOf(*attribute); break;
     case IFLA_OPERSTATE: state = mnl_attr_get_u8(attribute); break;
-    case IFLA_CARRIER_CHANGES: carrierChanges = NumberOf(*attribute); break;
+    case IFLA_CARRIER_CHANGES: details.CarrierChanges = NumberOf(*attribute); break;
+    case IFLA_MASTER: details.Master = NumberOf(*attribute); break;
+    case IFLA_PARENT_DEV_NAME: row.HasHardware = true; break;
+    case IFLA_LINKINFO: mnl_attr_parse_nested(attribute, TakeKind, &row); break;
     case IFLA_STATS64: row.Counts64Bits = CopyOctets<rtnl_link_stats64>(*attribute, row); break;
     case IFLA_STATS: // 32 bits: they count only where the wide ones are missing, whichever comes first
         if (!row.Counts64Bits) CopyOctets<rtnl_link_stats>(*attribute, row);
@@ -98,6 +111,28 @@ int TakeEntryAttribute(const nlattr* attribute, void* context) {
     return MNL_CB_OK;
 }
 
+bool HoldsLink(const nlmsghdr& message, std::uint16_t type) {
+    return message.nlmsg_type == type && message.nlmsg_len >= mnl_nlmsg_size(sizeof(ifinfomsg));
+}
+
+const ifinfomsg& LinkOf(const nlmsghdr& message) {
+    return *static_cast<const ifinfomsg*>(mnl_nlmsg_get_payload(&message));
+}
+
+void ReadLink(const nlmsghdr& message, InterfaceRow& row, LinkDetails& details) {
+    const ifinfomsg& link = LinkOf(message);
+    row.Index = static_cast<std::uint32_t>(link.ifi_index);
+    row.Type = InterfaceTypeOf(link.ifi_type);
+    row.InOctets = row.OutOctets = 0;
+    row.Counts64Bits = row.HasHardware = row.IsPort = false;
+    row.Description.clear();
+    row.Address.clear();
+    details = {};
+    LinkAttributes attributes{row, details};
+    mnl_attr_parse(&message, sizeof(ifinfomsg), TakeAttribute, &attributes);
+    row.OperStatus = OperationalStatusOf(attributes.State, link.ifi_flags);
+}
+
 int TakeCounters(const nlattr* attribute, void* context) {
     auto& row = *static_cast<InterfaceRow*>(context);
     if (mnl_attr_get_type(attribute) != IFLA_STATS_LINK_64) return MNL_CB_OK;
@@ -141,30 +176,26 @@ OperationalStatus OperationalStatusOf(unsigned state, unsigned flags) {
     }
 }
 
-bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row, std::uint32_t& carrierChanges) {
-    if (message.nlmsg_type != RTM_NEWLINK || message.nlmsg_len < mnl_nlmsg_size(sizeof(ifinfomsg)))
-        return false;
-    const auto* link = static_cast<const ifinfomsg*>(mnl_nlmsg_get_payload(&message));
-    row.Index = static_cast<std::uint32_t>(link->ifi_index);
-    row.Type = InterfaceTypeOf(link->ifi_type);
-    row.InOctets = row.OutOctets = 0;
-    row.Counts64Bits = false;
-    row.Description.clear();
-    row.Address.clear();
-    carrierChanges = 0;
-    LinkAttributes attributes{row, carrierChanges};
-    mnl_attr_parse(&message, sizeof(ifinfomsg), TakeAttribute, &attributes);
-    row.OperStatus = OperationalStatusOf(attributes.State, link->ifi_flags);
+bool ReadLinkMessage(const nlmsghdr& message, InterfaceRow& row, LinkDetails& details) {
+    if (!HoldsLink(message, RTM_NEWLINK)) return false;
+    ReadLink(message, row, details);
     return true;
 }
 
-bool ReadLinkEntry(const nlmsghdr& message, InterfaceEntry& entry, std::uint32_t& carrierChanges) {
+bool ReadLinkEntry(const nlmsghdr& message, InterfaceEntry& entry, LinkDetails& details) {
     entry = {};
-    if (!ReadLinkMessage(message, entry, carrierChanges)) return false;
-    const auto* link = static_cast<const ifinfomsg*>(mnl_nlmsg_get_payload(&message));
-    entry.AdminStatus =
-        (link->ifi_flags & IFF_UP) != 0 ? AdministrativeStatus::Enabled : AdministrativeStatus::Disabled;
+    if (!ReadLinkMessage(message, entry, details)) return false;
+    entry.AdminStatus = (LinkOf(message).ifi_flags & IFF_UP) != 0 ? AdministrativeStatus::Enabled
+                                                                  : AdministrativeStatus::Disabled;
     mnl_attr_parse(&message, sizeof(ifinfomsg), TakeEntryAttribute, &entry);
+    return true;
+}
+
+bool ReadRemovedLink(const nlmsghdr& message, InterfaceRow& row) {
+    // A bridge says so too when a port leaves it, in its own family.
+    if (!HoldsLink(message, RTM_DELLINK) || LinkOf(message).ifi_family != AF_UNSPEC) return false;
+    LinkDetails details;
+    ReadLink(message, row, details);
     return true;
 }
 

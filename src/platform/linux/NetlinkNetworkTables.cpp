@@ -1,8 +1,8 @@
 #include "platform/linux/NetlinkNetworkTables.h"
 
 #include "platform/linux/AddressMessage.h"
-#include "platform/linux/LinkMessage.h"
 #include "platform/linux/QueueMessage.h"
+#include "platform/linux/RowFinder.h"
 
 #include <libmnl/libmnl.h>
 #include <linux/if_addr.h>
@@ -14,6 +14,7 @@
 #include <ctime>
 #include <sys/socket.h>
 #include <tuple>
+#include <utility>
 
 namespace korvalin {
 namespace {
@@ -56,52 +57,45 @@ void SortByIndex(std::vector<Row>& rows) {
         std::sort(rows.begin(), rows.end(), IndexBefore);
 }
 
-// Finds the rows of indexes that mostly come in the rows' own order.
-template <typename Row>
-class RowFinder {
-  public:
-    explicit RowFinder(std::vector<Row>& rows) : rows_(rows) {}
-
-    Row* Find(std::uint32_t index) {
-        if (next_ >= rows_.size() || rows_[next_].Index != index) {
-            const auto found =
-                std::lower_bound(rows_.begin(), rows_.end(), index,
-                                 [](const Row& row, std::uint32_t i) { return row.Index < i; });
-            next_ = static_cast<std::size_t>(found - rows_.begin());
-        }
-        return next_ < rows_.size() && rows_[next_].Index == index ? &rows_[next_++] : nullptr;
-    }
-
-  private:
-    std::vector<Row>& rows_;
-    std::size_t next_ = 0;
-};
-
 } // namespace
 
-NetlinkNetworkTables::NetlinkNetworkTables(const std::filesystem::path& procNet) : tcp_(procNet) {}
+NetlinkNetworkTables::NetlinkNetworkTables(const std::filesystem::path& procNet,
+                                           std::filesystem::path netFolder)
+    : hardware_(std::move(netFolder)), tcp_(procNet) {}
+
+void NetlinkNetworkTables::BeginLook() {
+    hardware_.BeginLook();
+    history_.BeginLook(UptimeHundredths());
+}
+
+void NetlinkNetworkTables::NoteLink(const InterfaceRow& row, const LinkDetails& details) {
+    history_.Note(row.Index, row.OperStatus, details.CarrierChanges);
+    hardware_.Note(row, details);
+}
 
 // Everything about every link. No extension mask: the kernel then leaves out the virtual functions of server
 // cards.
 int NetlinkNetworkTables::ReadLinks() {
     Request request(RTM_GETLINK, ifinfomsg{});
-    std::size_t count = 0; // rows of the last time are written over, as their texts have memory already
-    std::uint32_t carrierChanges = 0;
+    std::size_t count = 0;
+    LinkDetails details;
     const auto restart = [&] {
         count = 0;
-        history_.BeginLook(UptimeHundredths());
+        BeginLook();
     };
+    std::swap(links_, previous_); // old rows are written over, as their texts have memory already
     const int error = socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
         if (count == links_.size()) links_.emplace_back();
         InterfaceRow& row = links_[count];
-        if (!ReadLinkMessage(message, row, carrierChanges)) return;
-        history_.Note(row.Index, row.OperStatus, carrierChanges);
+        if (!ReadLinkMessage(message, row, details)) return;
+        NoteLink(row, details);
         ++count;
     });
     links_.resize(error == 0 ? count : 0);
     if (error != 0) return error;
     history_.EndLook();
     SortByIndex(links_);
+    hardware_.Complete(links_);
     ReadAddresses(links_);
     return 0;
 }
@@ -140,28 +134,56 @@ bool NetlinkNetworkTables::ReadCounters() {
     return error == 0 && found == links_.size();
 }
 
+void NetlinkNetworkTables::Listen() {
+    if (watch_.Changed()) changed_ = true;
+    for (InterfaceRow& removed : watch_.TakeRemoved())
+        NoteRemoved(std::move(removed));
+}
+
+// A link leaves its bond before it goes, its folder goes with it, and one half of a pair forgets what it has
+// received from the other: such things are known from before.
+void NetlinkNetworkTables::NoteRemoved(InterfaceRow removed) {
+    InterfaceRow* shown = RowFinder(links_).Find(removed.Index);
+    const InterfaceRow* known = shown != nullptr ? shown : RowFinder(previous_).Find(removed.Index);
+    if (known != nullptr) {
+        removed.InOctets = std::max(removed.InOctets, known->InOctets);
+        removed.OutOctets = std::max(removed.OutOctets, known->OutOctets);
+        removed.Address = known->Address;
+        removed.HasHardware = known->HasHardware;
+        removed.IsPort = known->IsPort;
+    }
+    if (shown != nullptr) links_.erase(links_.begin() + (shown - links_.data()));
+    removed_.push_back(std::move(removed));
+}
+
 int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
-    const bool known = !watch_.Changed() && !links_.empty();
-    const int error = known && countersAlone_ && ReadCounters() ? 0 : ReadLinks();
+    Listen();
+    const bool known = !std::exchange(changed_, false) && !links_.empty();
+    int error = 0;
+    if (!known || !countersAlone_ || !ReadCounters()) {
+        error = ReadLinks();
+        // The kernel has announced by now that those have gone which it no longer shows.
+        Listen();
+    }
     rows = links_;
     return error;
 }
 
 std::vector<InterfaceRow> NetlinkNetworkTables::TakeRemoved() {
-    return {};
+    return std::exchange(removed_, {});
 }
 
 int NetlinkNetworkTables::ReadEntries(std::vector<InterfaceEntry>& entries) {
     Request request(RTM_GETLINK, ifinfomsg{});
     InterfaceEntry entry;
-    std::uint32_t carrierChanges = 0;
+    LinkDetails details;
     const auto restart = [&] {
         entries.clear();
-        history_.BeginLook(UptimeHundredths());
+        BeginLook();
     };
     const int error = socket_.Dump(request.Header(), restart, [&](const nlmsghdr& message) {
-        if (!ReadLinkEntry(message, entry, carrierChanges)) return;
-        history_.Note(entry.Index, entry.OperStatus, carrierChanges);
+        if (!ReadLinkEntry(message, entry, details)) return;
+        NoteLink(entry, details);
         entries.push_back(entry);
     });
     if (error == 0) history_.EndLook();
@@ -188,6 +210,7 @@ int NetlinkNetworkTables::GetIfTable2(std::vector<InterfaceEntry>& entries) {
         return error;
     }
     SortByIndex(entries);
+    hardware_.Complete(entries);
     ReadAddresses(entries);
     ReadQueues(entries);
     for (InterfaceEntry& entry : entries) {

@@ -149,6 +149,7 @@ void NetworkManagerLines::Add(NMClient* client, NMActiveConnection* connection) 
 void NetworkManagerLines::OpenInterface(NetworkManagerLine& line, const std::string& name) {
     line.Interface = name;
     line.Counters = name.empty() ? InterfaceCounters() : InterfaceCounters(netFolder_ / name);
+    line.Statistics.InterfaceIndex = line.Counters.Index();
 }
 
 // The service tells no time that would do: the profile's time stamp moves on while the connection is up.

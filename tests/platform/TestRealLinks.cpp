@@ -1,0 +1,212 @@
+// The kernel's links in a network of their own, made by iproute2.
+#include "fakes/TemporaryFolder.h"
+#include "platform/linux/Descriptor.h"
+#include "platform/linux/NetlinkNetworkTables.h"
+
+#include <fmt/format.h>
+#include <linux/if_packet.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <fcntl.h>
+#include <net/if.h>
+#include <sched.h>
+#include <set>
+#include <sys/socket.h>
+#include <thread>
+
+using namespace korvalin;
+
+namespace {
+
+using Names = std::set<std::string>;
+
+constexpr int frames = 5;
+constexpr std::size_t frameBytes = 1000;
+
+bool Shell(const std::string& commands) {
+    return std::system(("exec >/dev/null 2>&1; set -e; " + commands).c_str()) == 0;
+}
+
+// Where IPv6 sends nothing by itself.
+void InOwnNetwork(const std::function<void()>& test) {
+    bool possible = false;
+    std::thread([&] {
+        possible = unshare(CLONE_NEWNET) == 0 && Shell("ip link set lo up");
+        if (!possible) return;
+        std::ofstream("/proc/sys/net/ipv6/conf/default/disable_ipv6") << 1;
+        test();
+    }).join();
+    if (!possible) GTEST_SKIP() << "no network of its own here";
+}
+
+bool IsUp(NetlinkNetworkTables& tables, const std::string& link) {
+    std::vector<InterfaceRow> rows;
+    EXPECT_EQ(tables.GetIfTable(rows, true), 0);
+    return std::any_of(rows.begin(), rows.end(), [&](const InterfaceRow& row) {
+        return row.Description == link && row.OperStatus == OperationalStatus::Operational;
+    });
+}
+
+// Frames of a protocol that nobody answers. A link that is just coming up would lose them.
+void Send(NetlinkNetworkTables& tables, const char* link) {
+    while (!IsUp(tables, link))
+        std::this_thread::yield();
+    const Descriptor out(socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC, 0));
+    sockaddr_ll address{};
+    address.sll_family = AF_PACKET;
+    address.sll_ifindex = static_cast<int>(if_nametoindex(link));
+    std::array<unsigned char, frameBytes> frame{2, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 2, 0x88, 0xb5};
+    for (int i = 0; i < frames; ++i) {
+        EXPECT_EQ(sendto(out.Get(), frame.data(), frame.size(), 0,
+                         reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  frameBytes);
+    }
+}
+
+Names NamesOf(const std::vector<InterfaceRow>& rows) {
+    Names names;
+    for (const InterfaceRow& row : rows)
+        names.insert(row.Description);
+    return names;
+}
+
+std::string Told(const InterfaceRow& row) {
+    return fmt::format("{} {} {}", row.Description, row.InOctets, row.OutOctets);
+}
+
+TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
+    InOwnNetwork([] {
+        // Another network, which only this descriptor keeps.
+        const Descriptor other(open("/proc/thread-self/ns/net", O_RDONLY));
+        ASSERT_EQ(unshare(CLONE_NEWNET), 0);
+        std::ofstream("/proc/sys/net/ipv6/conf/default/disable_ipv6") << 1;
+        const std::string moving = fmt::format("ip link set v0 netns /proc/{}/fd/{}", getpid(), other.Get());
+        const std::string pair =
+            "ip link add v0 type veth peer name v1; ip link set v0 up; ip link set v1 up";
+        const std::string samePair = "ip link add v0 index 70 type veth peer name v1 index 71";
+        // One that receives from a peer which goes with it has told what it had received when it was seen
+        // last.
+        const Names both = {"v0 0 10000", "v1 5000 0"};
+        struct {
+            std::string Before;
+            const char* Sender;
+            std::string Then;
+            Names Removed, Left;
+        } const rows[] = {
+            {pair, "v0", "ip link delete v0", both, {}},
+            {pair, "v0", "ip link delete v0; " + pair, both, {"v0", "v1"}},
+            {samePair + "; ip link set v0 up; ip link set v1 up",
+             "v0",
+             "ip link delete v0; " + samePair,
+             both,
+             {"v0", "v1"}},
+            {pair, "v0", "ip link set v0 down name w0; ip link delete w0", {"w0 0 10000", "v1 5000 0"}, {}},
+            {pair, "v0", moving, {"v0 0 10000"}, {"v1"}},
+            {pair, "v1", moving, {"v0 10000 0"}, {"v1"}},
+            {pair, "v0", "ip link set v0 down; ip link set v0 up", {}, {"v0", "v1"}},
+            {pair,
+             "v0",
+             "ip link add t0 type veth peer name t1; ip link delete t0",
+             {"t0 0 0", "t1 0 0"},
+             {"v0", "v1"}},
+            {pair + "; ip link add t0 link v0 up type macvlan",
+             "t0",
+             "ip link delete t0",
+             {"t0 0 10000"},
+             {"v0", "v1"}},
+            {pair + "; ip link add t0 up type bridge mcast_snooping 0; ip link set v0 master t0",
+             "t0",
+             "ip link set v0 nomaster; ip link delete t0",
+             {"t0 0 10000"},
+             {"v0", "v1"}},
+            {"ip link add t0 up type ifb", "t0", "ip link delete t0", {"t0 10000 0"}, {}},
+        };
+        for (const auto& row : rows) {
+            NetlinkNetworkTables tables;
+            std::vector<InterfaceRow> links;
+            ASSERT_EQ(tables.GetIfTable(links, true), 0);
+            ASSERT_TRUE(Shell(row.Before)) << row.Before;
+            Send(tables, row.Sender);
+            ASSERT_EQ(tables.GetIfTable(links, true), 0);
+            EXPECT_TRUE(tables.TakeRemoved().empty());
+            Send(tables, row.Sender);
+            ASSERT_TRUE(Shell(row.Then)) << row.Then;
+            ASSERT_EQ(tables.GetIfTable(links, true), 0);
+            Names removed;
+            for (const InterfaceRow& link : tables.TakeRemoved())
+                removed.insert(Told(link));
+            EXPECT_EQ(removed, row.Removed) << row.Then;
+            Names left = row.Left;
+            left.insert("lo");
+            EXPECT_EQ(NamesOf(links), left) << row.Then;
+            Shell("ip link delete v0 || ip link delete v1");
+        }
+    });
+}
+
+// Each link that is no longer shown has been told to have gone, as it was known, and none that is still
+// shown.
+TEST(RealLinks, NeverGoUnnoticed) {
+    InOwnNetwork([] {
+        const TemporaryFolder net;
+        for (int i = 1; i <= 40; ++i)
+            std::filesystem::create_directories(net.Path() / fmt::format("card{}/device", i));
+        NetlinkNetworkTables tables("/proc/net", net.Path());
+        std::atomic<bool> done = false;
+        std::thread maker([&done] {
+            EXPECT_TRUE(Shell("for i in $(seq 40); do ip link add card$i type veth peer name v$i; "
+                              "ip link delete v$i; done"));
+            done = true;
+        });
+        std::vector<InterfaceRow> links;
+        Names before;
+        while (!done) {
+            EXPECT_EQ(tables.GetIfTable(links, true), 0);
+            const Names now = NamesOf(links);
+            for (const InterfaceRow& link : tables.TakeRemoved()) {
+                EXPECT_FALSE(now.contains(link.Description)) << link.Description;
+                const bool wasShown = before.erase(link.Description) > 0;
+                EXPECT_EQ(link.HasHardware, wasShown && link.Description.starts_with("card"))
+                    << link.Description;
+            }
+            EXPECT_TRUE(std::includes(now.begin(), now.end(), before.begin(), before.end()));
+            before = now;
+        }
+        maker.join();
+    });
+}
+
+TEST(RealLinks, AreKnownByTheirDevicesUntilTheyAreGone) {
+    InOwnNetwork([] {
+        const TemporaryFolder net;
+        for (const char* name : {"lo", "card0"})
+            std::filesystem::create_directories(net.Path() / name / "device");
+        ASSERT_TRUE(Shell("ip link add card0 type veth peer name v1; ip link add br0 type bridge; "
+                          "ip link set card0 master br0"));
+        NetlinkNetworkTables tables("/proc/net", net.Path());
+        std::vector<InterfaceRow> links;
+        std::vector<InterfaceEntry> entries;
+        ASSERT_EQ(tables.GetIfTable(links, true), 0);
+        ASSERT_EQ(tables.GetIfTable2(entries), 0);
+        EXPECT_EQ(links.size(), 4U);
+        for (const InterfaceRow& link : links) {
+            EXPECT_EQ(link.HasHardware, link.Description == "card0") << link.Description;
+            EXPECT_FALSE(link.IsPort) << link.Description;
+        }
+        for (const InterfaceEntry& entry : entries)
+            EXPECT_EQ(entry.HasHardware, entry.Description == "card0") << entry.Description;
+
+        ASSERT_TRUE(Shell("ip link delete card0"));
+        std::filesystem::remove_all(net.Path() / "card0");
+        ASSERT_EQ(tables.GetIfTable(links, true), 0);
+        const std::vector<InterfaceRow> removed = tables.TakeRemoved();
+        EXPECT_EQ(NamesOf(removed), (Names{"card0", "v1"}));
+        for (const InterfaceRow& link : removed)
+            EXPECT_EQ(link.HasHardware, link.Description == "card0") << link.Description;
+    });
+}
+
+} // namespace
