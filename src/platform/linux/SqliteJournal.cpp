@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
+#include <optional>
 #include <random>
 #include <sys/stat.h>
 #include <utility>
@@ -76,8 +77,6 @@ struct SqliteJournal::OpenJournal {
     OpenJournal(fs::path file, std::string boot, const std::vector<fs::path>& notesFolders)
         : File(std::move(file)), Stamp{std::move(boot), DrawId(), 0}, Notes(notesFolders, Stamp.Id) {}
 
-    bool HasItsName() const { return IdentityOf(File) == Identity; }
-
     fs::path File;
     std::optional<FileIdentity> Identity;
     JournalDatabase Database;
@@ -122,6 +121,7 @@ JournalFound SqliteJournal::Read(JournalDatabase& database, const fs::path& file
 }
 
 JournalFound SqliteJournal::Load(const fs::path& folder) {
+    DropLost();
     const fs::path file = FileIn(folder);
     if (!IsThere(file)) return {};
     std::unique_ptr<OpenJournal> journal = Open(file);
@@ -132,6 +132,7 @@ JournalFound SqliteJournal::Load(const fs::path& folder) {
 }
 
 JournalFound SqliteJournal::Look(const fs::path& folder) {
+    DropLost();
     const fs::path file = FileIn(folder);
     // Without both of them SQLite would make what is missing.
     const auto isShared = [&] { return IsFile(file.string() + "-wal") && IsFile(file.string() + "-shm"); };
@@ -156,25 +157,34 @@ int SqliteJournal::Write(OpenJournal& journal, const JournalPicture& picture, Du
 }
 
 bool SqliteJournal::Save(const fs::path& folder, const JournalPicture& picture, Durability durability) {
+    DropLost();
     const fs::path file = FileIn(folder);
-    if (open_ && open_->File == file && open_->HasItsName()) {
+    if (open_ && open_->File == file) {
         const int code = Write(*open_, picture, durability);
         if (!SqliteDatabase::IsDamage(code) || !RenameDatabase(file, NameAside(file)))
             return code == SQLITE_OK;
+        DropLost();
     }
     std::unique_ptr<OpenJournal> next = Open(file);
     // On the medium in any case: the one before it is about to go.
     if (!next || Write(*next, picture, Durability::Medium) != SQLITE_OK) return false;
-    if (open_) {
-        open_->Notes.Remove();
-        if (open_->HasItsName() && open_->Identity != next->Identity) Leave(*open_);
-    }
+    if (open_) Leave(*open_, *next);
     open_ = std::move(next);
     return true;
 }
 
-// What other machines have written stays.
-void SqliteJournal::Leave(OpenJournal& journal) const {
+// A file that was renamed or removed goes on for its writer alone. It is closed before the file that has its
+// name now is opened: closing it later would free that one's locks.
+void SqliteJournal::DropLost() {
+    if (!open_ || IdentityOf(open_->File) == open_->Identity) return;
+    open_->Notes.Remove();
+    open_.reset();
+}
+
+// What other machines have written stays. Both are one file where a folder has two names.
+void SqliteJournal::Leave(OpenJournal& journal, const OpenJournal& next) const {
+    journal.Notes.Remove();
+    if (journal.Identity == next.Identity) return;
     bool othersAreLeft = true;
     if (journal.Database.Forget(machine_, othersAreLeft) == SQLITE_OK && !othersAreLeft)
         RemoveDatabase(journal.File);

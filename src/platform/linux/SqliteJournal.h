@@ -38,7 +38,8 @@ class SqliteJournal : public Journal {
     std::vector<std::filesystem::path> NotesFolders(const std::filesystem::path& file) const;
     std::unique_ptr<OpenJournal> Open(const std::filesystem::path& file) const;
     int Write(OpenJournal& journal, const JournalPicture& picture, Durability durability) const;
-    void Leave(OpenJournal& journal) const;
+    void DropLost();
+    void Leave(OpenJournal& journal, const OpenJournal& next) const;
     JournalFound Read(JournalDatabase& database, const std::filesystem::path& file) const;
 
     std::string machine_, boot_;
