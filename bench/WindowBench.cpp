@@ -79,7 +79,7 @@ class WindowBench {
           savePath_(QString::fromStdString((folder / "export").string())),
           window_({program_->settings, program_->language, program_->errors, boxes_, program_->statFile,
                    program_->aliases, program_->monthSums, program_->periodSums, program_.SystemTime(),
-                   program_->locale}),
+                   program_->locale, [this] { return program_->RecordsInFile(); }}),
           list_(Find<QTableView>("ListStats")),
           painted_(*list_.viewport(), QEvent::Paint) {
         window_.Plug([this](QWidget*, const QString&, const QString&) { return savePath_; });
@@ -91,7 +91,7 @@ class WindowBench {
         const Stopwatch watch;
         program_->statFile.LoadStatFile(records, true);
         const double milliseconds = watch.Milliseconds();
-        program_->monthSums.CalcStatsThisMonth(records);
+        program_->monthSums.CalcStatsThisMonth(records, 0);
         return milliseconds;
     }
 

@@ -29,6 +29,7 @@ struct Arguments {
     RecordFilter Filter;
     bool Watch = false;
     bool AsJson = false;
+    bool Closed = false;
 };
 
 // An option that takes one of a few words.
@@ -109,6 +110,7 @@ class CommandLine {
 
     void AddFilter(CLI::App* command) {
         command->add_option("--alias", Arguments.Filter.Alias, "Only this alias");
+        command->add_flag("--closed", Arguments.Closed, "Without the connections that are open");
         AddChoice<OutputFormat>(
             command, "--format", "How it is printed", Arguments.Format,
             {{"table", OutputFormat::Table}, {"json", OutputFormat::Json}, {"csv", OutputFormat::Csv}});
@@ -137,6 +139,7 @@ void LoadTexts(Program& program) {
 
 int Run(const CommandLine& line, const Ports& ports, Program& program, const TerminationSignals* signals) {
     const Arguments& arguments = line.Arguments;
+    program.ShowOpenConnectionsOfRecorder(arguments.Closed);
     if (line.List->parsed()) ListSettings(program.settings);
     if (line.Get->parsed()) PrintSetting(program.settings, arguments.Name);
     if (line.Set->parsed()) StoreSetting(program.settings, arguments.Name, arguments.Value);

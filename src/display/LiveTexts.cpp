@@ -41,8 +41,7 @@ void LiveTexts::FillInfoStrings(InfoTexts& texts) {
 
         double freeBytes = 0;
         if (!line.LineName.empty()) {
-            const PeriodUse period =
-                monthSums_.UseOf(line.EntryName, line.BytesReceived + line.BytesTransmitted);
+            const PeriodUse period = monthSums_.UseOf(line.EntryName);
             freeBytes = period.FreeBytes;
             texts.PeriodVolumeText = units_.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
             texts.FreeVolumeText =

@@ -42,8 +42,7 @@ void ChoosePlatform() {
 PeriodUse UseOfChartLine(Program& program) {
     const auto line = static_cast<std::size_t>(program.infoTexts.ChartLineNo);
     if (line < 1 || line > program.lines.LineTable.Size()) return {};
-    const LineRecord& record = program.lines.LineTable(line);
-    return program.monthSums.UseOf(record.EntryName, record.BytesReceived + record.BytesTransmitted);
+    return program.monthSums.UseOf(program.lines.LineTable(line).EntryName);
 }
 
 } // namespace
@@ -82,7 +81,8 @@ int RunDesktop(int argc, char** argv) {
         if (!statistics) {
             statistics = std::make_unique<frmStatistik>(frmStatistik::Parts{
                 program.settings, program.language, program.errors, messageBoxes, program.statFile,
-                program.aliases, program.monthSums, program.periodSums, system.SystemTime(), program.locale});
+                program.aliases, program.monthSums, program.periodSums, system.SystemTime(), program.locale,
+                [&program] { return program.RecordsInFile(); }});
         }
         statistics->Open();
     };

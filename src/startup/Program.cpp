@@ -1,5 +1,6 @@
 #include "startup/Program.h"
 
+#include "platform/RecordingLock.h"
 #include "platform/Shell.h"
 #include "startup/BuiltUpdateSite.h"
 #include "startup/UserVariables.h"
@@ -47,10 +48,11 @@ Program::Program(const Ports& ports, Locale userLocale)
       aliases(settings, errors, ports.Clock, [this] { return units.VolumeFactor(); }),
       monthSums(aliases, lines, errors, ports.Clock),
       statFile([this] { return dataFolder.GetDataPath(); }, ports.Files, ports.Events, ports.Clock, errors,
-               lines, aliases, locale),
+               [this] { return openConnections_(); }, aliases, locale),
       periodSums(aliases, errors, locale),
       recorder({lines, counterLedger, ports.Files, errors, language, ports.Clock, ports.RecordingLock, locale,
-                [this] { return dataFolder.GetDataPath(); }, [](const OpenConnection&) {}}),
+                [this] { return dataFolder.GetDataPath(); },
+                [this](const OpenConnection& record) { monthSums.Add(record); }}),
       journalKeeper({ports.Journal, recorder, counterLedger, lines, lineBook, lineMonitor, ports.Clock,
                      errors, [this] { return dataFolder.GetDataPath(); }}),
       units(errors, locale, ports.Clock),
@@ -68,6 +70,7 @@ Program::Program(const Ports& ports, Locale userLocale)
                [this] { LoadUserVar(); }},
               BuiltVersion) {
     PlugErrors();
+    openConnections_ = [this] { return OpenConnectionsOf(lines); };
     lineBook.Plug({[this](const std::string& entryName) { return aliases.GetAlias(entryName); },
                    [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
                    [this] { samplingLoop.ResizeRateHistory(); }, [this] { journalKeeper.PassEnded(); }});
@@ -112,8 +115,26 @@ bool Program::BeginToRecord() {
 void Program::LoadStatistics() {
     if (!BeginToRecord()) errors.WriteErrorLog("Another program records into this data folder.", "SaveStats");
     StatRecords records;
+    const std::size_t known = RecordsInFile();
     statFile.LoadStatFile(records, true);
-    monthSums.CalcStatsThisMonth(records);
+    monthSums.CalcStatsThisMonth(records, known);
+}
+
+void Program::ShowOpenConnectionsOfRecorder(bool closed) {
+    openConnections_ = [this, closed] {
+        return closed ? std::vector<OpenConnection>() : OpenConnectionsOfRecorder();
+    };
+}
+
+std::vector<OpenConnection> Program::OpenConnectionsOfRecorder() {
+    std::vector<OpenConnection> open;
+    const std::filesystem::path folder = dataFolder.GetDataPath();
+    if (!ports_.RecordingLock.IsTaken(folder)) return open;
+    const JournalFound found = ports_.Journal.Look(folder);
+    for (const JournalEntry& entry : found.Picture.Entries) {
+        if (found.SameBoot && entry.Open && !entry.Open->Recorded) open.push_back(*entry.Open);
+    }
+    return open;
 }
 
 void Program::LoadUserVar() {

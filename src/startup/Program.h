@@ -53,6 +53,13 @@ class Program {
     /// periods.
     void LoadStatistics();
 
+    /// How many of the records made in this run a load of the file finds.
+    std::size_t RecordsInFile() const { return monthSums.RecordsMade() - recorder.Unwritten(); }
+
+    /// For a program that only looks at the statistics: the connections that are open are those of the
+    /// program that records, as its journal has them, or none (`closed`).
+    void ShowOpenConnectionsOfRecorder(bool closed);
+
     /// LoadRecords, and brings the entry for starting with the system in line with the settings.
     void LoadUserVar();
 
@@ -102,6 +109,9 @@ class Program {
     Download FromUpdateSite();
     std::function<std::string(int)> UpdateText();
     void PlugErrors();
+    std::vector<OpenConnection> OpenConnectionsOfRecorder();
+
+    std::function<std::vector<OpenConnection>()> openConnections_;
 };
 
 } // namespace korvalin

@@ -7,25 +7,42 @@
 #include "stats/Aliases.h"
 #include "traffic/LineRecord.h"
 
+#include <algorithm>
+
 namespace korvalin {
 
 MonthSums::MonthSums(Aliases& aliases, const LineState& lines, Errors& errors, Clock& clock)
     : aliases_(aliases), lines_(lines), errors_(errors), clock_(clock) {}
 
-void MonthSums::CalcStatsThisMonth(StatRecords& records) {
+void MonthSums::CalcStatsThisMonth(StatRecords& records, std::size_t known) {
     aliases_.Clear();
     valid_ = false;
     sums_ = StatRecords();
+    connections_.clear();
     errors_.Step("CalcStatsThisMonth", [&] {
         aliases_.FillAlias(records);
         for (const LineRecord& line : lines_.LineTable) {
             if (!line.EntryName.empty()) aliases_.GetAlias(line.EntryName);
         }
         EnsureSums();
-        if (records.List.empty()) return;
-        Add(records);
+        AddAll(records);
+        const std::vector<OpenConnection> made = made_;
+        for (std::size_t i = std::min(known, made.size()); i < made.size(); ++i)
+            AddRecord(made[i]);
         valid_ = true;
     });
+}
+
+void MonthSums::Add(const OpenConnection& record) {
+    made_.push_back(record);
+    errors_.Step("CalcStatsThisMonth", [&] { AddRecord(record); });
+}
+
+void MonthSums::AddRecord(const OpenConnection& record) {
+    const std::size_t index = aliases_.AliasIndex(aliases_.GetAlias(record.LineName));
+    const BilledRecord billed{record.LogIn, RoundToSecond(record.End), record.BytesReceived,
+                              record.BytesTransmitted, record.IsRas};
+    if (billed.End >= Sum(index).StatPeriodBegin) AddToSum(billed, ToLower(record.LineName), index);
 }
 
 void MonthSums::Begin(StatRecord& sum, std::size_t aliasIndex) {
@@ -42,7 +59,7 @@ void MonthSums::EnsureSums() {
     }
 }
 
-void MonthSums::Add(const StatRecords& records) {
+void MonthSums::AddAll(const StatRecords& records) {
     PooledText alias;
     std::size_t index = 0;
     for (const StatRecord& record : records.List) {
@@ -50,15 +67,17 @@ void MonthSums::Add(const StatRecords& records) {
             alias = record.Alias;
             index = aliases_.AliasIndex(alias);
         }
-        StatRecord& sum = sums_.List.at(index - 1);
-        if (record.End() < sum.StatPeriodBegin || EqualsNoCase(record.Info, InfoRunning)) continue;
-        sum.BytesReceived += record.BytesReceived;
-        sum.BytesTransmitted += record.BytesTransmitted;
-        sum.Duration += record.Duration;
-        sum.DurationRounded += aliases_.RoundDuration(record.Duration, index);
-        sum.VolumeRounded += aliases_.RoundVolume(record.Volume(), index);
-        ++sum.ConnCount;
+        const Date end = record.End();
+        if (end < sums_.List.at(index - 1).StatPeriodBegin || EqualsNoCase(record.Info, InfoRunning))
+            continue;
+        AddToSum({record.LogIn, end, record.BytesReceived, record.BytesTransmitted}, ToLower(record.LineName),
+                 index);
     }
+}
+
+void MonthSums::AddToSum(const BilledRecord& record, const std::string& lineName, std::size_t aliasIndex) {
+    StatRecord& sum = sums_.List.at(aliasIndex - 1);
+    AddShare(sum, Bill(record, connections_[lineName], sum.StatPeriodBegin, aliases_, aliasIndex));
 }
 
 const StatRecord& MonthSums::Sum(std::size_t aliasIndex) {
@@ -69,15 +88,30 @@ const StatRecord& MonthSums::Sum(std::size_t aliasIndex) {
     return sum;
 }
 
-PeriodUse MonthSums::UseOf(std::string_view lineName, double openBytes) {
+// Asked for several times a second.
+double MonthSums::OpenVolume(std::size_t aliasIndex) {
+    double volume = 0;
+    for (const LineRecord& line : lines_.LineTable) {
+        if (!line.Connected || aliases_.AliasIndex(aliases_.GetAlias(line.EntryName)) != aliasIndex) continue;
+        const LinePart part = OpenPartOf(line);
+        const auto last = connections_.find(ToLower(line.EntryName));
+        BilledConnection connection = last != connections_.end() ? last->second : BilledConnection();
+        volume +=
+            Bill({part.LogIn, RoundToSecond(part.End), part.BytesReceived, part.BytesTransmitted, line.IsRas},
+                 connection, sums_.List.at(aliasIndex - 1).StatPeriodBegin, aliases_, aliasIndex)
+                .VolumeRounded;
+    }
+    return volume;
+}
+
+PeriodUse MonthSums::UseOf(std::string_view lineName) {
     const std::size_t index = aliases_.AliasIndex(aliases_.GetAlias(lineName));
     const double recorded = Sum(index).VolumeRounded;
     AliasInfo& alias = aliases_.Alias(index);
     const Date now = clock_.Now();
     alias.FractionElapsed =
         RoundToEven(1e4 * (alias.DaysElapsed - 1 + now - DayOf(now)) / alias.DaysInPeriod) / 1e4;
-    return {aliases_.RoundVolume(openBytes, index) + recorded, alias.FreeVolumeBytes, alias.TrayVol,
-            alias.FractionElapsed};
+    return {recorded + OpenVolume(index), alias.FreeVolumeBytes, alias.TrayVol, alias.FractionElapsed};
 }
 
 } // namespace korvalin

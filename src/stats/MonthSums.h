@@ -1,9 +1,14 @@
 #pragma once
 
+#include "platform/Journal.h"
+#include "stats/BilledParts.h"
 #include "stats/PeriodUse.h"
 #include "stats/StatRecord.h"
 
+#include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace korvalin {
 
@@ -12,14 +17,21 @@ class Clock;
 class Errors;
 struct LineState;
 
-/// The sums of the current billing period, one per alias. They hold the records of the last
-/// CalcStatsThisMonth; a record written since counts from the next one on.
+/// The sums of the current billing period, one per alias: what was recorded before the last
+/// CalcStatsThisMonth and since. What is open comes on top when somebody asks.
 class MonthSums {
   public:
     MonthSums(Aliases& aliases, const LineState& lines, Errors& errors, Clock& clock);
 
-    /// Rebuilds the tables of lines and aliases, then the sums from these records, whose aliases it sets.
-    void CalcStatsThisMonth(StatRecords& records);
+    /// Rebuilds the tables of lines and aliases, then the sums from these records, whose aliases it sets, and
+    /// from those that were made in this run after the first `known`, which are among `records`.
+    void CalcStatsThisMonth(StatRecords& records, std::size_t known);
+
+    /// A record was made.
+    void Add(const OpenConnection& record);
+
+    /// How many records have been made in this run.
+    std::size_t RecordsMade() const { return made_.size(); }
 
     /// Whether the last CalcStatsThisMonth went through to its end.
     bool Valid() const { return valid_; }
@@ -27,19 +39,25 @@ class MonthSums {
     /// The sum of an alias, all zero when nothing was recorded in its period. A new period begins at zero.
     const StatRecord& Sum(std::size_t aliasIndex);
 
-    /// The use of the period of a line, whose open connection has moved `openBytes`.
-    PeriodUse UseOf(std::string_view lineName, double openBytes);
+    /// The use of the period of a line: recorded and open, of all lines with its alias.
+    PeriodUse UseOf(std::string_view lineName);
 
   private:
     void Begin(StatRecord& sum, std::size_t aliasIndex);
     void EnsureSums();
-    void Add(const StatRecords& records);
+    void AddRecord(const OpenConnection& record);
+    void AddAll(const StatRecords& records);
+    void AddToSum(const BilledRecord& record, const std::string& lineName, std::size_t aliasIndex);
+    double OpenVolume(std::size_t aliasIndex);
 
     Aliases& aliases_;
     const LineState& lines_;
     Errors& errors_;
     Clock& clock_;
     StatRecords sums_; // that of alias i at i - 1
+    std::unordered_map<std::string, BilledConnection>
+        connections_; // the last of each line, by lower-case name
+    std::vector<OpenConnection> made_;
     bool valid_ = false;
 };
 

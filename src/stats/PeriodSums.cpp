@@ -4,7 +4,11 @@
 #include "base/Text.h"
 #include "errors/Errors.h"
 #include "stats/Aliases.h"
+#include "stats/BilledParts.h"
 #include "stats/SortStats.h"
+
+#include <string>
+#include <unordered_map>
 
 namespace korvalin {
 namespace {
@@ -25,6 +29,8 @@ void PeriodSums::SumUp(const StatRecords& records, SumPeriod period, StatRecords
     PooledText alias;
     std::size_t aliasIndex = 0;
     Date limit = 0; // midnight after the open sum's last day
+    // Of lines that were recorded day by day; few records need a look-up.
+    std::unordered_map<std::string, BilledConnection> connections;
     for (const std::uint32_t i : StatOrder(records.List, {"Alias", true}, {"LogIn", true}, locale_)) {
         const StatRecord& record = records.List[i];
         const bool sameAlias =
@@ -35,8 +41,13 @@ void PeriodSums::SumUp(const StatRecords& records, SumPeriod period, StatRecords
             sums.List.emplace_back();
             Begin(sums.List.back(), record, aliasIndex, period, sums.Texts);
             limit = sums.List.back().StatPeriodEnd + 1;
+            connections.clear();
         }
-        Add(sums.List.back(), record, aliasIndex);
+        StatRecord& sum = sums.List.back();
+        const BilledRecord billed{record.LogIn, record.End(), record.BytesReceived, record.BytesTransmitted};
+        BilledConnection alone;
+        BilledConnection& connection = IsPartOfDay(billed) ? connections[ToLower(record.LineName)] : alone;
+        AddShare(sum, Bill(billed, connection, sum.StatPeriodBegin, aliases_, aliasIndex));
     }
 }
 
@@ -69,15 +80,6 @@ void PeriodSums::Begin(StatRecord& sum, const StatRecord& first, std::size_t ali
         break;
     }
     sum.PeriodLabel = texts.Intern(label);
-}
-
-void PeriodSums::Add(StatRecord& sum, const StatRecord& record, std::size_t alias) const {
-    ++sum.ConnCount;
-    sum.Duration += record.Duration;
-    sum.DurationRounded += aliases_.RoundDuration(record.Duration, alias);
-    sum.BytesReceived += record.BytesReceived;
-    sum.BytesTransmitted += record.BytesTransmitted;
-    sum.VolumeRounded += aliases_.RoundVolume(record.Volume(), alias);
 }
 
 } // namespace korvalin

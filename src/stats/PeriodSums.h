@@ -11,7 +11,8 @@ struct Locale;
 /// The periods that connections are summed by, as the setting "z_optStatSum" numbers them.
 enum class SumPeriod { Day = 0, Week = 1, BillingMonth = 2 };
 
-/// Sums of connections per alias and period. A connection belongs, whole, to the period it ended in.
+/// Sums of connections per alias and period. A connection belongs, whole, to the period it ended in; one that
+/// was recorded day by day counts in each period with the parts that ended there, together.
 class PeriodSums {
   public:
     PeriodSums(const Aliases& aliases, Errors& errors, const Locale& locale)
@@ -25,7 +26,6 @@ class PeriodSums {
     void SumUp(const StatRecords& records, SumPeriod period, StatRecords& sums) const;
     void Begin(StatRecord& sum, const StatRecord& first, std::size_t alias, SumPeriod period,
                TextPool& texts) const;
-    void Add(StatRecord& sum, const StatRecord& record, std::size_t alias) const;
 
     const Aliases& aliases_;
     Errors& errors_;

@@ -156,8 +156,27 @@ void Recorder::TakeUp(const std::vector<PendingRecord>& pending) {
     for (const PendingRecord& record : pending) {
         Waiting waiting{record, IsAtEndOf(StatFileName, record.StatLine),
                         IsAtEndOf(StatExportName, record.ExportLine)};
-        if (!waiting.InStatistics || !waiting.InExport) waiting_.push_back(std::move(waiting));
+        if (waiting.InStatistics && waiting.InExport) continue;
+        if (!waiting.InStatistics) TellOf(record.StatLine);
+        waiting_.push_back(std::move(waiting));
     }
+}
+
+void Recorder::TellOf(std::string_view statLine) const {
+    const auto fields = ParseStatLine(statLine.substr(0, statLine.find('\r')), parts_.UserLocale);
+    if (!fields) return;
+    OpenConnection record;
+    record.LineName = fields->LineName;
+    record.LogIn = fields->LogIn;
+    record.End = fields->LogIn + fields->Duration;
+    record.BytesReceived = fields->BytesReceived;
+    record.BytesTransmitted = fields->BytesTransmitted;
+    parts_.Recorded(record);
+}
+
+std::size_t Recorder::Unwritten() const {
+    return static_cast<std::size_t>(std::count_if(
+        waiting_.begin(), waiting_.end(), [](const Waiting& waiting) { return !waiting.InStatistics; }));
 }
 
 // No two records of a line are the same, so the text alone tells.

@@ -54,6 +54,8 @@ class Recorder {
     /// The records that are not in both files yet.
     std::vector<PendingRecord> Pending() const;
     bool HasPending() const { return !waiting_.empty(); }
+    /// How many of them the statistics file lacks: the last ones that were made.
+    std::size_t Unwritten() const;
 
     /// Takes over what an earlier run has left, unless the files have it.
     void TakeUp(const std::vector<PendingRecord>& pending);
@@ -72,6 +74,7 @@ class Recorder {
     std::vector<RecordTime> TimesOf(std::string_view lineName) const;
     std::string InfoText(CloseReason reason) const;
     std::string ExportLine(const OpenConnection& record, std::string_view info) const;
+    void TellOf(std::string_view statLine) const;
     bool IsAtEndOf(std::string_view fileName, std::string_view line) const;
     void Append(std::string_view fileName, std::string_view header, std::string PendingRecord::*line,
                 bool Waiting::*done, Files::Flush flush);

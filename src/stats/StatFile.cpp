@@ -12,7 +12,6 @@
 #include "stats/SortStats.h"
 #include "stats/StatFileName.h"
 #include "stats/StatLine.h"
-#include "traffic/LineRecord.h"
 
 #include <fstream>
 #include <span>
@@ -87,13 +86,13 @@ bool LoadReport::NeedsRepair() const {
 }
 
 StatFile::StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
-                   const LineState& lines, Aliases& aliases, const Locale& locale)
+                   OpenConnectionsOf openConnections, Aliases& aliases, const Locale& locale)
     : dataFolder_(std::move(dataFolder)),
       files_(files),
       events_(events),
       clock_(clock),
       errors_(errors),
-      lines_(lines),
+      openConnections_(std::move(openConnections)),
       aliases_(aliases),
       locale_(locale) {}
 
@@ -119,8 +118,9 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Pro
         records = StatRecords();
         return 0;
     }
-    if (!repair && lines_.AnyLineConnected) errors_.Step(procName, [&] { AddRunning(records); });
-    errors_.Step(procName, [&] { Tidy(records); });
+    std::vector<OpenConnection> open;
+    if (!repair) errors_.Step(procName, [&] { open = openConnections_(); });
+    errors_.Step(procName, [&] { Tidy(records, open); });
     // A file without any record is probably none of ours.
     const bool worthIt = report_.NeedsRepair() && !records.List.empty();
     if (lock && whole && worthIt) errors_.Step(procName, [&] { Repair(records); });
@@ -177,20 +177,24 @@ void StatFile::TakeLine(std::string_view line, StatRecords& records) {
     records.List.back().FileIndex = static_cast<std::int32_t>(records.List.size());
 }
 
-void StatFile::AddRunning(StatRecords& records) {
-    const TableFromOne<LineRecord>& open = lines_.PreviousLineTable;
-    for (std::size_t i = 1; i <= lines_.LineCount && i <= open.Size(); ++i) {
-        const LineRecord& line = open(i);
-        if (!line.Connected) continue;
-        records.List.push_back(RecordOf({line.EntryName, line.LogIn, line.Duration, line.BytesTransmitted,
-                                         line.BytesReceived, InfoRunning, line.User},
-                                        records.Texts));
+void StatFile::AddRunning(StatRecords& records, const std::vector<OpenConnection>& open, bool dialUp) {
+    for (const OpenConnection& connection : open) {
+        if (connection.IsRas != dialUp) continue;
+        records.List.push_back(
+            RecordOf({connection.LineName, connection.LogIn, connection.End - connection.LogIn,
+                      connection.BytesTransmitted, connection.BytesReceived, InfoRunning, connection.User},
+                     records.Texts));
     }
 }
 
-void StatFile::Tidy(StatRecords& records) {
+// A dial-up line that is open may have a record from an earlier run; an adapter's open part has none.
+void StatFile::Tidy(StatRecords& records, const std::vector<OpenConnection>& open) {
+    AddRunning(records, open, true);
     SortByLine(records.List, locale_);
     report_.Merged = MergeDuplicates(records.List);
+    const std::size_t merged = records.List.size();
+    AddRunning(records, open, false);
+    if (records.List.size() > merged) SortByLine(records.List, locale_);
     aliases_.FillAlias(records);
     for (StatRecord& record : records.List)
         record.LogOut = record.End();

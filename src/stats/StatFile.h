@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Files.h"
+#include "platform/Journal.h"
 #include "stats/StatRecord.h"
 
 #include <cstddef>
@@ -17,7 +18,6 @@ class Aliases;
 class Clock;
 class Errors;
 class Events;
-struct LineState;
 struct Locale;
 
 /// What a load met in the file.
@@ -37,9 +37,11 @@ class StatFile {
     using DataFolderOf = std::function<std::filesystem::path()>;
     /// Told now and then which fraction of the file was read; false cancels the load.
     using Progress = std::function<bool(double fraction)>;
+    /// The connections that are open now, as far as no record holds them.
+    using OpenConnectionsOf = std::function<std::vector<OpenConnection>()>;
 
     StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
-             const LineState& lines, Aliases& aliases, const Locale& locale);
+             OpenConnectionsOf openConnections, Aliases& aliases, const Locale& locale);
 
     std::filesystem::path StatFilePath() const;
 
@@ -69,8 +71,8 @@ class StatFile {
     void Read(StatRecords& records, const Progress& progress);
     void Pause(const Progress& progress, std::uintmax_t seen, std::uintmax_t size);
     void TakeLine(std::string_view line, StatRecords& records);
-    void AddRunning(StatRecords& records);
-    void Tidy(StatRecords& records);
+    void AddRunning(StatRecords& records, const std::vector<OpenConnection>& open, bool dialUp);
+    void Tidy(StatRecords& records, const std::vector<OpenConnection>& open);
     void Repair(const StatRecords& records);
     bool Rewrite(const StatRecords& records, const std::vector<bool>& leftOut, std::string_view appended,
                  FileMark& written);
@@ -80,7 +82,7 @@ class StatFile {
     Events& events_;
     Clock& clock_;
     Errors& errors_;
-    const LineState& lines_;
+    OpenConnectionsOf openConnections_;
     Aliases& aliases_;
     const Locale& locale_;
     LoadReport report_;

@@ -260,6 +260,7 @@ void frmStatistik::ReleaseRecords() {
 void frmStatistik::LoadRecords() {
     ShowLoading(true);
     ReleaseRecords();
+    recordsKnown_ = parts_.RecordsInFile();
     parts_.StatFile.LoadStatFile(records_, false, [this](double fraction) {
         ui_->prgLoading->setValue(static_cast<int>(fraction * ui_->prgLoading->maximum()));
         return !cancelled_;
@@ -326,7 +327,7 @@ void frmStatistik::FillStats() {
 
 // Tariffs, aliases or the records themselves have changed: everything made of them follows.
 void frmStatistik::RecordsChanged() {
-    parts_.MonthSums.CalcStatsThisMonth(records_);
+    parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
     FillFilter();
     if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
     sumsNeedRecalculation_ = true;

@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QTableView;
@@ -45,6 +46,8 @@ class frmStatistik : public QWidget {
         korvalin::PeriodSums& PeriodSums;
         korvalin::Clock& Clock;
         const Locale& UserLocale;
+        /// How many of the records made in this run a load of the file finds.
+        std::function<std::size_t()> RecordsInFile;
     };
     /// Asks for the name of a file to save under; empty when the user gives none.
     using ChooseFile =
@@ -109,6 +112,7 @@ class frmStatistik : public QWidget {
     std::unique_ptr<Ui::frmStatistik> ui_;
     RoomyStyle listStyle_;
     StatRecords records_;
+    std::size_t recordsKnown_ = 0; // of this run's, those made before the file was loaded
     StatRecords sums_;
     VolumeUnit unit_;
     StatTableModel recordModel_;

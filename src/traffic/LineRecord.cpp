@@ -19,4 +19,12 @@ OpenConnection ConnectionOf(const LineRecord& line) {
             part.BytesTransmitted, line.User,  line.IpAddress, line.IsRas};
 }
 
+std::vector<OpenConnection> OpenConnectionsOf(const LineState& lines) {
+    std::vector<OpenConnection> open;
+    for (const LineRecord& line : lines.LineTable) {
+        if (line.Connected) open.push_back(ConnectionOf(line));
+    }
+    return open;
+}
+
 } // namespace korvalin

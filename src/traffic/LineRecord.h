@@ -93,6 +93,9 @@ struct LineState {
 /// Which connections are recorded in parts that end with the day.
 enum class SplitDays { None = 0, Adapters = 1, All = 2 };
 
+/// The open parts of the lines that are connected.
+std::vector<OpenConnection> OpenConnectionsOf(const LineState& lines);
+
 /// The settings that the readers follow.
 struct TrafficOptions {
     bool LanProt = true;

@@ -70,7 +70,7 @@ TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
     records.List[0].LineName = records.Texts.Intern("eth0");
     records.List[0].LogIn = clock.Now();
     records.List[0].BytesReceived = 243.25e6;
-    monthSums.CalcStatsThisMonth(records);
+    monthSums.CalcStatsThisMonth(records, 0);
     struct {
         int Flags;
         const char* Expected;

@@ -29,9 +29,10 @@ class Statistics : public CoreFixture {
             folder.Write((program->dataFolder.GetDataPath() / "Korvalin_Stats.db").string(), content);
             program->LoadStatistics();
         }
-        window = std::make_unique<frmStatistik>(frmStatistik::Parts{
-            settings, program->language, program->errors, boxes, program->statFile, program->aliases,
-            program->monthSums, program->periodSums, clock, program->locale});
+        window = std::make_unique<frmStatistik>(
+            frmStatistik::Parts{settings, program->language, program->errors, boxes, program->statFile,
+                                program->aliases, program->monthSums, program->periodSums, clock,
+                                program->locale, [this] { return program->RecordsInFile(); }});
         window->Plug([this](QWidget*, const QString&, const QString&) { return savePath; });
         window->Open();
         AwaitRecords();
@@ -259,14 +260,14 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     Type(Find<QComboBox>("cboFreeVolume")->lineEdit(), "2000000");
     EXPECT_EQ(settings.GetNumber("Mobile_FreeVolume"), 10000) << "corrected";
     EXPECT_EQ(Find<QComboBox>("cboFreeVolume")->currentText(), QStringLiteral("10000"));
-    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).FreeBytes, 1e10);
-    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, 7e6) << "5 MB and nothing, each rounded up";
+    EXPECT_EQ(program->monthSums.UseOf("Line2").FreeBytes, 1e10);
+    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 6e6) << "5 MB, rounded up";
     QTest::mouseClick(Find<QCheckBox>("boxUp1MB"), Qt::LeftButton, {}, QPoint(8, 8));
-    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, 5e6);
+    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 5e6);
     QTest::mouseClick(Find<QCheckBox>("boxTrayVolumeLine"), Qt::LeftButton, {}, QPoint(8, 8));
-    EXPECT_TRUE(program->monthSums.UseOf("Line2", 0).TrayVol);
+    EXPECT_TRUE(program->monthSums.UseOf("Line2").TrayVol);
     ChooseIn("cboMonthStartDay", "5");
-    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, 0) << "the period began on the fifth";
+    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 0) << "the period began on the fifth";
     ChooseIn("cboRoundSeconds", "60");
     EXPECT_EQ(Cell(3, 7, "ListStatsSum"), "6:00");
 
@@ -326,11 +327,11 @@ TEST_F(Statistics, WhatIsBeingTypedCountsWhenTheWindowIsClosed) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return alias->hasFocus(); }));
     alias->selectAll();
     QTest::keyClicks(alias, QStringLiteral("Travel"));
-    const double used = program->monthSums.UseOf("Line2", 0).UsedBytes;
+    const double used = program->monthSums.UseOf("Line2").UsedBytes;
     window->close();
     QCoreApplication::processEvents();
     EXPECT_EQ(settings.GetText("Line2_Alias"), "Travel");
-    EXPECT_EQ(program->monthSums.UseOf("Line2", 0).UsedBytes, used);
+    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, used);
 }
 
 TEST_F(Statistics, AFileWithoutRecordsLeavesListsAndLinesEmpty) {

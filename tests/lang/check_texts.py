@@ -51,7 +51,7 @@ def uses():
             yield section, number, path
         for number in re.findall(r"\bStatText\((\d+)\)", source):
             yield "frmStatistik", number, path
-        for number in re.findall(r"\b[Tt]ext\((\d+)\)", source):
+        for number in re.findall(r"(?<!\.)\b[Tt]ext\((\d+)\)", source):
             yield helper_sections.get(path.name, "modAllgemein"), number, path
         for pieces in re.findall(r"ShowPieces\([^{;]*\{([^}]*)\}", source):
             for number in re.findall(r"(?<![\w.])\d+(?![\w.])", pieces):

@@ -47,7 +47,14 @@ class StatsFixture : public TrafficFixture {
     Aliases aliases{settings, errors, clock, [this] { return volumeUnit; }};
     MonthSums monthSums{aliases, lines, errors, clock};
     PeriodSums periodSums{aliases, errors, locale};
-    StatFile statFile{[this] { return folder.Path(); }, files, events, clock, errors, lines, aliases, locale};
+    StatFile statFile{[this] { return folder.Path(); },
+                      files,
+                      events,
+                      clock,
+                      errors,
+                      [this] { return OpenConnectionsOf(lines); },
+                      aliases,
+                      locale};
     StatRecords records;
 };
 

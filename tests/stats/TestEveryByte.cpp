@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <random>
+#include <set>
 
 using namespace korvalin;
 
@@ -218,8 +219,11 @@ class EveryByte : public StatsFixture {
               Ras(t.ras, t.network, State, Book, Ledger, t.settings, t.errors, t.clock),
               Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
               Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
+              Tariffs(t.settings, t.errors, t.clock, [] { return 1; }),
+              Month(Tariffs, State, t.errors, t.clock),
               Record({State, Ledger, t.gatedFiles, t.errors, t.language, t.clock, t.recordingLock, t.locale,
-                      [&t] { return t.folder.Path(); }, [](const OpenConnection&) {}}),
+                      [&t] { return t.folder.Path(); },
+                      [this](const OpenConnection& made) { Month.Add(made); }}),
               Keeper({t.gatedJournal, Record, Ledger, State, Book, Monitor, t.clock, t.errors,
                       [&t] { return t.folder.Path(); }}),
               Watch(t.clock) {
@@ -238,6 +242,8 @@ class EveryByte : public StatsFixture {
         RasReader Ras;
         LanReader Lan;
         LineMonitor Monitor;
+        Aliases Tariffs;
+        MonthSums Month;
         Recorder Record;
         JournalKeeper Keeper;
         ClockWatch Watch;
@@ -251,6 +257,8 @@ class EveryByte : public StatsFixture {
         gone_.clear();
         nextIndex_ = 1;
         renames_ = 0;
+        clockWasSet_ = false;
+        wrongMonth_.clear();
         gate_ = WriteGate();
         clock = FakeClock();
         options = TrafficOptions();
@@ -272,6 +280,10 @@ class EveryByte : public StatsFixture {
         for (const Adapter& adapter : there_) {
             network.Rows.push_back(adapter.Row);
             networks.Names[adapter.Row.Description] = adapter.Network;
+            // Every byte tells in the sums.
+            for (const std::string& line : {adapter.Row.Description, adapter.Network}) {
+                if (exact_.insert(line).second) settings.SetReg(line + "_Up1MB", false);
+            }
         }
         network.Removed.clear();
         for (const Adapter& adapter : gone_)
@@ -292,6 +304,22 @@ class EveryByte : public StatsFixture {
         AccountForTick();
         run_->FollowClock();
         run_->Monitor.Get_Bytes_Transmitted();
+        CheckMonth();
+    }
+    // Recorded and open, each once, at every moment. Sums behind a clock that was set back wait for the next
+    // load.
+    void CheckMonth() {
+        if (clockWasSet_) return;
+        std::map<std::string, double> moved;
+        const std::string month = Today().substr(0, 7);
+        for (const auto& [key, bytes] : account_.Now.Recorded) {
+            if (key.second.starts_with(month)) moved[key.first] += static_cast<double>(bytes.In + bytes.Out);
+        }
+        for (const auto& [line, bytes] : moved) {
+            const double used = run_->Month.UseOf(line).UsedBytes;
+            if (used != bytes)
+                wrongMonth_ = fmt::format("{} {}: {} instead of {}", Today(), line, used, bytes);
+        }
     }
     void Start() {
         if (run_) return;
@@ -299,8 +327,13 @@ class EveryByte : public StatsFixture {
         met_ = false;
         run_ = std::make_unique<Run>(*this);
         run_->Keeper.Start();
+        StatRecords loaded;
+        const std::size_t known = run_->Month.RecordsMade() - run_->Record.Unwritten();
+        statFile.LoadStatFile(loaded, true);
+        run_->Month.CalcStatsThisMonth(loaded, known);
         AccountForTick();
         run_->Monitor.Get_Bytes_Transmitted();
+        CheckMonth();
     }
     void End() {
         if (!run_) return;
@@ -397,6 +430,7 @@ class EveryByte : public StatsFixture {
             internet.State = {event.A % 2 == 0, event.A % 2 == 0 ? InternetConnectionLan : 0};
             return;
         case Act::SetClock:
+            clockWasSet_ = true;
             return clock.SetWallClock(clock.Now() + steps[event.A % std::size(steps)] / SecondsPerDay);
         case Act::Suspend: return clock.Suspend(spans[event.A % std::size(spans)] * 3);
         case Act::Start: return Start();
@@ -445,7 +479,7 @@ class EveryByte : public StatsFixture {
     }
     bool Holds(const History& history) {
         const auto [recorded, moved] = Play(history);
-        return recorded == moved;
+        return recorded == moved && wrongMonth_.empty();
     }
     // The shortest history with the same fault: leaves out what can be left out.
     History Shortest(History history) {
@@ -472,7 +506,9 @@ class EveryByte : public StatsFixture {
             difference += fmt::format("moved    {} {} {} {}\n", key.first, key.second, bytes.In, bytes.Out);
         for (const auto& [key, bytes] : recorded)
             difference += fmt::format("recorded {} {} {} {}\n", key.first, key.second, bytes.In, bytes.Out);
-        FAIL() << what << "\n" << Told(shortest) << "\n" << difference << folder.Read("Korvalin_Stats.db");
+        FAIL() << what << " " << wrongMonth_ << "\n"
+               << Told(shortest) << "\n"
+               << difference << folder.Read("Korvalin_Stats.db");
     }
 
     Account account_;
@@ -484,6 +520,9 @@ class EveryByte : public StatsFixture {
     std::uint32_t nextIndex_ = 1;
     bool met_ = false;
     int renames_ = 0;
+    bool clockWasSet_ = false;
+    std::string wrongMonth_;
+    std::set<std::string> exact_;
 };
 
 History RandomHistory(unsigned seed) {

@@ -51,7 +51,8 @@ class StatFaults : public StatsFixture {
     std::string File() const { return folder.Read("Korvalin_Stats.db"); }
 
     PosixFiles posix;
-    StatFile stats{[this] { return folder.Path(); }, posix, events, clock, errors, lines, aliases, locale};
+    StatFile stats{[this] { return folder.Path(); }, posix, events, clock, errors,
+                   [] { return std::vector<OpenConnection>(); }, aliases, locale};
 };
 
 TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {

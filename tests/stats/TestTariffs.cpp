@@ -104,7 +104,7 @@ TEST_F(Tariffs, MonthSumsHoldWhatEndedInTheCurrentPeriod) {
     Add("wlan0", At("2024-03-01"), At("00:00:01"), 5).BytesTransmitted = 6;
     info(Add("eth0", At("2024-03-14"), At("01:00:00"), 100), "RUNNING");
     lines.LineTable(1).EntryName = "tun0";
-    monthSums.CalcStatsThisMonth(records);
+    monthSums.CalcStatsThisMonth(records, 0);
     ASSERT_TRUE(monthSums.Valid());
     ASSERT_EQ(aliases.AliasCount(), 3U);
     EXPECT_EQ(aliases.AliasIndex("tun0"), 3U) << "open lines are known after those of the records";
@@ -126,7 +126,7 @@ TEST_F(Tariffs, MonthSumsHoldWhatEndedInTheCurrentPeriod) {
     aliases.GetAlias("late");
     EXPECT_EQ(monthSums.Sum(4).StatPeriodBegin, At("2024-04-01"));
     records = StatRecords();
-    monthSums.CalcStatsThisMonth(records);
+    monthSums.CalcStatsThisMonth(records, 0);
     EXPECT_FALSE(monthSums.Valid()) << "without records there are no sums";
 }
 
