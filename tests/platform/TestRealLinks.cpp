@@ -80,7 +80,7 @@ std::string Told(const InterfaceRow& row) {
 TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
     InOwnNetwork([] {
         // Another network, which only this descriptor keeps.
-        const Descriptor other(open("/proc/thread-self/ns/net", O_RDONLY));
+        const Descriptor other(open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC));
         ASSERT_EQ(unshare(CLONE_NEWNET), 0);
         std::ofstream("/proc/sys/net/ipv6/conf/default/disable_ipv6") << 1;
         const std::string moving = fmt::format("ip link set v0 netns /proc/{}/fd/{}", getpid(), other.Get());
@@ -168,9 +168,9 @@ TEST(RealLinks, NeverGoUnnoticed) {
             const Names now = NamesOf(links);
             for (const InterfaceRow& link : tables.TakeRemoved()) {
                 EXPECT_FALSE(now.contains(link.Description)) << link.Description;
-                const bool wasShown = before.erase(link.Description) > 0;
-                EXPECT_EQ(link.HasHardware, wasShown && link.Description.starts_with("card"))
-                    << link.Description;
+                if (before.erase(link.Description) > 0) {
+                    EXPECT_EQ(link.HasHardware, link.Description.starts_with("card")) << link.Description;
+                }
             }
             EXPECT_TRUE(std::includes(now.begin(), now.end(), before.begin(), before.end()));
             before = now;

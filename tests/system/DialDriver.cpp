@@ -1,8 +1,10 @@
-// The dial-up back end without the program around it, for the tests and measurements of the scripts beside.
+// The back end on NetworkManager without the program around it, for the tests and measurements of the scripts
+// beside.
 #include "platform/DialDialog.h"
 #include "platform/Events.h"
 #include "platform/linux/NetworkManagerInternet.h"
 #include "platform/linux/NetworkManagerLines.h"
+#include "platform/linux/NetworkManagerNetworks.h"
 #include "platform/linux/NetworkManagerRas.h"
 #include "platform/linux/SystemClock.h"
 
@@ -72,6 +74,7 @@ struct BackEnd {
     NetworkManagerLines Lines{Client, Clock};
     NetworkManagerRas Ras{Client, Lines};
     NetworkManagerInternet Internet{{Client, Lines, Clock}};
+    NetworkManagerNetworks Networks{Client};
 };
 
 std::vector<RasConnection> Connections(Ras& ras) {
@@ -89,6 +92,17 @@ void FollowState(Internet& internet) {
         const std::uint32_t flags = internet.GetConnectedState().Flags;
         if (flags != last) fmt::print("{:#x}\n", flags);
         last = flags;
+    }
+}
+
+// The adapters' networks whenever one changes, until somebody ends it.
+void FollowNetworks(Networks& networks, const std::vector<std::string>& adapters) {
+    for (std::string last;; std::this_thread::sleep_for(std::chrono::microseconds(300))) {
+        std::string told;
+        for (const std::string& adapter : adapters)
+            told += fmt::format("{}={};", adapter, networks.NetworkOf(adapter));
+        if (told != last) fmt::print("{}\n", told);
+        last = told;
     }
 }
 
@@ -159,12 +173,14 @@ int main(int argc, char** argv) {
     BackEnd system;
     std::string name, user, password, change;
     std::uint32_t flags = 0;
+    std::vector<std::string> adapters;
     int passes = 1000;
     double rate = 1;
     bool bare = false;
     app.add_subcommand("entries");
     app.add_subcommand("state");
     app.add_subcommand("follow");
+    app.add_subcommand("networks")->add_option("adapters", adapters)->required();
     app.add_subcommand("lines");
     app.add_subcommand("hangup");
     app.add_subcommand("measure")->add_option("passes", passes);
@@ -192,6 +208,7 @@ int main(int argc, char** argv) {
     if (app.got_subcommand("entries")) PrintEntries(system.Ras);
     if (app.got_subcommand("state")) fmt::print("{:#x}\n", system.Internet.GetConnectedState().Flags);
     if (app.got_subcommand("follow")) FollowState(system.Internet);
+    if (app.got_subcommand("networks")) FollowNetworks(system.Networks, adapters);
     if (app.got_subcommand("lines")) ReadLines(system.Ras, true);
     if (app.got_subcommand("hangup")) HangUpAll(system);
     if (app.got_subcommand("measure")) Measure(system.Ras, passes);
