@@ -71,13 +71,13 @@ JournalEntry ReadEntry(const Row& row) {
 } // namespace
 
 int JournalDatabase::Connect(const std::filesystem::path& file, Source source) {
-    constexpr int look = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_URI;
+    constexpr int look = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOFOLLOW;
     switch (source) {
-    case Source::SharedFile:
-        return database_.Open(SqliteDatabase::Address(file, "readonly_shm=1"), look, busyMilliseconds);
+    case Source::SharedFile: return database_.Open(file.string(), look, busyMilliseconds);
     case Source::ClosedFile:
         // immutable: SQLite would make its other files, and leave them behind
-        return database_.Open(SqliteDatabase::Address(file, "immutable=1"), look, busyMilliseconds);
+        return database_.Open(SqliteDatabase::Address(file, "immutable=1"), look | SQLITE_OPEN_URI,
+                              busyMilliseconds);
     case Source::File: break;
     }
     const int code =

@@ -50,9 +50,10 @@ std::uint64_t ChecksumOf(Header header, std::string_view rows) {
 
 std::string Serialize(const JournalStamp& stamp, const std::vector<JournalNote>& notes) {
     std::string rows;
-    for (const JournalNote& note : notes)
+    for (const JournalNote& note : notes) {
         rows += BytesOf(Row{note.Index, note.Received, note.Transmitted, note.ReadAt, note.OpenReceived,
                             note.OpenTransmitted, note.OpenEnd});
+    }
     Header header;
     header.Boot = Hash(stamp.Boot);
     header.Id = stamp.Id;

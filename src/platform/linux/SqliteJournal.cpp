@@ -41,7 +41,7 @@ bool IsThere(const fs::path& path) {
 
 fs::path NameAside(const fs::path& path) {
     for (int number = 1;; ++number) {
-        const fs::path aside = path.string() + "_" + std::to_string(number);
+        fs::path aside = path.string() + "_" + std::to_string(number);
         if (!IsThere(aside)) return aside;
     }
 }
