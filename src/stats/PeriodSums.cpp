@@ -37,7 +37,8 @@ void PeriodSums::SumUp(const StatRecords& records, SumPeriod period, StatRecords
             !sums.List.empty() && (record.Alias.Is(alias) || EqualsNoCase(record.Alias, alias));
         if (!sameAlias) aliasIndex = aliases_.AliasIndex(record.Alias);
         alias = record.Alias;
-        if (!sameAlias || record.End() > limit) {
+        // What ends at midnight belongs to the day before, what begins then to the next.
+        if (!sameAlias || record.End() > limit || record.LogIn >= limit) {
             sums.List.emplace_back();
             Begin(sums.List.back(), record, aliasIndex, period, sums.Texts);
             limit = sums.List.back().StatPeriodEnd + 1;

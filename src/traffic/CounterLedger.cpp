@@ -8,6 +8,7 @@ namespace korvalin {
 
 void CounterLedger::Begin(const JournalFound& found) {
     accounts_.clear();
+    closed_.clear();
     dialUps_.clear();
     pastIsNobodys_ = !found.KnowsMachine;
     lastEnds_ = found.Picture.LastEnds;
@@ -24,10 +25,25 @@ void CounterLedger::Meet(const std::vector<InterfaceRow>& rows, Date now) {
         if (pastIsNobodys_) {
             Count(row, now);
         } else {
-            accounts_[row.Index] = {row.Description, 0, 0, now};
+            accounts_[row.Index] = BeginningOf(row, now);
         }
     }
     pastIsNobodys_ = false;
+}
+
+CounterLedger::Account CounterLedger::BeginningOf(const InterfaceRow& row, Date now) const {
+    const auto closed = closed_.find(row.Index);
+    const bool isBack = closed != closed_.end() && closed->second.Adapter == row.Description &&
+                        closed->second.Received <= row.InOctets &&
+                        closed->second.Transmitted <= row.OutOctets;
+    return isBack ? closed->second : Account{row.Description, 0, 0, now};
+}
+
+void CounterLedger::Close(const InterfaceRow& removed) {
+    constexpr std::size_t mostRemembered = 1000; // containers come and go all day
+    if (closed_.size() >= mostRemembered) closed_.erase(closed_.begin());
+    closed_[removed.Index] = {removed.Description, removed.InOctets, removed.OutOctets, 0};
+    accounts_.erase(removed.Index);
 }
 
 CounterLedger::Account CounterLedger::Of(std::uint32_t index) const {

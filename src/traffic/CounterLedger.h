@@ -39,7 +39,9 @@ class CounterLedger {
 
     /// Closes the accounts of all interfaces that are not in the table.
     void KeepOnly(const std::vector<InterfaceRow>& rows);
-    void Forget(std::uint32_t index) { accounts_.erase(index); }
+    /// Closes the account of an interface that was removed, accounted for to its end. One that was moved into
+    /// another network namespace may come back, and count on.
+    void Close(const InterfaceRow& removed);
 
     const std::map<std::uint32_t, Account>& Accounts() const { return accounts_; }
 
@@ -54,8 +56,11 @@ class CounterLedger {
     const std::map<std::string, Date>& LastEnds() const { return lastEnds_; }
 
   private:
+    Account BeginningOf(const InterfaceRow& row, Date now) const;
+
     std::map<std::uint32_t, Account> accounts_;
-    std::map<std::string, Date> lastEnds_; // by lower-case name
+    std::map<std::uint32_t, Account> closed_; // of interfaces that were removed
+    std::map<std::string, Date> lastEnds_;    // by lower-case name
     std::vector<JournalEntry> dialUps_;
     bool pastIsNobodys_ = false; // of the adapters that the first look finds
 };

@@ -53,7 +53,7 @@ void LanReader::Observe(Unfollowed bytes) {
     if (!ReadTable()) return;
     atStart_ = false;
     for (const InterfaceRow& row : removed_)
-        ledger_.Forget(row.Index);
+        ledger_.Close(row);
     for (const InterfaceRow& row : rows_) {
         if ((bytes == Unfollowed::Nobodys || IsLeftOut(row)) && !CarriesDialUp(row.Index))
             ledger_.Count(row, reading_.Time);
@@ -147,7 +147,7 @@ void LanReader::EndRemoved(const InterfaceRow& row) {
         unseen.Index = 0;
         if (unseen.BytesReceived + unseen.BytesTransmitted > 0) state_.PreviousLineTable.Append(unseen);
     }
-    ledger_.Forget(row.Index);
+    ledger_.Close(row);
 }
 
 // A cable's adapter under a new name is the same connection, recorded up to here under the old one.

@@ -7,7 +7,7 @@ namespace korvalin {
 LinePart OpenPartOf(const LineRecord& line) {
     const Date logIn = line.PartLogIn != 0 ? line.PartLogIn : line.LogIn;
     Date end = line.LogIn + line.Duration;
-    if (line.SampleTime != 0) end = std::min(end, line.SampleTime);
+    if (line.SampleTime != 0) end = line.PartLogIn != 0 ? line.SampleTime : std::min(end, line.SampleTime);
     if (line.PartEnd != 0) end = line.PartEnd;
     return {logIn, std::max(logIn, end), line.BytesReceived - line.RecordedReceived,
             line.BytesTransmitted - line.RecordedTransmitted};

@@ -87,4 +87,43 @@ TEST_F(PeriodSumsTest, SumsStandByAliasAndRoundEachConnection) {
     EXPECT_EQ(sums.List[1].StatPeriodBegin, sums.List[1].StatPeriodEnd);
 }
 
+TEST_F(PeriodSumsTest, PartsOfOneConnectionAreRoundedAsOneWithinAPeriod) {
+    settings.SetReg("a_RoundSeconds", 60);
+    settings.SetReg("b_Alias", std::string("a"));
+    const auto take = [&](const char* line, const char* from, const char* till) {
+        Add(line, At(from), At(till) - At(from), 600'000);
+    };
+    take("a", "2024-12-29 20:00:30", "2024-12-29 23:59:59"); // Sunday
+    take("b", "2024-12-29 23:00:00", "2024-12-29 23:59:59"); // another line between the parts
+    take("A", "2024-12-31", "2024-12-31 23:59:59");          // a suspend before it
+    take("a", "2025-01-01", "2025-01-01 01:00:00");
+    take("a", "2025-01-01 02:00:00", "2025-01-01 03:00:00"); // no part
+    struct {
+        SumPeriod Period;
+        std::vector<std::tuple<int, double, Date>> Expected; // connections, volume, duration of the sums
+    } const rows[] = {
+        {SumPeriod::Day, {{2, 2e6, At("02:00:00")}, {1, 1e6, 1}, {2, 2e6, At("04:00:00") + At("01:00:00")}}},
+        {SumPeriod::Week, {{3, 2e6 + 1e6 + 1e6, At("01:00:00") + At("01:00:00") + 1 + At("05:00:00")}}},
+        {SumPeriod::BillingMonth,
+         {{2, 2e6, At("02:00:00")}, {2, 2e6 + 1e6, 1 + At("04:00:00") + At("01:00:00")}}}};
+    aliases.FillAlias(records);
+    for (const auto& row : rows) {
+        StatRecords sums;
+        periodSums.CalcStatSums(records, row.Period, sums);
+        ASSERT_EQ(sums.List.size(), row.Expected.size());
+        for (std::size_t i = 0; i < row.Expected.size(); ++i) {
+            const auto& [connections, volume, duration] = row.Expected[i];
+            EXPECT_EQ(sums.List[i].ConnCount, connections) << i;
+            EXPECT_EQ(sums.List[i].VolumeRounded, volume) << i;
+            EXPECT_NEAR(sums.List[i].DurationRounded, duration, OneSecond / 2) << i;
+        }
+    }
+}
+
+TEST_F(PeriodSumsTest, AMomentAtMidnightBelongsToTheDayThatBegins) {
+    Take({{"2004-12-30 10:00:00", "2004-12-30 23:59:59"}, {"2004-12-31", "2004-12-31"}});
+    EXPECT_EQ(Sums(SumPeriod::Day),
+              (Lines{"a: 31.12.2004 Fr, 1, 00:00:00", "a: 30.12.2004 Do, 1, 13:59:59"}));
+}
+
 } // namespace

@@ -166,13 +166,15 @@ TEST_F(StatFileTest, OpenConnectionsAreAddedUnlessTheFileIsRepaired) {
     network.Add("eth1", 6000, 80);
     Pass(60);
     Pass(60);
-    const std::string file = Line("eth0", "10:00:00", "00:01:00");
+    const std::string file = Line("eth0", "11:59:30", "00:01:00");
     EXPECT_EQ(Load(file, true), 1);
-    EXPECT_EQ(Load(file), 3);
-    EXPECT_EQ(Stored(), file + "\"eth0\",#2024-03-15 11:59:58#,#00:01:00#,70,5000,\"Running\",\"alice\"\r\n"
-                               "\"eth1\",#2024-03-15 11:59:58#,#00:01:00#,80,6000,\"Running\",\"alice\"\r\n");
+    EXPECT_EQ(Load(file), 3) << "an open part is never merged with a record";
+    EXPECT_EQ(Stored(), file + "\"eth0\",#2024-03-15 11:59:58#,#00:02:00#,70,5000,\"Running\",\"alice\"\r\n"
+                               "\"eth1\",#2024-03-15 11:59:58#,#00:02:00#,80,6000,\"Running\",\"alice\"\r\n");
     EXPECT_EQ(records.List[1].FileIndex, 0);
-    lines.AnyLineConnected = false;
+    lines.LineTable(1).IsRas = true;
+    EXPECT_EQ(Load(file), 2) << "a dial-up line that was recorded and goes on is one connection";
+    book.ForgetLines();
     EXPECT_EQ(Load(file), 1);
 }
 

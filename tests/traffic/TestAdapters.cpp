@@ -113,6 +113,7 @@ TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastCounters) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Case);
+        ledger.Begin({true, false, {}});
         network.Rows.clear();
         for (const char* name : {"a", "b", "c"})
             network.Add(name, 5000, 0).HasHardware = false;
@@ -197,9 +198,16 @@ TEST_F(Adapters, AConnectionCountsFromWhereNobodyHasCountedYet) {
         EXPECT_EQ(lines.LineTable(1).BytesReceived, received);
         EXPECT_EQ(lines.LineTable(1).BytesTransmitted, transmitted);
     }
-    network.Add("eth1", 300, 0);
+    const InterfaceRow moved = network.Add("eth1", 300, 0);
     Pass();
     EXPECT_EQ(lines.LineTable(2).BytesReceived, 300) << "it came while the program ran";
+    network.Removed = {moved};
+    network.Rows.pop_back();
+    Pass();
+    network.Rows.push_back(moved);
+    network.Rows.back().InOctets = 450;
+    Pass();
+    EXPECT_EQ(lines.LineTable(2).BytesReceived, 150) << "it was in another namespace meanwhile";
 }
 
 TEST_F(Adapters, LogInMovesWithAWallClockThatIsSet) {
