@@ -30,6 +30,7 @@ class EveryByte(rig.Case):
         self.network = self.enter(rig.Network())
         self.here, self.there = self.network.here, self.network.there
         self.first = {}  # what each adapter had counted when the program met it
+        self.await_carrier("wire0", "wire1")
         self.send("wire0", 2)
 
     # ---- the machine
@@ -37,7 +38,7 @@ class EveryByte(rig.Case):
     def ip(self, *arguments, where=None):
         return self.network.inside(where or self.here, "ip", *arguments)
 
-    def add(self, name, address, up=True):
+    def add(self, name, address):
         """One more adapter, joined to the other side; a fixed neighbour, so that nothing else travels."""
         self.ip("link", "add", name, "type", "veth", "peer", "name", name + "p", "netns", self.there)
         self.ip("address", "add", f"10.{address}.0.1/24", "dev", name)
@@ -48,9 +49,15 @@ class EveryByte(rig.Case):
             shown = json.loads(self.network.inside(other, "ip", "-json", "link", "show", other_link).stdout)
             self.ip("neighbour", "replace", f"10.{address}.0.{to}", "lladdr", shown[0]["address"], "dev", link,
                     "nud", "permanent", where=where)
-        if up:
-            self.ip("link", "set", name, "up")
-            self.send(name, 2, address)
+        self.ip("link", "set", name, "up")
+        self.await_carrier(name, name + "p")
+        self.send(name, 2, address)
+
+    def await_carrier(self, link, peer):
+        """Before that the kernel drops what is sent."""
+        for where, name in ((self.here, link), (self.there, peer)):
+            rig.wait_for(lambda: json.loads(self.ip("-json", "link", "show", name, where=where).stdout)[0]["operstate"] == "UP",
+                         f"the carrier of {name}")
 
     def send(self, name, packets, address="77"):
         """Packets in both directions: an adapter counts when it has received something."""
@@ -151,6 +158,7 @@ class EveryByte(rig.Case):
         self.ip("link", "set", "wire0", "name", "lan0", "up")
         self.first["lan0"] = self.counted("lan0")
         self.ip("route", "add", "default", "via", "10.77.0.2")
+        self.await_carrier("lan0", "wire1")
         self.await_lines("lan0")
         self.network.inside(self.there, sys.executable, "-c", SEND, "wire1", "100", "10.77.0.1")
         self.end(recorder)
@@ -165,6 +173,7 @@ class EveryByte(rig.Case):
             self.ip("link", "set", "wire1", "down", where=self.there)
             self.await_lines()
             self.ip("link", "set", "wire1", "up", where=self.there)
+            self.await_carrier("wire0", "wire1")
             self.await_lines("wire0")
         self.end(recorder)
         self.assertEqual(self.sums(), {"wire0": self.moved("wire0")})
