@@ -136,7 +136,8 @@ bool DataFolder::CanCreateFileIn(const fs::path& folder) {
     // The user may keep a file of that name.
     for (int number = 1; FileExists(file); ++number)
         file = folder / fmt::format("Test{}.txt", number);
-    const bool created = files_.Replace(file, "") && FileExists(file);
+    // Not looked for afterwards: another program that tries at the same moment may have removed it.
+    const bool created = files_.Replace(file, "");
     std::error_code ignored;
     if (created) fs::remove(file, ignored);
     return created;
