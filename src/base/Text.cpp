@@ -175,6 +175,29 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
     }
 }
 
+std::string OneLine(std::string_view text) {
+    return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", " "), "\r", " "), "\n", " ");
+}
+
+std::string EscapeMarkup(std::string_view text) {
+    const auto isPlain = [](char c) {
+        return static_cast<unsigned char>(c) >= ' ' && c != '&' && c != '<' && c != '>' && c != '"';
+    };
+    if (std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
+    std::string escaped;
+    for (const char c : text) {
+        switch (c) {
+        case '&': escaped += "&amp;"; break;
+        case '<': escaped += "&lt;"; break;
+        case '>': escaped += "&gt;"; break;
+        case '"': escaped += "&quot;"; break;
+        default:
+            if (isPlain(c)) escaped += c;
+        }
+    }
+    return escaped;
+}
+
 std::string_view TrimAtNul(std::string_view text) {
     return text.substr(0, text.find('\0'));
 }

@@ -47,6 +47,13 @@ std::vector<std::string_view> Split(std::string_view text, char separator, std::
 /// Replaces every occurrence of `from` (not empty) by `to`.
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
 
+/// The text on one line: each line break becomes a blank.
+std::string OneLine(std::string_view text);
+
+/// The text as it stands in a page or a picture (HTML, SVG): markup escaped, without the control characters
+/// that a document must not hold.
+std::string EscapeMarkup(std::string_view text);
+
 /// The text up to its first zero byte.
 std::string_view TrimAtNul(std::string_view text);
 

@@ -37,9 +37,8 @@ class ChartPainter {
 
     std::size_t VisibleSamples() const { return visibleSamples_; }
 
-    /// Scale maximum of the last drawing in bytes per second, and the value at which curves are clipped.
+    /// Scale maximum of the last drawing in bytes per second.
     double ScaleMaximum() const { return chartScale_[0]; }
-    double ClipValue() const { return chartScale_[1]; }
 
   private:
     void PrepareTexts(InfoTexts& texts);

@@ -29,8 +29,7 @@ SamplingLoop::SamplingLoop(Clock& clock, Screen& screen, Settings& settings, Lin
       errors_(errors),
       watch_(clock) {
     hooks_.Schedule = [] {};
-    hooks_.Check = [] { return false; };
-    hooks_.Quit = [] {};
+    hooks_.Check = [] {};
 }
 
 // Steps are counted in seconds awake: midnight, a wall clock that is set and a suspend neither skip one nor
@@ -63,7 +62,7 @@ void SamplingLoop::CheckForUpdate() {
     if (nextUpdateCheck_ + updateCheckOverdue < now) nextUpdateCheck_ = now + updateCheckDelay;
     if (nextUpdateCheck_ >= now) return;
     updateCheckPending_ = false;
-    if (hooks_.Check()) hooks_.Quit();
+    hooks_.Check();
 }
 
 void SamplingLoop::WatchScreenSize() {

@@ -44,10 +44,8 @@ class MonitorWindow {
 struct UpdateCheckHooks {
     /// Called at every transition to online; may set the pending flag.
     std::function<void()> Schedule;
-    /// True when an update was started and the program is to end.
-    std::function<bool()> Check;
-    /// Ends the program.
-    std::function<void()> Quit;
+    /// Looks for an update; an installation ends the program by itself.
+    std::function<void()> Check;
 };
 
 /// Runs one update a second: has the lines read, appends a sample per line to the history and redraws.

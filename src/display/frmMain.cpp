@@ -3,6 +3,7 @@
 #include "base/FlagGuard.h"
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
+#include "forms/MakeUi.h"
 #include "forms/Twips.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
@@ -29,17 +30,11 @@ constexpr int smallestPartInSight = 30;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
 constexpr double opaque = 255.0;
 
-std::unique_ptr<Ui::frmMain> SetUp(frmMain& window) {
-    auto ui = std::make_unique<Ui::frmMain>();
-    ui->setupUi(&window);
-    return ui;
-}
-
 } // namespace
 
 frmMain::frmMain(const Parts& parts)
     : parts_(parts),
-      ui_(SetUp(*this)),
+      ui_(MakeUi<Ui::frmMain>(*this)),
       geometry_(parts.Setting, parts.Display),
       frame_(*this),
       painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,

@@ -94,7 +94,6 @@ class frmMain : public QWidget, public MonitorWindow {
     void RefreshDialMenusIfChanged(bool force);
 
     bool WindowShown() const { return windowShown_; }
-    bool TitleOnly() const { return titleOnly_; }
 
     // MonitorWindow
     void DrawChart(bool force) override;

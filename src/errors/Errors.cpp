@@ -17,10 +17,6 @@ std::string CleanErrorText(std::string_view text) {
     return ReplaceAll(text.substr(0, text.find("@@")), "@", " ");
 }
 
-std::string OneLine(std::string_view text) {
-    return ReplaceAll(ReplaceAll(text, "\r", ""), "\n", " ");
-}
-
 } // namespace
 
 int ErrorNumber(const std::exception& error) {

@@ -3,14 +3,8 @@
 #include "base/Date.h"
 
 #include <filesystem>
-#include <string>
-#include <string_view>
 
 namespace korvalin {
-
-/// The path with a separator appended unless it already ends with one ("C:\" and "/data/" stay). A path
-/// written with backslashes gets a backslash, any other the system's separator.
-std::string AddBackslash(std::string_view path);
 
 /// True when the path exists, as file or folder.
 bool FileExists(const std::filesystem::path& path);

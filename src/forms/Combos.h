@@ -1,6 +1,8 @@
 // Helpers for lists whose text the user may also type.
 #pragma once
 
+#include "base/Text.h"
+
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSignalBlocker>
@@ -27,8 +29,9 @@ inline void ShowText(QComboBox& combo, const std::string& text) {
     combo.setEditText(shown);
 }
 
+/// What is chosen or typed, without blanks around it.
 inline std::string TextOf(const QComboBox& combo) {
-    return combo.currentText().toStdString();
+    return std::string(Trim(combo.currentText().toStdString()));
 }
 
 /// Calls `check` when the user has chosen from the list or leaves the field.

@@ -105,12 +105,7 @@ int RunDesktop(int argc, char** argv) {
                  },
                  [&] { return UseOfChartLine(program); }, openStatistics, openSettings,
                  [&] { about.Open(); }});
-    program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); },
-                               [&] {
-                                   about.ScheduleCheck();
-                                   return false;
-                               },
-                               [] {}});
+    program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); }, [&] { about.ScheduleCheck(); }});
     const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
     const ExitWatch exitWatch([&] {

@@ -3,6 +3,7 @@
 #include "base/Locale.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
+#include "forms/Combos.h"
 #include "forms/Twips.h"
 #include "lang/Language.h"
 #include "platform/Clock.h"
@@ -33,10 +34,6 @@ constexpr int svgHeight = 400;
 
 QString ToQt(const std::string& text) {
     return QString::fromStdString(text);
-}
-
-std::string TextOf(const QComboBox& combo) {
-    return std::string(Trim(combo.currentText().toStdString()));
 }
 
 // In lower case.

@@ -68,7 +68,6 @@ class GraphPage : public QWidget {
     void ConnectControls();
     void FillAliases();
     void ShowDates();
-    void FillMaxPeriods();
     void FillTops();
 
     void CalcGraph();

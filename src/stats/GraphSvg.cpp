@@ -16,22 +16,6 @@ constexpr double lineHeight = 1.15;            // in font sizes
 constexpr double capitalHeight = 0.72;         // in font sizes
 constexpr const char* systemColor = "#e0e0e0"; // a page has no buttons whose colour it could take
 
-std::string Escaped(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        switch (c) {
-        case '&': result += "&amp;"; break;
-        case '<': result += "&lt;"; break;
-        case '>': result += "&gt;"; break;
-        case '"': result += "&quot;"; break;
-        default:
-            // Other control characters are not allowed in a document.
-            if (static_cast<unsigned char>(c) >= ' ') result += c;
-        }
-    }
-    return result;
-}
-
 std::string ColorText(std::int32_t color) {
     if (color < 0) return systemColor;
     const auto part = [color](int shift) { return color >> shift & 0xFF; };
@@ -49,7 +33,7 @@ double CharacterWidth(char c) {
 
 GraphSvg::GraphSvg(int width, int height, std::string_view title) : width_(width), height_(height) {
     elements_ = fmt::format("<title>{}</title>\n<rect width=\"{}\" height=\"{}\" fill=\"#ffffff\"/>\n",
-                            Escaped(title), width, height);
+                            EscapeMarkup(title), width, height);
 }
 
 std::string GraphSvg::Text() const {
@@ -104,7 +88,7 @@ void GraphSvg::Outline(double x1, double y1, double x2, double y2, std::int32_t 
 void GraphSvg::Print(double x, double y, std::string_view text, TextAnchor anchor) {
     elements_ += fmt::format("<text x=\"{:.2f}\" y=\"{:.2f}\" text-anchor=\"{}\">{}</text>\n", PageX(x),
                              PageY(y) + fontPixels * capitalHeight / 2,
-                             anchor == TextAnchor::Start ? "start" : "end", Escaped(text));
+                             anchor == TextAnchor::Start ? "start" : "end", EscapeMarkup(text));
 }
 
 void GraphSvg::PrintUpwards(double x, double y, std::string_view text, TextAnchor anchor) {
@@ -112,7 +96,7 @@ void GraphSvg::PrintUpwards(double x, double y, std::string_view text, TextAncho
     elements_ += fmt::format(
         "<text transform=\"translate({:.2f} {:.2f}) rotate(-90)\" text-anchor=\"{}\"{}>{}</text>\n",
         PageX(x) + fontPixels * capitalHeight / 2, PageY(y), start ? "start" : "end",
-        start ? " stroke=\"#ffffff\" stroke-width=\"2\" paint-order=\"stroke\"" : "", Escaped(text));
+        start ? " stroke=\"#ffffff\" stroke-width=\"2\" paint-order=\"stroke\"" : "", EscapeMarkup(text));
 }
 
 double GraphSvg::TextWidth(std::string_view text) const {

@@ -32,11 +32,6 @@ bool IsDenied(int error) {
     return error == EAGAIN || error == EACCES || error == EPERM || error == EROFS;
 }
 
-// A name may hold a line break; a row must not.
-std::string OneLine(std::string_view text) {
-    return ReplaceAll(ReplaceAll(text, "\r", " "), "\n", " ");
-}
-
 std::string NumberText(double number, const Locale& locale) {
     if (number == std::trunc(number)) return fmt::format("{:.0f}", number);
     return ReplaceAll(fmt::format("{}", number), ".", locale.DecimalMark);
@@ -223,7 +218,7 @@ void Recorder::Append(std::string_view fileName, std::string_view header, std::s
     if (error == 0 || !isNews) return;
     if (IsDenied(error)) parts_.Errors.WriteErrorLog("File locked: " + path.string(), logGroup);
     for (const std::string_view text : Split(lines, '\n', lines.size())) {
-        if (!text.empty()) parts_.Errors.WriteErrorLog(text, logGroup);
+        if (!text.empty()) parts_.Errors.WriteErrorLog(text.substr(0, text.find('\r')), logGroup);
     }
     if (!IsDenied(error)) throw std::system_error(error, std::generic_category(), path.string());
 }

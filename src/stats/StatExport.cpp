@@ -34,22 +34,11 @@ std::string CopiedCell(std::string text, bool isFigure, std::string_view unitNam
     return text;
 }
 
-bool IsMarkup(char c) {
-    return c == '&' || c == '<' || c == '>' || c == '"';
-}
-
-std::string Escaped(std::string_view text) {
-    if (std::none_of(text.begin(), text.end(), IsMarkup)) return std::string(text);
-    std::string escaped = ReplaceAll(text, "&", "&amp;");
-    escaped = ReplaceAll(escaped, "<", "&lt;");
-    return ReplaceAll(ReplaceAll(escaped, ">", "&gt;"), "\"", "&quot;");
-}
-
 void AppendTableRow(std::string& page, const ListTexts& list, std::size_t row) {
     page += "<tr>";
     for (std::size_t column = 0; column < list.Headers.size(); ++column) {
         page += list.IsFigure[column] ? "<td class=\"figure\">" : "<td>";
-        page += Escaped(list.Cell(row, column)) + "</td>";
+        page += EscapeMarkup(list.Cell(row, column)) + "</td>";
     }
     page += "</tr>\n";
 }
@@ -74,7 +63,8 @@ std::string CopiedText(const ListTexts& list) {
 
 std::string HtmlPage(const ListTexts& list, std::string_view title, std::string_view caption,
                      std::string_view drawing) {
-    std::string page = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>" + Escaped(title) +
+    std::string page = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>" +
+                       EscapeMarkup(title) +
                        "</title>\n<style>\n"
                        "body { font-family: sans-serif; margin: 2em; }\n"
                        "table { border-collapse: collapse; }\n"
@@ -84,11 +74,11 @@ std::string HtmlPage(const ListTexts& list, std::string_view title, std::string_
                        "tr:nth-child(even) { background: #f4f8fb; }\n"
                        "svg { max-width: 100%; height: auto; margin-bottom: 1em; }\n"
                        "</style>\n</head>\n<body>\n<h1>" +
-                       Escaped(title) + "</h1>\n";
+                       EscapeMarkup(title) + "</h1>\n";
     page += drawing;
-    page += "\n<table>\n<caption>" + Escaped(caption) + "</caption>\n<tr>";
+    page += "\n<table>\n<caption>" + EscapeMarkup(caption) + "</caption>\n<tr>";
     for (const std::string& header : list.Headers)
-        page += "<th>" + Escaped(header) + "</th>";
+        page += "<th>" + EscapeMarkup(header) + "</th>";
     page += "</tr>\n";
     for (std::size_t row = 0; row < list.RowCount; ++row)
         AppendTableRow(page, list, row);

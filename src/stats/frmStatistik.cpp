@@ -5,6 +5,7 @@
 #include "base/Units.h"
 #include "errors/Errors.h"
 #include "forms/ListPlace.h"
+#include "forms/MakeUi.h"
 #include "forms/Twips.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
@@ -31,12 +32,6 @@ namespace korvalin {
 namespace {
 
 constexpr int maximised = 2; // of the setting "STATS_State"; 0 is normal
-
-std::unique_ptr<Ui::frmStatistik> SetUp(frmStatistik& window) {
-    auto ui = std::make_unique<Ui::frmStatistik>();
-    ui->setupUi(&window);
-    return ui;
-}
 
 QString AskForFile(QWidget* parent, const QString& suggestion, const QString& filter) {
     return QFileDialog::getSaveFileName(parent, QString(), suggestion, filter);
@@ -80,7 +75,7 @@ void SelectRows(QTableView& list, const Wanted& wanted) {
 frmStatistik::frmStatistik(const Parts& parts)
     : parts_(parts),
       chooseFile_(AskForFile),
-      ui_(SetUp(*this)),
+      ui_(MakeUi<Ui::frmStatistik>(*this)),
       recordModel_(RecordColumns(), parts.Language, parts.UserLocale),
       sumModel_(SumColumns(), parts.Language, parts.UserLocale) {
     graph_ = new GraphPage({parts_.Settings, parts_.Language, parts_.Errors, parts_.Aliases,

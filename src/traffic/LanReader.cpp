@@ -172,7 +172,10 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
             const std::string& name = names_.NameOf(rows_[i], rows_);
             if (!PassesThreshold(rows_[i])) return;
             progress_ = static_cast<int>(i * 10 + 6000 + ++accepted);
-            if (accepted > state_.LineCount) book_.GrowTo(lines, accepted);
+            if (accepted > state_.LineCount) {
+                book_.GrowTo(lines, accepted);
+                state_.MonitoredLineType.clear(); // it may be a dial-up line that nobody has announced yet
+            }
             progress_ = static_cast<int>(i * 10 + 6100 + accepted);
             const LineRecord* open = FindOpen(rows_[i].Index, accepted);
             lines(accepted) = open != nullptr ? *open : BeginLine(rows_[i], name);

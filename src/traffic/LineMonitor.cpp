@@ -68,14 +68,16 @@ void LineMonitor::TakeSnapshot() {
     }
 }
 
-// A pass over "unknown" lines reads nothing, so the LAN flag of such a pass is not looked at.
+// A pass over "unknown" lines reads nothing, so the LAN flag of such a pass is not looked at. Adapters that are
+// followed go on to be when no route is left.
 void LineMonitor::DetermineLineType() {
     const ConnectedState connected = internet_.GetConnectedState();
     if ((connected.Flags & InternetConnectionModem) != 0) {
         state_.MonitoredLineType = state_.RasInstalled ? "RAS" : "unknown";
         if (!state_.RasInstalled) return;
     }
-    if ((connected.Flags & InternetConnectionLan) != 0) state_.MonitoredLineType = "LAN";
+    const bool followsAdapters = state_.LineCount > 0 && state_.MonitoredLineType.empty();
+    if ((connected.Flags & InternetConnectionLan) != 0 || followsAdapters) state_.MonitoredLineType = "LAN";
 }
 
 bool LineMonitor::IsDivided(const LineRecord& line) const {

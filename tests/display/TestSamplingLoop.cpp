@@ -127,7 +127,7 @@ TEST_F(Sampling, AnUpdateWithinAnUpdateDoesNothing) {
 
 TEST_F(Sampling, GoingOnlineShowsAndGoingOfflineHidesTheWindow) {
     int scheduled = 0;
-    loop.Plug({[&] { ++scheduled; }, [] { return false; }, [] {}});
+    loop.Plug({[&] { ++scheduled; }, [] {}});
     const InterfaceRow eth0 = network.Rows[0];
     struct {
         bool Online, AutoShow;
@@ -152,8 +152,7 @@ TEST_F(Sampling, GoingOnlineShowsAndGoingOfflineHidesTheWindow) {
 
 TEST_F(Sampling, TheUpdateCheckRunsOnceWhenItIsDue) {
     int checks = 0;
-    bool quit = false;
-    loop.Plug({[] {}, [&] { return ++checks == 2; }, [&] { quit = true; }});
+    loop.Plug({[] {}, [&] { ++checks; }});
     Run(5);
     EXPECT_EQ(checks, 0);
     loop.SetUpdateCheckPending(clock.Now() + 68 * OneSecond);
@@ -166,7 +165,6 @@ TEST_F(Sampling, TheUpdateCheckRunsOnceWhenItIsDue) {
     EXPECT_EQ(checks, 1);
     Run(5);
     EXPECT_EQ(checks, 2);
-    EXPECT_TRUE(quit);
 }
 
 TEST_F(Sampling, AnotherScreenSizeRestoresAndAMovedWindowIsSaved) {

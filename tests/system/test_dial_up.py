@@ -66,7 +66,7 @@ class DialUpLines(LineCase):
         return process
 
     def records(self):
-        return json.loads(self.cli("records", "--format", "json"))
+        return json.loads(self.cli("records", "--closed", "--format", "json"))
 
     def test_profiles_are_entries_each_name_once(self):
         self.nm.add_pppoe("T-DSL")

@@ -60,7 +60,7 @@ class Dialing(rig.DesktopCase):
         rig.wait_for(gone, "the line's end")
 
     def records(self, count):
-        rig.wait_for(lambda: len(self.home.cli("records", "--format", "csv").splitlines()) == count + 1, f"{count} records")
+        rig.wait_for(lambda: len(self.home.cli("records", "--closed", "--format", "csv").splitlines()) == count + 1, f"{count} records")
 
     def test_a_line_is_dialed_recorded_once_and_dialed_again_by_its_quick_item(self):
         self.manager.add_pppoe("DSL")

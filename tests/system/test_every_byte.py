@@ -258,13 +258,13 @@ class EveryByte(rig.Case):
         if not strace:
             self.skipTest("strace is not installed")
         log = self.home.path / "calls"
-        recorder = self.record(prefix=(strace, "-f", "-qq", "-e", "trace=fsync,fdatasync,sync_file_range", "-o", str(log)))
+        recorder = self.record(prefix=(strace, "-D", "-f", "-qq", "-e", "trace=fsync,fdatasync,sync_file_range", "-o", str(log)))
         flushed = len(log.read_text().splitlines())
         started = time.monotonic()
         while time.monotonic() - started < 8:
             self.send("wire0", 5)
         self.assertEqual(len(log.read_text().splitlines()), flushed, "nothing but notes within the minute")
-        recorder.kill()
+        self.end(recorder)
 
 
 if __name__ == "__main__":

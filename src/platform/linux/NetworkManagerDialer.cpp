@@ -1,5 +1,6 @@
 #include "platform/linux/NetworkManagerDialer.h"
 
+#include "base/FlagGuard.h"
 #include "platform/Internet.h"
 #include "platform/Registry.h" // ErrorSuccess
 #include "platform/linux/DialAttempt.h"
@@ -43,24 +44,13 @@ class ShortLivedLogin {
     std::optional<Login> login_;
 };
 
-class Raised {
-  public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Raised() { flag_ = false; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-
-  private:
-    bool& flag_;
-};
-
 } // namespace
 
 int NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) {
     connection = 0;
     // Windows are alive during a dial: their menu can ask for one more.
     if (dialling_ || events_ == nullptr) return ErrorDialAlreadyInProgress;
-    const Raised dialling(dialling_);
+    const FlagGuard dialling(dialling_);
     const int error = DialProfile(entryName, flags, connection);
     const bool goesOn = error == ErrorRetry ||
                         (error == ErrorAuthenticationFailure && (flags & InternetDialForcePrompt) == 0);
