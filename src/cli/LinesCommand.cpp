@@ -1,5 +1,6 @@
 #include "cli/LinesCommand.h"
 
+#include "cli/Output.h"
 #include "startup/Program.h"
 
 #include <fmt/format.h>
@@ -30,9 +31,9 @@ nlohmann::json LineAsJson(const Program& program, std::size_t i) {
             {"entry", line.EntryName},
             {"kind", line.IsRas ? "dial-up" : "adapter"},
             {"connected", line.Connected},
-            {"bytes_received", line.BytesReceived},
-            {"bytes_transmitted", line.BytesTransmitted},
-            {"log_in", FormatDateIso(line.LogIn)},
+            {"bytes_received", static_cast<std::int64_t>(line.BytesReceived)},
+            {"bytes_transmitted", static_cast<std::int64_t>(line.BytesTransmitted)},
+            {"log_in", ZonedTime(line.LogIn)},
             {"duration_seconds", line.Duration * SecondsPerDay},
             {"rates", rates}};
 }

@@ -8,6 +8,8 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
 
 namespace korvalin {
 namespace {
@@ -22,6 +24,27 @@ std::string Padded(std::string_view text, int width) {
 std::string Quoted(const std::string& text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     return "\"" + ReplaceAll(text, "\"", "\"\"") + "\"";
+}
+
+std::string IsoTime(Date date) {
+    return ReplaceAll(FormatDateIso(date), " ", "T");
+}
+
+// The zone's distance from UTC at a local time (RFC 3339), as the system's rules have it; of an hour that
+// comes twice in autumn either one.
+std::string ZoneOf(Date date) {
+    const DateParts parts = SplitDate(date);
+    std::tm local{};
+    local.tm_year = parts.Year - 1900;
+    local.tm_mon = parts.Month - 1;
+    local.tm_mday = parts.Day;
+    local.tm_hour = parts.Hour;
+    local.tm_min = parts.Minute;
+    local.tm_sec = parts.Second;
+    local.tm_isdst = -1;
+    if (std::mktime(&local) == -1) return "";
+    const long minutes = std::abs(local.tm_gmtoff) / 60;
+    return fmt::format("{}{:02}:{:02}", local.tm_gmtoff < 0 ? '-' : '+', minutes / 60, minutes % 60);
 }
 
 // A name may hold any bytes; one that is no UTF-8 must not end the output.
@@ -64,7 +87,7 @@ void Output::TableRow(const std::vector<Cell>& cells) const {
 void Output::CsvRow(const std::vector<Cell>& cells) const {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i)
-        line += (i > 0 ? "," : "") + Quoted(cells[i].Text);
+        line += (i > 0 ? "," : "") + Quoted(cells[i].Text + cells[i].Zone);
     fmt::print("{}\n", line);
 }
 
@@ -73,7 +96,7 @@ void Output::JsonRow(const std::vector<Cell>& cells) {
     first_ = false;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         row += fmt::format("{}\"{}\": {}", i > 0 ? ", " : "", columns_[i].Key,
-                           cells[i].IsNumber ? cells[i].Text : JsonText(cells[i].Text));
+                           cells[i].IsNumber ? cells[i].Text : JsonText(cells[i].Text + cells[i].Zone));
     }
     fmt::print("{}}}", row);
 }
@@ -91,7 +114,11 @@ Output::Cell SecondsCell(Date span) {
 }
 
 Output::Cell DateTimeCell(Date date) {
-    return TextCell(ReplaceAll(FormatDateIso(date), " ", "T"));
+    return {IsoTime(date), false, ZoneOf(date)};
+}
+
+std::string ZonedTime(Date date) {
+    return IsoTime(date) + ZoneOf(date);
 }
 
 Output::Cell DateCell(Date date) {

@@ -24,6 +24,7 @@ class Output {
     struct Cell {
         std::string Text;
         bool IsNumber = false;
+        std::string Zone = {}; ///< of a time, for programs: "+01:00"
     };
 
     Output(OutputFormat format, std::vector<Column> columns);
@@ -48,7 +49,8 @@ Output::Cell TextCell(std::string_view text);
 Output::Cell NumberCell(double number);
 /// A time span in whole seconds.
 Output::Cell SecondsCell(Date span);
-/// "2004-12-31T22:22:22"
+/// A local time with the zone that it was in: "2004-12-31T22:22:22+01:00", for people without the zone.
+std::string ZonedTime(Date date);
 Output::Cell DateTimeCell(Date date);
 /// "2004-12-31"
 Output::Cell DateCell(Date date);

@@ -19,14 +19,14 @@ bool Matches(const StatRecord& record, const RecordFilter& filter) {
 void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format) {
     StatRecords records;
     program.statFile.LoadStatFile(records, false);
-    Output output(format, {{"fileIndex", -9},
-                           {"lineName", 16},
+    Output output(format, {{"file_index", -9},
+                           {"line_name", 16},
                            {"alias", 16},
-                           {"logIn", 19},
-                           {"logOut", 19},
-                           {"durationSeconds", -15},
-                           {"bytesReceived", -16},
-                           {"bytesTransmitted", -16},
+                           {"log_in", 19},
+                           {"log_out", 19},
+                           {"duration_seconds", -15},
+                           {"bytes_received", -16},
+                           {"bytes_transmitted", -16},
                            {"info", 40},
                            {"user", 0}});
     for (const StatRecord& record : records.List) {
@@ -45,15 +45,15 @@ void PrintSums(Program& program, SumPeriod period, const std::string& alias, Out
     program.statFile.LoadStatFile(records, false);
     program.periodSums.CalcStatSums(records, period, sums);
     Output output(format, {{"alias", 16},
-                           {"periodBegin", 11},
-                           {"periodEnd", 10},
+                           {"period_begin", 11},
+                           {"period_end", 10},
                            {"label", 25},
                            {"connections", -11},
-                           {"durationSeconds", -15},
-                           {"durationRoundedSeconds", -22},
-                           {"bytesReceived", -16},
-                           {"bytesTransmitted", -16},
-                           {"volumeRounded", -16}});
+                           {"duration_seconds", -15},
+                           {"duration_rounded_seconds", -22},
+                           {"bytes_received", -16},
+                           {"bytes_transmitted", -16},
+                           {"volume_rounded", -16}});
     for (const StatRecord& sum : sums.List) {
         if (!alias.empty() && !EqualsNoCase(sum.Alias, alias)) continue;
         output.Row({TextCell(sum.Alias), DateCell(sum.StatPeriodBegin), DateCell(sum.StatPeriodEnd),

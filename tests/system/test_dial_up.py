@@ -98,8 +98,8 @@ class DialUpLines(LineCase):
         (self.nm.folder / "ppp.hangup").touch()
         watch.await_names()
         record = rig.wait_for(self.records, "the record")[0]
-        self.assertEqual(record["lineName"], "T-DSL")
-        self.assertGreaterEqual(record["bytesTransmitted"], 20_000)
+        self.assertEqual(record["line_name"], "T-DSL")
+        self.assertGreaterEqual(record["bytes_transmitted"], 20_000)
 
     def test_a_second_call_over_the_same_modem_begins_at_zero(self):
         self.nm.add_gsm("Umts")
@@ -133,7 +133,7 @@ class DialUpLines(LineCase):
                      "the tunnel's counter")
         self.nm.nmcli("connection", "down", "Firma")
         watch.await_names("T-DSL")
-        self.assertEqual([record["lineName"] for record in rig.wait_for(self.records, "the record")], ["Firma"])
+        self.assertEqual([record["line_name"] for record in rig.wait_for(self.records, "the record")], ["Firma"])
 
     def test_a_line_that_is_older_than_the_program_has_its_age(self):
         self.nm.add_pppoe("T-DSL")
@@ -160,7 +160,7 @@ class DialUpLines(LineCase):
         self.nm.cut_lines()
         rig.wait_for(lambda: int(self.drive("state"), 16) == INSTALLED, "nothing that is up")
         self.assertEqual(self.drive("entries"), "")
-        self.assertEqual(rig.wait_for(self.records, "the record")[0]["lineName"], "T-DSL")
+        self.assertEqual(rig.wait_for(self.records, "the record")[0]["line_name"], "T-DSL")
         self.nm.start_daemon()
         self.nm.nmcli("connection", "up", "T-DSL")
         watch.await_names("T-DSL")

@@ -77,7 +77,7 @@ class EveryByte(rig.Case):
         return process
 
     def await_lines(self, *names):
-        rig.wait_for(lambda: {r["lineName"] for r in self.records() if r["info"] == "Running"} == set(names),
+        rig.wait_for(lambda: {r["line_name"] for r in self.records() if r["info"] == "Running"} == set(names),
                      f"{names} to be followed")
 
     def records(self, *arguments):
@@ -87,7 +87,7 @@ class EveryByte(rig.Case):
         found = {}
         for row in json.loads(self.home.cli("sums", "--period", period, "--format", "json", *arguments)):
             received, transmitted = found.get(row["alias"], (0, 0))
-            found[row["alias"]] = [received + row["bytesReceived"], transmitted + row["bytesTransmitted"]]
+            found[row["alias"]] = [received + row["bytes_received"], transmitted + row["bytes_transmitted"]]
         return found
 
     def end(self, process, how=signal.SIGTERM):
@@ -130,7 +130,7 @@ class EveryByte(rig.Case):
             self.await_lines("wire0")
         self.end(recorder)
         self.assertEqual(self.sums()["usb0"], total)
-        self.assertEqual(len([r for r in self.records() if r["lineName"] == "usb0"]), 4, "each is a record of its own")
+        self.assertEqual(len([r for r in self.records() if r["line_name"] == "usb0"]), 4, "each is a record of its own")
 
     def test_an_adapter_that_is_made_anew_within_a_second(self):
         self.add("tun0", "79")
@@ -237,20 +237,20 @@ class EveryByte(rig.Case):
         self.send("wire0", 100)
         self.end(recorder)
         moved = self.moved("wire0")
-        months = {row["label"]: [row["bytesReceived"], row["bytesTransmitted"]]
+        months = {row["label"]: [row["bytes_received"], row["bytes_transmitted"]]
                   for row in json.loads(self.home.cli("sums", "--period", "month", "--format", "json"))}
         self.assertEqual(months, {"November 2024": november,
                                   "December 2024": [all_ - before for all_, before in zip(moved, november)]})
         first, second = self.records()
-        self.assertEqual(first["logOut"], "2024-11-30T23:59:59")
-        self.assertEqual(second["logIn"], "2024-12-01T00:00:00")
+        self.assertEqual(first["log_out"], "2024-11-30T23:59:59+00:00")
+        self.assertEqual(second["log_in"], "2024-12-01T00:00:00+00:00")
 
     def test_open_connections_are_shown_while_they_are_recorded(self):
         recorder = self.record()
         self.assertEqual(self.records("--closed"), [])
         self.assertEqual(self.sums("month", "--closed"), {})
         self.end(recorder)
-        self.assertEqual([r["lineName"] for r in self.records("--closed")], ["wire0"])
+        self.assertEqual([r["line_name"] for r in self.records("--closed")], ["wire0"])
         self.assertEqual(self.records(), self.records("--closed"), "nobody records")
 
     def test_the_journal_goes_onto_the_medium_once_a_minute(self):

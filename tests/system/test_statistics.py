@@ -176,27 +176,30 @@ class Statistics(unittest.TestCase):
         self.write('"Line1",#2004-12-31 22:22:22#,#01:23:45#,1843212,20571190,"","user1"',
                    '"B, \'q\'",#2004-12-31 23:50:00#,#00:10:00#,1,2,"note",""')
         self.home.set(Line1_Alias="Home", Home_RoundSeconds="60")
-        first = {"fileIndex": 1, "lineName": "Line1", "alias": "Home", "logIn": "2004-12-31T22:22:22",
-                 "logOut": "2004-12-31T23:46:07", "durationSeconds": 5025, "bytesReceived": 20571190,
-                 "bytesTransmitted": 1843212, "info": "", "user": "user1"}
+        first = {"file_index": 1, "line_name": "Line1", "alias": "Home", "log_in": "2004-12-31T22:22:22+00:00",
+                 "log_out": "2004-12-31T23:46:07+00:00", "duration_seconds": 5025, "bytes_received": 20571190,
+                 "bytes_transmitted": 1843212, "info": "", "user": "user1"}
         records = json.loads(self.home.cli("records", "--format", "json"))
-        self.assertEqual([record["fileIndex"] for record in records], [2, 1], "sorted by line")
+        self.assertEqual([record["file_index"] for record in records], [2, 1], "sorted by line")
         self.assertEqual(records[1], first)
         self.assertEqual(json.loads(self.home.cli("records", "--alias", "HOME", "--format", "json")), [first])
+        self.home.env["TZ"] = "Europe/Berlin"
+        self.assertEqual(json.loads(self.home.cli("records", "--format", "json"))[1]["log_in"], "2004-12-31T22:22:22+01:00")
+        del self.home.env["TZ"]
         rows = list(csv.DictReader(io.StringIO(self.home.cli("records", "--format", "csv"))))
-        self.assertEqual(rows[0]["lineName"], "B, 'q'")
+        self.assertEqual(rows[0]["line_name"], "B, 'q'")
         self.assertEqual(rows[1], {key: str(value) for key, value in first.items()})
         for filters, expected in ((["--from", "2005-01-01"], [2]), (["--till", "2004-12-31"], [1]),
                                   (["--from", "2004-12-31", "--till", "2005-01-01"], [2, 1]), (["--from", "2006-01-01"], [])):
             shown = json.loads(self.home.cli("records", "--format", "json", *filters))
-            self.assertEqual([record["fileIndex"] for record in shown], expected, filters)
+            self.assertEqual([record["file_index"] for record in shown], expected, filters)
         month = json.loads(self.home.cli("sums", "--period", "month", "--alias", "Home", "--format", "json"))
-        self.assertEqual(month, [{"alias": "Home", "periodBegin": "2004-12-01", "periodEnd": "2004-12-31",
-                                  "label": "December 2004", "connections": 1, "durationSeconds": 5025,
-                                  "durationRoundedSeconds": 5040, "bytesReceived": 20571190, "bytesTransmitted": 1843212,
-                                  "volumeRounded": 23000000}])
+        self.assertEqual(month, [{"alias": "Home", "period_begin": "2004-12-01", "period_end": "2004-12-31",
+                                  "label": "December 2004", "connections": 1, "duration_seconds": 5025,
+                                  "duration_rounded_seconds": 5040, "bytes_received": 20571190, "bytes_transmitted": 1843212,
+                                  "volume_rounded": 23000000}])
         week = self.home.cli("sums", "--period", "week").splitlines()
-        self.assertEqual(week[0].split()[:3], ["alias", "periodBegin", "periodEnd"])
+        self.assertEqual(week[0].split()[:3], ["alias", "period_begin", "period_end"])
         self.assertIn("2004-12-26-2005-01-01", week[1])
         for wrong in (["records", "--from", "yesterday"], ["sums", "--period", "year"], ["sums"]):
             bad = subprocess.run([rig.BIN / "korvalin-cli", *wrong], env=self.home.env, capture_output=True, check=False)
@@ -216,7 +219,7 @@ class Statistics(unittest.TestCase):
 
     def test_older_statistics_are_converted_once(self):
         self.write("Line1\t31.12.2004 22:22:22\t\t01:23:45\t100\t200\tnote", name="Korvalin_Stats.txt")
-        self.assertEqual(json.loads(self.home.cli("records", "--format", "json"))[0]["bytesReceived"], 200)
+        self.assertEqual(json.loads(self.home.cli("records", "--format", "json"))[0]["bytes_received"], 200)
         self.assertEqual((self.data / "Korvalin_Stats.db").read_bytes(),
                          b'"Line1",#2004-12-31 22:22:22#,#01:23:45#,100,200,"note",""\r\n')
         self.assertTrue((self.data / "Korvalin_Stats.txt").exists())
