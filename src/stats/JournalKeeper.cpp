@@ -43,7 +43,9 @@ void JournalKeeper::PassEnded() {
     if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
         // The other program has counted these lines up to its end; from there they begin anew.
-        if (parts_.Recorder.TakeOver() && Start()) parts_.Book.ForgetLines();
+        if (!parts_.Recorder.TakeOver()) return;
+        parts_.Book.ForgetLines();
+        Start();
         return;
     }
     if (!started_) RecordInterrupted(parts_.Ledger.TakeDialUps());
