@@ -110,4 +110,31 @@ TEST_F(Runs, WhatOneThatLookedOnHasSeenIsNotInTheJournal) {
     EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}}));
 }
 
+TEST_F(Runs, AnAdapterThatLeftAndCameBackBetweenTwoLooksGoesOn) {
+    network.Add("eth0", 5000, 0);
+    auto run = Start();
+    Pass(*run);
+    network.Removed = {network.Rows[0]};
+    network.Rows[0].InOctets = 5700;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
+}
+
+TEST_F(Runs, ATableThatCannotBeReadEndsNoAdapterOnceMore) {
+    network.Add("eth0", 5000, 0);
+    network.Add("eth1", 5000, 0);
+    auto run = Start();
+    Pass(*run);
+    network.Removed = {network.Rows[1]};
+    network.Removed[0].InOctets = 5700;
+    network.Rows.pop_back();
+    Pass(*run);
+    network.Throws = true;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(TakeBoxes().size(), 3U) << "the failure is reported";
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
+}
+
 } // namespace
