@@ -60,6 +60,10 @@ class Runs : public StatsFixture {
     }
     void Count(std::uint64_t own, std::uint64_t raw) {
         network.Rows.at(0).InOctets = raw;
+        // The service has told since noon.
+        const double upDays = clock.Now() - At("2024-03-15 12:00:00");
+        ras.Lines.at(0).Statistics.ConnectDurationMilliseconds =
+            static_cast<std::uint64_t>(upDays * SecondsPerDay * 1000);
         ras.Lines.at(0).Statistics.BytesReceived = own;
         ras.Lines.at(0).Statistics.RawReceived = raw;
     }
@@ -108,6 +112,78 @@ TEST_F(Runs, WhatOneThatLookedOnHasSeenIsNotInTheJournal) {
     auto third = Start();
     third->Keeper.RecordOpenLines(CloseReason::SystemEnd);
     EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}}));
+}
+
+TEST_F(Runs, AModemsConnectionGoesOnInTheRunThatTakesOver) {
+    internet.State = {true, InternetConnectionLan | InternetRasInstalled};
+    auto first = Start();
+    Pass(*first);
+    auto second = Start(true);
+    Pass(*second);
+    Dial(7, 0, 10'000); // the port has counted for an earlier connection
+    Pass(*first);
+    Pass(*second);
+    Count(2000, 12'000);
+    Pass(*first);
+    Pass(*second);
+    first->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    first.reset();
+    second->Lock.AnotherRecords = false;
+    Pass(*second);
+    Count(2500, 12'500);
+    Pass(*second);
+    second->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2500}}));
+}
+
+TEST_F(Runs, DialUpPartsOfDaysStayInTheirDaysOverEnds) {
+    options.Split = SplitDays::All;
+    // A kill, an end, an end that is cancelled; how many seconds until the next run.
+    for (const char* how : {"kill", "end", "cancelled"}) {
+        for (const double pause : {1.0, 86400.0}) {
+            std::filesystem::remove(folder / "Korvalin_Stats.db");
+            journal = FakeJournal();
+            clock = FakeClock();
+            Dial(7, 0, 0);
+            auto run = Start();
+            Pass(*run);
+            Count(100, 100);
+            Pass(*run);
+            clock.Advance(86400 - 2);
+            Count(1000, 1000);
+            Pass(*run); // the first day's part ends
+            Count(3000, 3000);
+            Pass(*run);
+            if (how == std::string("cancelled") && pause > 1) continue;
+            if (how != std::string("kill")) run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+            clock.Advance(pause);
+            if (how != std::string("cancelled")) run = Start();
+            Pass(*run);
+            Count(7000, 7000);
+            Pass(*run);
+            run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+            const Days expected = pause < 100 ? Days{{"03-15", 100}, {"03-16", 6900}}
+                                              : Days{{"03-15", 100}, {"03-16", 2900}, {"03-17", 4000}};
+            EXPECT_EQ(Recorded(), expected) << how << " " << pause << "\n"
+                                            << folder.Read("Korvalin_Stats.db");
+        }
+    }
+}
+
+TEST_F(Runs, AnEarlierConnectionOfAModemIsNotCountedAgainAfterACancelledEnd) {
+    Dial(7, 10'000, 10'000);
+    journal.KnowsMachine = true;
+    journal.Kept.Entries = {{9, "ppp0", 10'000, 0, clock.Now(), {}}};
+    auto run = Start();
+    Pass(*run);
+    Count(10'500, 10'500);
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    Pass(*run);
+    Count(10'700, 10'700);
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
 }
 
 TEST_F(Runs, AnAdapterThatLeftAndCameBackBetweenTwoLooksGoesOn) {
