@@ -28,6 +28,9 @@ bool JournalKeeper::Start() {
     if (found.SameBoot)
         std::erase_if(ended, [](const JournalEntry& entry) { return entry.Open && entry.Open->IsRas; });
     RecordInterrupted(ended);
+    std::vector<JournalEntry> dialUps = parts_.Ledger.TakeDialUps();
+    if (parts_.Monitor.DividesDialUps()) EndForDay(dialUps);
+    parts_.Ledger.KeepDialUps(std::move(dialUps));
     if (parts_.Recorder.HasPending()) Write(false);
     return true;
 }
@@ -39,14 +42,29 @@ void JournalKeeper::RecordInterrupted(const std::vector<JournalEntry>& entries) 
     }
 }
 
+// What they moved on an earlier day is that day's.
+void JournalKeeper::EndForDay(std::vector<JournalEntry>& dialUps) {
+    const Date today = DayOf(parts_.Clock.Now());
+    for (JournalEntry& entry : dialUps) {
+        OpenConnection& open = *entry.Open;
+        if (DayOf(open.End) == today) continue;
+        RecordInterrupted({entry});
+        open.LogIn = open.End = today;
+        open.BytesReceived = open.BytesTransmitted = 0;
+        open.Recorded = true;
+    }
+}
+
 void JournalKeeper::PassEnded() {
     if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
         // The other program has counted these lines up to its end; from there they begin anew.
-        if (parts_.Recorder.TakeOver() && Start()) parts_.Book.ForgetLines();
+        if (!parts_.Recorder.TakeOver()) return;
+        parts_.Book.ForgetLines();
+        Start();
         return;
     }
-    if (!started_) RecordInterrupted(parts_.Ledger.TakeDialUps());
+    RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them
     const bool changed = !started_ || parts_.Lines.Changes != savedChanges_;
     started_ = true;
     if (changed || failingSince_ >= 0 || parts_.Clock.AwakeSeconds() >= nextSave_) {
@@ -59,21 +77,23 @@ void JournalKeeper::PassEnded() {
 void JournalKeeper::RecordOpenLines(CloseReason reason) {
     parts_.Monitor.TakeLastReading();
     if (!records_) return;
-    if (!started_) RecordInterrupted(parts_.Ledger.TakeDialUps());
+    RecordInterrupted(parts_.Ledger.TakeDialUps());
     parts_.Recorder.SaveStatsLine(reason, 0);
-    KeepDialUps();
+    parts_.Ledger.KeepDialUps(RecordedDialUps());
     parts_.Book.ForgetLines();
     Write(true);
-    recordedDialUps_.clear();
 }
 
-// They may be up at the next start, which then knows where they began.
-void JournalKeeper::KeepDialUps() {
+// They may be up at the next start, or in the next pass when the program does not end: it then knows where
+// they began.
+std::vector<JournalEntry> JournalKeeper::RecordedDialUps() const {
+    std::vector<JournalEntry> recorded;
     for (const LineRecord& line : parts_.Lines.LineTable) {
         if (!line.Connected || !line.IsRas || line.Index == 0) continue;
-        recordedDialUps_.push_back(EntryOf(line));
-        recordedDialUps_.back().Open->Recorded = true;
+        recorded.push_back(EntryOf(line));
+        recorded.back().Open->Recorded = true;
     }
+    return recorded;
 }
 
 // ---- the journal
@@ -89,8 +109,6 @@ JournalPicture JournalKeeper::Picture() const {
     for (const auto& [index, account] : parts_.Ledger.Accounts())
         entries[index] = {index, account.Adapter, account.Received, account.Transmitted, account.ReadAt, {}};
     for (const JournalEntry& entry : parts_.Ledger.DialUps())
-        entries[entry.Index] = entry;
-    for (const JournalEntry& entry : recordedDialUps_)
         entries[entry.Index] = entry;
     for (const LineRecord& line : parts_.Lines.LineTable) {
         if (line.Connected && line.Index != 0) entries[line.Index] = EntryOf(line);

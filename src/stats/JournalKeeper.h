@@ -52,7 +52,8 @@ class JournalKeeper {
     void Write(bool evenWithoutJournal);
     void Note() const;
     void RecordInterrupted(const std::vector<JournalEntry>& entries);
-    void KeepDialUps();
+    void EndForDay(std::vector<JournalEntry>& dialUps);
+    std::vector<JournalEntry> RecordedDialUps() const;
     JournalEntry EntryOf(const LineRecord& line) const;
 
     Parts parts_;
@@ -62,7 +63,6 @@ class JournalKeeper {
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
     double failingSince_ = -1; // seconds awake; below 0: the journal can be written
-    std::vector<JournalEntry> recordedDialUps_;
 };
 
 } // namespace korvalin

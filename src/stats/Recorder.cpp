@@ -40,14 +40,17 @@ std::string NumberText(double number, const Locale& locale) {
 } // namespace
 
 bool Recorder::TakeOver() {
-    return parts_.RecordingLock.Take(parts_.DataFolder());
+    const bool taken = parts_.RecordingLock.Take(parts_.DataFolder());
+    tookOver_ = tookOver_ || taken;
+    return taken;
 }
 
 void Recorder::SaveStatsLine(CloseReason reason, std::size_t index) {
     const TableFromOne<LineRecord>& previous = parts_.Lines.PreviousLineTable;
     const std::size_t first = index == 0 ? 1 : index;
     const std::size_t last = index == 0 ? std::min(parts_.Lines.LineCount, previous.Size()) : index;
-    if (!TakeOver()) return;
+    // What a program has seen that only looks on is for the one that records.
+    if (!tookOver_ || !TakeOver()) return;
     for (std::size_t i = first; i <= last && i <= previous.Size(); ++i) {
         OpenConnection record = ConnectionOf(previous(i));
         if (record.IsRas && previous(i).Duration == 0) {

@@ -44,7 +44,7 @@ class Recorder {
     bool TakeOver();
 
     /// Makes records of the open part of line `index`, or of all lines (0), as the previous pass has left
-    /// them. Lines that moved next to nothing are left out.
+    /// them. Lines that moved next to nothing are left out. Does nothing before the program has taken over.
     void SaveStatsLine(CloseReason reason, std::size_t index);
 
     /// Makes a record of a connection. An adapter's gets whole seconds of one day, at a place where a load
@@ -81,6 +81,7 @@ class Recorder {
 
     Parts parts_;
     std::vector<Waiting> waiting_;
+    bool tookOver_ = false; // at some time in this run
 };
 
 } // namespace korvalin

@@ -45,10 +45,12 @@ class CounterLedger {
 
     const std::map<std::uint32_t, Account>& Accounts() const { return accounts_; }
 
-    /// The dial-up lines that were open when the last run ended and may still be up. `Take` gives each once.
+    /// The dial-up lines that were open when the last run ended, or this one was about to end, and may still
+    /// be up. `Take` gives each once.
     std::optional<JournalEntry> TakeDialUp(std::uint32_t index, std::string_view lineName);
     const std::vector<JournalEntry>& DialUps() const { return dialUps_; }
     std::vector<JournalEntry> TakeDialUps() { return std::exchange(dialUps_, {}); }
+    void KeepDialUps(std::vector<JournalEntry> dialUps) { dialUps_ = std::move(dialUps); }
 
     /// When the latest record of a line ends; 0 when none is known.
     Date LastEnd(std::string_view lineName) const;

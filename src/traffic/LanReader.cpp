@@ -54,6 +54,7 @@ void LanReader::Observe(Unfollowed bytes) {
     atStart_ = false;
     for (const InterfaceRow& row : removed_)
         ledger_.Close(row);
+    if (!removed_.empty()) ledger_.Meet(rows_, reading_.Time);
     for (const InterfaceRow& row : rows_) {
         if ((bytes == Unfollowed::Nobodys || IsLeftOut(row)) && !CarriesDialUp(row.Index))
             ledger_.Count(row, reading_.Time);
@@ -70,6 +71,7 @@ bool LanReader::CarriesDialUp(std::uint32_t index) const {
 // A table that cannot be read is a pass without adapters, not an error to report.
 bool LanReader::ReadTable() {
     progress_ = 1;
+    removed_.clear();
     const bool read = network_.GetIfTable(rows_, true) == 0;
     removed_ = network_.TakeRemoved();
     // One time for all rows, taken right after the dump: the rates divide by the time between two dumps.
@@ -124,6 +126,7 @@ LineRecord* LanReader::FindOpen(std::uint32_t index, std::size_t slot) {
 void LanReader::EndLines() {
     for (const InterfaceRow& row : removed_)
         EndRemoved(row);
+    if (!removed_.empty()) ledger_.Meet(rows_, reading_.Time); // those that are back already
     for (std::size_t i = 1; i <= state_.PreviousLineTable.Size(); ++i) {
         LineRecord& line = state_.PreviousLineTable(i);
         if (!line.Connected || line.IsRas) continue;

@@ -26,6 +26,9 @@ class LineMonitor {
     /// clock before.
     void ShiftMoments(Date days);
 
+    /// Whether dial-up lines too are recorded in parts that end with the day.
+    bool DividesDialUps() const { return options_.Split == SplitDays::All; }
+
   private:
     void Pass();
     void TakeSnapshot();

@@ -114,10 +114,16 @@ void RasReader::BeginLine(const RasConnection& connection, const RasStatistics& 
     ++state_.Changes;
     const std::uint32_t index = statistics.InterfaceIndex;
     if (const auto earlier = ledger_.TakeDialUp(index, Trim(connection.EntryName))) {
-        // Open already when the last run ended: it goes on as it was then.
-        line.LogIn = earlier->Open->LogIn;
-        line.StartReceived = static_cast<double>(earlier->Received) - earlier->Open->BytesReceived;
-        line.StartTransmitted = static_cast<double>(earlier->Transmitted) - earlier->Open->BytesTransmitted;
+        // Open already when the last run ended: it goes on as it was then. What is told may leave out what
+        // the interface had counted before.
+        const double foreignReceived = static_cast<double>(statistics.RawReceived - statistics.BytesReceived);
+        const double foreignTransmitted =
+            static_cast<double>(statistics.RawTransmitted - statistics.BytesTransmitted);
+        line.LogIn = line.PartLogIn = earlier->Open->LogIn;
+        line.StartReceived =
+            static_cast<double>(earlier->Received) - foreignReceived - earlier->Open->BytesReceived;
+        line.StartTransmitted =
+            static_cast<double>(earlier->Transmitted) - foreignTransmitted - earlier->Open->BytesTransmitted;
     } else if (atStart_ && statistics.BytesReceived == statistics.RawReceived) {
         // Up before the program, and told with all that its interface has ever counted: an earlier
         // connection's bytes are accounted for.

@@ -24,6 +24,7 @@ class RecorderTest : public StatsFixture {
                    [] {}, [this] { recorder.WritePending(); }});
         lines.PreviousLineTable = TableFromOne<LineRecord>();
         lines.LineCount = 0;
+        EXPECT_TRUE(recorder.TakeOver());
     }
     LineRecord& AddLine(const std::string& name, Date logIn, Date duration, double received) {
         LineRecord line;

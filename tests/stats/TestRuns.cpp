@@ -1,0 +1,216 @@
+// Several runs of the program, one after the other and beside each other: each byte is in one record.
+#include "StatsFixture.h"
+#include "stats/JournalKeeper.h"
+#include "stats/Recorder.h"
+
+using namespace korvalin;
+
+namespace {
+
+class Runs : public StatsFixture {
+  protected:
+    // The modules that one run owns.
+    struct Run {
+        explicit Run(Runs& t)
+            : Book(State, t.errors, t.clock),
+              Names(t.networks, t.ras, t.options),
+              Ras(t.ras, t.network, State, Book, Ledger, t.settings, t.errors, t.clock),
+              Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
+              Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
+              Record({State, Ledger, t.files, t.errors, t.language, t.clock, Lock, t.locale,
+                      [&t] { return t.folder.Path(); }, [](const OpenConnection&) {}}),
+              Keeper({t.journal, Record, Ledger, State, Book, Monitor, t.clock, t.errors,
+                      [&t] { return t.folder.Path(); }}) {
+            State.ProgramStart = t.clock.Now();
+            Book.Plug({[](const std::string& entry) { return entry; },
+                       [this](CloseReason reason, std::size_t line) { Record.SaveStatsLine(reason, line); },
+                       [] {}, [this] { Keeper.PassEnded(); }});
+        }
+        FakeRecordingLock Lock;
+        LineState State;
+        CounterLedger Ledger;
+        LineBook Book;
+        LineNames Names;
+        RasReader Ras;
+        LanReader Lan;
+        LineMonitor Monitor;
+        Recorder Record;
+        JournalKeeper Keeper;
+    };
+
+    std::unique_ptr<Run> Start(bool anotherRecords = false) {
+        auto run = std::make_unique<Run>(*this);
+        run->Lock.AnotherRecords = anotherRecords;
+        run->Keeper.Start();
+        return run;
+    }
+    void Pass(Run& run, double secondsLater = 1) {
+        clock.Advance(secondsLater);
+        run.Monitor.Get_Bytes_Transmitted();
+    }
+    void Dial(std::int32_t handle, std::uint64_t own, std::uint64_t raw) {
+        internet.State = {true, InternetConnectionModem | InternetRasInstalled};
+        FakeRas::Line line;
+        line.Connection = {handle, "ISP", "ppp0"};
+        line.Statistics.InterfaceIndex = 9;
+        line.Statistics.Counts64Bits = true;
+        ras.Lines = {line};
+        network.Rows = {{9, IfTypePpp, OperationalStatus::Operational, 0, 0, true, "ppp0", "", false}};
+        Count(own, raw);
+    }
+    void Count(std::uint64_t own, std::uint64_t raw) {
+        network.Rows.at(0).InOctets = raw;
+        // The service has told since noon.
+        const double upDays = clock.Now() - At("2024-03-15 12:00:00");
+        ras.Lines.at(0).Statistics.ConnectDurationMilliseconds =
+            static_cast<std::uint64_t>(upDays * SecondsPerDay * 1000);
+        ras.Lines.at(0).Statistics.BytesReceived = own;
+        ras.Lines.at(0).Statistics.RawReceived = raw;
+    }
+    // Received bytes of the records as a load finds them, by the day in which they end.
+    std::map<std::string, double> Recorded() {
+        StatRecords loaded;
+        statFile.LoadStatFile(loaded, true);
+        std::map<std::string, double> sums;
+        for (const StatRecord& record : loaded.List)
+            sums[FormatDateIso(DayOf(record.End())).substr(5, 5)] += record.BytesReceived;
+        return sums;
+    }
+    using Days = std::map<std::string, double>;
+};
+
+TEST_F(Runs, OneThatLooksOnRecordsNothingBeforeItHasTakenOver) {
+    network.Add("eth0", 5000, 0);
+    auto first = Start();
+    Pass(*first);
+    auto second = Start(true);
+    Pass(*second);
+    network.Rows[0].InOctets = 7000;
+    Pass(*first);
+    Pass(*second);
+    first->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    first.reset();
+    second->Lock.AnotherRecords = false;
+    network.Rows[0].OperStatus = OperationalStatus::Disconnected;
+    Pass(*second);
+    second->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}}));
+}
+
+TEST_F(Runs, WhatOneThatLookedOnHasSeenIsNotInTheJournal) {
+    network.Add("eth0", 5000, 0);
+    auto first = Start();
+    Pass(*first);
+    auto second = Start(true);
+    network.Rows[0].InOctets = 7000;
+    Pass(*first);
+    Pass(*second);
+    first.reset(); // killed
+    second->Lock.AnotherRecords = false;
+    Pass(*second);
+    second.reset(); // killed as well
+    auto third = Start();
+    third->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}}));
+}
+
+TEST_F(Runs, AModemsConnectionGoesOnInTheRunThatTakesOver) {
+    internet.State = {true, InternetConnectionLan | InternetRasInstalled};
+    auto first = Start();
+    Pass(*first);
+    auto second = Start(true);
+    Pass(*second);
+    Dial(7, 0, 10'000); // the port has counted for an earlier connection
+    Pass(*first);
+    Pass(*second);
+    Count(2000, 12'000);
+    Pass(*first);
+    Pass(*second);
+    first->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    first.reset();
+    second->Lock.AnotherRecords = false;
+    Pass(*second);
+    Count(2500, 12'500);
+    Pass(*second);
+    second->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2500}}));
+}
+
+TEST_F(Runs, DialUpPartsOfDaysStayInTheirDaysOverEnds) {
+    options.Split = SplitDays::All;
+    // A kill, an end, an end that is cancelled; how many seconds until the next run.
+    for (const char* how : {"kill", "end", "cancelled"}) {
+        for (const double pause : {1.0, 86400.0}) {
+            std::filesystem::remove(folder / "Korvalin_Stats.db");
+            journal = FakeJournal();
+            clock = FakeClock();
+            Dial(7, 0, 0);
+            auto run = Start();
+            Pass(*run);
+            Count(100, 100);
+            Pass(*run);
+            clock.Advance(86400 - 2);
+            Count(1000, 1000);
+            Pass(*run); // the first day's part ends
+            Count(3000, 3000);
+            Pass(*run);
+            if (how == std::string("cancelled") && pause > 1) continue;
+            if (how != std::string("kill")) run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+            clock.Advance(pause);
+            if (how != std::string("cancelled")) run = Start();
+            Pass(*run);
+            Count(7000, 7000);
+            Pass(*run);
+            run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+            const Days expected = pause < 100 ? Days{{"03-15", 100}, {"03-16", 6900}}
+                                              : Days{{"03-15", 100}, {"03-16", 2900}, {"03-17", 4000}};
+            EXPECT_EQ(Recorded(), expected) << how << " " << pause << "\n"
+                                            << folder.Read("Korvalin_Stats.db");
+        }
+    }
+}
+
+TEST_F(Runs, AnEarlierConnectionOfAModemIsNotCountedAgainAfterACancelledEnd) {
+    Dial(7, 10'000, 10'000);
+    journal.KnowsMachine = true;
+    journal.Kept.Entries = {{9, "ppp0", 10'000, 0, clock.Now(), {}}};
+    auto run = Start();
+    Pass(*run);
+    Count(10'500, 10'500);
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    Pass(*run);
+    Count(10'700, 10'700);
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
+}
+
+TEST_F(Runs, AnAdapterThatLeftAndCameBackBetweenTwoLooksGoesOn) {
+    network.Add("eth0", 5000, 0);
+    auto run = Start();
+    Pass(*run);
+    network.Removed = {network.Rows[0]};
+    network.Rows[0].InOctets = 5700;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
+}
+
+TEST_F(Runs, ATableThatCannotBeReadEndsNoAdapterOnceMore) {
+    network.Add("eth0", 5000, 0);
+    network.Add("eth1", 5000, 0);
+    auto run = Start();
+    Pass(*run);
+    network.Removed = {network.Rows[1]};
+    network.Removed[0].InOctets = 5700;
+    network.Rows.pop_back();
+    Pass(*run);
+    network.Throws = true;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(TakeBoxes().size(), 3U) << "the failure is reported";
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
+}
+
+} // namespace
