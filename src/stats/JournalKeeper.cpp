@@ -65,7 +65,10 @@ void JournalKeeper::PassEnded() {
         return;
     }
     RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them
-    const bool changed = !started_ || parts_.Lines.Changes != savedChanges_;
+    // The user may have moved the data: until the journal follows, a kill would leave it behind.
+    const bool moved = started_ && parts_.DataFolder() != folder_;
+    if (moved) static_cast<void>(parts_.Recorder.TakeOver());
+    const bool changed = !started_ || moved || parts_.Lines.Changes != savedChanges_;
     started_ = true;
     if (changed || failingSince_ >= 0 || parts_.Clock.AwakeSeconds() >= nextSave_) {
         Write(false);
@@ -120,7 +123,8 @@ JournalPicture JournalKeeper::Picture() const {
 }
 
 bool JournalKeeper::Save(Journal::Durability durability) {
-    return parts_.Journal.Save(parts_.DataFolder(), Picture(), durability);
+    folder_ = parts_.DataFolder();
+    return parts_.Journal.Save(folder_, Picture(), durability);
 }
 
 void JournalKeeper::Write(bool evenWithoutJournal) {

@@ -15,13 +15,16 @@ class FakeJournal : public Journal {
     JournalPicture Kept;     ///< after a kill
     JournalPicture OnMedium; ///< after a power loss
     int Saves = 0;           ///< onto the medium
+    std::filesystem::path Folder;
 
     JournalFound Load(const std::filesystem::path&) override {
         if (!KnowsMachine) return {};
         return {true, SameBoot, Kept};
     }
-    bool Save(const std::filesystem::path&, const JournalPicture& picture, Durability durability) override {
+    bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
+              Durability durability) override {
         if (Fails) return false;
+        Folder = folder;
         KnowsMachine = SameBoot = true;
         Kept = picture;
         if (durability == Durability::Medium) {

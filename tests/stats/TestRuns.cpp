@@ -18,9 +18,9 @@ class Runs : public StatsFixture {
               Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
               Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
               Record({State, Ledger, t.files, t.errors, t.language, t.clock, Lock, t.locale,
-                      [&t] { return t.folder.Path(); }, [](const OpenConnection&) {}}),
+                      [&t] { return t.dataFolder; }, [](const OpenConnection&) {}}),
               Keeper({t.journal, Record, Ledger, State, Book, Monitor, t.clock, t.errors,
-                      [&t] { return t.folder.Path(); }}) {
+                      [&t] { return t.dataFolder; }}) {
             State.ProgramStart = t.clock.Now();
             Book.Plug({[](const std::string& entry) { return entry; },
                        [this](CloseReason reason, std::size_t line) { Record.SaveStatsLine(reason, line); },
@@ -37,6 +37,8 @@ class Runs : public StatsFixture {
         Recorder Record;
         JournalKeeper Keeper;
     };
+
+    std::filesystem::path dataFolder = folder.Path();
 
     std::unique_ptr<Run> Start(bool anotherRecords = false) {
         auto run = std::make_unique<Run>(*this);
@@ -211,6 +213,20 @@ TEST_F(Runs, ATableThatCannotBeReadEndsNoAdapterOnceMore) {
     run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
     EXPECT_EQ(TakeBoxes().size(), 3U) << "the failure is reported";
     EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
+}
+
+TEST_F(Runs, TheJournalFollowsTheDataAtTheNextPass) {
+    network.Add("eth0", 5000, 0);
+    const auto run = Start();
+    Pass(*run);
+    const int saves = journal.Saves;
+    Pass(*run);
+    EXPECT_EQ(journal.Saves, saves) << "nothing has changed";
+    dataFolder = folder / "elsewhere";
+    std::filesystem::create_directories(dataFolder);
+    Pass(*run);
+    EXPECT_EQ(journal.Saves, saves + 1);
+    EXPECT_EQ(journal.Folder, dataFolder);
 }
 
 } // namespace
