@@ -213,4 +213,22 @@ TEST_F(Runs, ATableThatCannotBeReadEndsNoAdapterOnceMore) {
     EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
 }
 
+TEST_F(Runs, ARecordThatOnlyItsExportLacksIsNotWrittenAgain) {
+    network.Add("eth0", 5000, 0);
+    std::filesystem::create_directory(folder / "Korvalin_Stats.csv"); // takes no lines
+    auto run = Start();
+    Pass(*run);
+    network.Rows[0].InOctets = 7000;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    ASSERT_EQ(run->Record.Pending().size(), 1U);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}}));
+    TakeBoxes();
+    folder.Write("Korvalin_Stats.db", ""); // the user has deleted the record
+    std::filesystem::remove(folder / "Korvalin_Stats.csv");
+    Start()->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(folder.Read("Korvalin_Stats.db"), "");
+    EXPECT_NE(folder.Read("Korvalin_Stats.csv").find("\neth0,"), std::string::npos);
+}
+
 } // namespace
