@@ -231,4 +231,19 @@ TEST_F(Runs, ARecordThatOnlyItsExportLacksIsNotWrittenAgain) {
     EXPECT_NE(folder.Read("Korvalin_Stats.csv").find("\neth0,"), std::string::npos);
 }
 
+TEST_F(Runs, ANetworkIsCalledAsItsRecordsAre) {
+    network.Add("wlan0", 5000, 0);
+    networks.Names["wlan0"] = "My \"5G\"\nnet";
+    auto run = Start();
+    Pass(*run);
+    EXPECT_EQ(run->State.LineTable(1).EntryName, "My '5G' net");
+    network.Rows[0].InOctets = 7000;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    StatRecords loaded;
+    statFile.LoadStatFile(loaded, false);
+    ASSERT_EQ(loaded.List.size(), 1U);
+    EXPECT_EQ(std::string(loaded.List[0].LineName), "My '5G' net");
+}
+
 } // namespace
