@@ -186,6 +186,21 @@ TEST_F(Runs, AnEarlierConnectionOfAModemIsNotCountedAgainAfterACancelledEnd) {
     EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
 }
 
+TEST_F(Runs, ALineThatComesInADaysLastSecondIsRecordedInThatDay) {
+    clock.SetWallClock(At("2024-03-15 23:59:50"));
+    network.Add("eth0", 5000, 0);
+    auto run = Start();
+    Pass(*run, 0);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    clock.Advance(9.2);
+    run->Ledger.NoteEnd("eth0", At("2024-03-15 23:59:59"));
+    network.Rows[0].InOctets = 5300;
+    Pass(*run, 0.2);
+    Pass(*run, 1);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 300}, {"03-16", 0}})) << folder.Read("Korvalin_Stats.db");
+}
+
 TEST_F(Runs, AnAdapterThatLeftAndCameBackBetweenTwoLooksGoesOn) {
     network.Add("eth0", 5000, 0);
     auto run = Start();
