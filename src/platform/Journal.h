@@ -41,7 +41,8 @@ struct JournalEntry {
     std::optional<OpenConnection> Open;
 };
 
-/// A record on its way into the statistics: written again at the next start unless the files have it.
+/// A record on its way into the statistics: written again at the next start unless the files have it. The
+/// line of a file that is known to have it is empty.
 struct PendingRecord {
     std::string StatLine;
     std::string ExportLine;

@@ -145,15 +145,17 @@ std::string Recorder::ExportLine(const OpenConnection& record, std::string_view 
 
 std::vector<PendingRecord> Recorder::Pending() const {
     std::vector<PendingRecord> pending;
-    for (const Waiting& waiting : waiting_)
-        pending.push_back(waiting.Record);
+    for (const Waiting& waiting : waiting_) {
+        pending.push_back({waiting.InStatistics ? "" : waiting.Record.StatLine,
+                           waiting.InExport ? "" : waiting.Record.ExportLine});
+    }
     return pending;
 }
 
 void Recorder::TakeUp(const std::vector<PendingRecord>& pending) {
     for (const PendingRecord& record : pending) {
-        Waiting waiting{record, IsAtEndOf(StatFileName, record.StatLine),
-                        IsAtEndOf(StatExportName, record.ExportLine)};
+        Waiting waiting{record, record.StatLine.empty() || IsAtEndOf(StatFileName, record.StatLine),
+                        record.ExportLine.empty() || IsAtEndOf(StatExportName, record.ExportLine)};
         if (waiting.InStatistics && waiting.InExport) continue;
         if (!waiting.InStatistics) TellOf(record.StatLine);
         waiting_.push_back(std::move(waiting));

@@ -200,9 +200,12 @@ LineRecord LanReader::BeginLine(const InterfaceRow& row, const std::string& name
     // What was up when the program started was so at least as long; what comes later began this second.
     line.UpSince = atStart_ ? state_.ProgramStart : reading_.Time - OneSecond;
     line.LogIn = std::max(atStart_ ? line.UpSince - 2 * OneSecond : line.UpSince, DayOf(reading_.Time));
-    // Not within the line's last record, unless the clock was set back behind that.
+    // Not within the line's last record, unless the clock was set back behind that, or the day has no second
+    // left.
     const Date last = ledger_.LastEnd(line.EntryName);
-    if (last >= FloorToSecond(line.LogIn) && last < reading_.Time + OneSecond) line.LogIn = last + OneSecond;
+    if (last >= FloorToSecond(line.LogIn) && last < reading_.Time + OneSecond &&
+        last < EndOfDay(reading_.Time))
+        line.LogIn = last + OneSecond;
     const CounterLedger::Account account = ledger_.Of(row.Index);
     line.StartReceived = line.LastRawReceived = static_cast<double>(account.Received);
     line.StartTransmitted = line.LastRawTransmitted = static_cast<double>(account.Transmitted);

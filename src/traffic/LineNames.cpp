@@ -7,11 +7,23 @@
 #include <algorithm>
 
 namespace korvalin {
+namespace {
+
+// A network may be called anything; the statistics hold no quotes and no line breaks in a name.
+std::string AsRecorded(std::string name) {
+    for (char& c : name) {
+        if (c == '"') c = '\'';
+        if (c == '\r' || c == '\n') c = ' ';
+    }
+    return std::string(Trim(name));
+}
+
+} // namespace
 
 const std::string& LineNames::NameOf(const InterfaceRow& row, const std::vector<InterfaceRow>& rows) {
     // Only hardware is on a network of the user's; asking for each of a thousand containers would cost.
     std::string network;
-    if (options_.LanByNetwork && row.HasHardware) network = Trim(networks_.NetworkOf(row.Description));
+    if (options_.LanByNetwork && row.HasHardware) network = AsRecorded(networks_.NetworkOf(row.Description));
     if (named_.size() > rows.size()) ForgetGone(rows);
     Named& named = named_[row.Index];
     if (named.Adapter == row.Description && named.Network == network && !named.Name.empty())

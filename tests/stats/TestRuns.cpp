@@ -188,6 +188,21 @@ TEST_F(Runs, AnEarlierConnectionOfAModemIsNotCountedAgainAfterACancelledEnd) {
     EXPECT_EQ(Recorded(), (Days{{"03-15", 700}}));
 }
 
+TEST_F(Runs, ALineThatComesInADaysLastSecondIsRecordedInThatDay) {
+    clock.SetWallClock(At("2024-03-15 23:59:50"));
+    network.Add("eth0", 5000, 0);
+    auto run = Start();
+    Pass(*run, 0);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    clock.Advance(9.2);
+    run->Ledger.NoteEnd("eth0", At("2024-03-15 23:59:59"));
+    network.Rows[0].InOctets = 5300;
+    Pass(*run, 0.2);
+    Pass(*run, 1);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 300}, {"03-16", 0}})) << folder.Read("Korvalin_Stats.db");
+}
+
 TEST_F(Runs, AnAdapterThatLeftAndCameBackBetweenTwoLooksGoesOn) {
     network.Add("eth0", 5000, 0);
     auto run = Start();
@@ -227,6 +242,39 @@ TEST_F(Runs, TheJournalFollowsTheDataAtTheNextPass) {
     Pass(*run);
     EXPECT_EQ(journal.Saves, saves + 1);
     EXPECT_EQ(journal.Folder, dataFolder);
+}
+
+TEST_F(Runs, ARecordThatOnlyItsExportLacksIsNotWrittenAgain) {
+    network.Add("eth0", 5000, 0);
+    std::filesystem::create_directory(folder / "Korvalin_Stats.csv"); // takes no lines
+    auto run = Start();
+    Pass(*run);
+    network.Rows[0].InOctets = 7000;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    ASSERT_EQ(run->Record.Pending().size(), 1U);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}}));
+    TakeBoxes();
+    folder.Write("Korvalin_Stats.db", ""); // the user has deleted the record
+    std::filesystem::remove(folder / "Korvalin_Stats.csv");
+    Start()->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(folder.Read("Korvalin_Stats.db"), "");
+    EXPECT_NE(folder.Read("Korvalin_Stats.csv").find("\neth0,"), std::string::npos);
+}
+
+TEST_F(Runs, ANetworkIsCalledAsItsRecordsAre) {
+    network.Add("wlan0", 5000, 0);
+    networks.Names["wlan0"] = "My \"5G\"\nnet";
+    auto run = Start();
+    Pass(*run);
+    EXPECT_EQ(run->State.LineTable(1).EntryName, "My '5G' net");
+    network.Rows[0].InOctets = 7000;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    StatRecords loaded;
+    statFile.LoadStatFile(loaded, false);
+    ASSERT_EQ(loaded.List.size(), 1U);
+    EXPECT_EQ(std::string(loaded.List[0].LineName), "My '5G' net");
 }
 
 } // namespace
