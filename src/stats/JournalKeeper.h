@@ -60,6 +60,7 @@ class JournalKeeper {
     bool begun_ = false;
     bool records_ = false;
     bool started_ = false; // at least one pass has been made
+    bool written_ = false; // the journal, in this run
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
     double failingSince_ = -1; // seconds awake; below 0: the journal can be written
