@@ -130,6 +130,7 @@ bool JournalKeeper::Save(Journal::Durability durability) {
 void JournalKeeper::Write(bool evenWithoutJournal) {
     const double now = parts_.Clock.AwakeSeconds();
     if (Save(Journal::Durability::Medium)) {
+        written_ = true;
         failingSince_ = -1;
         savedChanges_ = parts_.Lines.Changes;
         nextSave_ = now + secondsBetweenSaves;
@@ -138,7 +139,9 @@ void JournalKeeper::Write(bool evenWithoutJournal) {
             failingSince_ = now;
             parts_.Errors.WriteErrorLog("The journal of the counters cannot be written.", "SaveStats");
         }
-        if (!evenWithoutJournal && now - failingSince_ < mostSecondsWithoutJournal) return;
+        // A journal that this run has written holds the lines until the next start.
+        const bool isNeeded = evenWithoutJournal && !written_;
+        if (!isNeeded && now - failingSince_ < mostSecondsWithoutJournal) return;
     }
     if (!parts_.Recorder.HasPending()) return;
     parts_.Recorder.WritePending();

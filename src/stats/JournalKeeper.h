@@ -61,6 +61,7 @@ class JournalKeeper {
     bool records_ = false;
     bool started_ = false; // at least one pass has been made
     std::filesystem::path folder_; // of the last Save
+    bool written_ = false; // the journal, in this run
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
     double failingSince_ = -1; // seconds awake; below 0: the journal can be written

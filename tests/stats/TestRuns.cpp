@@ -277,4 +277,29 @@ TEST_F(Runs, ANetworkIsCalledAsItsRecordsAre) {
     EXPECT_EQ(std::string(loaded.List[0].LineName), "My '5G' net");
 }
 
+TEST_F(Runs, AnEndWhileTheJournalIsBusyIsRecordedByTheNextStart) {
+    network.Add("eth0", 5000, 0);
+    auto run = Start();
+    Pass(*run);
+    network.Rows[0].InOctets = 6000;
+    Pass(*run);
+    network.Rows[0].InOctets = 7000;
+    journal.Fails = true;
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    journal.Fails = false;
+    run = Start();
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}})) << folder.Read("Korvalin_Stats.db");
+}
+
+TEST_F(Runs, WithoutAnyJournalAnEndIsRecordedAllTheSame) {
+    network.Add("eth0", 5000, 0);
+    journal.Fails = true;
+    auto run = Start();
+    Pass(*run);
+    network.Rows[0].InOctets = 7000;
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}})) << folder.Read("Korvalin_Stats.db");
+}
+
 } // namespace
