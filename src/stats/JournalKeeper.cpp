@@ -9,6 +9,8 @@ namespace korvalin {
 namespace {
 
 constexpr double secondsBetweenSaves = 60;
+// One that is busy keeps the window waiting for half a second.
+constexpr double secondsBetweenAttempts = 5;
 // A journal that is only busy can be written by then; records do not wait longer for one that is broken.
 constexpr double mostSecondsWithoutJournal = 60;
 
@@ -67,10 +69,14 @@ void JournalKeeper::PassEnded() {
     RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them
     // The user may have moved the data: until the journal follows, a kill would leave it behind.
     const bool moved = started_ && parts_.DataFolder() != folder_;
-    if (moved) static_cast<void>(parts_.Recorder.TakeOver());
+    if (moved && !parts_.Recorder.TakeOver()) {
+        records_ = false; // another program records there
+        return;
+    }
     const bool changed = !started_ || moved || parts_.Lines.Changes != savedChanges_;
     started_ = true;
-    if (changed || failingSince_ >= 0 || parts_.Clock.AwakeSeconds() >= nextSave_) {
+    const bool failed = failingSince_ >= 0;
+    if ((changed && !failed) || parts_.Clock.AwakeSeconds() >= nextSave_) {
         Write(false);
     } else {
         Note();
@@ -139,6 +145,7 @@ void JournalKeeper::Write(bool evenWithoutJournal) {
             failingSince_ = now;
             parts_.Errors.WriteErrorLog("The journal of the counters cannot be written.", "SaveStats");
         }
+        nextSave_ = now + secondsBetweenAttempts;
         // A journal that this run has written holds the lines until the next start.
         const bool isNeeded = evenWithoutJournal && !written_;
         if (!isNeeded && now - failingSince_ < mostSecondsWithoutJournal) return;
