@@ -106,12 +106,13 @@ double MonthSums::OpenVolume(std::size_t aliasIndex) {
 
 PeriodUse MonthSums::UseOf(std::string_view lineName) {
     const std::size_t index = aliases_.AliasIndex(aliases_.GetAlias(lineName));
-    const double recorded = Sum(index).VolumeRounded;
+    // Before anything is held: it may meet a line whose alias is new.
+    const double used = Sum(index).VolumeRounded + OpenVolume(index);
     AliasInfo& alias = aliases_.Alias(index);
     const Date now = clock_.Now();
     alias.FractionElapsed =
         RoundToEven(1e4 * (alias.DaysElapsed - 1 + now - DayOf(now)) / alias.DaysInPeriod) / 1e4;
-    return {recorded + OpenVolume(index), alias.FreeVolumeBytes, alias.TrayVol, alias.FractionElapsed};
+    return {used, alias.FreeVolumeBytes, alias.TrayVol, alias.FractionElapsed};
 }
 
 } // namespace korvalin
