@@ -16,9 +16,8 @@ import subprocess
 import unittest
 
 import rig
-from rig import ended, wait_for
+from rig import PYTHON, ended, python_has, wait_for
 
-PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
 DRIVER = rig.BIN.parent / "tests/dialdriver" if rig.BIN else None  # DialDriver.cpp
 SCRIPTS = pathlib.Path(__file__).resolve().parent
 NEEDED = ("ip", "unshare", "nsenter", "NetworkManager", "nmcli", "dbus-daemon", "pppd")
@@ -58,10 +57,6 @@ chmod 755 login
 exec openvpn --dev tun --dev-type tun --proto udp --port 1194 --server 10.99.0.0 255.255.255.0 \\
   --topology subnet --ca ca.crt --cert server.crt --key server.key --dh none --verify-client-cert none \\
   --username-as-common-name --script-security 2 --auth-user-pass-verify {folder}/login via-file --ping 1 --log server.log"""
-
-
-def python_has(*modules):
-    return subprocess.run([PYTHON, "-c", f"import {', '.join(modules)}"], capture_output=True, check=False).returncode == 0
 
 
 class NetworkManager:

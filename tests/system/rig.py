@@ -13,6 +13,15 @@ import unittest
 
 BIN = pathlib.Path(sys.argv[1]).resolve() if len(sys.argv) > 1 else None
 SKIPPED = 77
+PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
+FAKETIME = next(pathlib.Path("/usr/lib").glob("*/faketime/libfaketime.so.1"), None)
+SEND = """
+import socket, sys
+out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+out.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, sys.argv[1].encode())
+for _ in range(int(sys.argv[2])):
+    out.sendto(b"x" * 1000, (sys.argv[3], 9))
+"""
 
 
 def wait_for(condition, what, seconds=20):
@@ -25,6 +34,25 @@ def wait_for(condition, what, seconds=20):
         if time.monotonic() > deadline:
             raise AssertionError(f"waited in vain for: {what}")
         time.sleep(0.02)
+
+
+def python_has(*modules):
+    return subprocess.run([PYTHON, "-c", f"import {', '.join(modules)}"], capture_output=True, check=False).returncode == 0
+
+
+def at_time(moment):
+    """What starts a program at that moment of the wall clock."""
+    # The address sanitizer wants to be loaded first, but lives with being second.
+    return ("env", f"LD_PRELOAD={FAKETIME}", f"FAKETIME=@{moment}", "DONT_FAKE_MONOTONIC=1",
+            "ASAN_OPTIONS=verify_asan_link_order=0")
+
+
+def with_hardware(folder, *adapters):
+    """What starts a program to which these adapters have devices behind them, made up in `folder`: the kernel names none
+    behind a virtual one."""
+    for adapter in adapters:
+        (folder / adapter / "device").mkdir(parents=True)
+    return "unshare", "--mount", "sh", "-c", f'mount --bind {folder} /sys/class/net && exec "$@"', "sh"
 
 
 class Home:
@@ -55,6 +83,14 @@ class Home:
     def set(self, **settings):
         for name, value in settings.items():
             self.cli("settings", "set", name, str(value))
+
+    def moved(self, *command):
+        """What each line has received and transmitted, as a command of the statistics tells."""
+        found = {}
+        for row in json.loads(self.cli(*command, "--format", "json")):
+            received, transmitted = found.get(row["alias"], (0, 0))
+            found[row["alias"]] = [received + row["bytes_received"], transmitted + row["bytes_transmitted"]]
+        return found
 
 
 class Network:
@@ -107,6 +143,21 @@ class Network:
 
     def counter(self, name, link, which):
         return int(self.inside(name, "cat", f"/sys/class/net/{link}/statistics/{which}").stdout)
+
+    def counted(self, link):
+        return [self.counter(self.here, link, which) for which in ("rx_bytes", "tx_bytes")]
+
+    def await_carrier(self, link, peer):
+        """Before that the kernel drops what is sent."""
+        for where, name in ((self.here, link), (self.there, peer)):
+            wait_for(lambda: json.loads(self.inside(where, "ip", "-json", "link", "show", name).stdout)[0]["operstate"] == "UP",
+                     f"the carrier of {name}")
+
+    def send(self, link, packets, address="77"):
+        """Packets in both directions: an adapter counts when it has received something."""
+        peer = "wire1" if link == "wire0" else link + "p"
+        for where, over, to in ((self.there, peer, 1), (self.here, link, 2)):
+            self.inside(where, sys.executable, "-c", SEND, over, str(packets), f"10.{address}.0.{to}")
 
 
 class Display:
@@ -166,6 +217,27 @@ def ended(process):
             pipe.close()
 
 
+class NotifierHost:
+    """sni_host.py as a process of its own; `host` is whether a panel is there from the start."""
+
+    def __init__(self, env, host=True):
+        self.process = subprocess.Popen([PYTHON, "-B", pathlib.Path(__file__).with_name("sni_host.py"), *["host"] * host],
+                                        env=env, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.process.stdout.readline()
+
+    def tell(self, *command):
+        self.process.stdin.write(" ".join(command) + "\n")
+        self.process.stdin.flush()
+        return json.loads(self.process.stdout.readline())
+
+    def item(self):
+        return self.tell("item")
+
+    def close(self):
+        with contextlib.suppress(BrokenPipeError):
+            ended(self.process)
+
+
 class Case(unittest.TestCase):
     """A test in folders of its own; what it starts ends with it."""
 
@@ -197,6 +269,17 @@ class DesktopCase(Case):
     def setUp(self):
         super().setUp()
         self.home.env["DISPLAY"] = self.display.name
+
+    def session_bus(self):
+        if not shutil.which("dbus-daemon") or not python_has("dbus", "gi"):
+            self.skipTest("dbus-daemon, python3-dbus or python3-gi is not installed")
+        bus = self.launch(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
+                           f"--address=unix:path={self.home.path}/bus"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.home.env["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+
+    def host(self, made):
+        self.addCleanup(made.close)
+        return made
 
     def start(self, program="korvalin", inside=None, **settings):
         """The program past the first start's question."""
@@ -238,16 +321,26 @@ class DesktopCase(Case):
     def click(self, window, x, y, button="1"):
         self.display.tool("xdotool", "mousemove", "--window", window, str(x), str(y), "click", button)
 
-    def choose(self, window, entry):
-        """Opens the popup menu by a right click and takes its entry by its access key."""
+    def open_menu(self, window, x, y, menu):
+        """Opens a popup menu by a right click; `menu` finds it."""
         def opened():
             # A window that is just being decorated anew may lose a click.
-            self.click(window, 60, 50, "3")
+            self.click(window, x, y, "3")
             time.sleep(0.3)
-            return self.menu()
+            return menu()
 
         wait_for(opened, "the menu")
+
+    def choose(self, window, entry):
+        """Takes an entry of the main window's menu by its access key."""
+        self.open_menu(window, 60, 50, self.menu)
         self.display.tool("xdotool", "key", entry)
+
+    def picture(self, what):
+        """Keeps a picture of the screen where KORVALIN_PICTURES names a folder."""
+        if folder := os.environ.get("KORVALIN_PICTURES"):
+            time.sleep(0.7)
+            self.display.tool("import", "-window", "root", f"{folder}/{what.replace(' ', '-')}.png")
 
     def press(self, window, *keys):
         self.display.tool("xdotool", "windowactivate", "--sync", window, "key", *keys)

@@ -2,25 +2,14 @@
 """Every byte that the kernel counts is in the sums once, whatever happens to adapters, routes and the program."""
 
 import json
-import pathlib
 import shutil
 import signal
-import sqlite3
 import subprocess
 import sys
 import time
 import unittest
 
 import rig
-
-SEND = """
-import socket, sys
-out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-out.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, sys.argv[1].encode())
-for _ in range(int(sys.argv[2])):
-    out.sendto(b"x" * 1000, (sys.argv[3], 9))
-"""
-FAKETIME = next(pathlib.Path("/usr/lib").glob("*/faketime/libfaketime.so.1"), None)
 
 
 class EveryByte(rig.Case):
@@ -29,6 +18,7 @@ class EveryByte(rig.Case):
         self.home.set(Language="ENG", AutoStart="False", ChartLineNo="1")
         self.network = self.enter(rig.Network())
         self.here, self.there = self.network.here, self.network.there
+        self.send, self.counted, self.await_carrier = self.network.send, self.network.counted, self.network.await_carrier
         self.first = {}  # what each adapter had counted when the program met it
         self.await_carrier("wire0", "wire1")
         self.send("wire0", 2)
@@ -53,21 +43,6 @@ class EveryByte(rig.Case):
         self.await_carrier(name, name + "p")
         self.send(name, 2, address)
 
-    def await_carrier(self, link, peer):
-        """Before that the kernel drops what is sent."""
-        for where, name in ((self.here, link), (self.there, peer)):
-            rig.wait_for(lambda: json.loads(self.ip("-json", "link", "show", name, where=where).stdout)[0]["operstate"] == "UP",
-                         f"the carrier of {name}")
-
-    def send(self, name, packets, address="77"):
-        """Packets in both directions: an adapter counts when it has received something."""
-        peer = "wire1" if name == "wire0" else name + "p"
-        for where, link, to in ((self.there, peer, 1), (self.here, name, 2)):
-            self.network.inside(where, sys.executable, "-c", SEND, link, str(packets), f"10.{address}.0.{to}")
-
-    def counted(self, name):
-        return [self.network.counter(self.here, name, which) for which in ("rx_bytes", "tx_bytes")]
-
     # ---- the program
 
     def record(self, *lines, prefix=()):
@@ -84,11 +59,7 @@ class EveryByte(rig.Case):
         return json.loads(self.home.cli("records", "--format", "json", *arguments))
 
     def sums(self, period="month", *arguments):
-        found = {}
-        for row in json.loads(self.home.cli("sums", "--period", period, "--format", "json", *arguments)):
-            received, transmitted = found.get(row["alias"], (0, 0))
-            found[row["alias"]] = [received + row["bytes_received"], transmitted + row["bytes_transmitted"]]
-        return found
+        return self.home.moved("sums", "--period", period, *arguments)
 
     def end(self, process, how=signal.SIGTERM):
         process.send_signal(how)
@@ -160,7 +131,7 @@ class EveryByte(rig.Case):
         self.ip("route", "add", "default", "via", "10.77.0.2")
         self.await_carrier("lan0", "wire1")
         self.await_lines("lan0")
-        self.network.inside(self.there, sys.executable, "-c", SEND, "wire1", "100", "10.77.0.1")
+        self.network.inside(self.there, sys.executable, "-c", rig.SEND, "wire1", "100", "10.77.0.1")
         self.end(recorder)
         sums = self.sums()
         self.assertEqual(sums, {"wire0": before, "lan0": self.moved("lan0")})
@@ -203,9 +174,6 @@ class EveryByte(rig.Case):
         self.assertEqual(self.sums()["usb0"], moved)
 
     def test_a_bridge_over_an_adapter_and_twelve_containers(self):
-        # The kernel names no device behind a virtual adapter; this folder says that wire0 has one.
-        folder = self.home.path / "net"
-        (folder / "wire0/device").mkdir(parents=True)
         self.ip("link", "add", "br0", "type", "bridge")
         for number in range(12):
             self.ip("link", "add", f"veth{number}", "type", "veth", "peer", "name", f"inside{number}", "netns", self.there)
@@ -213,8 +181,7 @@ class EveryByte(rig.Case):
             self.ip("link", "set", f"inside{number}", "up", where=self.there)
         self.ip("link", "set", "br0", "up")
         self.meet("wire0")
-        recorder = self.record(prefix=("unshare", "--mount", "sh", "-c", f'mount --bind {folder} /sys/class/net && exec "$@"',
-                                       "sh"))
+        recorder = self.record(prefix=rig.with_hardware(self.home.path / "net", "wire0"))
         self.send("wire0", 300)
         for number in range(12):
             self.network.inside(self.there, sys.executable, "-c",
@@ -225,11 +192,10 @@ class EveryByte(rig.Case):
         self.assertEqual(self.sums(), {"wire0": self.moved("wire0")})
         self.assertNotIn("br0", self.home.cli("settings", "list"), "what is left out gets no alias")
 
-    @unittest.skipUnless(FAKETIME, "libfaketime is not installed")
+    @unittest.skipUnless(rig.FAKETIME, "libfaketime is not installed")
     def test_a_month_that_ends_while_the_recorder_runs(self):
         self.meet("wire0")
-        recorder = self.record(prefix=("env", f"LD_PRELOAD={FAKETIME}", "FAKETIME=@2024-11-30 23:59:50",
-                                       "DONT_FAKE_MONOTONIC=1"))
+        recorder = self.record(prefix=rig.at_time("2024-11-30 23:59:50"))
         self.send("wire0", 1000)
         november = self.moved("wire0")
         rig.wait_for(lambda: self.sums()["wire0"] == november, "its reading", 8)

@@ -1,10 +1,7 @@
 #!/usr/bin/env python3
 """The icon in the tray over both protocols: what it shows, what clicks on it do, hosts that come late and go, closing."""
 
-import contextlib
-import json
 import os
-import pathlib
 import shutil
 import signal
 import subprocess
@@ -15,8 +12,6 @@ import unittest
 import rig
 
 BACKGROUND, BLUE, GREEN, RED = "A9D1E9", "0000FF", "008000", "FF0000"
-# The interpreter that Debian's packages install their modules for.
-PYTHON = "/usr/bin/python3"
 # A steady stream in one direction; the argument is its destination.
 SENDER = """
 import socket, sys, time
@@ -40,27 +35,6 @@ class EmbeddingHost:
         rig.ended(self.process)
 
 
-class NotifierHost:
-    """sni_host.py as a process of its own; `host` is whether a panel is there from the start."""
-
-    def __init__(self, env, host=True):
-        self.process = subprocess.Popen([PYTHON, "-B", pathlib.Path(__file__).with_name("sni_host.py"), *["host"] * host],
-                                        env=env, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        self.process.stdout.readline()
-
-    def tell(self, *command):
-        self.process.stdin.write(" ".join(command) + "\n")
-        self.process.stdin.flush()
-        return json.loads(self.process.stdout.readline())
-
-    def item(self):
-        return self.tell("item")
-
-    def close(self):
-        with contextlib.suppress(BrokenPipeError):
-            rig.ended(self.process)
-
-
 class Tray(rig.DesktopCase):
     def setUp(self):
         super().setUp()
@@ -71,18 +45,6 @@ class Tray(rig.DesktopCase):
         for name, address in ((network.here, "10.77.0.2"), (network.there, "10.77.0.1")):
             self.launch([sys.executable, "-c", SENDER, address], name)
         return network.here
-
-    def session_bus(self):
-        if not shutil.which("dbus-daemon") or subprocess.run([PYTHON, "-c", "import dbus, gi"], stderr=subprocess.DEVNULL,
-                                                             check=False).returncode:
-            self.skipTest("dbus-daemon, python3-dbus or python3-gi is not installed")
-        bus = self.launch(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
-                           f"--address=unix:path={self.home.path}/bus"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.home.env["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
-
-    def host(self, made):
-        self.addCleanup(made.close)
-        return made
 
     def icon(self):
         return self.find(lambda place: 10 < place["WIDTH"] < 64 and place["Y"] < 26, "--onlyvisible")
@@ -163,7 +125,7 @@ class Tray(rig.DesktopCase):
 
     def test_a_notifier_icon_shows_the_rates_and_obeys_its_host(self):
         self.session_bus()
-        host = self.host(NotifierHost(self.home.env))
+        host = self.host(rig.NotifierHost(self.home.env))
         process = self.start(inside=self.network_with_traffic(), TrayMaxRate=1)
         rig.wait_for(lambda: self.bars_are_full(host.item()), "full bars")
         item = host.item()
@@ -202,7 +164,7 @@ class Tray(rig.DesktopCase):
         self.session_bus()
         self.start(AutoShow="False")
         self.wait_for_state("Iconic")
-        host = self.host(NotifierHost(self.home.env, host=False))
+        host = self.host(rig.NotifierHost(self.home.env, host=False))
         time.sleep(1.5)  # long enough for an icon to come
         self.assertIsNone(host.item(), "nobody shows it")
         host.tell("host")
@@ -211,7 +173,7 @@ class Tray(rig.DesktopCase):
             self.wait_for_state("Withdrawn")
             host.close()
             self.wait_for_state("Iconic")
-            host = self.host(NotifierHost(self.home.env))
+            host = self.host(rig.NotifierHost(self.home.env))
         rig.wait_for(host.item, "the icon")
         host.tell("activate")
         self.main_window()
@@ -220,7 +182,7 @@ class Tray(rig.DesktopCase):
     def test_a_starting_desktop_is_waited_for_although_its_stand_in_is_there(self):
         self.session_bus()
         self.host(EmbeddingHost(self.display))
-        host = self.host(NotifierHost(self.home.env, host=False))
+        host = self.host(rig.NotifierHost(self.home.env, host=False))
         self.start()
         self.main_window()
         host.tell("host")
@@ -229,7 +191,7 @@ class Tray(rig.DesktopCase):
 
     def test_a_host_that_hangs_holds_nobody_up(self):
         self.session_bus()
-        host = self.host(NotifierHost(self.home.env))
+        host = self.host(rig.NotifierHost(self.home.env))
         host.process.send_signal(signal.SIGSTOP)
         self.start()
         self.main_window(seconds=4)
@@ -239,7 +201,7 @@ class Tray(rig.DesktopCase):
 
     def test_a_hidden_start_with_a_host_never_shows_the_window(self):
         self.session_bus()
-        host = self.host(NotifierHost(self.home.env))
+        host = self.host(rig.NotifierHost(self.home.env))
         self.start(AutoShow="False")
         rig.wait_for(host.item, "the icon")
         self.assertIsNone(self.any_window())

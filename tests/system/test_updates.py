@@ -116,12 +116,6 @@ class UpdateCase(rig.DesktopCase):
 
         rig.wait_for(gone, f"the end of {what}")
 
-    def picture(self, what):
-        """Keeps a picture of the screen where KORVALIN_PICTURES names a folder."""
-        if folder := os.environ.get("KORVALIN_PICTURES"):
-            time.sleep(0.7)
-            self.display.tool("import", "-window", "root", f"{folder}/{what.replace(' ', '-')}.png")
-
     def wait_for_new_version(self, folder):
         rig.wait_for(lambda: folder.is_new() and folder.running() and not folder.running("Korvalin_new.exe"),
                      "the new version", seconds=40)
