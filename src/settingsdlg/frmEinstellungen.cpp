@@ -176,11 +176,11 @@ void frmEinstellungen::changeEvent(QEvent* event) {
 void frmEinstellungen::LoadSystem() {
     Settings& settings = parts_.Settings;
     ui_->boxCloseTrayIcon->setChecked(record_.Display.CloseTrayOnly);
-    ui_->boxAutoStart->setChecked(settings.GetBool("AutoStart"));
-    ui_->boxAutoZeigen->setChecked(settings.GetBool("AutoShow"));
-    ui_->boxMultiInstance->setChecked(settings.GetBool("MultiInstance"));
-    ui_->boxAlwaysOnTop->setChecked(settings.GetBool("Foreground"));
-    ui_->boxMultiScreen->setChecked(settings.GetBool("MultiScreen"));
+    ui_->boxAutoStart->setChecked(settings.Get(Keys::AutoStart));
+    ui_->boxAutoZeigen->setChecked(settings.Get(Keys::AutoShow));
+    ui_->boxMultiInstance->setChecked(settings.Get(Keys::MultiInstance));
+    ui_->boxAlwaysOnTop->setChecked(settings.Get(Keys::ForeGround));
+    ui_->boxMultiScreen->setChecked(settings.Get(Keys::MultiScreen));
     acceptedFolder_ = hooks_.GetDataPath().string();
     ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
     const Language::Choices choices = parts_.Language.FillLanguageChoices();
@@ -239,12 +239,13 @@ void frmEinstellungen::LoadInternet() {
             control->setEnabled(enabled);
     };
     connect(ui_->boxFirewallUse, &QCheckBox::toggled, this, enable);
-    ui_->boxFirewallUse->setChecked(settings.GetBool("FirewallUse"));
+    ui_->boxFirewallUse->setChecked(settings.Get(Keys::FirewallUse));
     enable(ui_->boxFirewallUse->isChecked());
-    ui_->txtFirewallUser->setText(QString::fromStdString(settings.GetText("FirewallUser")));
-    ui_->txtFirewallPassword->setText(QString::fromStdString(settings.GetRegPassword("FirewallPassword")));
-    ui_->boxAutoUpdate->setChecked(settings.GetBool("AutoUpdate"));
-    const bool isWeekly = settings.GetNumber("UpdateInterval") == weekly;
+    ui_->txtFirewallUser->setText(QString::fromStdString(settings.Get(Keys::FirewallUser)));
+    ui_->txtFirewallPassword->setText(
+        QString::fromStdString(settings.GetRegPassword(Keys::FirewallPassword)));
+    ui_->boxAutoUpdate->setChecked(settings.Get(Keys::AutoUpdate));
+    const bool isWeekly = settings.Get(Keys::UpdateInterval) == weekly;
     (isWeekly ? ui_->optUpdateInterval0 : ui_->optUpdateInterval1)->setChecked(true);
 }
 
@@ -364,20 +365,20 @@ void frmEinstellungen::ConnectTray() {
 
 void frmEinstellungen::cboLANactive_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.UserLocale);
-    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, "LANActive", typed, parts_.UserLocale);
+    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, Keys::LANActive, typed, parts_.UserLocale);
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
 
 void frmEinstellungen::cboTrayMaxRate_Validate() {
     int& rate = record_.Display.TrayMaxRate;
-    rate = CheckedNumber(parts_.Settings, "TrayMaxRate", TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
+    rate = CheckedNumber(parts_.Settings, Keys::TrayMaxRate, TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxRate, std::to_string(rate));
 }
 
 void frmEinstellungen::cboTrayMaxVol_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.UserLocale);
     int& volume = record_.Display.TrayMaxVol;
-    volume = CheckedNumber(parts_.Settings, "TrayMaxVol", typed, parts_.UserLocale);
+    volume = CheckedNumber(parts_.Settings, Keys::TrayMaxVol, typed, parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxVol, Grouped(volume));
 }
 

@@ -139,7 +139,7 @@ std::vector<OpenConnection> Program::OpenConnectionsOfRecorder() {
 
 void Program::LoadUserVar() {
     LoadRecords();
-    errors.Step("LoadUserVar", [this] { autoStart.AutoStart(settings.GetBool("AutoStart")); });
+    errors.Step("LoadUserVar", [this] { autoStart.AutoStart(settings.Get(Keys::AutoStart)); });
 }
 
 } // namespace korvalin
