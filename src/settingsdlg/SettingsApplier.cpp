@@ -1,10 +1,12 @@
 #include "settingsdlg/SettingsApplier.h"
 
+#include "display/DisplaySettings.h"
 #include "display/UnitFormat.h"
 #include "errors/Errors.h"
 #include "settings/Password.h"
 #include "settings/Settings.h"
 #include "settingsdlg/TypedValues.h"
+#include "traffic/TrafficSettings.h"
 
 #include <algorithm>
 
@@ -24,11 +26,10 @@ void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecor
         TakeOver(chosen);
         ApplyWindowAndStart(entered);
         if (folderAccepted) parts_.Settings.Set(Keys::DataPath, entered.DataPath);
-        ApplyTraffic(entered);
-        ApplyUnitsAndFont();
-        ApplyTimeSpan(entered);
-        ApplyScaleAndCurves();
-        ApplyTray();
+        TakeTyped(entered);
+        StoreTrafficOptions(parts_.Settings, parts_.Traffic);
+        StoreDisplaySettings(parts_.Settings, parts_.Display,
+                             [this](std::string_view setting) { Follow(setting); });
         ApplyInternet(entered);
         chosen.Display = parts_.Display;
         chosen.Traffic = parts_.Traffic;
@@ -67,65 +68,26 @@ void SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
     hooks_.SetTopmost(entered.Foreground);
 }
 
-void SettingsApplier::ApplyTraffic(const EnteredSettings& entered) {
-    Settings& settings = parts_.Settings;
-    settings.Set(Keys::LANProt, parts_.Traffic.LanProt);
-    settings.Set(Keys::LANByNetwork, parts_.Traffic.LanByNetwork);
-    settings.Set(Keys::LANVirtual, parts_.Traffic.LanVirtual);
-    const std::string typed = WithoutGrouping(entered.LanActive, parts_.UserLocale);
-    parts_.Traffic.LanActive = settings.Validate(Keys::LANActive, typed);
-    settings.Set(Keys::LANActive, parts_.Traffic.LanActive);
-    settings.Set(Keys::ProgRunTime, parts_.Display.ShowDuration);
-}
-
-void SettingsApplier::ApplyUnitsAndFont() {
-    Settings& settings = parts_.Settings;
-    const InfoTexts& live = parts_.Display;
-    settings.Set(Keys::UnitKB, live.RateUnitText);
-    settings.Set(Keys::UnitMB, live.VolumeUnitText);
-    parts_.Units.SetUnits(live.RateUnitText, live.VolumeUnitText);
-    settings.Set(Keys::FontName, live.FontName);
-    settings.Set(Keys::FontSize, live.FontSize);
-    settings.Set(Keys::FontBold, live.FontBold);
-    settings.Set(Keys::ShowTimeLines, live.ShowTimeLines);
-    settings.Set(Keys::TimeLinesSec, live.TimeLinesSec);
-    settings.Set(Keys::ChartBackgroundColor, live.ChartBackgroundColor);
-}
-
-void SettingsApplier::ApplyTimeSpan(const EnteredSettings& entered) {
+void SettingsApplier::TakeTyped(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
     InfoTexts& live = parts_.Display;
+    parts_.Traffic.LanActive =
+        settings.Validate(Keys::LANActive, WithoutGrouping(entered.LanActive, parts_.UserLocale));
     live.picWidthMin = settings.Validate(Keys::picWidthMin, entered.ChartMinutes);
-    settings.Set(Keys::picWidthMin, live.picWidthMin);
     live.ConnDataMax = std::max(live.picWidthMin * secondsPerMinute, leastHistorySeconds);
-    settings.Set(Keys::ConnDataMax, live.ConnDataMax);
-    hooks_.ResizeRateHistory();
-    settings.Set(Keys::Opacity, live.Opacity);
-    hooks_.SetOpacity(live.Opacity);
 }
 
-void SettingsApplier::ApplyScaleAndCurves() {
-    Settings& settings = parts_.Settings;
+void SettingsApplier::Follow(std::string_view setting) {
     const InfoTexts& live = parts_.Display;
-    settings.Set(Keys::ChartMax, live.ChartMax);
-    settings.Set(Keys::ChartMinMax, live.ChartMinMax);
-    settings.Set(Keys::ChartUseMax, live.ChartUseMax);
-    for (std::size_t i = 0; i < RateSlots; ++i) {
-        settings.Set(Keys::LineDLShow(i + 1), live.LineDLShow[i]);
-        settings.Set(Keys::LineULShow(i + 1), live.LineULShow[i]);
-        settings.Set(Keys::LineDLColor(i + 1), live.LineDLColor[i]);
-        settings.Set(Keys::LineULColor(i + 1), live.LineULColor[i]);
+    if (setting == Keys::UnitMB.Name) {
+        parts_.Units.SetUnits(live.RateUnitText, live.VolumeUnitText);
+    } else if (setting == Keys::ConnDataMax.Name) {
+        hooks_.ResizeRateHistory();
+    } else if (setting == Keys::Opacity.Name) {
+        hooks_.SetOpacity(live.Opacity);
+    } else if (setting == Keys::TrayAnimated.Name && !live.TrayAnimated) {
+        hooks_.ShowFixedTrayIcon();
     }
-}
-
-void SettingsApplier::ApplyTray() {
-    Settings& settings = parts_.Settings;
-    const InfoTexts& live = parts_.Display;
-    settings.Set(Keys::TrayMaxRate, live.TrayMaxRate);
-    settings.Set(Keys::TrayMaxVol, live.TrayMaxVol);
-    settings.Set(Keys::TrayAnimated, live.TrayAnimated);
-    if (!live.TrayAnimated) hooks_.ShowFixedTrayIcon();
-    settings.Set(Keys::TrayTexts, live.TrayTextFlags);
 }
 
 void SettingsApplier::ApplyInternet(const EnteredSettings& entered) {
