@@ -2,6 +2,7 @@
 
 #include "base/Units.h"
 #include "display/UnitFormat.h"
+#include "forms/BoundBox.h"
 #include "forms/Colors.h"
 #include "forms/Combos.h"
 #include "forms/KeptWhileAsking.h"
@@ -47,12 +48,15 @@ ChartEditor::ChartEditor(const Parts& parts) : parts_(parts), ui_(parts.Controls
 // ---- showing the record
 
 void ChartEditor::Load(int historySeconds) {
-    const InfoTexts& display = Display();
+    InfoTexts& display = Display();
     LoadFonts();
     FillCombo(*ui_.cboFontSize, FontSizeChoices(), Plain);
     ShowText(*ui_.cboFontSize, Plain(display.FontSize));
-    ui_.boxFett->setChecked(display.FontBold);
-    ui_.boxShowTimeLines->setChecked(display.ShowTimeLines);
+    Bind(*ui_.boxFett, display.FontBold, parts_.Changed);
+    Bind(*ui_.boxShowTimeLines, display.ShowTimeLines, [this] {
+        ui_.cboTimeLinesSec->setEnabled(Display().ShowTimeLines);
+        parts_.Changed();
+    });
     ui_.cboTimeLinesSec->setEnabled(display.ShowTimeLines);
     FillCombo(*ui_.cboTimeLinesSec, TimeLineChoices(), Plain);
     ShowText(*ui_.cboTimeLinesSec, Plain(display.TimeLinesSec));
@@ -147,18 +151,9 @@ void ChartEditor::ConnectFont() {
     });
     WhenEntered(*ui_.cboFontSize, *this,
                 [this] { CheckNumber(*ui_.cboFontSize, Keys::FontSize, Display().FontSize); });
-    connect(ui_.boxFett, &QCheckBox::toggled, this, [this](bool bold) {
-        Display().FontBold = bold;
-        parts_.Changed();
-    });
 }
 
 void ChartEditor::ConnectTime() {
-    connect(ui_.boxShowTimeLines, &QCheckBox::toggled, this, [this](bool show) {
-        Display().ShowTimeLines = show;
-        ui_.cboTimeLinesSec->setEnabled(show);
-        parts_.Changed();
-    });
     WhenEntered(*ui_.cboTimeLinesSec, *this,
                 [this] { CheckNumber(*ui_.cboTimeLinesSec, Keys::TimeLinesSec, Display().TimeLinesSec); });
     WhenEntered(*ui_.cboPicWidthMin, *this, [this] { cboPicWidthMin_Click(); });
@@ -187,14 +182,12 @@ void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& 
 }
 
 void ChartEditor::ConnectUnits() {
-    const auto connectOptions = [this](const char* name, int count, std::vector<std::string> units,
-                                       bool ofRates, std::string& unit, std::int32_t& factor) {
+    const auto connectOptions = [this](const std::vector<QAbstractButton*>& buttons,
+                                       std::vector<std::string> units, bool ofRates, std::string& unit,
+                                       std::int32_t& factor) {
         auto* options = new QButtonGroup(this);
-        for (int i = 0; i < count; ++i) {
-            auto* option =
-                parts_.Dialog.findChild<QAbstractButton*>(QLatin1String(name) + QString::number(i));
-            options->addButton(option, i);
-        }
+        for (QAbstractButton* button : buttons)
+            options->addButton(button, static_cast<int>(options->buttons().size()));
         options->button(UnitOptionIndex(unit, ofRates))->setChecked(true);
         connect(options, &QButtonGroup::idClicked, this, [this, units, &unit, &factor](int index) {
             unit = units.at(static_cast<std::size_t>(index));
@@ -203,8 +196,10 @@ void ChartEditor::ConnectUnits() {
         });
     };
     InfoTexts& display = Display();
-    connectOptions("optKB", 4, {"KiB", "KB", "Kbit", "Mbit"}, true, display.RateUnitText, display.KBFactor);
-    connectOptions("optMB", 3, {"MiB", "MB", "Mbit"}, false, display.VolumeUnitText, display.MBFactor);
+    connectOptions({ui_.optKB0, ui_.optKB1, ui_.optKB2, ui_.optKB3}, {"KiB", "KB", "Kbit", "Mbit"}, true,
+                   display.RateUnitText, display.KBFactor);
+    connectOptions({ui_.optMB0, ui_.optMB1, ui_.optMB2}, {"MiB", "MB", "Mbit"}, false, display.VolumeUnitText,
+                   display.MBFactor);
 }
 
 // ---- values

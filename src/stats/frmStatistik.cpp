@@ -110,8 +110,9 @@ void frmStatistik::SetUpControls() {
     ui_->cboKBMB->setCurrentText(QString::fromStdString(unit));
     const int period =
         std::clamp(ParseWholeNumber(parts_.Settings.Get(Keys::z_optStatSum)).value_or(0), 0, 2);
-    for (int i = 0; i <= 2; ++i)
-        ui_->optStatSum->setId(findChild<QAbstractButton*>(QStringLiteral("optStatSum%1").arg(i)), i);
+    ui_->optStatSum->setId(ui_->optStatSum0, 0);
+    ui_->optStatSum->setId(ui_->optStatSum1, 1);
+    ui_->optStatSum->setId(ui_->optStatSum2, 2);
     ui_->optStatSum->button(period)->setChecked(true);
     cboKBMB_Click();
 }
