@@ -61,7 +61,7 @@ void GetReg(benchmark::State& state) {
     const Bench bench;
     bench.program->settings.SetReg("ChartMax", 50);
     for (auto _ : state)
-        benchmark::DoNotOptimize(bench.program->settings.GetNumber("ChartMax"));
+        benchmark::DoNotOptimize(bench.program->settings.Get(Keys::ChartMax));
 }
 BENCHMARK(GetReg);
 

@@ -133,7 +133,7 @@ class CommandLine {
 // Messages need words; without a choice of language they are English.
 void LoadTexts(Program& program) {
     if (!program.language.LoadLanguageChoices()) return;
-    const std::string chosen = program.settings.GetText("Language");
+    const std::string chosen = program.settings.Get(Keys::Language);
     program.language.UseLanguage(chosen.empty() ? "ENG" : chosen);
 }
 

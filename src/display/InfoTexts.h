@@ -33,9 +33,9 @@ struct InfoTexts {
     std::string FontName = "Arial";
     int FontSize = 9; ///< points
     int TimeLinesSec = 60;
-    float UpdateIntervalChart = 0; ///< chart redraw interval in seconds
-    int picWidthMin = 4;           ///< width of the chart in minutes
-    int ConnDataMax = 240;         ///< samples of history
+    int UpdateIntervalChart = 0; ///< chart redraw interval in seconds
+    int picWidthMin = 4;         ///< width of the chart in minutes
+    int ConnDataMax = 240;       ///< samples of history
     int Opacity = 255;
     int ChartLineNo = 0;                          ///< the line in the chart; 0 = not yet read
     std::string ChartLineName;                    ///< its name: when it moves or comes back the chart follows

@@ -106,8 +106,8 @@ void SamplingLoop::Get_TransferedData() {
 // The line in the chart is the one of that name, wherever it stands; while it is gone another one stands in.
 void SamplingLoop::FollowChartLine() {
     if (texts_.ChartLineNo == 0) {
-        texts_.ChartLineNo = std::max(settings_.GetNumber("ChartLineNo"), 1);
-        texts_.ChartLineName = settings_.GetText("ChartLineName");
+        texts_.ChartLineNo = std::max(settings_.Get(Keys::ChartLineNo), 1);
+        texts_.ChartLineName = settings_.Get(Keys::ChartLineName);
     }
     for (std::size_t line = 1; line <= lines_.LineCount; ++line) {
         const std::string& name = lines_.LineTable(line).EntryName;
@@ -169,7 +169,7 @@ void SamplingLoop::ResizeRateHistory() {
     history_.GrowLines(lines_.LineCount);
     if (visibleSamples_ > static_cast<std::size_t>(texts_.ConnDataMax)) {
         texts_.ConnDataMax = static_cast<int>(visibleSamples_);
-        settings_.SetReg("ConnDataMax", texts_.ConnDataMax);
+        settings_.Set(Keys::ConnDataMax, texts_.ConnDataMax);
     }
     history_.ResizeSamples(static_cast<std::size_t>(texts_.ConnDataMax));
 }

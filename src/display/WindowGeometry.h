@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Screen.h"
+#include "settings/Keys.h"
 
 #include <string>
 
@@ -32,8 +33,8 @@ class WindowGeometry {
     void Save(const TwipsRect& window, int captionHeight, bool titleOnly);
 
   private:
-    std::string LeftName() const;
-    std::string TopName() const;
+    SettingKey<int, std::string> LeftKey() const;
+    SettingKey<int, std::string> TopKey() const;
 
     Settings& settings_;
     Screen& screen_;

@@ -24,7 +24,6 @@ namespace {
 constexpr int marginTwips = 10;
 constexpr int smallestChartTwips = 540; // what the chart needs for its texts, margins included
 constexpr int heightForTextsTwips = 850;
-constexpr std::string_view captionHeightSetting = "MON_CaptionHeight";
 // As much of the window must be on a screen for the user to get hold of it.
 constexpr int smallestPartInSight = 30;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
@@ -54,7 +53,7 @@ frmMain::frmMain(const Parts& parts)
     connect(&timerFade_, &QTimer::timeout, this, [this] { TimerFade_Timer(); });
     frame_.Plug({[this](int height) {
                      // A start without a caption has none to measure.
-                     parts_.Setting.SetReg(captionHeightSetting, height);
+                     parts_.Setting.Set(Keys::MON_CaptionHeight, height);
                      SetSmallestSize();
                  },
                  [this] { RestoreGeometry(); }, [this] { SaveGeometry(); }});
@@ -91,13 +90,13 @@ void frmMain::ConnectMenu() {
 
 void frmMain::Form_Load() {
     ApplyTexts();
-    frame_.SetCaptionHeight(parts_.Setting.GetNumber(captionHeightSetting));
+    frame_.SetCaptionHeight(parts_.Setting.Get(Keys::MON_CaptionHeight));
     SetSmallestSize();
-    ui_->mnuTest->setVisible(parts_.Setting.GetBool("Test"));
-    if (parts_.Setting.GetBool("ForeGround")) ui_->mnuVordergrund->trigger();
+    ui_->mnuTest->setVisible(parts_.Setting.Get(Keys::Test));
+    if (parts_.Setting.Get(Keys::ForeGround)) ui_->mnuVordergrund->trigger();
     RestoreGeometry();
-    if (!parts_.Setting.GetBool("ShowTitle")) ui_->mnuTitelAnzeigen->trigger();
-    titleOnly_ = parts_.Setting.GetBool("NurTitel");
+    if (!parts_.Setting.Get(Keys::ShowTitle)) ui_->mnuTitelAnzeigen->trigger();
+    titleOnly_ = parts_.Setting.Get(Keys::NurTitel);
     ui_->mnuNurTitel->setChecked(titleOnly_);
     if (titleOnly_) SetTitleOnly();
     AddTrayIcon();
@@ -252,7 +251,7 @@ void frmMain::SetWindowHeight(int twips) {
 
 void frmMain::mnuTitelAnzeigen_Click() {
     const bool show = ui_->mnuTitelAnzeigen->isChecked();
-    parts_.Setting.SetReg("ShowTitle", show);
+    parts_.Setting.Set(Keys::ShowTitle, show);
     if (!show && !titleOnly_) setWindowTitle(QString());
     if (show) ShowCaption();
     frame_.ShowCaption(show);
@@ -261,12 +260,12 @@ void frmMain::mnuTitelAnzeigen_Click() {
 
 void frmMain::mnuNurTitel_Click() {
     titleOnly_ = ui_->mnuNurTitel->isChecked();
-    parts_.Setting.SetReg("NurTitel", titleOnly_);
+    parts_.Setting.Set(Keys::NurTitel, titleOnly_);
     SetTitleOnly();
 }
 
 void frmMain::SetTitleOnly() {
-    parts_.Setting.SetReg("NurTitel", titleOnly_);
+    parts_.Setting.Set(Keys::NurTitel, titleOnly_);
     ui_->PicChart->setVisible(!titleOnly_);
     if (titleOnly_) {
         SetSmallestSize();
@@ -284,7 +283,7 @@ void frmMain::SetTitleOnly() {
 void frmMain::mnuVordergrund_Click() {
     const bool topmost = ui_->mnuVordergrund->isChecked();
     frame_.SetTopmost(topmost);
-    parts_.Setting.SetReg("Foreground", topmost);
+    parts_.Setting.Set(Keys::ForeGround, topmost);
 }
 
 void frmMain::SetTopmost(bool topmost) {
@@ -301,8 +300,8 @@ void frmMain::mnuLines_Click(std::size_t line) {
     parts_.Info.ChartLineNo = static_cast<int>(line);
     parts_.Info.ChartLineName = parts_.Lines.LineTable(line).EntryName;
     linesMenu_.Check(line);
-    parts_.Setting.SetReg("ChartLineNo", parts_.Info.ChartLineNo);
-    parts_.Setting.SetReg("ChartLineName", parts_.Info.ChartLineName);
+    parts_.Setting.Set(Keys::ChartLineNo, parts_.Info.ChartLineNo);
+    parts_.Setting.Set(Keys::ChartLineName, parts_.Info.ChartLineName);
     DrawChart(false);
 }
 
@@ -368,9 +367,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::TellThatNoTrayIsThere() {
-    constexpr std::string_view told = "NoTrayTold";
-    if (parts_.Setting.GetBool(told)) return;
-    parts_.Setting.SetReg(told, true);
+    if (parts_.Setting.Get(Keys::NoTrayTold)) return;
+    parts_.Setting.Set(Keys::NoTrayTold, true);
     parts_.Messages.Show(parts_.Texts.Lng("modAllgemein", 60), std::string(ProgramTitle),
                          MessageIcon::Information, MessageButtons::Ok);
 }

@@ -60,7 +60,7 @@ UpdateResult UpdateCheck::CheckUpdate(bool automatic, bool preCheck) {
 
 // What keeps a check from beginning, in words.
 std::optional<std::string> UpdateCheck::Hindrance() {
-    if (m_.Settings.GetBool("NoInet")) return m_.Text(26);
+    if (m_.Settings.Get(Keys::NoInet)) return m_.Text(26);
     if (!m_.Site.IsThere()) return m_.Text(22);
     if (running_) return m_.Text(25);
     return std::nullopt;
@@ -71,7 +71,7 @@ void UpdateCheck::Cancel() {
 }
 
 UpdateResult UpdateCheck::Run(bool preCheck) {
-    if (m_.Settings.GetDate("UpdateNext") > m_.Clock.Now()) return TellToWait();
+    if (m_.Settings.Get(Keys::UpdateNext) > m_.Clock.Now()) return TellToWait();
     if (preCheck && !m_.OnRasLine() && m_.Site.LoadPage(generalPage).Text().empty())
         return UpdateResult::Offline;
     hooks_.ShowStatus(m_.Text(4));
@@ -84,7 +84,7 @@ UpdateResult UpdateCheck::Run(bool preCheck) {
 UpdateResult UpdateCheck::TellToWait() {
     if (hooks_.AboutBoxIsOpen()) {
         hooks_.ShowStatus(m_.Text(1));
-        const std::string moment = MomentText(m_.Settings.GetDate("UpdateNext"), m_.Clock.Now(), m_.Locale);
+        const std::string moment = MomentText(m_.Settings.Get(Keys::UpdateNext), m_.Clock.Now(), m_.Locale);
         m_.MessageBoxes.Show(m_.Text(18) + m_.Text(19) + moment + m_.Text(20), std::string(ProgramTitle),
                              MessageIcon::Information, MessageButtons::Ok);
     }
@@ -135,11 +135,11 @@ UpdateResult UpdateCheck::Update(const UpdateOffer& offer, const UpdatePage& pag
 }
 
 bool UpdateCheck::MustAsk() {
-    return !automatic_ || !m_.Settings.GetBool("AutoUpdate");
+    return !automatic_ || !m_.Settings.Get(Keys::AutoUpdate);
 }
 
 bool UpdateCheck::UserWants(const UpdatePage& page) {
-    if (m_.Settings.GetDate("UpdateNext") < m_.Clock.Now()) OpenVersionHistory();
+    if (m_.Settings.Get(Keys::UpdateNext) < m_.Clock.Now()) OpenVersionHistory();
     return m_.MessageBoxes.Show(m_.Text(12) + m_.Text(14) + page.NewestRelease() + "?",
                                 std::string(ProgramTitle), MessageIcon::Question,
                                 MessageButtons::YesNo) == MessageAnswer::Yes;
@@ -160,7 +160,7 @@ void UpdateCheck::OpenVersionHistory() {
 
 // What nobody has asked for is not told again at every opportunity.
 void UpdateCheck::NoteThatUserWasTold() {
-    if (automatic_) m_.Settings.SetReg("UpdateCheckLast", DayOf(m_.Clock.Now()));
+    if (automatic_) m_.Settings.Set(Keys::UpdateCheckLast, DayOf(m_.Clock.Now()));
 }
 
 UpdateResult UpdateCheck::Start() {

@@ -44,7 +44,7 @@ bool UpdateDownload::CanWrite() {
 }
 
 UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const UpdatePage& page) {
-    if (m_.Settings.GetDate("UpdateNext") > m_.Clock.Now()) return Outcome::TooEarly;
+    if (m_.Settings.Get(Keys::UpdateNext) > m_.Clock.Now()) return Outcome::TooEarly;
     if (!HasUsefulProgram(offer)) {
         CountAttempt();
         ShowStatus(m_.Text(16) + NewProgramFileName);
@@ -72,7 +72,7 @@ bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
 }
 
 void UpdateDownload::CountAttempt() {
-    m_.Settings.SetReg("UpdateNext", NextAttempt(++attempts_, m_.Clock.Now()));
+    m_.Settings.Set(Keys::UpdateNext, NextAttempt(++attempts_, m_.Clock.Now()));
 }
 
 bool UpdateDownload::DownloadLanguage(const UpdatePage& page) {

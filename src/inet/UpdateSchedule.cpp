@@ -39,7 +39,7 @@ bool UpdateSchedule::AutoUpdateCheck() {
         return false;
     }
     nextAttempt_ = clock_.BootSeconds() + secondsBetweenAttempts;
-    done_ = settings_.GetBool("NoInet");
+    done_ = settings_.Get(Keys::NoInet);
     const bool started = !done_ && IsDue() && RunCheck();
     if (!done_) callAgain_(secondsBetweenAttempts);
     return started;
@@ -48,8 +48,8 @@ bool UpdateSchedule::AutoUpdateCheck() {
 // A last check in the future is one before the clock was set back.
 bool UpdateSchedule::IsDue() {
     const Date today = DayOf(clock_.Now());
-    const Date last = settings_.GetDate("UpdateCheckLast");
-    return last < today - settings_.GetNumber("UpdateInterval") * daysOfWeek || last > today;
+    const Date last = settings_.Get(Keys::UpdateCheckLast);
+    return last < today - settings_.Get(Keys::UpdateInterval) * daysOfWeek || last > today;
 }
 
 bool UpdateSchedule::RunCheck() {
@@ -59,7 +59,7 @@ bool UpdateSchedule::RunCheck() {
         return false;
     }
     done_ = true;
-    if (result == UpdateResult::Newest) settings_.SetReg("UpdateCheckLast", DayOf(clock_.Now()));
+    if (result == UpdateResult::Newest) settings_.Set(Keys::UpdateCheckLast, DayOf(clock_.Now()));
     return result == UpdateResult::Started;
 }
 

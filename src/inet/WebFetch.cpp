@@ -76,7 +76,7 @@ HttpRequest WebFetch::RequestFor(const std::string& url, bool toFile) {
 std::string WebFetch::UserAgent() {
     const std::string numbers =
         fmt::format("{}{}{}", m_.Version.Major, m_.Version.Minor, m_.Version.Revision);
-    if (m_.Settings.GetBool("Test")) return "Korvalin-Test V" + numbers;
+    if (m_.Settings.Get(Keys::Test)) return "Korvalin-Test V" + numbers;
     return "Korvalin-V" + numbers + "; " + m_.LanguageCode();
 }
 
@@ -129,7 +129,7 @@ std::string WebFetch::GetURLSource(const std::string& url, const std::filesystem
     if (state_.Status.empty() && state_.ToFile && !head.EndIsKnown) state_.Status = "0:of unknown length";
     if (!state_.Status.empty()) return {};
     if (state_.ToFile) Save(page, filePath);
-    if (m_.Settings.GetBool("Test")) hooks_.CopyToClipboard(page);
+    if (m_.Settings.Get(Keys::Test)) hooks_.CopyToClipboard(page);
     return page;
 }
 
@@ -156,15 +156,15 @@ std::string WebFetch::ReadAll(HttpStream& stream, const HttpRequest& request) {
 // ---- the transfer control
 
 bool WebFetch::Inet_GetBgrd(const std::string& url, const std::filesystem::path& targetFile) {
-    if (m_.Settings.GetBool("NoInet")) return false;
+    if (m_.Settings.Get(Keys::NoInet)) return false;
     if (control_->StillExecuting()) return true;
     Reset(url);
     state_.ToFile = !targetFile.empty();
     state_.TargetFile = (state_.ToFile ? targetFile : m_.DataFolder() / "HtmReturn.htm").string();
     HttpRequest request = RequestFor(url, state_.ToFile);
-    if (m_.Settings.GetBool("FirewallUse")) {
-        request.UserName = m_.Settings.GetText("FirewallUser");
-        request.Password = m_.Settings.GetRegPassword("FirewallPassword");
+    if (m_.Settings.Get(Keys::FirewallUse)) {
+        request.UserName = m_.Settings.Get(Keys::FirewallUser);
+        request.Password = m_.Settings.GetRegPassword(Keys::FirewallPassword);
     }
     control_->Execute(request);
     return true;
@@ -245,9 +245,9 @@ bool WebFetch::HtmDownloadFile(const std::string& url, const std::filesystem::pa
 
 bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) {
     if (control_ != nullptr) return !control_->StillExecuting() && Inet_GetBgrd(url, file) && AwaitControl();
-    const bool useAccount = m_.Settings.GetBool("FirewallUse");
-    const std::string address = useAccount ? WithAccount(url, m_.Settings.GetText("FirewallUser"),
-                                                         m_.Settings.GetRegPassword("FirewallPassword"))
+    const bool useAccount = m_.Settings.Get(Keys::FirewallUse);
+    const std::string address = useAccount ? WithAccount(url, m_.Settings.Get(Keys::FirewallUser),
+                                                         m_.Settings.GetRegPassword(Keys::FirewallPassword))
                                            : url;
     state_.PageText = GetURLSource(address, file, false);
     return state_.Status.empty() && !state_.PageText.empty();

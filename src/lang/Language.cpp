@@ -20,7 +20,6 @@
 namespace korvalin {
 namespace {
 
-constexpr std::string_view languageSetting = "Language";
 constexpr std::string_view defaultLanguage = "GER";
 constexpr std::string_view fileGroup = "language file";
 constexpr std::size_t codeLength = 3;
@@ -244,14 +243,14 @@ bool Language::ShowTextsMissing() {
 }
 
 std::string Language::GetLanguageCode() {
-    const std::string stored = settings_.GetText(languageSetting);
+    const std::string stored = settings_.Get(Keys::Language);
     if (CharacterCount(stored) == codeLength) return stored;
     ask_();
     return HasLanguage() ? languageCode_ : std::string(defaultLanguage);
 }
 
 void Language::SetLanguageCode(std::string_view code) {
-    settings_.SetReg(languageSetting, std::string(code));
+    settings_.Set(Keys::Language, std::string(code));
 }
 
 std::string Language::UserDefaultLanguageCode() const {

@@ -36,13 +36,13 @@ std::int32_t DefaultPosition(const ScreenDefault& rule, double freeTwips) {
 
 // What the main window's height or width becomes when it is too small to be used.
 struct WindowSizeRule {
-    std::string_view LowerName;
+    SettingKey<int> Size;
     ScreenSide Side;
     std::int32_t Least;
     std::int32_t WhenLess;
 };
-constexpr WindowSizeRule windowSizeRules[] = {{"mon_height", ScreenSide::Height, 700, 1500},
-                                              {"mon_width", ScreenSide::Width, 1000, 3200}};
+constexpr WindowSizeRule windowSizeRules[] = {{Keys::MON_Height, ScreenSide::Height, 700, 1500},
+                                              {Keys::MON_Width, ScreenSide::Width, 1000, 3200}};
 
 Date SameDayLastYear(Date now) {
     const DateParts today = SplitDate(DayOf(now));
@@ -59,30 +59,6 @@ SettingValue Settings::GetReg(std::string_view name, bool defaultOnly) {
                           defaultOnly ? std::string() : primitives_.RegReadString(SettingsKeyPath, name));
 }
 
-bool Settings::GetBool(std::string_view name) {
-    const SettingValue value = GetReg(name);
-    if (const bool* answer = std::get_if<bool>(&value)) return *answer;
-    return std::get<bool>(Convert(SettingKind::Boolean, TextForm(value)));
-}
-
-std::int32_t Settings::GetNumber(std::string_view name) {
-    const SettingValue value = GetReg(name);
-    if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
-    return std::get<std::int32_t>(Convert(SettingKind::WholeNumber, TextForm(value)));
-}
-
-Date Settings::GetDate(std::string_view name) {
-    const SettingValue value = GetReg(name);
-    if (const Date* date = std::get_if<Date>(&value)) return *date;
-    return std::get<Date>(Convert(SettingKind::DateTime, TextForm(value)));
-}
-
-std::string Settings::GetText(std::string_view name) {
-    SettingValue value = GetReg(name);
-    if (auto* text = std::get_if<std::string>(&value)) return std::move(*text);
-    return TextForm(value);
-}
-
 void Settings::SetReg(std::string_view name, const SettingValue& value) {
     primitives_.RegWriteString(SettingsKeyPath, name, Trim(TextForm(value)));
 }
@@ -92,6 +68,10 @@ std::string Settings::TextForm(const SettingValue& value) {
     if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);
     if (const Date* date = std::get_if<Date>(&value)) return FormatDateIso(*date);
     return std::get<std::string>(value);
+}
+
+std::string_view Settings::DefaultText(std::string_view name) const {
+    return table_.Find(ToLower(name)).Default;
 }
 
 std::vector<std::string> Settings::StoredNames() {
@@ -154,11 +134,11 @@ std::optional<Date> Settings::ParseStoredDate(std::string_view text) const {
 // it.
 void Settings::KeepOnScreen(std::string_view lowerName, const SettingRow& row, SettingValue& value) {
     auto* number = std::get_if<std::int32_t>(&value);
-    if (number == nullptr || !lowerName.starts_with("mon_") || GetBool("MultiScreen")) return;
+    if (number == nullptr || !lowerName.starts_with("mon_") || Get(Keys::MultiScreen)) return;
 
     if (row.Computed != nullptr) return KeepPosition(*row.Computed, *number);
     for (const WindowSizeRule& rule : windowSizeRules) {
-        if (lowerName != rule.LowerName) continue;
+        if (!EqualsNoCase(lowerName, rule.Size.Name)) continue;
         if (*number < rule.Least) *number = rule.WhenLess;
         const std::optional<double> screenTwips = ScreenTwips(rule.Side);
         if (screenTwips && *number > *screenTwips) *number = ToWholeNumber(*screenTwips);
@@ -210,10 +190,10 @@ std::optional<double> Settings::ScreenTwips(ScreenSide side) {
 std::optional<double> Settings::FreeScreenTwips(const ScreenDefault& rule) {
     const std::optional<double> screenTwips = ScreenTwips(rule.Side);
     if (!screenTwips) return std::nullopt;
-    return *screenTwips - GetNumber(rule.WindowSize);
+    return *screenTwips - Get(rule.WindowSize);
 }
 
-void Settings::SetRegPassword(std::string_view name, std::string_view password) {
+void Settings::SetRegPassword(SettingKey<std::string> key, std::string_view password) {
     errors_.Step("SetRegPassword", [&] {
         std::random_device source;
         std::uniform_int_distribution<int> digit(0, 9);
@@ -221,14 +201,14 @@ void Settings::SetRegPassword(std::string_view name, std::string_view password) 
         const std::optional<std::string> scrambled = ScramblePassword(password, first, digit(source));
         if (!scrambled)
             throw std::invalid_argument("The password contains a character that cannot be stored.");
-        SetReg(name, *scrambled);
+        Set(key, *scrambled);
     });
 }
 
-std::string Settings::GetRegPassword(std::string_view name) {
+std::string Settings::GetRegPassword(SettingKey<std::string> key) {
     std::string password;
     errors_.Step("GetRegPassword", [&] {
-        const std::optional<std::string> bytes = UnscramblePassword(GetText(name));
+        const std::optional<std::string> bytes = UnscramblePassword(Get(key));
         if (!bytes) throw std::invalid_argument("The stored password is damaged.");
         // A password may have been stored byte by byte in another encoding.
         password = DecodeLine(*bytes);

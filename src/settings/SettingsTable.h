@@ -1,6 +1,8 @@
 // What is known about every setting: its kind, default and range, as data.
 #pragma once
 
+#include "settings/Keys.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,6 +12,16 @@
 namespace korvalin {
 
 enum class SettingKind { Text, Boolean, WholeNumber, DateTime };
+
+/// The kind of the settings that are a `Value` in the program.
+template <class Value>
+inline constexpr SettingKind KindOf = SettingKind::Text;
+template <>
+inline constexpr SettingKind KindOf<bool> = SettingKind::Boolean;
+template <>
+inline constexpr SettingKind KindOf<int> = SettingKind::WholeNumber;
+template <>
+inline constexpr SettingKind KindOf<Date> = SettingKind::DateTime;
 
 /// Puts a whole number into its range.
 using NumberRule = std::int32_t (*)(std::int32_t);
@@ -26,7 +38,7 @@ enum class ScreenSide { Width, Height };
 /// A window position that depends on the screen: (screen size - window size) / Divisor - Margin, in twips.
 struct ScreenDefault {
     ScreenSide Side;
-    std::string_view WindowSize; // name of the setting
+    SettingKey<int> WindowSize;
     int Divisor;
     int Margin;
 };

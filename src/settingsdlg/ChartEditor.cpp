@@ -2,6 +2,7 @@
 
 #include "base/Units.h"
 #include "display/UnitFormat.h"
+#include "forms/BoundBox.h"
 #include "forms/Colors.h"
 #include "forms/Combos.h"
 #include "forms/KeptWhileAsking.h"
@@ -14,7 +15,6 @@
 #include <QButtonGroup>
 #include <QColorDialog>
 #include <QFontDatabase>
-#include <fmt/format.h>
 
 #include <cmath>
 
@@ -48,12 +48,15 @@ ChartEditor::ChartEditor(const Parts& parts) : parts_(parts), ui_(parts.Controls
 // ---- showing the record
 
 void ChartEditor::Load(int historySeconds) {
-    const InfoTexts& display = Display();
+    InfoTexts& display = Display();
     LoadFonts();
     FillCombo(*ui_.cboFontSize, FontSizeChoices(), Plain);
     ShowText(*ui_.cboFontSize, Plain(display.FontSize));
-    ui_.boxFett->setChecked(display.FontBold);
-    ui_.boxShowTimeLines->setChecked(display.ShowTimeLines);
+    Bind(*ui_.boxFett, display.FontBold, parts_.Changed);
+    Bind(*ui_.boxShowTimeLines, display.ShowTimeLines, [this] {
+        ui_.cboTimeLinesSec->setEnabled(Display().ShowTimeLines);
+        parts_.Changed();
+    });
     ui_.cboTimeLinesSec->setEnabled(display.ShowTimeLines);
     FillCombo(*ui_.cboTimeLinesSec, TimeLineChoices(), Plain);
     ShowText(*ui_.cboTimeLinesSec, Plain(display.TimeLinesSec));
@@ -121,9 +124,9 @@ void ChartEditor::Connect() {
     ConnectFont();
     ConnectTime();
     ConnectCurves(*ui_.frmDownload, display.LineDLShow, display.LineDLColor, display.DisplayChoiceDL,
-                  "DisplayChoiceDL");
+                  Keys::DisplayChoiceDL);
     ConnectCurves(*ui_.frmUpload, display.LineULShow, display.LineULColor, display.DisplayChoiceUL,
-                  "DisplayChoiceUL");
+                  Keys::DisplayChoiceUL);
     connect(ui_.cmdSwapColors, &QPushButton::clicked, this, &ChartEditor::cmdSwapColors_Click);
     connect(ui_.lblColorBackground, &ColorField::clicked, this, &ChartEditor::lblColorBackground_Click);
     connect(ui_.cmdBackground, &QPushButton::clicked, this, &ChartEditor::lblColorBackground_Click);
@@ -147,28 +150,19 @@ void ChartEditor::ConnectFont() {
         parts_.Changed();
     });
     WhenEntered(*ui_.cboFontSize, *this,
-                [this] { CheckNumber(*ui_.cboFontSize, "FontSize", Display().FontSize); });
-    connect(ui_.boxFett, &QCheckBox::toggled, this, [this](bool bold) {
-        Display().FontBold = bold;
-        parts_.Changed();
-    });
+                [this] { CheckNumber(*ui_.cboFontSize, Keys::FontSize, Display().FontSize); });
 }
 
 void ChartEditor::ConnectTime() {
-    connect(ui_.boxShowTimeLines, &QCheckBox::toggled, this, [this](bool show) {
-        Display().ShowTimeLines = show;
-        ui_.cboTimeLinesSec->setEnabled(show);
-        parts_.Changed();
-    });
     WhenEntered(*ui_.cboTimeLinesSec, *this,
-                [this] { CheckNumber(*ui_.cboTimeLinesSec, "TimeLinesSec", Display().TimeLinesSec); });
+                [this] { CheckNumber(*ui_.cboTimeLinesSec, Keys::TimeLinesSec, Display().TimeLinesSec); });
     WhenEntered(*ui_.cboPicWidthMin, *this, [this] { cboPicWidthMin_Click(); });
     WhenEntered(*ui_.cboConnDataMax, *this, [this] { cboConnDataMax_Click(); });
 }
 
 void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& shown,
                                 std::array<std::int32_t, RateSlots>& colors, int& choice,
-                                const char* choiceName) {
+                                SettingKey<int> choiceKey) {
     connect(&frame, &CurveFrame::ShownChanged, this, [this, &shown](std::size_t curve, bool show) {
         shown.at(curve) = show;
         parts_.Changed();
@@ -181,21 +175,19 @@ void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& 
         frame.SetColor(curve, *color);
         parts_.Changed();
     });
-    connect(&frame, &CurveFrame::ChoiceClicked, this, [this, &choice, choiceName](int chosen) {
-        choice = Checked(choiceName, Plain(chosen)); // 0 becomes the preset one
+    connect(&frame, &CurveFrame::ChoiceClicked, this, [this, &choice, choiceKey](int chosen) {
+        choice = Checked(choiceKey, Plain(chosen)); // 0 becomes the preset one
         parts_.Changed();
     });
 }
 
 void ChartEditor::ConnectUnits() {
-    const auto connectOptions = [this](const char* name, int count, std::vector<std::string> units,
-                                       bool ofRates, std::string& unit, std::int32_t& factor) {
+    const auto connectOptions = [this](const std::vector<QAbstractButton*>& buttons,
+                                       std::vector<std::string> units, bool ofRates, std::string& unit,
+                                       std::int32_t& factor) {
         auto* options = new QButtonGroup(this);
-        for (int i = 0; i < count; ++i) {
-            auto* option =
-                parts_.Dialog.findChild<QAbstractButton*>(QLatin1String(name) + QString::number(i));
-            options->addButton(option, i);
-        }
+        for (QAbstractButton* button : buttons)
+            options->addButton(button, static_cast<int>(options->buttons().size()));
         options->button(UnitOptionIndex(unit, ofRates))->setChecked(true);
         connect(options, &QButtonGroup::idClicked, this, [this, units, &unit, &factor](int index) {
             unit = units.at(static_cast<std::size_t>(index));
@@ -204,18 +196,20 @@ void ChartEditor::ConnectUnits() {
         });
     };
     InfoTexts& display = Display();
-    connectOptions("optKB", 4, {"KiB", "KB", "Kbit", "Mbit"}, true, display.RateUnitText, display.KBFactor);
-    connectOptions("optMB", 3, {"MiB", "MB", "Mbit"}, false, display.VolumeUnitText, display.MBFactor);
+    connectOptions({ui_.optKB0, ui_.optKB1, ui_.optKB2, ui_.optKB3}, {"KiB", "KB", "Kbit", "Mbit"}, true,
+                   display.RateUnitText, display.KBFactor);
+    connectOptions({ui_.optMB0, ui_.optMB1, ui_.optMB2}, {"MiB", "MB", "Mbit"}, false, display.VolumeUnitText,
+                   display.MBFactor);
 }
 
 // ---- values
 
-int ChartEditor::Checked(const char* setting, const std::string& typed) {
-    return CheckedNumber(parts_.Settings, setting, typed, parts_.UserLocale);
+int ChartEditor::Checked(SettingKey<int> key, const std::string& typed) {
+    return CheckedNumber(parts_.Settings, key, typed, parts_.UserLocale);
 }
 
-void ChartEditor::CheckNumber(QComboBox& combo, const char* setting, int& value) {
-    const int checked = Checked(setting, TextOf(combo));
+void ChartEditor::CheckNumber(QComboBox& combo, SettingKey<int> key, int& value) {
+    const int checked = Checked(key, TextOf(combo));
     ShowText(combo, Plain(checked));
     if (checked == value) return;
     value = checked;
@@ -223,20 +217,20 @@ void ChartEditor::CheckNumber(QComboBox& combo, const char* setting, int& value)
 }
 
 void ChartEditor::txtChartMax_Validate() {
-    Display().ChartMax = Checked("ChartMax", ui_.txtChartMax->text().toStdString());
+    Display().ChartMax = Checked(Keys::ChartMax, ui_.txtChartMax->text().toStdString());
     ui_.txtChartMax->setText(QString::number(Display().ChartMax));
     parts_.Changed();
 }
 
 void ChartEditor::txtChartMinMax_Validate() {
-    Display().ChartMinMax = Checked("ChartMinMax", ui_.txtChartMinMax->text().toStdString());
+    Display().ChartMinMax = Checked(Keys::ChartMinMax, ui_.txtChartMinMax->text().toStdString());
     ui_.txtChartMinMax->setText(QString::number(Display().ChartMinMax));
     parts_.Changed();
 }
 
 // The field keeps what was chosen: applied, it makes the history longer.
 void ChartEditor::cboPicWidthMin_Click() {
-    chartMinutes_ = Checked("picWidthMin", TextOf(*ui_.cboPicWidthMin));
+    chartMinutes_ = Checked(Keys::picWidthMin, TextOf(*ui_.cboPicWidthMin));
     ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
     const int historyMinutes = static_cast<int>(std::lround(historySeconds_ / secondsPerMinute));
     Display().picWidthMin = std::min(chartMinutes_, historyMinutes);
@@ -251,8 +245,8 @@ void ChartEditor::cboConnDataMax_Click() {
 }
 
 void ChartEditor::CheckAll() {
-    CheckNumber(*ui_.cboFontSize, "FontSize", Display().FontSize);
-    CheckNumber(*ui_.cboTimeLinesSec, "TimeLinesSec", Display().TimeLinesSec);
+    CheckNumber(*ui_.cboFontSize, Keys::FontSize, Display().FontSize);
+    CheckNumber(*ui_.cboTimeLinesSec, Keys::TimeLinesSec, Display().TimeLinesSec);
     cboPicWidthMin_Click();
     cboConnDataMax_Click();
     txtChartMax_Validate();
@@ -264,8 +258,8 @@ void ChartEditor::CheckAll() {
 CustomColors ChartEditor::StoredColors() {
     CustomColors colors{};
     for (std::size_t i = 0; i < RateSlots; ++i) {
-        colors[i] = parts_.Settings.GetNumber(fmt::format("LineDL{}Color", i + 1));
-        colors[RateSlots + i] = parts_.Settings.GetNumber(fmt::format("LineUL{}Color", i + 1));
+        colors[i] = parts_.Settings.Get(Keys::LineDLColor(i + 1));
+        colors[RateSlots + i] = parts_.Settings.Get(Keys::LineULColor(i + 1));
     }
     return colors;
 }

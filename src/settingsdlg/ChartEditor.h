@@ -1,5 +1,6 @@
 #pragma once
 
+#include "settings/Keys.h"
 #include "settingsdlg/SettingsApplier.h"
 
 #include <QObject>
@@ -66,10 +67,10 @@ class ChartEditor : public QObject {
     void ConnectFont();
     void ConnectTime();
     void ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& shown,
-                       std::array<std::int32_t, RateSlots>& colors, int& choice, const char* choiceName);
+                       std::array<std::int32_t, RateSlots>& colors, int& choice, SettingKey<int> choiceKey);
     void ConnectUnits();
-    int Checked(const char* setting, const std::string& typed);
-    void CheckNumber(QComboBox& combo, const char* setting, int& value);
+    int Checked(SettingKey<int> key, const std::string& typed);
+    void CheckNumber(QComboBox& combo, SettingKey<int> key, int& value);
     void txtChartMax_Validate();
     void txtChartMinMax_Validate();
     void cboPicWidthMin_Click();

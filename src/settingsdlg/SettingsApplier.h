@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace korvalin {
 
@@ -75,11 +76,10 @@ class SettingsApplier {
     bool MoveData(const std::string& folder);
     void TakeOver(const SettingsRecord& chosen);
     void ApplyWindowAndStart(const EnteredSettings& entered);
-    void ApplyTraffic(const EnteredSettings& entered);
-    void ApplyUnitsAndFont();
-    void ApplyTimeSpan(const EnteredSettings& entered);
-    void ApplyScaleAndCurves();
-    void ApplyTray();
+    /// What was typed as text and is a number.
+    void TakeTyped(const EnteredSettings& entered);
+    /// What happens as soon as a display setting is stored.
+    void Follow(std::string_view setting);
     void ApplyInternet(const EnteredSettings& entered);
 
     Parts parts_;

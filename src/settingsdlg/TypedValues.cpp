@@ -34,11 +34,10 @@ std::string WithoutGroups(const std::string& text, const Locale& locale) {
 
 } // namespace
 
-std::int32_t CheckedNumber(Settings& settings, std::string_view name, std::string typed,
-                           const Locale& locale) {
+std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string typed, const Locale& locale) {
     // Handed over as nothing it would stand for a missing setting, whose default is stored.
-    if (typed.empty()) typed = SettingsTable().Find(ToLower(name)).Default;
-    return std::get<std::int32_t>(settings.GetRegValidate(name, WithoutGroups(typed, locale)));
+    if (typed.empty()) typed = settings.DefaultText(key.Name);
+    return settings.Validate(key, WithoutGroups(typed, locale));
 }
 
 std::string WithoutGrouping(std::string_view text, const Locale& locale) {
@@ -76,7 +75,7 @@ int CheckedHistoryMinutes(Settings& settings, std::string_view typed, const Loca
     constexpr double manyMinutes = 1000;
     const double minutes = std::clamp(TypedNumber(typed, locale).value_or(0), -manyMinutes, manyMinutes);
     const std::string wanted = fmt::format("{:.0f}", minutes * secondsPerMinute);
-    int seconds = CheckedNumber(settings, "ConnDataMax", wanted, locale);
+    int seconds = CheckedNumber(settings, Keys::ConnDataMax, wanted, locale);
     seconds = std::min(std::max(seconds, chartMinutes * secondsPerMinute), historySeconds);
     return seconds / secondsPerMinute;
 }

@@ -1,6 +1,8 @@
 // What the user types into the settings dialog, and what is made of it.
 #pragma once
 
+#include "settings/Keys.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,8 +14,7 @@ struct Locale;
 
 /// The corrected form of what was typed for a setting that is a number; nothing typed is its default. Nothing
 /// is stored, as the user may still cancel.
-std::int32_t CheckedNumber(Settings& settings, std::string_view name, std::string typed,
-                           const Locale& locale);
+std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string typed, const Locale& locale);
 
 /// A number as it was typed, without what groups its thousands: the locale's mark, and points and blanks,
 /// which many write wherever they are.

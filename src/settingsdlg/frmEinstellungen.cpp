@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "display/frmMain.h"
 #include "errors/Errors.h"
+#include "forms/BoundBox.h"
 #include "forms/Combos.h"
 #include "forms/KeptWhileAsking.h"
 #include "forms/ProgramIcon.h"
@@ -18,6 +19,9 @@
 
 #include <QFileDialog>
 
+#include <algorithm>
+#include <vector>
+
 namespace korvalin {
 namespace {
 
@@ -25,52 +29,61 @@ constexpr int weekly = 1;
 constexpr int previewMilliseconds = 1000;
 constexpr int keyRole = Qt::UserRole;
 
+using Form = Ui::frmEinstellungen;
+
 /// A page of the tree, and the frames that it shows one below the other.
 struct Page {
     const char* Key;
     const char* Parent; ///< nullptr at the root
     const char* Section;
     int TextNumber;
-    const char* Frames[2];
+    std::vector<QWidget*> Frames;
     void (NetworkPages::*Fill)() = nullptr; ///< what the page shows is read when it is shown
+
+    bool Has(const QWidget* frame) const {
+        return std::find(Frames.begin(), Frames.end(), frame) != Frames.end();
+    }
 };
 
-constexpr Page pages[] = {
-    {"tvAllg", nullptr, "frmEinstellungen", 6, {"frmSystem", "frmConnection"}},
-    {"tvDarst", nullptr, "frmEinstellungenObj", 75, {"frmGrafikAllgemein", nullptr}},
-    {"tvEinheit", "tvDarst", "frmEinstellungen", 9, {"frmKBRate", "frmMBVol"}},
-    {"tvUpload", "tvDarst", "frmEinstellungen", 11, {"frmUpload", "frmTextUpDown"}},
-    {"tvDownload", "tvDarst", "frmEinstellungenObj", 19, {"frmDownload", "frmTextUpDown"}},
-    {"tvTray", nullptr, "frmEinstellungen", 14, {"frmTrayIcon", "frmTrayIconTxt"}},
-    {"tvInternet", nullptr, "frmEinstellungen", 27, {"frmFirewall", "frmUpdate"}},
-    {"tvNetInfo", nullptr, "frmEinstellungen", 16, {"frmConnInfo", nullptr}, &NetworkPages::ShowConnection},
-    {"tvNetAdapter", "tvNetInfo", "frmEinstellungen", 18, {nullptr, nullptr}, &NetworkPages::ShowAdapters},
-    {"tvNetIP", "tvNetInfo", "frmEinstellungen", 20, {nullptr, nullptr}, &NetworkPages::ShowAddresses},
-};
-
-const Page* FindPage(const QString& key) {
-    const auto* const found = std::find_if(std::begin(pages), std::end(pages), [&key](const Page& page) {
-        return key.compare(QLatin1String(page.Key), Qt::CaseInsensitive) == 0;
-    });
-    return found == std::end(pages) ? nullptr : found;
-}
-
-bool HasFrame(const Page* page, std::string_view frame) {
-    return page != nullptr &&
-           std::any_of(std::begin(page->Frames), std::end(page->Frames),
-                       [frame](const char* other) { return other != nullptr && frame == other; });
+std::vector<Page> PagesOf(const Form& ui) {
+    return {{"tvAllg", nullptr, "frmEinstellungen", 6, {ui.frmSystem, ui.frmConnection}},
+            {"tvDarst", nullptr, "frmEinstellungenObj", 75, {ui.frmGrafikAllgemein}},
+            {"tvEinheit", "tvDarst", "frmEinstellungen", 9, {ui.frmKBRate, ui.frmMBVol}},
+            {"tvUpload", "tvDarst", "frmEinstellungen", 11, {ui.frmUpload, ui.frmTextUpDown}},
+            {"tvDownload", "tvDarst", "frmEinstellungenObj", 19, {ui.frmDownload, ui.frmTextUpDown}},
+            {"tvTray", nullptr, "frmEinstellungen", 14, {ui.frmTrayIcon, ui.frmTrayIconTxt}},
+            {"tvInternet", nullptr, "frmEinstellungen", 27, {ui.frmFirewall, ui.frmUpdate}},
+            {"tvNetInfo", nullptr, "frmEinstellungen", 16, {ui.frmConnInfo}, &NetworkPages::ShowConnection},
+            {"tvNetAdapter", "tvNetInfo", "frmEinstellungen", 18, {}, &NetworkPages::ShowAdapters},
+            {"tvNetIP", "tvNetInfo", "frmEinstellungen", 20, {}, &NetworkPages::ShowAddresses}};
 }
 
 // The check boxes of the tooltip's parts, by their flags.
 struct TrayBox {
-    const char* Name;
+    QCheckBox* Form::*Box;
     int Flag;
 };
 constexpr TrayBox trayBoxes[] = {
-    {"boxTrayLine", TrayLineName},           {"boxTrayRateUL", TrayRateUL},
-    {"boxTrayRateDL", TrayRateDL},           {"boxTrayVolumeUL", TrayVolumeUL},
-    {"boxTrayVolumeDL", TrayVolumeDL},       {"boxTrayVolumeTotal", TrayVolumeTotal},
-    {"boxTrayVolumeMonth", TrayVolumeMonth}, {"boxTrayDuration", TrayDuration},
+    {&Form::boxTrayLine, TrayLineName},           {&Form::boxTrayRateUL, TrayRateUL},
+    {&Form::boxTrayRateDL, TrayRateDL},           {&Form::boxTrayVolumeUL, TrayVolumeUL},
+    {&Form::boxTrayVolumeDL, TrayVolumeDL},       {&Form::boxTrayVolumeTotal, TrayVolumeTotal},
+    {&Form::boxTrayVolumeMonth, TrayVolumeMonth}, {&Form::boxTrayDuration, TrayDuration},
+};
+
+// The check boxes that show what is stored and count when the dialog is applied.
+struct EnteredBox {
+    QCheckBox* Form::*Box;
+    SettingKey<bool> Key;
+    bool EnteredSettings::*Field;
+};
+constexpr EnteredBox enteredBoxes[] = {
+    {&Form::boxAutoStart, Keys::AutoStart, &EnteredSettings::AutoStart},
+    {&Form::boxAutoZeigen, Keys::AutoShow, &EnteredSettings::AutoShow},
+    {&Form::boxMultiInstance, Keys::MultiInstance, &EnteredSettings::MultiInstance},
+    {&Form::boxAlwaysOnTop, Keys::ForeGround, &EnteredSettings::Foreground},
+    {&Form::boxMultiScreen, Keys::MultiScreen, &EnteredSettings::MultiScreen},
+    {&Form::boxFirewallUse, Keys::FirewallUse, &EnteredSettings::FirewallUse},
+    {&Form::boxAutoUpdate, Keys::AutoUpdate, &EnteredSettings::AutoUpdate},
 };
 
 QString AskForFolder(QWidget* parent, const QString& caption, const QString& current) {
@@ -174,13 +187,9 @@ void frmEinstellungen::changeEvent(QEvent* event) {
 }
 
 void frmEinstellungen::LoadSystem() {
-    Settings& settings = parts_.Settings;
+    for (const EnteredBox& row : enteredBoxes)
+        ((*ui_).*row.Box)->setChecked(parts_.Settings.Get(row.Key));
     ui_->boxCloseTrayIcon->setChecked(record_.Display.CloseTrayOnly);
-    ui_->boxAutoStart->setChecked(settings.GetBool("AutoStart"));
-    ui_->boxAutoZeigen->setChecked(settings.GetBool("AutoShow"));
-    ui_->boxMultiInstance->setChecked(settings.GetBool("MultiInstance"));
-    ui_->boxAlwaysOnTop->setChecked(settings.GetBool("Foreground"));
-    ui_->boxMultiScreen->setChecked(settings.GetBool("MultiScreen"));
     acceptedFolder_ = hooks_.GetDataPath().string();
     ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
     const Language::Choices choices = parts_.Language.FillLanguageChoices();
@@ -202,11 +211,11 @@ void frmEinstellungen::LoadConnection() {
             control->setEnabled(enabled);
     };
     connect(ui_->boxLANProt, &QCheckBox::toggled, this, enable);
-    ui_->boxLANProt->setChecked(record_.Traffic.LanProt);
+    Bind(*ui_->boxLANProt, record_.Traffic.LanProt);
     enable(record_.Traffic.LanProt);
-    ui_->boxLANByNetwork->setChecked(record_.Traffic.LanByNetwork);
-    ui_->boxLANVirtual->setChecked(record_.Traffic.LanVirtual);
-    ui_->boxProgRunTime->setChecked(record_.Display.ShowDuration);
+    Bind(*ui_->boxLANByNetwork, record_.Traffic.LanByNetwork);
+    Bind(*ui_->boxLANVirtual, record_.Traffic.LanVirtual);
+    Bind(*ui_->boxProgRunTime, record_.Display.ShowDuration, [this] { DrawPreview(); });
     FillCombo(*ui_->cboLANactive, LanActiveChoices(), [this](int value) { return Grouped(value); });
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
@@ -220,14 +229,14 @@ void frmEinstellungen::LoadTransparency() {
 }
 
 void frmEinstellungen::LoadTray() {
-    const InfoTexts& display = record_.Display;
-    ui_->boxTrayAnimated->setChecked(display.TrayAnimated);
+    InfoTexts& display = record_.Display;
+    Bind(*ui_->boxTrayAnimated, display.TrayAnimated);
     FillCombo(*ui_->cboTrayMaxRate, TrayRateChoices(), [](int value) { return std::to_string(value); });
     ShowText(*ui_->cboTrayMaxRate, std::to_string(display.TrayMaxRate));
     FillCombo(*ui_->cboTrayMaxVol, TrayVolumeChoices(), [this](int value) { return Grouped(value); });
     ShowText(*ui_->cboTrayMaxVol, Grouped(display.TrayMaxVol));
     for (const TrayBox& box : trayBoxes)
-        findChild<QCheckBox*>(QLatin1String(box.Name))->setChecked((display.TrayTextFlags & box.Flag) != 0);
+        ((*ui_).*box.Box)->setChecked((display.TrayTextFlags & box.Flag) != 0);
 }
 
 void frmEinstellungen::LoadInternet() {
@@ -239,12 +248,11 @@ void frmEinstellungen::LoadInternet() {
             control->setEnabled(enabled);
     };
     connect(ui_->boxFirewallUse, &QCheckBox::toggled, this, enable);
-    ui_->boxFirewallUse->setChecked(settings.GetBool("FirewallUse"));
     enable(ui_->boxFirewallUse->isChecked());
-    ui_->txtFirewallUser->setText(QString::fromStdString(settings.GetText("FirewallUser")));
-    ui_->txtFirewallPassword->setText(QString::fromStdString(settings.GetRegPassword("FirewallPassword")));
-    ui_->boxAutoUpdate->setChecked(settings.GetBool("AutoUpdate"));
-    const bool isWeekly = settings.GetNumber("UpdateInterval") == weekly;
+    ui_->txtFirewallUser->setText(QString::fromStdString(settings.Get(Keys::FirewallUser)));
+    ui_->txtFirewallPassword->setText(
+        QString::fromStdString(settings.GetRegPassword(Keys::FirewallPassword)));
+    const bool isWeekly = settings.Get(Keys::UpdateInterval) == weekly;
     (isWeekly ? ui_->optUpdateInterval0 : ui_->optUpdateInterval1)->setChecked(true);
 }
 
@@ -254,7 +262,7 @@ void frmEinstellungen::FillTreeView() {
     const QSignalBlocker quiet(ui_->TreeView1);
     ui_->TreeView1->clear();
     QHash<QString, QTreeWidgetItem*> nodes;
-    for (const Page& page : pages) {
+    for (const Page& page : PagesOf(*ui_)) {
         QTreeWidgetItem* parent =
             page.Parent == nullptr ? ui_->TreeView1->invisibleRootItem() : nodes[QLatin1String(page.Parent)];
         const std::string text = parts_.Language.Lng(page.Section, page.TextNumber);
@@ -269,18 +277,19 @@ void frmEinstellungen::FillTreeView() {
 
 void frmEinstellungen::TreeAct(const QString& key) {
     network_->Hide();
-    const Page* const shown = FindPage(key);
+    const std::vector<Page> pages = PagesOf(*ui_);
+    const auto shown = std::find_if(pages.begin(), pages.end(), [&key](const Page& page) {
+        return key.compare(QLatin1String(page.Key), Qt::CaseInsensitive) == 0;
+    });
     // What stays in sight is not hidden in between: it would lose the focus.
     for (const Page& page : pages) {
-        for (const char* frame : page.Frames) {
-            if (frame != nullptr && !HasFrame(shown, frame))
-                findChild<QWidget*>(QLatin1String(frame))->hide();
+        for (QWidget* frame : page.Frames) {
+            if (shown == pages.end() || !shown->Has(frame)) frame->hide();
         }
     }
-    if (shown == nullptr) return;
-    for (const char* frame : shown->Frames) {
-        if (frame != nullptr) findChild<QWidget*>(QLatin1String(frame))->show();
-    }
+    if (shown == pages.end()) return;
+    for (QWidget* frame : shown->Frames)
+        frame->show();
     if (shown->Fill != nullptr) (network_.get()->*shown->Fill)();
 }
 
@@ -289,11 +298,9 @@ void frmEinstellungen::SizeForPages() {
     int width = 0;
     int height = 0;
     const int spacing = ui_->framesLayout->spacing();
-    for (const Page& page : pages) {
+    for (const Page& page : PagesOf(*ui_)) {
         int pageHeight = ui_->framesLayout->contentsMargins().top();
-        for (const char* name : page.Frames) {
-            if (name == nullptr) continue;
-            const auto* frame = findChild<QWidget*>(QLatin1String(name));
+        for (const QWidget* frame : page.Frames) {
             const QSize size = frame->sizeHint();
             width = std::max(width, size.width());
             pageHeight += spacing + std::max(size.height(), frame->heightForWidth(size.width()));
@@ -331,15 +338,6 @@ void frmEinstellungen::Connect() {
 }
 
 void frmEinstellungen::ConnectConnection() {
-    connect(ui_->boxLANProt, &QCheckBox::toggled, this, [this](bool on) { record_.Traffic.LanProt = on; });
-    connect(ui_->boxLANByNetwork, &QCheckBox::toggled, this,
-            [this](bool on) { record_.Traffic.LanByNetwork = on; });
-    connect(ui_->boxLANVirtual, &QCheckBox::toggled, this,
-            [this](bool on) { record_.Traffic.LanVirtual = on; });
-    connect(ui_->boxProgRunTime, &QCheckBox::toggled, this, [this](bool on) {
-        record_.Display.ShowDuration = on;
-        DrawPreview();
-    });
     WhenEntered(*ui_->cboLANactive, *this, [this] { cboLANactive_Validate(); });
 }
 
@@ -349,35 +347,32 @@ void frmEinstellungen::ConnectTransparency() {
 }
 
 void frmEinstellungen::ConnectTray() {
-    connect(ui_->boxTrayAnimated, &QCheckBox::toggled, this,
-            [this](bool on) { record_.Display.TrayAnimated = on; });
     WhenEntered(*ui_->cboTrayMaxRate, *this, [this] { cboTrayMaxRate_Validate(); });
     WhenEntered(*ui_->cboTrayMaxVol, *this, [this] { cboTrayMaxVol_Validate(); });
     for (const TrayBox& box : trayBoxes) {
-        connect(findChild<QCheckBox*>(QLatin1String(box.Name)), &QCheckBox::toggled, this,
-                [this, flag = box.Flag](bool on) {
-                    int& flags = record_.Display.TrayTextFlags;
-                    flags = on ? flags | flag : flags & ~flag;
-                });
+        connect((*ui_).*box.Box, &QCheckBox::toggled, this, [this, flag = box.Flag](bool on) {
+            int& flags = record_.Display.TrayTextFlags;
+            flags = on ? flags | flag : flags & ~flag;
+        });
     }
 }
 
 void frmEinstellungen::cboLANactive_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.UserLocale);
-    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, "LANActive", typed, parts_.UserLocale);
+    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, Keys::LANActive, typed, parts_.UserLocale);
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
 
 void frmEinstellungen::cboTrayMaxRate_Validate() {
     int& rate = record_.Display.TrayMaxRate;
-    rate = CheckedNumber(parts_.Settings, "TrayMaxRate", TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
+    rate = CheckedNumber(parts_.Settings, Keys::TrayMaxRate, TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxRate, std::to_string(rate));
 }
 
 void frmEinstellungen::cboTrayMaxVol_Validate() {
     const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.UserLocale);
     int& volume = record_.Display.TrayMaxVol;
-    volume = CheckedNumber(parts_.Settings, "TrayMaxVol", typed, parts_.UserLocale);
+    volume = CheckedNumber(parts_.Settings, Keys::TrayMaxVol, typed, parts_.UserLocale);
     ShowText(*ui_->cboTrayMaxVol, Grouped(volume));
 }
 
@@ -448,20 +443,15 @@ void frmEinstellungen::cmdChooseDir_Click() {
 
 EnteredSettings frmEinstellungen::Entered() const {
     EnteredSettings entered;
+    for (const EnteredBox& row : enteredBoxes)
+        entered.*row.Field = ((*ui_).*row.Box)->isChecked();
     entered.DataPath = ui_->txtDataPath->text().toStdString();
     entered.CloseTrayOnly = ui_->boxCloseTrayIcon->isChecked();
-    entered.AutoStart = ui_->boxAutoStart->isChecked();
-    entered.MultiInstance = ui_->boxMultiInstance->isChecked();
-    entered.AutoShow = ui_->boxAutoZeigen->isChecked();
-    entered.MultiScreen = ui_->boxMultiScreen->isChecked();
-    entered.Foreground = ui_->boxAlwaysOnTop->isChecked();
     entered.LanActive = TextOf(*ui_->cboLANactive);
     entered.ChartMinutes = TextOf(*ui_->cboPicWidthMin);
     entered.FirewallUser = ui_->txtFirewallUser->text().toStdString();
     entered.FirewallPassword = ui_->txtFirewallPassword->text().toStdString();
-    entered.FirewallUse = ui_->boxFirewallUse->isChecked();
     entered.UpdateWeekly = ui_->optUpdateInterval0->isChecked();
-    entered.AutoUpdate = ui_->boxAutoUpdate->isChecked();
     return entered;
 }
 

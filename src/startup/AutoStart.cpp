@@ -16,7 +16,7 @@ AutoStartEntry::AutoStartEntry(Settings& settings, RegistryPrimitives& registry,
     : settings_(settings), registry_(registry), executable_(executable) {}
 
 void AutoStartEntry::AutoStart(bool enable) {
-    settings_.SetReg("AutoStart", enable);
+    settings_.Set(Keys::AutoStart, enable);
     const std::filesystem::path program = executable_.parent_path() / executable_.stem();
     // An empty text deletes the value.
     registry_.RegWriteString(runKeyPath, ProgramTitle, enable ? program.string() : std::string());

@@ -46,14 +46,14 @@ bool Components::CheckVBComponent(const std::string& fileName, bool silent) {
 }
 
 bool Components::IsUnwanted(const std::string& fileName) {
-    return IsInternetControl(fileName) && settings_.GetBool("msinetNotWanted");
+    return IsInternetControl(fileName) && settings_.Get(Keys::msinetNotWanted);
 }
 
 bool Components::UserWants(const std::string& fileName) {
     const int reason = IsInternetControl(fileName) ? 47 : 39;
     const bool wanted = ShowPieces(messageBoxes_, language_, {20, fileName, reason, 40},
                                    MessageIcon::Critical, MessageButtons::YesNo) == MessageAnswer::Yes;
-    if (!wanted && IsInternetControl(fileName)) settings_.SetReg("msinetNotWanted", true);
+    if (!wanted && IsInternetControl(fileName)) settings_.Set(Keys::msinetNotWanted, true);
     return wanted;
 }
 

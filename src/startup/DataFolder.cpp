@@ -23,8 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view folderSetting = "DataPath";
-
 bool IsFolder(const fs::path& path) {
     std::error_code ignored;
     return !path.empty() && fs::is_directory(path, ignored);
@@ -59,7 +57,7 @@ DataFolder::DataFolder(Settings& settings, Language& language, Errors& errors, M
 // ---- which folder
 
 fs::path DataFolder::GetDataPath() {
-    const fs::path stored = settings_.GetText(folderSetting);
+    const fs::path stored = settings_.Get(Keys::DataPath);
     if (IsFolder(stored)) return WithSeparator(stored);
     // The decision shows messages, and what they set off (a log line, a timer) may ask for the folder again.
     if (!deciding_ && (!decided_ || !IsFolder(runFolder_))) {
@@ -78,7 +76,7 @@ void DataFolder::DecideFolder(const fs::path& stored) {
     runFolder_ = folder;
     // Stored only after the move: killed or failed in between, the next start finds the old statistics again.
     if (!stored.empty() || ChangeDataPath(programFolder_, folder, false)) {
-        settings_.SetReg(folderSetting, folder.string());
+        settings_.Set(Keys::DataPath, folder.string());
     } else if (CanCreateFileIn(programFolder_)) {
         runFolder_ = programFolder_;
     }
@@ -185,7 +183,7 @@ void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile
 }
 
 void DataFolder::DeleteStatistics() {
-    const int days = settings_.GetNumber("DeleteStatistics");
+    const int days = settings_.Get(Keys::DeleteStatistics);
     if (days <= 0) return;
     const Date oldest = DayOf(clock_.Now()) - days;
     const std::string prefix = fmt::format("{}_", StatFileName);

@@ -1,10 +1,11 @@
 #include "startup/Program.h"
 
+#include "display/DisplaySettings.h"
 #include "platform/RecordingLock.h"
 #include "platform/Shell.h"
 #include "startup/BuiltUpdateSite.h"
-#include "startup/UserVariables.h"
 #include "startup/Version.h"
+#include "traffic/TrafficSettings.h"
 
 #include <cstdlib>
 
@@ -139,7 +140,7 @@ std::vector<OpenConnection> Program::OpenConnectionsOfRecorder() {
 
 void Program::LoadUserVar() {
     LoadRecords();
-    errors.Step("LoadUserVar", [this] { autoStart.AutoStart(settings.GetBool("AutoStart")); });
+    errors.Step("LoadUserVar", [this] { autoStart.AutoStart(settings.Get(Keys::AutoStart)); });
 }
 
 } // namespace korvalin

@@ -32,7 +32,7 @@ bool Startup::Step(const std::function<void()>& step) {
 bool Startup::Main() {
     if (AnotherInstanceRefused()) return false;
     // Reading it stores the present moment when there is no valid date yet.
-    Step([this] { static_cast<void>(modules_.Settings.GetReg("FirstRunDate")); });
+    Step([this] { static_cast<void>(modules_.Settings.Get(Keys::FirstRunDate)); });
     if (UpdateTakesOver()) return false;
     Step([this] { OfferLanguageFile(); });
     if (!LoadTexts() || !PlatformServes()) return false;
@@ -47,7 +47,7 @@ bool Startup::Main() {
 
 bool Startup::AnotherInstanceRefused() {
     const bool running = modules_.InstanceLock.PreviousInstanceRunning();
-    return running && !modules_.Settings.GetBool("MultiInstance");
+    return running && !modules_.Settings.Get(Keys::MultiInstance);
 }
 
 bool Startup::UpdateTakesOver() {
@@ -102,17 +102,17 @@ bool Startup::PlatformServes() {
 // A date ahead, left by a clock that was wrong, would hold back the update check for as long.
 void Startup::KeepUpdateNextInPast() {
     const Date now = modules_.Clock.Now();
-    if (modules_.Settings.GetDate("UpdateNext") > now) modules_.Settings.SetReg("UpdateNext", now);
+    if (modules_.Settings.Get(Keys::UpdateNext) > now) modules_.Settings.Set(Keys::UpdateNext, now);
 }
 
 void Startup::NoteVersion() {
     Settings& settings = modules_.Settings;
-    const std::string stored = settings.GetText("PrgVersion");
+    const std::string stored = settings.Get(Keys::PrgVersion);
     if (EqualsNoCase(stored, versionText_)) return;
     // Another series may need the control that the user refused once: let it be asked again.
-    if (!StartsWithNoCase(stored, version_.Series())) settings.SetReg("msinetNotWanted", false);
-    settings.SetReg("PrgVersion", versionText_);
-    settings.SetReg("UpdateCheckLast", DayOf(modules_.Clock.Now()) - daysSinceCheck);
+    if (!StartsWithNoCase(stored, version_.Series())) settings.Set(Keys::msinetNotWanted, false);
+    settings.Set(Keys::PrgVersion, versionText_);
+    settings.Set(Keys::UpdateCheckLast, DayOf(modules_.Clock.Now()) - daysSinceCheck);
 }
 
 void Startup::CheckComponents() {

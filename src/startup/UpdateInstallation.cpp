@@ -89,7 +89,7 @@ bool UpdateInstallation::Install() {
     const bool inPlace = errors_.Step("Main", [this] { fs::rename(programBeside_, program_); });
     errors_.Step("Main", [this] { TakeLanguageFile(); });
     if (!inPlace) return false;
-    settings_.SetReg("UpdateLast", clock_.Now());
+    settings_.Set(Keys::UpdateLast, clock_.Now());
     return shell_.StartProgram(program_);
 }
 
@@ -104,7 +104,7 @@ void UpdateInstallation::TakeLanguageText() {
 
 // The texts are not loaded yet at this point of the start; nobody is asked for a language here.
 void UpdateInstallation::LoadTexts() {
-    if (language_.LoadLanguageChoices()) language_.ChooseLanguage(settings_.GetText("Language"));
+    if (language_.LoadLanguageChoices()) language_.ChooseLanguage(settings_.Get(Keys::Language));
 }
 
 bool UpdateInstallation::RemoveOldProgram() {

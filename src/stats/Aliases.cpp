@@ -29,9 +29,9 @@ const std::string& Aliases::GetAlias(std::string_view lineName) {
 }
 
 std::string Aliases::ReadAlias(const std::string& lineName) {
-    const std::string setting = lineName + "_Alias";
-    std::string alias = settings_.GetText(setting);
-    if (alias.empty()) settings_.SetReg(setting, alias = lineName);
+    const auto key = Keys::Alias(lineName);
+    std::string alias = settings_.Get(key);
+    if (alias.empty()) settings_.Set(key, alias = lineName);
     return alias;
 }
 
@@ -73,22 +73,20 @@ void Aliases::FillAliasInfo(std::size_t aliasIndex, std::string_view aliasName) 
 }
 
 void Aliases::ReadTariff(AliasInfo& info) {
-    const auto number = [&](const char* suffix) { return settings_.GetNumber(info.Alias + suffix); };
-    const auto flag = [&](const char* suffix) { return settings_.GetBool(info.Alias + suffix); };
-    info.FreeHours = number("_FreeHours");
-    info.FreeVolume = number("_FreeVolume");
+    info.FreeHours = settings_.Get(Keys::FreeHours(info.Alias));
+    info.FreeVolume = settings_.Get(Keys::FreeVolume(info.Alias));
     info.FreeVolumeBytes = info.FreeVolume * bytesPerFreeVolume;
-    info.MonthStartDay = number("_MonthStartDay");
+    info.MonthStartDay = settings_.Get(Keys::MonthStartDay(info.Alias));
     const Date today = DayOf(clock_.Now());
     info.PeriodBegin = korvalin::PeriodBeginOf(today, info.MonthStartDay);
     info.PeriodEnd = korvalin::PeriodEndOf(today, info.MonthStartDay);
     info.DaysInPeriod = static_cast<std::int32_t>(info.PeriodEnd - info.PeriodBegin) + 1;
     info.DaysElapsed = static_cast<std::int32_t>(today - info.PeriodBegin) + 1;
     info.FractionElapsed = RoundToEven(1e4 * info.DaysElapsed / info.DaysInPeriod) / 1e4;
-    info.RoundSeconds = number("_RoundSeconds");
-    info.TrayTime = flag("_TrayTime");
-    info.TrayVol = flag("_TrayVol");
-    info.Up1MB = flag("_Up1MB");
+    info.RoundSeconds = settings_.Get(Keys::RoundSeconds(info.Alias));
+    info.TrayTime = settings_.Get(Keys::TrayTime(info.Alias));
+    info.TrayVol = settings_.Get(Keys::TrayVol(info.Alias));
+    info.Up1MB = settings_.Get(Keys::Up1MB(info.Alias));
 }
 
 void Aliases::FollowDay() {

@@ -87,13 +87,13 @@ std::string GraphPage::StatText(int number) const {
 
 void GraphPage::LoadSettings() {
     Settings& settings = parts_.Settings;
-    options_.Alias = settings.GetText("GAlias");
-    options_.From = DayOf(settings.GetDate("GFrom"));
-    options_.Till = DayOf(settings.GetDate("GTill"));
-    options_.Period = view_.Period = static_cast<SumPeriod>(settings.GetNumber("GPeriodType"));
+    options_.Alias = settings.Get(Keys::GAlias);
+    options_.From = DayOf(settings.Get(Keys::GFrom));
+    options_.Till = DayOf(settings.Get(Keys::GTill));
+    options_.Period = view_.Period = static_cast<SumPeriod>(settings.Get(Keys::GPeriodType));
     options_.FirstWeekday = QLocale().firstDayOfWeek() % 7; // the toolkit's Sunday is 7
-    options_.MaxPeriods = settings.GetNumber("GMaxPeriods");
-    view_.ShowValue = settings.GetBool("GShowValue");
+    options_.MaxPeriods = settings.Get(Keys::GMaxPeriods);
+    view_.ShowValue = settings.Get(Keys::GShowValue);
     Check(*ui_->boxShowValue, view_.ShowValue);
     for (const int count : maxPeriodsChoices)
         ui_->cboGMaxPeriods->addItem(QString::number(count));
@@ -111,8 +111,8 @@ void GraphPage::ConnectControls() {
         connect(combo->lineEdit(), &QLineEdit::editingFinished, this, take);
     };
     onChoice(ui_->cboGAlias, [this] { TakeAlias(); });
-    onEntry(ui_->cboGFrom, [this] { TakeDate(*ui_->cboGFrom, "GFrom", options_.From); });
-    onEntry(ui_->cboGTill, [this] { TakeDate(*ui_->cboGTill, "GTill", options_.Till); });
+    onEntry(ui_->cboGFrom, [this] { TakeDate(*ui_->cboGFrom, Keys::GFrom, options_.From); });
+    onEntry(ui_->cboGTill, [this] { TakeDate(*ui_->cboGTill, Keys::GTill, options_.Till); });
     onChoice(ui_->cboGPeriodType, [this](int index) { TakePeriodType(index); });
     onChoice(ui_->cboGWeekday, [this](int index) {
         options_.FirstWeekday = index;
@@ -133,7 +133,7 @@ void GraphPage::ConnectControls() {
     onDirection(ui_->boxGReceived, &GraphOptions::Received, &GraphView::Received);
     connect(ui_->boxShowValue, &QCheckBox::toggled, this, [this](bool on) {
         view_.ShowValue = on;
-        parts_.Settings.SetReg("GShowValue", on);
+        parts_.Settings.Set(Keys::GShowValue, on);
         DrawGraph();
     });
     connect(ui_->cmdGDraw, &QPushButton::clicked, this, [this] { CalcGraph(); });
@@ -208,39 +208,43 @@ void GraphPage::FillTops() {
 
 void GraphPage::TakeAlias() {
     options_.Alias = TextOf(*ui_->cboGAlias);
-    parts_.Settings.SetReg("GAlias", options_.Alias);
+    parts_.Settings.Set(Keys::GAlias, options_.Alias);
     CalcGraph();
 }
 
-void GraphPage::TakeDate(QComboBox& combo, std::string_view setting, Date& date) {
+void GraphPage::TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date) {
     const std::string text = TextOf(combo);
     if (text == FormatPattern(date, parts_.UserLocale.ShortDate)) return;
     const int offered = combo.findText(ToQt(text));
     if (offered >= 0) {
         date = combo.itemData(offered).toDouble();
     } else if (text.empty() || ParseDate(text, parts_.UserLocale)) {
-        date = DayOf(std::get<Date>(parts_.Settings.GetRegValidate(setting, text)));
+        date = DayOf(parts_.Settings.Validate(key, text));
     } // anything else is no date: the one before comes back
     CalcGraph();
     // A range that reaches up to today is to do so tomorrow as well; today is what a missing date stands for.
     const bool tillToday = &date == &options_.Till && date >= DayOf(parts_.Time.Now());
-    parts_.Settings.SetReg(setting, tillToday ? SettingValue(std::string()) : SettingValue(date));
+    if (tillToday) {
+        parts_.Settings.Remove(key);
+    } else {
+        parts_.Settings.Set(key, date);
+    }
 }
 
 void GraphPage::TakePeriodType(int index) {
     options_.Period = view_.Period = static_cast<SumPeriod>(index);
     ui_->cboGWeekday->setEnabled(options_.Period == SumPeriod::Week);
-    parts_.Settings.SetReg("GPeriodType", index);
+    parts_.Settings.Set(Keys::GPeriodType, index);
     CalcGraph();
 }
 
 void GraphPage::TakeMaxPeriods() {
     const std::string text = TextOf(*ui_->cboGMaxPeriods);
-    const int count = std::get<std::int32_t>(parts_.Settings.GetRegValidate("GMaxPeriods", text));
+    const int count = parts_.Settings.Validate(Keys::GMaxPeriods, text);
     ui_->cboGMaxPeriods->setEditText(QString::number(count));
     if (count == options_.MaxPeriods) return;
     options_.MaxPeriods = count;
-    parts_.Settings.SetReg("GMaxPeriods", count);
+    parts_.Settings.Set(Keys::GMaxPeriods, count);
     CalcGraph();
 }
 

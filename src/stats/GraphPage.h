@@ -1,5 +1,6 @@
 #pragma once
 
+#include "settings/Keys.h"
 #include "stats/DrawGraph.h"
 
 #include <QWidget>
@@ -77,7 +78,7 @@ class GraphPage : public QWidget {
     void ShowPeriodAt(const QHelpEvent& help);
 
     void TakeAlias();
-    void TakeDate(QComboBox& combo, std::string_view setting, Date& date);
+    void TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date);
     void TakePeriodType(int index);
     void TakeMaxPeriods();
     std::string StatText(int number) const;

@@ -12,12 +12,9 @@
 namespace korvalin {
 namespace {
 
-constexpr const char* chosenLine = "Z_StatLineChosen";
 constexpr int mostFreeHours = 30; // in the list; any number may be typed
 constexpr int firstShownFreeHours = 10;
 constexpr int daysInMonth = 31;
-constexpr const char* tariffSuffixes[] = {"_FreeHours", "_FreeVolume", "_MonthStartDay", "_RoundSeconds",
-                                          "_Up1MB",     "_TrayTime",   "_TrayVol"};
 
 void AddNumbers(QComboBox& list, int last) {
     for (int number = 1; number <= last; ++number)
@@ -50,25 +47,25 @@ TariffEditor::TariffEditor(const Controls& controls, Settings& settings, Aliases
 void TariffEditor::ConnectControls() {
     connect(&controls_.cboLines, &QComboBox::currentIndexChanged, this, [this] { cboLines_Changed(); });
     connect(&controls_.txtAlias, &QLineEdit::editingFinished, this, [this] { txtAlias_Validate(); });
-    const auto connectTyped = [this](QComboBox& control, const char* suffix) {
-        const auto store = [this, &control, suffix] { StoreNumber(control, suffix); };
+    const auto connectTyped = [this](QComboBox& control, KeyPattern<int> setting) {
+        const auto store = [this, &control, setting] { StoreNumber(control, setting); };
         connect(control.lineEdit(), &QLineEdit::editingFinished, this, store);
         connect(&control, &QComboBox::activated, this, store);
     };
-    connectTyped(controls_.cboFreeHours, "_FreeHours");
-    connectTyped(controls_.cboFreeVolume, "_FreeVolume");
-    const auto connectList = [this](QComboBox& control, const char* suffix) {
+    connectTyped(controls_.cboFreeHours, Keys::FreeHours);
+    connectTyped(controls_.cboFreeVolume, Keys::FreeVolume);
+    const auto connectList = [this](QComboBox& control, KeyPattern<int> setting) {
         connect(&control, &QComboBox::currentIndexChanged, this,
-                [this, &control, suffix] { StoreNumber(control, suffix); });
+                [this, &control, setting] { StoreNumber(control, setting); });
     };
-    connectList(controls_.cboMonthStartDay, "_MonthStartDay");
-    connectList(controls_.cboRoundSeconds, "_RoundSeconds");
-    const auto connectBox = [this](QCheckBox& control, const char* suffix) {
+    connectList(controls_.cboMonthStartDay, Keys::MonthStartDay);
+    connectList(controls_.cboRoundSeconds, Keys::RoundSeconds);
+    const auto connectBox = [this](QCheckBox& control, KeyPattern<bool> setting) {
         connect(&control, &QCheckBox::toggled, this,
-                [this, &control, suffix] { StoreFlag(control, suffix); });
+                [this, &control, setting] { StoreFlag(control, setting); });
     };
-    connectBox(controls_.boxUp1MB, "_Up1MB");
-    connectBox(controls_.boxTrayVolumeLine, "_TrayVol");
+    connectBox(controls_.boxUp1MB, Keys::Up1MB);
+    connectBox(controls_.boxTrayVolumeLine, Keys::TrayVol);
 }
 
 std::string TariffEditor::Line() const {
@@ -83,7 +80,7 @@ std::string TariffEditor::Alias() const {
 void TariffEditor::ShowLines(const std::vector<AliasInfo>& lines) {
     {
         const QScopedValueRollback guard(showing_, true);
-        const std::string shown = Line().empty() ? settings_.GetText(chosenLine) : Line();
+        const std::string shown = Line().empty() ? settings_.Get(Keys::Z_StatLineChosen) : Line();
         controls_.cboLines.clear();
         for (const AliasInfo& line : lines)
             controls_.cboLines.addItem(QString::fromStdString(line.LineName));
@@ -117,7 +114,7 @@ void TariffEditor::ShowTariff() {
 
 void TariffEditor::cboLines_Changed() {
     if (showing_) return;
-    settings_.SetReg(chosenLine, Line());
+    settings_.Set(Keys::Z_StatLineChosen, Line());
     ShowTariff();
 }
 
@@ -129,34 +126,37 @@ void TariffEditor::txtAlias_Validate() {
     if (alias.empty()) return ShowTariff();
     // A line that joins an alias takes part in its tariff; a new alias begins with the old one's.
     if (aliases_.AliasIndex(alias) == 0) InheritTariff(old, alias);
-    settings_.SetReg(line + "_Alias", alias);
+    settings_.Set(Keys::Alias(line), alias);
     changed_();
     ShowTariff();
 }
 
 void TariffEditor::InheritTariff(const std::string& from, const std::string& to) {
-    for (const char* suffix : tariffSuffixes)
-        settings_.SetReg(to + suffix, settings_.GetReg(from + suffix));
+    const auto inherit = [&](const auto&... keys) {
+        (settings_.Set(keys(to), settings_.Get(keys(from))), ...);
+    };
+    inherit(Keys::FreeHours, Keys::FreeVolume, Keys::MonthStartDay, Keys::RoundSeconds, Keys::Up1MB,
+            Keys::TrayTime, Keys::TrayVol);
 }
 
-void TariffEditor::StoreNumber(QComboBox& control, const char* suffix) {
+void TariffEditor::StoreNumber(QComboBox& control, KeyPattern<int> setting) {
     const std::string alias = Alias();
     if (showing_ || alias.empty()) return;
-    const std::string setting = alias + suffix;
+    const auto key = setting(alias);
     // What is no number, or none that makes sense, comes back corrected.
     const std::string typed = control.currentText().toStdString();
-    const SettingValue value = settings_.GetRegValidate(setting, typed.empty() ? "0" : typed);
-    const bool changed = value != settings_.GetReg(setting);
-    settings_.SetReg(setting, value);
+    const int value = settings_.Validate(key, typed.empty() ? "0" : typed);
+    const bool changed = value != settings_.Get(key);
+    settings_.Set(key, value);
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
     ShowTariff();
     if (changed) changed_();
 }
 
-void TariffEditor::StoreFlag(QCheckBox& control, const char* suffix) {
+void TariffEditor::StoreFlag(QCheckBox& control, KeyPattern<bool> setting) {
     const std::string alias = Alias();
     if (showing_ || alias.empty()) return;
-    settings_.SetReg(alias + suffix, control.isChecked());
+    settings_.Set(setting(alias), control.isChecked());
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
     changed_();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/Keys.h"
+
 #include <QObject>
 
 #include <functional>
@@ -44,8 +46,8 @@ class TariffEditor : public QObject {
     void ShowTariff();
     void cboLines_Changed();
     void txtAlias_Validate();
-    void StoreNumber(QComboBox& control, const char* suffix);
-    void StoreFlag(QCheckBox& control, const char* suffix);
+    void StoreNumber(QComboBox& control, KeyPattern<int> setting);
+    void StoreFlag(QCheckBox& control, KeyPattern<bool> setting);
     void InheritTariff(const std::string& from, const std::string& to);
     std::string Line() const;
     std::string Alias() const;

@@ -1,6 +1,7 @@
 #include "stats/frmStatistik.h"
 
 #include "base/Locale.h"
+#include "base/Numbers.h"
 #include "base/Text.h"
 #include "base/Units.h"
 #include "errors/Errors.h"
@@ -31,7 +32,7 @@
 namespace korvalin {
 namespace {
 
-constexpr int maximised = 2; // of the setting "STATS_State"; 0 is normal
+constexpr int maximised = 2; // of the setting Keys::STATS_State; 0 is normal
 
 QString AskForFile(QWidget* parent, const QString& suggestion, const QString& filter) {
     return QFileDialog::getSaveFileName(parent, QString(), suggestion, filter);
@@ -99,12 +100,14 @@ frmStatistik::~frmStatistik() = default;
 void frmStatistik::SetUpControls() {
     for (const Unit& unit : Units)
         ui_->cboKBMB->addItem(QString::fromUtf8(unit.Name.data(), static_cast<qsizetype>(unit.Name.size())));
-    std::string unit = parts_.Settings.GetText("Stat_Dimension");
-    if (!FindUnitFactor(unit)) unit = parts_.Settings.GetText("UnitMB");
+    std::string unit = parts_.Settings.Get(Keys::Stat_Dimension);
+    if (!FindUnitFactor(unit)) unit = parts_.Settings.Get(Keys::UnitMB);
     ui_->cboKBMB->setCurrentText(QString::fromStdString(unit));
-    const int period = std::clamp(parts_.Settings.GetNumber("z_optStatSum"), 0, 2);
-    for (int i = 0; i <= 2; ++i)
-        ui_->optStatSum->setId(findChild<QAbstractButton*>(QStringLiteral("optStatSum%1").arg(i)), i);
+    const int period =
+        std::clamp(ParseWholeNumber(parts_.Settings.Get(Keys::z_optStatSum)).value_or(0), 0, 2);
+    ui_->optStatSum->setId(ui_->optStatSum0, 0);
+    ui_->optStatSum->setId(ui_->optStatSum1, 1);
+    ui_->optStatSum->setId(ui_->optStatSum2, 2);
     ui_->optStatSum->button(period)->setChecked(true);
     cboKBMB_Click();
 }
@@ -142,7 +145,7 @@ void frmStatistik::ConnectControls() {
     connect(ui_->optStatSum, &QButtonGroup::idClicked, this, [this](int id) { optStatSum_Click(id); });
     connect(ui_->cboFilter, &QComboBox::activated, this, [this] { cboFilter_Click(); });
     connect(ui_->cboKBMB, &QComboBox::activated, this, [this] {
-        parts_.Settings.SetReg("Stat_Dimension", ui_->cboKBMB->currentText().toStdString());
+        parts_.Settings.Set(Keys::Stat_Dimension, ui_->cboKBMB->currentText().toStdString());
         cboKBMB_Click();
     });
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QWidget::close);
@@ -211,26 +214,26 @@ void frmStatistik::Open() {
 }
 
 void frmStatistik::RestoreGeometry() {
-    const auto pixels = [&](const char* name) { return TwipsToPixels(parts_.Settings.GetNumber(name)); };
-    const QRect place(pixels("STATS_Left"), pixels("STATS_Top"), pixels("STATS_Width"),
-                      pixels("STATS_Height"));
+    const auto pixels = [&](SettingKey<int> key) { return TwipsToPixels(parts_.Settings.Get(key)); };
+    const QRect place(pixels(Keys::STATS_Left), pixels(Keys::STATS_Top), pixels(Keys::STATS_Width),
+                      pixels(Keys::STATS_Height));
     resize(place.size());
     // The screen it lay on may be gone.
     if (QGuiApplication::screenAt(place.center()) != nullptr) move(place.topLeft());
-    if (parts_.Settings.GetNumber("STATS_State") == maximised) setWindowState(Qt::WindowMaximized);
+    if (parts_.Settings.Get(Keys::STATS_State) == maximised) setWindowState(Qt::WindowMaximized);
 }
 
 void frmStatistik::SaveGeometry() {
     const QRect inner = isMaximized() ? normalGeometry() : geometry();
     const QPoint corner = isMaximized() ? inner.topLeft() : pos();
-    const auto store = [&](const char* name, int value) {
-        parts_.Settings.SetReg(name, PixelsToTwips(value));
+    const auto store = [&](SettingKey<int> key, int value) {
+        parts_.Settings.Set(key, PixelsToTwips(value));
     };
-    store("STATS_Left", corner.x());
-    store("STATS_Top", corner.y());
-    store("STATS_Width", inner.width());
-    store("STATS_Height", inner.height());
-    parts_.Settings.SetReg("STATS_State", isMaximized() ? maximised : 0);
+    store(Keys::STATS_Left, corner.x());
+    store(Keys::STATS_Top, corner.y());
+    store(Keys::STATS_Width, inner.width());
+    store(Keys::STATS_Height, inner.height());
+    parts_.Settings.Set(Keys::STATS_State, isMaximized() ? maximised : 0);
 }
 
 void frmStatistik::closeEvent(QCloseEvent* event) {
@@ -287,7 +290,7 @@ void frmStatistik::ShowLoading(bool loading) {
 // ---- filling
 
 void frmStatistik::FillFilter() {
-    const QString stored = QString::fromStdString(parts_.Settings.GetText("Z_StatFilter"));
+    const QString stored = QString::fromStdString(parts_.Settings.Get(Keys::Z_StatFilter));
     ui_->cboFilter->clear();
     ui_->cboFilter->addItem(QString::fromStdString(parts_.Language.Lng("frmStatistikObj", 36)), QString());
     for (std::size_t i = 1; i <= parts_.Aliases.AliasCount(); ++i) {
@@ -331,13 +334,13 @@ void frmStatistik::RecordsChanged() {
 }
 
 void frmStatistik::optStatSum_Click(int period) {
-    parts_.Settings.SetReg("z_optStatSum", period);
+    parts_.Settings.Set(Keys::z_optStatSum, std::to_string(period));
     sumsNeedRecalculation_ = true;
     FillStats();
 }
 
 void frmStatistik::cboFilter_Click() {
-    parts_.Settings.SetReg("Z_StatFilter", ui_->cboFilter->currentData().toString().toStdString());
+    parts_.Settings.Set(Keys::Z_StatFilter, ui_->cboFilter->currentData().toString().toStdString());
     FillStats();
 }
 

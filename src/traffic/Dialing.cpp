@@ -18,7 +18,6 @@ constexpr int lastPass = 10;
 constexpr int passMilliseconds = 100;
 // InternetDialUnattended as callers pass it, with the upper half set.
 constexpr std::uint32_t unattended = 0xFFFF0000U | InternetDialUnattended;
-constexpr std::string_view lastEntrySetting = "LineLast";
 constexpr std::string_view vpnDevice = "vpn";
 
 } // namespace
@@ -32,7 +31,7 @@ void Dialing::DialEntry(const std::string& entryName) {
         int result = Dial(entryName, anotherIsUp ? InternetDialForcePrompt : unattended, connection);
         if (result == ErrorAuthenticationFailure)
             result = Dial(entryName, InternetDialForcePrompt, connection);
-        if (result == 0 && connection != 0) parts_.Settings.SetReg(lastEntrySetting, entryName);
+        if (result == 0 && connection != 0) parts_.Settings.Set(Keys::LineLast, entryName);
     });
 }
 
@@ -93,7 +92,7 @@ DialChoices Dialing::Choices() {
         static_cast<void>(parts_.Ras.GetEntryProperties(name, entry)); // what cannot be read is no VPN
         if (!name.empty() && entry.DeviceType != vpnDevice) choices.Entries.push_back(std::move(name));
     }
-    const std::string last = parts_.Settings.GetText(lastEntrySetting);
+    const std::string last = parts_.Settings.Get(Keys::LineLast);
     if (std::find(choices.Entries.begin(), choices.Entries.end(), last) != choices.Entries.end())
         choices.Quick = last;
     return choices;

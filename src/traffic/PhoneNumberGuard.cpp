@@ -60,17 +60,17 @@ PhoneNumberGuard::PhoneNumberGuard(Ras& ras, Settings& settings, Language& langu
     : ras_(ras), settings_(settings), language_(language), messageBoxes_(messageBoxes) {}
 
 bool PhoneNumberGuard::CheckPhoneNumber(const std::string& entryName) {
-    const std::string setting = SettingOf(entryName);
+    const auto key = KeyOf(entryName);
     std::string accepted;
     // Looked up again after every answer: the number may change while the question stands.
     while (true) {
         const std::string number = NumberOf(entryName);
         if (number.empty() || number == accepted) return true;
-        const std::string remembered = settings_.GetText(setting);
+        const std::string remembered = settings_.Get(key);
         if (remembered == number && number.size() < longestKept) return true;
         const bool firstDial = remembered.empty() && accepted.empty();
         if (!firstDial && !UserAccepts(remembered, number)) return false;
-        settings_.SetReg(setting, number.substr(0, longestKept));
+        settings_.Set(key, number.substr(0, longestKept));
         if (firstDial) return true;
         accepted = number;
     }
@@ -84,12 +84,13 @@ std::string PhoneNumberGuard::NumberOf(const std::string& entryName) {
     return std::string(Trim(entry.AreaCode.empty() ? local : entry.AreaCode + "-" + local));
 }
 
-std::string PhoneNumberGuard::SettingOf(const std::string& entryName) {
-    const std::string setting = "Phone_" + AsSeen(entryName);
+SettingKey<std::string, std::string> PhoneNumberGuard::KeyOf(const std::string& entryName) {
+    auto key = Keys::Phone(AsSeen(entryName));
     // "Phone_Office_FreeHours" is a tariff of the line "Phone_Office", where a telephone number does not keep
     // its zeros, and "Phone_Office_Alias" its alias.
-    const bool isText = std::holds_alternative<std::string>(settings_.GetReg(setting));
-    return isText && !EndsWithNoCase(setting, "_Alias") ? setting : setting + "_";
+    const bool isText = std::holds_alternative<std::string>(settings_.GetReg(key.Name));
+    if (!isText || EndsWithNoCase(key.Name, Keys::Alias.After)) key.Name += '_';
+    return key;
 }
 
 bool PhoneNumberGuard::UserAccepts(const std::string& remembered, const std::string& number) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Ras.h"
+#include "settings/Keys.h"
 
 #include <string>
 
@@ -22,7 +23,7 @@ class PhoneNumberGuard {
 
   private:
     std::string NumberOf(const std::string& entryName);
-    std::string SettingOf(const std::string& entryName);
+    SettingKey<std::string, std::string> KeyOf(const std::string& entryName);
     bool UserAccepts(const std::string& remembered, const std::string& number);
 
     Ras& ras_;

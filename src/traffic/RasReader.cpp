@@ -139,7 +139,7 @@ void RasReader::MeasureDuration(LineRecord& line, const RasStatistics& statistic
     const Date measured = clock_.Now() - line.LogIn;
     if (measured <= line.Duration) return;
     if (line.Duration + 10 * OneSecond < measured - state_.LogInShift) {
-        if (settings_.GetBool("test")) {
+        if (settings_.Get(Keys::Test)) {
             errors_.WriteErrorLog(fmt::format("LogIn-Zeit verschoben: {} {}", FormatTimeOfDay(measured),
                                               FormatTimeOfDay(line.Duration)),
                                   "RAS");

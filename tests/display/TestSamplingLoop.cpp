@@ -186,7 +186,7 @@ TEST_F(Sampling, AWiderChartRaisesTheHistory) {
     loop.SetVisibleSamples(600);
     loop.ResizeRateHistory();
     EXPECT_EQ(history.Samples(), 600U);
-    EXPECT_EQ(settings.GetNumber("ConnDataMax"), 600);
+    EXPECT_EQ(settings.Get(Keys::ConnDataMax), 600);
     texts.ConnDataMax = 700;
     loop.ResizeRateHistory();
     EXPECT_EQ(history.Samples(), 700U);
@@ -206,7 +206,8 @@ TEST_F(Sampling, TheChartFollowsItsLineByName) {
         {"it goes itself", [](auto& r) { r.erase(r.begin()); }, 1},
         {"it comes back behind another",
          [](auto& r) {
-             r.push_back({9, IfTypeEthernet, OperationalStatus::Operational, 2000, 0, true, "eth1", "", true});
+             r.push_back(
+                 {9, IfTypeEthernet, OperationalStatus::Operational, 2000, 0, true, "eth1", "", true});
          },
          2},
     };

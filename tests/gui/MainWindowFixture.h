@@ -39,8 +39,9 @@ class MainWindow : public CoreFixture {
         }
     }
     // Places are stored once the window manager, were there one, is done with the window.
-    bool Becomes(const char* name, int expected) {
-        return QTest::qWaitFor([&] { return settings.GetNumber(name) == expected; });
+    template <class Key>
+    bool Becomes(const Key& key, int expected) {
+        return QTest::qWaitFor([&] { return settings.Get(key) == expected; });
     }
     QAction* Item(const char* name) { return window->findChild<QAction*>(QString::fromLatin1(name)); }
     // What the user can do: a hidden or disabled entry cannot be chosen.
@@ -51,7 +52,7 @@ class MainWindow : public CoreFixture {
     }
     PictureBox* Picture() { return window->findChild<PictureBox*>(QStringLiteral("PicChart")); }
     QLabel* Handle() { return window->findChild<QLabel*>(QStringLiteral("lblMove")); }
-    int Setting(const char* name) { return settings.GetNumber(name); }
+    int Setting(SettingKey<int> key) { return settings.Get(key); }
 
     FakeNotificationArea area;
     PeriodUse use;

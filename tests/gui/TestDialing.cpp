@@ -214,7 +214,7 @@ TEST_F(DialingWindow, AChangedNumberIsAskedAbout) {
         });
         Do("mnuLogInLine1");
         EXPECT_EQ(internet.Dials.size(), row.Dials);
-        EXPECT_EQ(settings.GetText("Phone_Home"), row.Remembered);
+        EXPECT_EQ(settings.Get(Keys::Phone("Home")), row.Remembered);
         boxes.Shown.clear();
     }
 }
@@ -228,7 +228,7 @@ TEST_F(DialingWindow, TheProgramsEndAnswersTheQuestionWithCancel) {
     const WhenPopupShows popup([&](frmPopupMsg&) { Choose("mnuBeenden"); });
     Do("mnuLogInLine1");
     EXPECT_EQ(internet.Dials.size(), 0U);
-    EXPECT_EQ(settings.GetText("Phone_Home"), "111");
+    EXPECT_EQ(settings.Get(Keys::Phone("Home")), "111");
     boxes.Shown.clear();
 }
 
@@ -283,7 +283,7 @@ TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
         EXPECT_FALSE(dialog.Cancelled());
     }
     EXPECT_EQ(internet.Dials.size(), 4U);
-    EXPECT_EQ(settings.GetText("LineLast"), "");
+    EXPECT_EQ(settings.Get(Keys::LineLast), "");
 }
 
 TEST_F(DialingWindow, AFailureIsTold) {

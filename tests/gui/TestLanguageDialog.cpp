@@ -42,7 +42,7 @@ TEST_F(LanguageDialogTest, StartsInTheUsersLanguage) {
             QTest::keyClick(&list, Qt::Key_Escape);
         };
         EXPECT_EQ(Ask(row.UsersLanguage, look), row.Code);
-        EXPECT_EQ(settings.GetText("Language"), "") << "closed without a choice: the next start asks again";
+        EXPECT_EQ(settings.Get(Keys::Language), "") << "closed without a choice: the next start asks again";
     }
 }
 
@@ -50,13 +50,13 @@ TEST_F(LanguageDialogTest, ChangesAtOnceAndConfirmingStoresWhatIsShown) {
     const auto choose = [&](QDialog& dialog, QComboBox& list) {
         QTest::keyClick(&list, Qt::Key_Down);
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Choose language"));
-        EXPECT_EQ(settings.GetText("Language"), "ENG");
+        EXPECT_EQ(settings.Get(Keys::Language), "ENG");
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
     };
     EXPECT_EQ(Ask("de", choose), "ENG");
     const auto confirm = [&](QDialog&, QComboBox& list) { QTest::keyClick(&list, Qt::Key_Return); };
     EXPECT_EQ(Ask("de", confirm), "GER");
-    EXPECT_EQ(settings.GetText("Language"), "GER");
+    EXPECT_EQ(settings.Get(Keys::Language), "GER");
 }
 
 } // namespace

@@ -22,12 +22,12 @@ TEST_F(MainWindow, TheCaptionAndStayingOnTopAreSwitchedAndRemembered) {
     Start();
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
     Choose("mnuTitelAnzeigen");
-    EXPECT_TRUE(settings.GetBool("ShowTitle"));
+    EXPECT_TRUE(settings.Get(Keys::ShowTitle));
     EXPECT_FALSE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "by default";
     Choose("mnuVordergrund");
     EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_FALSE(settings.GetBool("ForeGround"));
+    EXPECT_FALSE(settings.Get(Keys::ForeGround));
 }
 
 TEST_F(MainWindow, DrawsNothingInTheTaskbarAndIsUpToDateWhenItComesBack) {
@@ -57,7 +57,7 @@ TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
     EXPECT_EQ(Item("mnuLines2")->text(), QStringLiteral("wlan && co"));
     Choose("mnuLines2");
     EXPECT_TRUE(Item("mnuLines2")->isChecked());
-    EXPECT_EQ(Setting("ChartLineNo"), 2);
+    EXPECT_EQ(Setting(Keys::ChartLineNo), 2);
     EXPECT_EQ(program->infoTexts.LineIndex, 2U);
     network.Rows[0].Description = "lan0";
     network.Add("eth2", 5000, 0);
@@ -86,11 +86,11 @@ TEST_F(MainWindow, AMoveStaysThatMeetsACaptionBeingSwitched) {
     settings.SetReg("ShowTitle", true);
     Start();
     Run(1);
-    ASSERT_TRUE(Becomes("MON_Left_800", PixelsToTwips(window->geometry().left())));
+    ASSERT_TRUE(Becomes(Keys::MON_Left(800), PixelsToTwips(window->geometry().left())));
     Choose("mnuTitelAnzeigen");
     const QPoint before = window->geometry().topLeft();
     Drag(*Handle());
-    EXPECT_TRUE(Becomes("MON_Left_800", PixelsToTwips(before.x() - 20)));
+    EXPECT_TRUE(Becomes(Keys::MON_Left(800), PixelsToTwips(before.x() - 20)));
     EXPECT_EQ(window->geometry().topLeft() - before, QPoint(-20, -15));
 }
 
@@ -101,8 +101,8 @@ TEST_F(MainWindow, TheMouseMovesItByItsHandleAndPutsItAway) {
     Drag(*Handle());
     EXPECT_EQ(window->pos() - before, QPoint(-20, -15));
     Run(1);
-    EXPECT_TRUE(Becomes("MON_Left_800", PixelsToTwips(window->geometry().left())));
-    EXPECT_TRUE(Becomes("MON_Top_800", PixelsToTwips(window->geometry().top())));
+    EXPECT_TRUE(Becomes(Keys::MON_Left(800), PixelsToTwips(window->geometry().left())));
+    EXPECT_TRUE(Becomes(Keys::MON_Top(800), PixelsToTwips(window->geometry().top())));
     QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
     QTest::mouseDClick(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
     EXPECT_FALSE(window->WindowShown()) << "a double click puts it away";
@@ -112,7 +112,7 @@ TEST_F(MainWindow, ItsSizeIsKeptAndNeverTooSmall) {
     Start();
     Run(1);
     window->resize(250, 120);
-    EXPECT_TRUE(Becomes("MON_Width", PixelsToTwips(250)));
+    EXPECT_TRUE(Becomes(Keys::MON_Width, PixelsToTwips(250)));
     EXPECT_EQ(Picture()->geometry(), QRect(1, 1, 248, 118));
     window->resize(1, 1);
     EXPECT_EQ(window->width(), TwipsToPixels(SmallestWidthTwips));

@@ -190,7 +190,7 @@ TEST_F(SettingsDialog, EveryControlIsAppliedAndFoundAgain) {
     Type("txtFirewallPassword", "secret");
     Click("cmdOK");
     Gone();
-    EXPECT_EQ(settings.GetRegPassword("FirewallPassword"), "secret");
+    EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "secret");
 
     program->LoadRecords(); // as at the next start
     Open();
@@ -338,8 +338,8 @@ TEST_F(SettingsDialog, ColoursAreChosenSwappedAndPreviewed) {
     EXPECT_EQ(Shown("lblColorDL2"), std::to_string(0x123456));
     EXPECT_EQ(askedFor, (std::vector<std::int32_t>{old, old}));
     EXPECT_EQ(offered[2], old) << "as it is stored";
-    EXPECT_EQ(offered[8], Setting("LineUL1Color"));
-    EXPECT_EQ(Setting("LineDL3Color"), old);
+    EXPECT_EQ(offered[8], Setting(Keys::LineUL1Color));
+    EXPECT_EQ(Setting(Keys::LineDL3Color), old);
     GoTo("tvUpload");
     const std::string upload = Shown("lblColorUL2");
     Click("cmdSwapColors");
@@ -349,16 +349,16 @@ TEST_F(SettingsDialog, ColoursAreChosenSwappedAndPreviewed) {
     nextColor = 0x00ff00;
     QTest::keyClick(Find<ColorField>("lblColorUL0"), Qt::Key_Space);
     Click("cmdApply");
-    EXPECT_EQ(Setting("LineUL3Color"), 0x123456);
-    EXPECT_EQ(Setting("LineUL1Color"), 0x00ff00);
-    EXPECT_EQ(std::to_string(Setting("LineDL3Color")), upload);
+    EXPECT_EQ(Setting(Keys::LineUL3Color), 0x123456);
+    EXPECT_EQ(Setting(Keys::LineUL1Color), 0x00ff00);
+    EXPECT_EQ(std::to_string(Setting(Keys::LineDL3Color)), upload);
 
     GoTo("tvDarst");
     const QColor before = Find<PictureBox>("Pic")->grab().toImage().pixelColor(60, 50);
-    EXPECT_EQ(before, ToColor(Setting("ChartBackgroundColor")));
+    EXPECT_EQ(before, ToColor(Setting(Keys::ChartBackgroundColor)));
     nextColor = 0x0000ff;
     Click("lblColorBackground");
-    EXPECT_EQ(askedFor.back(), Setting("ChartBackgroundColor"));
+    EXPECT_EQ(askedFor.back(), Setting(Keys::ChartBackgroundColor));
     EXPECT_EQ(Find<PictureBox>("Pic")->grab().toImage().pixelColor(60, 50), QColor(Qt::red));
     EXPECT_EQ(Picture()->grab().toImage().pixelColor(60, 50), before) << "only previewed";
 }
@@ -661,18 +661,18 @@ TEST_F(SettingsDialog, AMoveThatFailsKeepsTheFolder) {
 // ---- the rest
 
 TEST_F(SettingsDialog, APasswordThatCannotBeStoredIsToldAndTheOldOneStays) {
-    settings.SetRegPassword("FirewallPassword", "old");
+    settings.SetRegPassword(Keys::FirewallPassword, "old");
     Open();
     GoTo("tvInternet");
     Click("boxFirewallUse");
     Find<QLineEdit>("txtFirewallPassword")->setText(QString::fromUtf8("\xf4\x8f\xbf\xbf"));
     Click("cmdApply");
     EXPECT_EQ(TakeBoxes(), Lines{program->language.Lng("frmEinstellungen", 32)});
-    EXPECT_EQ(settings.GetRegPassword("FirewallPassword"), "old");
+    EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "old");
     EXPECT_EQ(Stored("FirewallUse"), "True") << "the rest is stored";
     Find<QLineEdit>("txtFirewallPassword")->clear();
     Click("cmdApply");
-    EXPECT_EQ(settings.GetText("FirewallPassword"), "");
+    EXPECT_EQ(settings.Get(Keys::FirewallPassword), "");
 }
 
 TEST_F(SettingsDialog, AFontThatIsNotInstalledStaysUntilAnotherIsChosen) {

@@ -119,15 +119,15 @@ TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
     ChooseIn("cboFilter", "Mobile");
     EXPECT_EQ(Rows(), (Lines{"two", "three", "four"}));
     EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile", "Mobile", "Mobile"}));
-    EXPECT_EQ(settings.GetText("Z_StatFilter"), "Mobile");
+    EXPECT_EQ(settings.Get(Keys::Z_StatFilter), "Mobile");
     ChooseIn("cboKBMB", "MB");
     EXPECT_EQ(Cell(1, 5), "5.00 MB");
-    EXPECT_EQ(settings.GetText("Stat_Dimension"), "MB");
+    EXPECT_EQ(settings.Get(Keys::Stat_Dimension), "MB");
     Page(2);
     QTest::mouseClick(Find<QRadioButton>("optStatSum2"), Qt::LeftButton);
     EXPECT_EQ(Rows(1, "ListStatsSum"), (Lines{"February 2005", "January 2005"}));
     EXPECT_EQ(Rows(2, "ListStatsSum"), (Lines{"1", "2"}));
-    EXPECT_EQ(settings.GetNumber("z_optStatSum"), 2);
+    EXPECT_EQ(settings.Get(Keys::z_optStatSum), "2");
     ASSERT_TRUE(program->language.ChooseLanguage("GER - Deutsch"));
     QEvent changed(QEvent::LanguageChange);
     QCoreApplication::sendEvent(window.get(), &changed);
@@ -255,10 +255,10 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     Open();
     Page(2);
     ChooseIn("cboLines", "Line2");
-    EXPECT_EQ(settings.GetText("Z_StatLineChosen"), "Line2");
+    EXPECT_EQ(settings.Get(Keys::Z_StatLineChosen), "Line2");
     EXPECT_EQ(Find<QLineEdit>("txtAlias")->text(), QStringLiteral("Mobile"));
     Type(Find<QComboBox>("cboFreeVolume")->lineEdit(), "2000000");
-    EXPECT_EQ(settings.GetNumber("Mobile_FreeVolume"), 10000) << "corrected";
+    EXPECT_EQ(settings.Get(Keys::FreeVolume("Mobile")), 10000) << "corrected";
     EXPECT_EQ(Find<QComboBox>("cboFreeVolume")->currentText(), QStringLiteral("10000"));
     EXPECT_EQ(program->monthSums.UseOf("Line2").FreeBytes, 1e10);
     EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 6e6) << "5 MB, rounded up";
@@ -272,12 +272,12 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     EXPECT_EQ(Cell(3, 7, "ListStatsSum"), "6:00");
 
     Type(Find<QLineEdit>("txtAlias"), "  Travel ");
-    EXPECT_EQ(settings.GetText("Line2_Alias"), "Travel");
-    EXPECT_EQ(settings.GetNumber("Travel_FreeVolume"), 10000) << "inherited";
+    EXPECT_EQ(settings.Get(Keys::Alias("Line2")), "Travel");
+    EXPECT_EQ(settings.Get(Keys::FreeVolume("Travel")), 10000) << "inherited";
     EXPECT_EQ(Rows(0), (Lines{"Home", "Travel", "Travel", "Mobile"}));
     ChooseIn("cboLines", "Line3");
     Type(Find<QLineEdit>("txtAlias"), "Home");
-    EXPECT_EQ(settings.GetNumber("Home_FreeVolume"), 0) << "a line that joins an alias takes its tariff";
+    EXPECT_EQ(settings.Get(Keys::FreeVolume("Home")), 0) << "a line that joins an alias takes its tariff";
 }
 
 TEST_F(Statistics, AnAliasThatIsRenamedWhileItIsTheFilterLeavesNoEmptyList) {
@@ -299,8 +299,8 @@ TEST_F(Statistics, ALongAliasFitsTheSettingsAndTheWindow) {
     alias->setFocus();
     alias->setText(QString(2000, QChar(0x65E5)));
     QTest::keyClick(alias, Qt::Key_Return);
-    EXPECT_EQ(settings.GetText("Line1_Alias").size(), 3U * 255);
-    EXPECT_EQ(Cell(0, 0), settings.GetText("Line1_Alias"));
+    EXPECT_EQ(settings.Get(Keys::Alias("Line1")).size(), 3U * 255);
+    EXPECT_EQ(Cell(0, 0), settings.Get(Keys::Alias("Line1")));
     QCoreApplication::processEvents();
     EXPECT_LE(window->minimumSizeHint().width(), width + 200);
 }
@@ -330,7 +330,7 @@ TEST_F(Statistics, WhatIsBeingTypedCountsWhenTheWindowIsClosed) {
     const double used = program->monthSums.UseOf("Line2").UsedBytes;
     window->close();
     QCoreApplication::processEvents();
-    EXPECT_EQ(settings.GetText("Line2_Alias"), "Travel");
+    EXPECT_EQ(settings.Get(Keys::Alias("Line2")), "Travel");
     EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, used);
 }
 
@@ -400,15 +400,15 @@ TEST_F(Statistics, ComesBackWhereItWasLeft) {
     window->setGeometry(50, 60, 700, 500);
     ChooseIn("cboFilter", "Home");
     window->close();
-    EXPECT_EQ(settings.GetNumber("STATS_Width"), 700 * TwipsPerPixel);
+    EXPECT_EQ(settings.Get(Keys::STATS_Width), 700 * TwipsPerPixel);
     window.reset();
     Open();
     EXPECT_EQ(window->geometry(), QRect(50, 60, 700, 500));
     EXPECT_EQ(Rows(), (Lines{"one"}));
     window->showMaximized();
     window->close();
-    EXPECT_EQ(settings.GetNumber("STATS_State"), 2);
-    EXPECT_EQ(settings.GetNumber("STATS_Width"), 700 * TwipsPerPixel) << "its size when it is not";
+    EXPECT_EQ(settings.Get(Keys::STATS_State), 2);
+    EXPECT_EQ(settings.Get(Keys::STATS_Width), 700 * TwipsPerPixel) << "its size when it is not";
 }
 
 TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {

@@ -134,7 +134,7 @@ TEST_F(Tray, WithoutATrayTheCloseBoxMinimizesAndSaysSoOnce) {
         window->close();
         EXPECT_TRUE(window->isMinimized());
     }
-    EXPECT_TRUE(settings.GetBool("NoTrayTold")) << "not at the next start either";
+    EXPECT_TRUE(settings.Get(Keys::NoTrayTold)) << "not at the next start either";
     Choose("mnuBeenden");
     EXPECT_EQ(closings, std::vector<int>{1});
 }

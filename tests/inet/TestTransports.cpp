@@ -135,7 +135,7 @@ TEST_P(Transports, TellWhoTheyAreAndTheAccountToTheSiteAlone) {
     EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "echo"), "Korvalin-Test V2312\n");
     settings.SetReg("FirewallUse", true);
     settings.SetReg("FirewallUser", std::string("j doe"));
-    settings.SetRegPassword("FirewallPassword", "p@ss:/wörd#");
+    settings.SetRegPassword(Keys::FirewallPassword, "p@ss:/wörd#");
     EXPECT_EQ(Account(server.Http() + "echo"), "Basic aiBkb2U6cEBzczovd8O2cmQj"); // j doe:p@ss:/wörd#
     const std::string port = server.Http().substr(server.Http().rfind(':'));
     EXPECT_EQ(Account(server.Http() + "away?to=http://localhost" + port + "echo"), "") << "another host";

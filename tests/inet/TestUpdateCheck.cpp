@@ -134,7 +134,7 @@ TEST_F(UpdateCheckTest, AsksUnlessItUpdatesByItself) {
         EXPECT_EQ(Automatic(), byItself ? 9 : 5);
         EXPECT_EQ(boxes.Shown.size(), byItself ? 0U : 1U);
         EXPECT_EQ(shell.Pages.size(), 1U) << "the version history, for the one who is asked";
-        EXPECT_EQ(settings.GetDate("UpdateCheckLast"), byItself ? 0 : DayOf(clock.Now()))
+        EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), byItself ? 0 : DayOf(clock.Now()))
             << "not told again every hour";
         boxes.Shown.clear();
     }
@@ -154,7 +154,7 @@ TEST_F(UpdateCheckTest, WaitsLongerAfterEachFailure) {
         EXPECT_EQ(Automatic(), 3);
         EXPECT_EQ(TakeStatuses().back(), "The download failed.");
         const Date next = wait > 0 ? clock.Now() + wait : DayOf(clock.Now()) + 1;
-        EXPECT_NEAR(settings.GetDate("UpdateNext"), next, OneSecond);
+        EXPECT_NEAR(settings.Get(Keys::UpdateNext), next, OneSecond);
         EXPECT_FALSE(fs::exists(New()));
         EXPECT_EQ(Automatic(), 5);
         TakeBoxes();
@@ -174,7 +174,7 @@ TEST_F(UpdateCheckTest, WaitsLongerAfterEachFailure) {
     fs::remove(New());
     Put("setup241.exe", "short");
     EXPECT_EQ(Automatic(), 3);
-    EXPECT_NEAR(settings.GetDate("UpdateNext"), clock.Now() + minutes / 2, OneSecond) << "counted anew";
+    EXPECT_NEAR(settings.Get(Keys::UpdateNext), clock.Now() + minutes / 2, OneSecond) << "counted anew";
 }
 
 TEST_F(UpdateCheckTest, ReplacesAUselessNewProgramThatIsAlreadyThere) {
@@ -225,8 +225,8 @@ TEST_F(UpdateCheckTest, OnlyTellsWhereItCannotInstall) {
     files.DiskFull = false;
     shell.Executable = New(); // could not install itself
     EXPECT_EQ(Automatic(), 5);
-    EXPECT_EQ(settings.GetDate("UpdateCheckLast"), DayOf(clock.Now())) << "not told again every hour";
-    EXPECT_EQ(settings.GetDate("UpdateNext"), 0);
+    EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), DayOf(clock.Now())) << "not told again every hour";
+    EXPECT_EQ(settings.Get(Keys::UpdateNext), 0);
 }
 
 TEST_F(UpdateCheckTest, AFileNameOfThePageLeadsNowhereElse) {

@@ -45,7 +45,7 @@ TEST_F(UpdateScheduleTest, ChecksOnceWhenDue) {
     EXPECT_FALSE(Asked());
     EXPECT_FALSE(Call());
     EXPECT_TRUE(Asked());
-    EXPECT_EQ(settings.GetDate("UpdateCheckLast"), DayOf(clock.Now()));
+    EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), DayOf(clock.Now()));
     EXPECT_EQ(callAgain, 0) << "done for this run";
     schedule->Arm();
     EXPECT_EQ(callAgain, 0);
@@ -89,7 +89,7 @@ TEST_F(UpdateScheduleTest, TriesAgainAfterAnHourAndSaysSo) {
     Offer("2.4.0");
     EXPECT_TRUE(Call());
     EXPECT_EQ(shell.Started.size(), 1U);
-    EXPECT_EQ(settings.GetDate("UpdateCheckLast"), 0) << "the new version looks for itself";
+    EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), 0) << "the new version looks for itself";
 }
 
 TEST_F(UpdateScheduleTest, IsOverWithoutInternet) {

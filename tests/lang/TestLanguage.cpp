@@ -124,7 +124,7 @@ TEST_F(LanguageTest, StartsWithTheStoredLanguageOrSaysWhyNot) {
         EXPECT_EQ(Load(row.Stored, row.Lines), row.Loads) << row.Stored;
         EXPECT_EQ(language.LanguageCode(), row.Code);
         EXPECT_EQ(TakeBoxes(), row.Shown);
-        EXPECT_EQ(settings.GetText("Language"), row.StoredAfter);
+        EXPECT_EQ(settings.Get(Keys::Language), row.StoredAfter);
     }
 }
 
@@ -152,7 +152,7 @@ TEST_F(LanguageTest, AsksForTheLanguageAtTheFirstStart) {
     });
     EXPECT_TRUE(language.InitProgramTexts());
     EXPECT_EQ(selected, 1U); // English for whoever speaks no German
-    EXPECT_EQ(settings.GetText("Language"), "FRA");
+    EXPECT_EQ(settings.Get(Keys::Language), "FRA");
     const std::string file = folder.Read("program/Korvalin.lng");
     EXPECT_TRUE(file.ends_with("Français\r\nLNG\tlngDefinition\tENG\tENG - language\r\n")) << file;
 }

@@ -109,7 +109,7 @@ TEST_F(SettingsTest, MainWindowStaysOnTheScreen) {
         const auto read = [&] {
             sizes();
             Put(row.Name, row.Text);
-            return settings.GetNumber(row.Name);
+            return std::get<std::int32_t>(settings.GetReg(row.Name));
         };
         EXPECT_EQ(read(), row.Expected) << row.Name << " = " << row.Text;
         Put("MultiScreen", "True");
@@ -122,9 +122,9 @@ TEST_F(SettingsTest, MainWindowStaysOnTheScreen) {
     sizes();
     Put("MON_Left_1280", "18000");
     screen.Mode = ScreenSize{1920, 1024};
-    EXPECT_EQ(settings.GetNumber("MON_Left_1280"), 18000) << "the display mode is about to change";
+    EXPECT_EQ(settings.Get(Keys::MON_Left(1280)), 18000) << "the display mode is about to change";
     screen.Mode = screen.Size = ScreenSize{100, 100};
-    EXPECT_EQ(settings.GetNumber("MON_Left_1280"), -350) << "the window fills the screen";
+    EXPECT_EQ(settings.Get(Keys::MON_Left(1280)), -350) << "the window fills the screen";
 }
 
 TEST_F(SettingsTest, WithoutAScreenNoPositionIsStored) {
@@ -146,18 +146,18 @@ TEST_F(SettingsTest, NumbersMayHaveTheUsersDecimalMark) {
 }
 
 TEST_F(SettingsTest, PasswordsAreStoredScrambledOrNotAtAll) {
-    settings.SetRegPassword("FirewallPassword", "größer");
+    settings.SetRegPassword(Keys::FirewallPassword, "größer");
     EXPECT_EQ(Stored("FirewallPassword").find_first_not_of("0123456789"), std::string::npos);
-    settings.SetRegPassword("FirewallPassword", "\xF4\x8F\xBF\xBF");
+    settings.SetRegPassword(Keys::FirewallPassword, "\xF4\x8F\xBF\xBF");
     EXPECT_NE(boxes.Take().Text.find("SetRegPassword"), std::string::npos);
-    EXPECT_EQ(settings.GetRegPassword("firewallpassword"), "größer") << "the old one is kept";
-    settings.SetRegPassword("FirewallPassword", "a\xF6"); // Windows-1252
-    EXPECT_EQ(settings.GetRegPassword("FirewallPassword"), "aö");
-    settings.SetRegPassword("FirewallPassword", "");
+    EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "größer") << "the old one is kept";
+    settings.SetRegPassword(Keys::FirewallPassword, "a\xF6"); // Windows-1252
+    EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "aö");
+    settings.SetRegPassword(Keys::FirewallPassword, "");
     EXPECT_TRUE(settings.StoredNames().empty());
 
     clock.Advance(3);
     Put("FirewallPassword", "00x0x1a");
-    EXPECT_EQ(settings.GetRegPassword("FirewallPassword"), "");
+    EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "");
     EXPECT_NE(boxes.Take().Text.find("GetRegPassword"), std::string::npos);
 }

@@ -43,7 +43,7 @@ TEST_F(SettingsApplierTest, EffectsFollowTheirSettings) {
     chosen.Display.TrayAnimated = false;
     Apply();
     EXPECT_EQ(effects, (Lines{"move", "autostart", "topmost", "history", "opacity", "tray", "chart"}));
-    EXPECT_EQ(settings.GetText("DataPath"), "/new");
+    EXPECT_EQ(settings.Get(Keys::DataPath), "/new");
     EXPECT_EQ(chosen.Display.ConnDataMax, 420) << "what has become of it";
 }
 
@@ -52,7 +52,7 @@ TEST_F(SettingsApplierTest, AFolderThatIsNotTakenIsNotStored) {
         moves = false;
         entered.DataPath = place;
         Apply();
-        EXPECT_EQ(settings.GetText("DataPath"), "") << place;
+        EXPECT_EQ(settings.Get(Keys::DataPath), "") << place;
     }
     EXPECT_EQ(std::count(effects.begin(), effects.end(), "move"), 1) << "the present folder is not moved to";
 }
@@ -62,8 +62,8 @@ TEST_F(SettingsApplierTest, WhatWasWrittenBeforeAnErrorStays) {
     entered.MultiInstance = true;
     Apply();
     EXPECT_NE(boxes.Take().Text.find("ApplyChanges"), std::string::npos);
-    EXPECT_FALSE(settings.GetBool("CloseTrayOnly"));
-    EXPECT_FALSE(settings.GetBool("MultiInstance"));
+    EXPECT_FALSE(settings.Get(Keys::CloseTrayOnly));
+    EXPECT_FALSE(settings.Get(Keys::MultiInstance));
 }
 
 } // namespace

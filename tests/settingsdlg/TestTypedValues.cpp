@@ -24,10 +24,10 @@ TEST_F(TypedValues, NumbersAreReadAsTheUserWritesThem) {
         locale.DecimalMark = marks[0];
         locale.GroupingMark = marks[1];
         const std::string half = fmt::format("12{}5", marks[0]);
-        EXPECT_EQ(CheckedNumber(settings, "ChartMax", fmt::format(" 1{}000", marks[1]), locale), 1000);
-        EXPECT_EQ(CheckedNumber(settings, "ChartMax", half, locale), 12) << half;
+        EXPECT_EQ(CheckedNumber(settings, Keys::ChartMax, fmt::format(" 1{}000", marks[1]), locale), 1000);
+        EXPECT_EQ(CheckedNumber(settings, Keys::ChartMax, half, locale), 12) << half;
     }
-    EXPECT_EQ(CheckedNumber(settings, "ChartMax", "12.5", locale), 12) << "no group of three";
+    EXPECT_EQ(CheckedNumber(settings, Keys::ChartMax, "12.5", locale), 12) << "no group of three";
     EXPECT_EQ(CheckedHistoryMinutes(settings, "7,9", locale, 4, 600), 7);
     EXPECT_EQ(CheckedHistoryMinutes(settings, "2,9", locale, 4, 600), 4);
     locale.GroupingMark = "\u202f";
@@ -37,8 +37,8 @@ TEST_F(TypedValues, NumbersAreReadAsTheUserWritesThem) {
 
 TEST_F(TypedValues, NothingTypedIsTheDefaultAndLeavesTheStore) {
     settings.SetReg("LANActive", 700);
-    EXPECT_EQ(CheckedNumber(settings, "LANActive", "", locale), 100);
-    EXPECT_EQ(settings.GetNumber("LANActive"), 700);
+    EXPECT_EQ(CheckedNumber(settings, Keys::LANActive, "", locale), 100);
+    EXPECT_EQ(settings.Get(Keys::LANActive), 700);
 }
 
 TEST_F(TypedValues, AFolderIsMeantInFull) {

@@ -79,11 +79,11 @@ TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
     EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
     EXPECT_EQ(Contents(programFolder), "db=old ");
     EXPECT_EQ(Contents(share), "db=new ");
-    EXPECT_EQ(settings.GetText("DataPath"), "");
+    EXPECT_EQ(settings.Get(Keys::DataPath), "");
     disk.CopyFails = false;
     DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
     EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
-    EXPECT_EQ(settings.GetText("DataPath"), share.string());
+    EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
     EXPECT_TRUE(Contents(share).starts_with("db=old "));
     EXPECT_EQ(Contents(programFolder), "db_20240315-120000=old ");
 }
@@ -111,7 +111,7 @@ TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
         const fs::path found = fresh.GetDataPath();
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(fresh.GetDataPath(), found);
-        EXPECT_EQ(settings.GetText("DataPath"), row.End == Ends::Stored ? programFolder.string() : "");
+        EXPECT_EQ(settings.Get(Keys::DataPath), row.End == Ends::Stored ? programFolder.string() : "");
         EXPECT_EQ(found == programFolder / "", row.End != Ends::Elsewhere) << found;
         EXPECT_TRUE(fs::is_directory(found));
         if (row.End == Ends::Elsewhere) fs::remove_all(found);

@@ -43,10 +43,10 @@ class StartupTest : public CoreFixture {
 TEST_F(StartupTest, PreparesTheMainWindow) {
     EXPECT_TRUE(Main());
     EXPECT_EQ(Calls, (Lines{"lines", "settings"}));
-    EXPECT_EQ(settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
+    EXPECT_EQ(FormatDateIso(settings.Get(Keys::FirstRunDate)), "2024-03-15 12:00:00");
     clock.Advance(100);
     EXPECT_TRUE(Main());
-    EXPECT_EQ(settings.GetText("FirstRunDate"), "2024-03-15 12:00:00");
+    EXPECT_EQ(FormatDateIso(settings.Get(Keys::FirstRunDate)), "2024-03-15 12:00:00");
 }
 
 TEST_F(StartupTest, RefusesASecondInstanceSilently) {
@@ -122,9 +122,9 @@ TEST_F(StartupTest, NotesANewVersion) {
         settings.SetReg("msinetNotWanted", true);
         settings.SetReg("UpdateCheckLast", clock.Now());
         EXPECT_TRUE(Main(row.Version));
-        EXPECT_EQ(settings.GetText("PrgVersion"), row.Text);
-        EXPECT_EQ(settings.GetBool("msinetNotWanted"), row.StaysUnwanted) << row.Stored;
-        EXPECT_EQ(settings.GetDate("UpdateCheckLast"),
+        EXPECT_EQ(settings.Get(Keys::PrgVersion), row.Text);
+        EXPECT_EQ(settings.Get(Keys::msinetNotWanted), row.StaysUnwanted) << row.Stored;
+        EXPECT_EQ(settings.Get(Keys::UpdateCheckLast),
                   row.ChecksSoon ? DateSerial(2024, 1, 15) : clock.Now());
     }
 }

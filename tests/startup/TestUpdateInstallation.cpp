@@ -77,7 +77,7 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     EXPECT_EQ(fs::file_size(old_), 200'000U);
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), "new texts");
     EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
-    EXPECT_NEAR(settings.GetDate("UpdateLast"), clock.Now(), OneSecond);
+    EXPECT_NEAR(settings.Get(Keys::UpdateLast), clock.Now(), OneSecond);
     folder.Write("program/KorvalinLng_new.txt", "of the other name");
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), "of the other name");
@@ -114,7 +114,7 @@ TEST_F(UpdateInstallationTest, GoesOnItselfWhenTheDiskIsFull) {
     EXPECT_NE(boxes.Take().Text.find("Main"), std::string::npos);
     EXPECT_TRUE(shell.Started.empty());
     EXPECT_EQ(fs::file_size(old_), 10U) << "the old program is still there";
-    EXPECT_EQ(settings.GetDate("UpdateLast"), 0);
+    EXPECT_EQ(settings.Get(Keys::UpdateLast), 0);
 }
 
 } // namespace

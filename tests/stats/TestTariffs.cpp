@@ -15,7 +15,7 @@ TEST_F(Tariffs, ALineIsItsOwnAliasUntilItGetsAnother) {
     EXPECT_EQ(aliases.GetAlias("ETH0"), "Home");
     EXPECT_EQ(aliases.GetAlias("wlan0"), "home");
     EXPECT_EQ(aliases.GetAlias("Office"), "Office");
-    EXPECT_EQ(settings.GetText("Office_Alias"), "Office");
+    EXPECT_EQ(settings.Get(Keys::Alias("Office")), "Office");
     settings.SetReg("Office_Alias", std::string("changed"));
     EXPECT_EQ(aliases.GetAlias("office"), "Office") << "known lines are not looked up again";
     EXPECT_EQ(aliases.AliasCount(), 2U) << "one for both lines";

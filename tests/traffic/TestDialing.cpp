@@ -84,7 +84,7 @@ TEST_F(DialingTest, TheNumberOfTheFirstDialIsRememberedSilently) {
         settings.SetReg("Phone_Office", std::string());
         Add("Office", local, area);
         EXPECT_TRUE(Passes());
-        EXPECT_EQ(settings.GetText("Phone_Office"), remembered);
+        EXPECT_EQ(settings.Get(Keys::Phone("Office")), remembered);
         EXPECT_TRUE(Passes());
     }
     EXPECT_TRUE(Passes("not in the phone book"));
@@ -102,12 +102,12 @@ TEST_F(DialingTest, AChangedNumberIsDialedOnlyOnYes) {
         EXPECT_EQ(box.Title, "Korvalin");
         EXPECT_EQ(box.Icon, MessageIcon::Warning);
         EXPECT_EQ(box.Buttons, MessageButtons::YesNoCancel);
-        EXPECT_EQ(settings.GetText("Phone_Office"), "111");
+        EXPECT_EQ(settings.Get(Keys::Phone("Office")), "111");
     }
     boxes.Answers = {MessageAnswer::Yes};
     EXPECT_TRUE(Passes());
     EXPECT_EQ(TakeBoxes().size(), 1U);
-    EXPECT_EQ(settings.GetText("Phone_Office"), "222");
+    EXPECT_EQ(settings.Get(Keys::Phone("Office")), "222");
     EXPECT_TRUE(Passes()) << "and is asked about once";
 }
 
@@ -151,8 +151,8 @@ TEST_F(DialingTest, ARememberedNumberIsNoOtherSettingOfALine) {
         Add(name);
         EXPECT_TRUE(Passes(name));
     }
-    EXPECT_EQ(settings.GetText("Phone_Office_Alias"), "Work");
-    EXPECT_EQ(settings.GetNumber("Phone_Office_FreeHours"), 20);
+    EXPECT_EQ(settings.Get(Keys::Alias("Phone_Office")), "Work");
+    EXPECT_EQ(settings.Get(Keys::FreeHours("Phone_Office")), 20);
 }
 
 TEST_F(DialingTest, ACopyUnderANameThatLooksTheSameIsNoFirstDial) {
@@ -183,7 +183,7 @@ TEST_F(DialingTest, ANumberThatChangesWhileTheQuestionStandsIsAskedAboutToo) {
     boxes.OnShow = [&] { Number() = "333"; };
     EXPECT_FALSE(Passes());
     EXPECT_EQ(TakeBoxes().back(), "changed\r\n\r\nold 222\r\nnew 333\r\n\r\ndial?");
-    EXPECT_EQ(settings.GetText("Phone_Office"), "222");
+    EXPECT_EQ(settings.Get(Keys::Phone("Office")), "222");
     boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
     boxes.OnShow = [&] { // and with a store that is lost meanwhile
         Number() = "444";
@@ -224,13 +224,13 @@ TEST_F(DialingTest, DialsUnattendedAndOnceMoreWithThePromptAfterAWrongPassword) 
         for (const auto& [entry, flag] : internet.Dials)
             flags.push_back(flag);
         EXPECT_EQ(flags, row.Expected) << &row - rows;
-        EXPECT_EQ(settings.GetText("LineLast"), row.Last) << &row - rows;
+        EXPECT_EQ(settings.Get(Keys::LineLast), row.Last) << &row - rows;
     }
     internet.Connection = 0; // it is up, but was not dialed by this program
     settings.SetReg("LineLast", std::string("before"));
     internet.DialResults.clear();
     dialing.DialEntry("Office");
-    EXPECT_EQ(settings.GetText("LineLast"), "before");
+    EXPECT_EQ(settings.Get(Keys::LineLast), "before");
 }
 
 TEST_F(DialingTest, ARefusedNumberIsNotDialedAlsoAtTheSecondAttempt) {
@@ -267,7 +267,7 @@ TEST_F(DialingTest, ANumberThatChangesWhileTheLoginIsAskedForIsAskedAboutBeforeI
         EXPECT_EQ(TakeBoxes().size(), 1U);
         EXPECT_EQ(internet.Dials.size(), row.Dials);
         EXPECT_EQ(internet.Dials.back().second, InternetDialForcePrompt);
-        EXPECT_EQ(settings.GetText("LineLast"), row.Last);
+        EXPECT_EQ(settings.Get(Keys::LineLast), row.Last);
     }
 }
 
