@@ -83,30 +83,71 @@ void GetRegPeer(benchmark::State& state) {
 }
 BENCHMARK(GetRegPeer);
 
-// The core's part of a tick: readers, table, history, rates.
-void TickWithAdapters(benchmark::State& state) {
+// The core on many adapters.
+struct ManyAdaptersBench {
+    explicit ManyAdaptersBench(const benchmark::State& state)
+        : adapters(static_cast<std::size_t>(state.range(0))),
+          reader(adapters, program.lines, program.lineBook, program.counterLedger, program.lineNames,
+                 program.trafficOptions, program.errors, clock),
+          monitor(program.lines, program.lineBook, program.rasReader, reader, program.trafficOptions,
+                  internet, user, clock, program.errors),
+          loop(clock, screen, program.settings, program.lines, monitor, program.rateHistory,
+               program.infoTexts, program.errors) {
+        program.lineBook.Plug({[](const std::string& name) { return name; }, [](CloseReason, std::size_t) {},
+                               [this] { loop.ResizeRateHistory(); }, [] {}});
+        program.LoadRecords();
+    }
+
     Bench bench;
     Program& program = *bench.program;
-    ManyAdapters adapters(static_cast<std::size_t>(state.range(0)));
+    ManyAdapters adapters;
     Online internet;
     SystemClock clock;
     PasswdUser user;
     NoScreen screen;
-    LanReader reader(adapters, program.lines, program.lineBook, program.trafficOptions, program.errors,
-                     clock);
-    LineMonitor monitor(program.lines, program.lineBook, program.rasReader, reader, program.trafficOptions,
-                        internet, user, program.errors);
-    SamplingLoop loop(clock, screen, program.settings, program.lines, monitor, program.rateHistory,
-                      program.infoTexts, program.errors);
-    program.lineBook.Plug({[](const std::string& name) { return name; }, [](CloseReason, std::size_t) {},
-                           [&] { loop.ResizeRateHistory(); }});
-    program.LoadRecords();
+    LanReader reader;
+    LineMonitor monitor;
+    SamplingLoop loop;
+};
+
+// The core's part of a tick: readers, table, history, rates.
+void TickWithAdapters(benchmark::State& state) {
+    ManyAdaptersBench many(state);
     for (int i = 0; i < 70; ++i)
-        loop.Get_TransferedData();
+        many.loop.Get_TransferedData();
     for (auto _ : state)
-        loop.Get_TransferedData();
+        many.loop.Get_TransferedData();
 }
 BENCHMARK(TickWithAdapters)->Arg(1)->Arg(1000);
+
+// What the journal adds to a tick.
+void JournalNotes(benchmark::State& state) {
+    ManyAdaptersBench many(state);
+    JournalKeeper& keeper = many.program.journalKeeper;
+    if (!keeper.Start()) return state.SkipWithError("another program records");
+    many.loop.Get_TransferedData();
+    keeper.PassEnded(); // everything is new
+    for (auto _ : state) {
+        state.PauseTiming();
+        many.loop.Get_TransferedData();
+        state.ResumeTiming();
+        keeper.PassEnded();
+    }
+}
+BENCHMARK(JournalNotes)->Arg(1)->Arg(1000);
+
+// What it adds once a minute, and whenever a line comes or goes; without the time that the medium takes.
+void JournalSave(benchmark::State& state) {
+    ManyAdaptersBench many(state);
+    JournalKeeper& keeper = many.program.journalKeeper;
+    if (!keeper.Start()) return state.SkipWithError("another program records");
+    many.loop.Get_TransferedData();
+    for (auto _ : state) {
+        ++many.program.lines.Changes;
+        keeper.PassEnded();
+    }
+}
+BENCHMARK(JournalSave)->Arg(1)->Arg(1000);
 
 // Every second's reading of the dial-up lines that are up on this machine.
 void DialUpLines(benchmark::State& state) {

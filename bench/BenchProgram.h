@@ -53,7 +53,7 @@ class BenchProgram {
     Program& operator*() const { return *program_; }
     Program* operator->() const { return program_.get(); }
     const Ports& AllPorts() const { return *ports_; }
-    Clock& SystemTime() { return system_->SystemTime(); }
+    Clock& SystemTime() const { return system_->SystemTime(); }
 
   private:
     static std::filesystem::path MakeFolder() {

@@ -4,6 +4,7 @@
 #include "StatGenerator.h"
 #include "cli/ConsoleMessageBoxes.h"
 #include "platform/Events.h"
+#include "platform/Journal.h"
 #include "stats/StatFileName.h"
 
 #include <nlohmann/json.hpp>
@@ -83,6 +84,7 @@ nlohmann::json Sums(const fs::path& folder) {
 
 nlohmann::json Record(const fs::path& folder, std::size_t count) {
     const Bench bench(folder);
+    if (!bench.program->BeginToRecord()) throw std::runtime_error("another program records");
     LineRecord& line = bench.program->lines.PreviousLineTable(1);
     StatGenerator generator(count);
     std::vector<double> times;
@@ -96,12 +98,38 @@ nlohmann::json Record(const fs::path& folder, std::size_t count) {
         line.User = fields.User;
         const Stopwatch watch;
         bench.program->recorder.SaveStatsLine(CloseReason::LineEnded, 1);
+        ++bench.program->lines.Changes;
+        bench.program->journalKeeper.PassEnded();
         times.push_back(watch.Milliseconds());
     }
     std::sort(times.begin(), times.end());
     return {{"median_milliseconds", times.at(count / 2)},
             {"maximum_milliseconds", times.back()},
             {"records", count}};
+}
+
+// The journal that a run leaves behind, which has ended or was killed.
+nlohmann::json WriteJournal(const fs::path& folder, std::uint32_t count, bool killed) {
+    constexpr std::uint32_t beyondAll = 1'000'000; // indices that no adapter has
+    const Bench bench(folder);
+    const Date now = bench.program.SystemTime().Now();
+    JournalPicture picture;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        JournalEntry& entry = picture.Entries.emplace_back();
+        entry.Index = beyondAll + i;
+        entry.Adapter = "veth" + std::to_string(i);
+        entry.Received = entry.Transmitted = 1'000'000;
+        entry.ReadAt = now;
+        if (!killed) continue;
+        entry.Open = OpenConnection();
+        entry.Open->LineName = entry.Adapter;
+        entry.Open->LogIn = DayOf(now);
+        entry.Open->End = now;
+        entry.Open->BytesReceived = entry.Open->BytesTransmitted = 1'000'000;
+    }
+    if (!bench.program.AllPorts().Journal.Save(folder, picture, Journal::Durability::Medium))
+        throw std::runtime_error("the journal cannot be written");
+    return {{"lines", count}};
 }
 
 nlohmann::json Generate(const fs::path& file, std::size_t count, RecordOrder order) {
@@ -112,7 +140,8 @@ nlohmann::json Generate(const fs::path& file, std::size_t count, RecordOrder ord
 constexpr const char* usage = "statbench generate N FILE [shuffled]\n"
                               "statbench load FOLDER\n"
                               "statbench sums FOLDER\n"
-                              "statbench record FOLDER N\n";
+                              "statbench record FOLDER N\n"
+                              "statbench journal FOLDER N [killed]\n";
 
 nlohmann::json Run(const std::vector<std::string>& words) {
     const std::string command = words.empty() ? "" : words[0];
@@ -124,6 +153,10 @@ nlohmann::json Run(const std::vector<std::string>& words) {
     if (command == "load") return Load(words.at(1));
     if (command == "sums") return Sums(words.at(1));
     if (command == "record") return Record(words.at(1), count(2));
+    if (command == "journal") {
+        const bool killed = words.size() > 3 && words[3] == "killed";
+        return WriteJournal(words.at(1), static_cast<std::uint32_t>(count(2)), killed);
+    }
     throw std::invalid_argument(usage);
 }
 
