@@ -2,17 +2,16 @@
 #include "ManyAdapters.h"
 #include "base/Locale.h"
 #include "cli/ConsoleMessageBoxes.h"
-#include "cli/NoScreen.h"
-#include "cli/PlainEvents.h"
+#include "cli/Windowless.h"
 #include "display/RateHistory.h"
 #include "errors/Errors.h"
 #include "platform/Internet.h"
-#include "platform/linux/LinuxSystem.h"
-#include "platform/linux/NetlinkNetworkTables.h"
-#include "platform/linux/PasswdUser.h"
-#include "platform/linux/SystemClock.h"
+#include "platform/linux/netlink/NetlinkNetworkTables.h"
+#include "platform/linux/system/LinuxSystem.h"
+#include "platform/linux/system/PasswdUser.h"
+#include "platform/linux/system/SystemClock.h"
+#include "program/Program.h"
 #include "settings/Settings.h"
-#include "startup/Program.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,16 +1,15 @@
 // The period graph over a million connections, and its picture with as many bars as it may have.
 #include "base/Locale.h"
 #include "cli/ConsoleMessageBoxes.h"
-#include "cli/NoScreen.h"
-#include "cli/PlainEvents.h"
+#include "cli/Windowless.h"
 #include "errors/Errors.h"
 #include "forms/PictureBox.h"
-#include "platform/linux/LinuxSystem.h"
+#include "platform/linux/system/LinuxSystem.h"
 #include "settings/Settings.h"
 #include "stats/Aliases.h"
-#include "stats/DrawGraph.h"
-#include "stats/PictureCanvas.h"
 #include "stats/SortStats.h"
+#include "stats/graph/DrawGraph.h"
+#include "stats/graph/PictureCanvas.h"
 
 #include <QPainter>
 #include <benchmark/benchmark.h>

@@ -1,9 +1,9 @@
 // What the benchmarks of statistics have in common: a stopwatch and a program on this machine's back ends.
 #pragma once
 
-#include "cli/NoScreen.h"
-#include "platform/linux/LinuxSystem.h"
-#include "startup/Program.h"
+#include "cli/Windowless.h"
+#include "platform/linux/system/LinuxSystem.h"
+#include "program/Program.h"
 
 #include <chrono>
 #include <cstdlib>

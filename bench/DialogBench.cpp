@@ -2,10 +2,10 @@
 // takes. Prints a JSON object with milliseconds.
 #include "BenchProgram.h"
 #include "cli/ConsoleMessageBoxes.h"
+#include "desktop/SettingsDialog.h"
 #include "display/frmMain.h"
-#include "platform/qt/NotificationArea.h"
+#include "platform/NotificationArea.h"
 #include "platform/qt/QtEvents.h"
-#include "startup/SettingsDialog.h"
 
 #include <QApplication>
 #include <QCheckBox>

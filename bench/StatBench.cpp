@@ -3,9 +3,9 @@
 #include "BenchProgram.h"
 #include "StatGenerator.h"
 #include "cli/ConsoleMessageBoxes.h"
+#include "data/DataFolder.h"
 #include "platform/Events.h"
 #include "platform/Journal.h"
-#include "stats/StatFileName.h"
 
 #include <nlohmann/json.hpp>
 

@@ -4,8 +4,8 @@
 #include "ManyAdapters.h"
 #include "platform/MessageBoxes.h"
 #include "platform/qt/QtEvents.h"
-#include "settingsdlg/AdapterTable.h"
 #include "settingsdlg/NetworkTableModel.h"
+#include "settingsdlg/NetworkTexts.h"
 #include "stats/frmStatistik.h"
 
 #include <QAction>

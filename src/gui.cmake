@@ -5,10 +5,9 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 
 add_library(korvalin_gui STATIC
   ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
-  dialogs/LinkButton.cpp
-  dialogs/MessageTexts.cpp
-  dialogs/QtDialDialog.cpp
-  dialogs/QtMessageBoxes.cpp
+  desktop/AboutBox.cpp
+  desktop/EndRequests.cpp
+  desktop/SettingsDialog.cpp
   dialogs/frmAbout.cpp
   dialogs/frmAbout.ui
   dialogs/frmDial.cpp
@@ -19,26 +18,29 @@ add_library(korvalin_gui STATIC
   dialogs/frmMessage.ui
   dialogs/frmPopupMsg.cpp
   dialogs/frmPopupMsg.ui
+  dialogs/LinkButton.cpp
+  dialogs/MessageTexts.cpp
+  dialogs/QtDialDialog.cpp
+  dialogs/QtMessageBoxes.cpp
   display/ChartPainter.cpp
   display/DialMenu.cpp
+  display/frmMain.cpp
+  display/frmMain.ui
   display/LinesMenu.cpp
   display/TrayIcon.cpp
   display/WindowFrame.cpp
-  display/frmMain.cpp
-  display/frmMain.ui
   forms/ColorField.cpp
   forms/Colors.cpp
   forms/CurveSpans.cpp
   forms/Loaded.cpp
-  forms/LongMenuStyle.h
   forms/NameText.cpp
   forms/PictureBox.cpp
   forms/ProgramIcon.cpp
-  forms/RoomyStyle.h
+  forms/Styles.h
   lang/ApplyFormTexts.cpp
-  lang/ToolkitTexts.cpp
   lang/frmLanguage.cpp
   lang/frmLanguage.ui
+  lang/ToolkitTexts.cpp
   platform/qt/CurlTransferControl.cpp
   platform/qt/QtEvents.cpp
   platform/qt/QtLocale.cpp
@@ -52,27 +54,23 @@ add_library(korvalin_gui STATIC
   settingsdlg/frmEinstellungen.ui
   settingsdlg/NetworkPages.cpp
   settingsdlg/NetworkTableModel.cpp
-  stats/StatTableModel.cpp
-  stats/TariffEditor.cpp
   stats/frmStatistik.cpp
   stats/frmStatistik.ui
-  startup/AboutBox.cpp
-  startup/Desktop.cpp
-  startup/EndRequests.cpp
-  startup/SettingsDialog.cpp
-  stats/GraphPage.cpp
-  stats/GraphPage.ui
-  stats/PictureCanvas.cpp)
+  stats/graph/GraphPage.cpp
+  stats/graph/GraphPage.ui
+  stats/graph/PictureCanvas.cpp
+  stats/StatTableModel.cpp
+  stats/TariffEditor.cpp)
 set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTORCC ON AUTOUIC ON)
 target_compile_definitions(korvalin_gui PUBLIC QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
                                                QT_NO_URL_CAST_FROM_STRING QT_STRICT_ITERATORS)
 target_precompile_headers(korvalin_gui PRIVATE <QtWidgets> ${PROJECT_SOURCE_DIR}/src/base/Precompiled.h)
-target_link_libraries(korvalin_gui PUBLIC korvalin_core korvalin_linux Qt6::Widgets PRIVATE Qt6::DBus PkgConfig::XCB)
+target_link_libraries(korvalin_gui PUBLIC korvalin_core korvalin_linux Qt6::DBus Qt6::Widgets PRIVATE PkgConfig::XCB)
 
 # The file name is the same on every system: an update replaces "Korvalin.exe". `korvalin` is what users type.
-add_executable(korvalin_program startup/main.cpp)
-set_target_properties(korvalin_program PROPERTIES OUTPUT_NAME Korvalin SUFFIX .exe)
-target_link_libraries(korvalin_program PRIVATE korvalin_gui)
-add_custom_command(TARGET korvalin_program POST_BUILD
+add_executable(korvalin_desktop desktop/main.cpp)
+set_target_properties(korvalin_desktop PROPERTIES OUTPUT_NAME Korvalin SUFFIX .exe)
+target_link_libraries(korvalin_desktop PRIVATE korvalin_gui)
+add_custom_command(TARGET korvalin_desktop POST_BUILD
   COMMAND ${CMAKE_COMMAND} -E create_symlink Korvalin.exe ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/korvalin
   VERBATIM)

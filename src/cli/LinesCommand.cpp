@@ -1,7 +1,6 @@
-#include "cli/LinesCommand.h"
-
+#include "cli/Commands.h"
 #include "cli/Output.h"
-#include "startup/Program.h"
+#include "program/Program.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,8 +1,6 @@
-#include "cli/NetworkCommand.h"
-
 #include "base/Text.h"
-#include "settingsdlg/AdapterTable.h"
-#include "settingsdlg/AddressTable.h"
+#include "cli/Commands.h"
+#include "settingsdlg/NetworkTexts.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

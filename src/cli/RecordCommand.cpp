@@ -1,7 +1,6 @@
-#include "cli/RecordCommand.h"
-
-#include "platform/linux/TerminationSignals.h"
-#include "startup/Program.h"
+#include "cli/Commands.h"
+#include "platform/linux/system/TerminationSignals.h"
+#include "program/Program.h"
 
 #include <fmt/format.h>
 

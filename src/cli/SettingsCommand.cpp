@@ -1,6 +1,5 @@
-#include "cli/SettingsCommand.h"
-
 #include "base/Text.h"
+#include "cli/Commands.h"
 #include "settings/Settings.h"
 
 #include <fmt/format.h>

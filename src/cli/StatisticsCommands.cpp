@@ -1,7 +1,6 @@
-#include "cli/StatisticsCommands.h"
-
 #include "base/Text.h"
-#include "startup/Program.h"
+#include "cli/Commands.h"
+#include "program/Program.h"
 
 #include <fmt/format.h>
 

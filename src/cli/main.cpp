@@ -1,17 +1,12 @@
 #include "base/Locale.h"
+#include "cli/Commands.h"
 #include "cli/ConsoleMessageBoxes.h"
-#include "cli/LinesCommand.h"
-#include "cli/NetworkCommand.h"
-#include "cli/NoScreen.h"
-#include "cli/PlainEvents.h"
-#include "cli/RecordCommand.h"
-#include "cli/SettingsCommand.h"
-#include "cli/StatisticsCommands.h"
+#include "cli/Windowless.h"
 #include "platform/Ports.h"
-#include "platform/linux/LinuxLocale.h"
-#include "platform/linux/LinuxSystem.h"
-#include "platform/linux/TerminationSignals.h"
-#include "startup/Program.h"
+#include "platform/linux/system/LinuxLocale.h"
+#include "platform/linux/system/LinuxSystem.h"
+#include "platform/linux/system/TerminationSignals.h"
+#include "program/Program.h"
 
 #include <CLI/CLI.hpp>
 
@@ -172,7 +167,7 @@ int main(int argc, char** argv) {
     const Ports ports = system.PortsWith(events, messageBoxes, screen);
     Program program(ports, locale);
     LoadTexts(program);
-    system.TellNotes(program.errors);
+    program.LogNotes(system.TakeNotes());
     const int exitCode = Run(line, ports, program, signals ? &*signals : nullptr);
     return messageBoxes.ShowedError() ? EXIT_FAILURE : exitCode;
 }

@@ -1,5 +1,6 @@
 #include "dialogs/frmAbout.h"
 
+#include "base/ProgramTitle.h"
 #include "dialogs/MakerInfo.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"

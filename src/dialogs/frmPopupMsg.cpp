@@ -1,5 +1,6 @@
 #include "dialogs/frmPopupMsg.h"
 
+#include "base/ProgramTitle.h"
 #include "dialogs/MessageTexts.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"

@@ -1,7 +1,7 @@
 #include "display/DialMenu.h"
 
-#include "forms/LongMenuStyle.h"
 #include "forms/NameText.h"
+#include "forms/Styles.h"
 
 #include <QMenu>
 

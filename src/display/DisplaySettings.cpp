@@ -1,7 +1,7 @@
 #include "display/DisplaySettings.h"
 
 #include "display/InfoTexts.h"
-#include "display/UnitFormat.h"
+#include "lang/UnitFormat.h"
 #include "settings/Settings.h"
 
 #include <algorithm>

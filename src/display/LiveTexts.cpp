@@ -1,5 +1,6 @@
 #include "display/LiveTexts.h"
 
+#include "base/ProgramTitle.h"
 #include "errors/Errors.h"
 #include "lang/Language.h"
 #include "stats/MonthSums.h"

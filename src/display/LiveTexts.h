@@ -2,7 +2,7 @@
 
 #include "display/InfoTexts.h"
 #include "display/RateHistory.h"
-#include "display/UnitFormat.h"
+#include "lang/UnitFormat.h"
 #include "traffic/LineRecord.h"
 
 namespace korvalin {

@@ -4,7 +4,7 @@
 #include "errors/Errors.h"
 #include "forms/Colors.h"
 #include "forms/ProgramIcon.h"
-#include "platform/qt/NotificationArea.h"
+#include "platform/NotificationArea.h"
 #include "traffic/LineRecord.h"
 
 #include <QPainter>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "display/InfoTexts.h"
-#include "stats/PeriodUse.h"
+#include "stats/MonthSums.h"
 
 #include <cstdint>
 #include <string>

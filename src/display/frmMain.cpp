@@ -1,6 +1,7 @@
 #include "display/frmMain.h"
 
 #include "base/FlagGuard.h"
+#include "base/ProgramTitle.h"
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
 #include "forms/MakeUi.h"
@@ -8,7 +9,7 @@
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
 #include "platform/MessageBoxes.h"
-#include "platform/qt/NotificationArea.h"
+#include "platform/NotificationArea.h"
 #include "settings/Settings.h"
 #include "ui_frmMain.h"
 
@@ -174,7 +175,7 @@ void frmMain::ShowMainWindow(bool show) {
         RestoreGeometry();
         if (wasHidden && !frame_.IsSettled()) frame_.AwaitFrame();
         RaiseWindowsAbove();
-    } else if (!IsFormLoaded("frmEinstellungen")) {
+    } else if (!hooks_.StaysShown()) {
         windowShown_ = false;
         PutAway();
     }

@@ -52,6 +52,8 @@ class frmMain : public QWidget, public MonitorWindow {
         std::function<void(CloseReason reason)> Closing = [](CloseReason) {};
         /// What is used of the charted line's period, for the icon's first bar.
         std::function<PeriodUse()> UseOfChartLine = [] { return PeriodUse(); };
+        /// Whether the window may not be put away now.
+        std::function<bool()> StaysShown = [] { return false; };
         /// Opens the statistics window; its menu entry is hidden while nobody does.
         std::function<void()> OpenStatistics = {};
         /// Opens the settings dialog; its menu entry is hidden while nobody does.

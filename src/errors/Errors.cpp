@@ -1,5 +1,6 @@
 #include "errors/Errors.h"
 
+#include "base/ProgramTitle.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>

@@ -15,8 +15,6 @@
 
 namespace korvalin {
 
-inline constexpr std::string_view ProgramTitle = "Korvalin";
-
 /// A failure with the system's own number (a Win32, RAS or errno value).
 class NumberedError : public std::runtime_error {
   public:

@@ -1,8 +1,9 @@
 #include "inet/UpdateCheck.h"
 
 #include "base/Locale.h"
-#include "errors/ConnectionState.h"
+#include "base/ProgramTitle.h"
 #include "errors/Errors.h"
+#include "inet/ConnectionState.h"
 #include "inet/UpdateSite.h"
 #include "inet/WebAddress.h"
 #include "platform/Clock.h"

@@ -1,8 +1,8 @@
 #include "inet/UpdateDownload.h"
 
+#include "base/Paths.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
-#include "errors/Paths.h"
 #include "inet/UpdateFiles.h"
 #include "inet/UpdateSite.h"
 #include "platform/Clock.h"

@@ -1,9 +1,10 @@
 #include "lang/Language.h"
 
 #include "base/Numbers.h"
+#include "base/Paths.h"
+#include "base/ProgramTitle.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
-#include "errors/Paths.h"
 #include "lang/LanguageFile.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"

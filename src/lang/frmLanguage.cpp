@@ -1,5 +1,6 @@
 #include "lang/frmLanguage.h"
 
+#include "base/ProgramTitle.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"
 #include "lang/Language.h"

@@ -17,7 +17,7 @@ class DialDialog {
   public:
     virtual ~DialDialog() = default;
 
-    /// Dialling begins; the window stays until End.
+    /// Dialing begins; the window stays until End.
     virtual void Begin(const std::string& entryName) = 0;
     virtual void ShowStage(DialStage stage) = 0;
     /// The user has pressed the cancel button or closed the window since Begin.

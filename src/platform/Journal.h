@@ -62,7 +62,9 @@ struct JournalFound {
     bool KnowsMachine = false;
     /// The counters have gone on since; otherwise they began again with the system.
     bool SameBoot = false;
-    JournalPicture Picture;
+    JournalPicture Picture = {};
+    /// The journal is there, but could not be read now: the rest says nothing.
+    bool IsUnreadable = false;
 };
 
 /// A moment's counters of an entry that has an open connection, for the case that the program is killed.

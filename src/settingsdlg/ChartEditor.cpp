@@ -1,12 +1,12 @@
 #include "settingsdlg/ChartEditor.h"
 
 #include "base/Units.h"
-#include "display/UnitFormat.h"
 #include "forms/BoundBox.h"
 #include "forms/Colors.h"
 #include "forms/Combos.h"
 #include "forms/KeptWhileAsking.h"
 #include "lang/Language.h"
+#include "lang/UnitFormat.h"
 #include "settings/Settings.h"
 #include "settingsdlg/ChoiceLists.h"
 #include "settingsdlg/TypedValues.h"

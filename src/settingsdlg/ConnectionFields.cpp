@@ -1,6 +1,6 @@
 #include "settingsdlg/ConnectionFields.h"
 
-#include "errors/ConnectionState.h"
+#include "inet/ConnectionState.h"
 #include "lang/Language.h"
 
 namespace korvalin {

@@ -2,9 +2,8 @@
 
 #include "forms/Twips.h"
 #include "lang/Language.h"
-#include "settingsdlg/AdapterTable.h"
-#include "settingsdlg/AddressTable.h"
 #include "settingsdlg/ConnectionFields.h"
+#include "settingsdlg/NetworkTexts.h"
 #include "ui_frmEinstellungen.h"
 
 #include <QClipboard>

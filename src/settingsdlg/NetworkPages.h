@@ -1,6 +1,6 @@
 #pragma once
 
-#include "forms/RoomyStyle.h"
+#include "forms/Styles.h"
 #include "settingsdlg/NetworkTableModel.h"
 
 #include <QObject>

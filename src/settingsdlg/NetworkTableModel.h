@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settingsdlg/TextTable.h"
+#include "settingsdlg/NetworkTexts.h"
 
 #include <QAbstractTableModel>
 

@@ -1,8 +1,8 @@
 #include "settingsdlg/SettingsApplier.h"
 
 #include "display/DisplaySettings.h"
-#include "display/UnitFormat.h"
 #include "errors/Errors.h"
+#include "lang/UnitFormat.h"
 #include "settings/Password.h"
 #include "settings/Settings.h"
 #include "settingsdlg/TypedValues.h"

@@ -2,6 +2,7 @@
 
 #include "base/Locale.h"
 #include "base/Numbers.h"
+#include "base/ProgramTitle.h"
 #include "base/Text.h"
 #include "display/frmMain.h"
 #include "errors/Errors.h"

@@ -24,6 +24,11 @@ bool JournalKeeper::Start() {
     parts_.Ledger.Begin(found);
     started_ = false;
     if (!records_) return false;
+    if (found.IsUnreadable && WaitsForJournal()) {
+        records_ = false;
+        return true;
+    }
+    if (!found.IsUnreadable) failingSince_ = -1;
     parts_.Recorder.TakeUp(found.Picture.Pending);
     std::vector<JournalEntry> ended = found.Picture.Entries;
     // A dial-up line may still be up: the first pass tells.
@@ -35,6 +40,17 @@ bool JournalKeeper::Start() {
     parts_.Ledger.KeepDialUps(std::move(dialUps));
     if (parts_.Recorder.HasPending()) Write(false);
     return true;
+}
+
+// Mostly somebody else is reading it. One that stays unreadable must not keep the lines from being recorded.
+bool JournalKeeper::WaitsForJournal() {
+    const double now = parts_.Clock.AwakeSeconds();
+    if (failingSince_ < 0) {
+        failingSince_ = now;
+        parts_.Errors.WriteErrorLog("The journal of the counters cannot be read.", "SaveStats");
+    }
+    nextSave_ = now + secondsBetweenAttempts;
+    return now - failingSince_ < mostSecondsWithoutJournal;
 }
 
 void JournalKeeper::RecordInterrupted(const std::vector<JournalEntry>& entries) {
@@ -60,8 +76,8 @@ void JournalKeeper::EndForDay(std::vector<JournalEntry>& dialUps) {
 void JournalKeeper::PassEnded() {
     if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
-        // The other program has counted these lines up to its end; from there they begin anew.
-        if (!parts_.Recorder.TakeOver()) return;
+        if (parts_.Clock.AwakeSeconds() < nextSave_ || !parts_.Recorder.TakeOver()) return;
+        // The journal has counted these lines up to its last entry; from there they begin anew.
         parts_.Book.ForgetLines();
         Start();
         return;

@@ -47,6 +47,7 @@ class JournalKeeper {
     void RecordOpenLines(CloseReason reason);
 
   private:
+    bool WaitsForJournal();
     JournalPicture Picture() const;
     bool Save(Journal::Durability durability);
     void Write(bool evenWithoutJournal);
@@ -59,9 +60,9 @@ class JournalKeeper {
     Parts parts_;
     bool begun_ = false;
     bool records_ = false;
-    bool started_ = false; // at least one pass has been made
+    bool started_ = false;         // at least one pass has been made
     std::filesystem::path folder_; // of the last Save
-    bool written_ = false; // the journal, in this run
+    bool written_ = false;         // the journal, in this run
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
     double failingSince_ = -1; // seconds awake; below 0: the journal can be written

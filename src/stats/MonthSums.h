@@ -2,7 +2,6 @@
 
 #include "platform/Journal.h"
 #include "stats/BilledParts.h"
-#include "stats/PeriodUse.h"
 #include "stats/StatRecord.h"
 
 #include <string>
@@ -16,6 +15,14 @@ class Aliases;
 class Clock;
 class Errors;
 struct LineState;
+
+/// What the billing rules make of a line's current period, the running connection included.
+struct PeriodUse {
+    double UsedBytes = 0;
+    double FreeBytes = 0;       ///< allowance of the period; 0 = none
+    bool TrayVol = false;       ///< the tray shows what is left of the allowance instead of what is used
+    double FractionElapsed = 0; ///< of the period
+};
 
 /// The sums of the current billing period, one per alias: what was recorded before the last
 /// CalcStatsThisMonth and since. What is open comes on top when somebody asks.

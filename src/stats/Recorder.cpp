@@ -2,6 +2,7 @@
 
 #include "base/Locale.h"
 #include "base/Text.h"
+#include "data/DataFolder.h"
 #include "errors/Errors.h"
 #include "lang/Language.h"
 #include "platform/Clock.h"
@@ -9,7 +10,6 @@
 #include "platform/RecordingLock.h"
 #include "stats/LineReader.h"
 #include "stats/RecordPlace.h"
-#include "stats/StatFileName.h"
 #include "stats/StatLine.h"
 #include "traffic/CounterLedger.h"
 #include "traffic/LineRecord.h"

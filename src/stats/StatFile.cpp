@@ -1,16 +1,16 @@
 #include "stats/StatFile.h"
 
 #include "base/Locale.h"
+#include "base/Paths.h"
 #include "base/Text.h"
+#include "data/DataFolder.h"
 #include "errors/Errors.h"
-#include "errors/Paths.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
 #include "stats/Aliases.h"
 #include "stats/LineReader.h"
 #include "stats/MergeRecords.h"
 #include "stats/SortStats.h"
-#include "stats/StatFileName.h"
 #include "stats/StatLine.h"
 
 #include <fstream>

@@ -2,6 +2,7 @@
 
 #include "base/Locale.h"
 #include "base/Numbers.h"
+#include "base/ProgramTitle.h"
 #include "base/Text.h"
 #include "base/Units.h"
 #include "errors/Errors.h"
@@ -14,11 +15,11 @@
 #include "platform/MessageBoxes.h"
 #include "settings/Settings.h"
 #include "stats/Aliases.h"
-#include "stats/GraphPage.h"
 #include "stats/MonthSums.h"
 #include "stats/PeriodSums.h"
 #include "stats/StatExport.h"
 #include "stats/TariffEditor.h"
+#include "stats/graph/GraphPage.h"
 #include "ui_frmStatistik.h"
 
 #include <QClipboard>

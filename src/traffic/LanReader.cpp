@@ -4,6 +4,7 @@
 #include "errors/Errors.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvalin {
 namespace {
@@ -50,7 +51,7 @@ void LanReader::Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines) {
 }
 
 void LanReader::Observe(Unfollowed bytes) {
-    if (!ReadTable()) return;
+    if (!std::exchange(looked_, false) && !ReadTable()) return;
     atStart_ = false;
     for (const InterfaceRow& row : removed_)
         ledger_.Close(row);
@@ -107,6 +108,12 @@ const InterfaceRow* LanReader::FindRow(std::uint32_t index) const {
         std::lower_bound(rows_.begin(), rows_.end(), index,
                          [](const InterfaceRow& row, std::uint32_t i) { return row.Index < i; });
     return found != rows_.end() && found->Index == index ? &*found : nullptr;
+}
+
+const InterfaceRow* LanReader::LatestOf(std::uint32_t index) const {
+    const auto removed = std::find_if(removed_.begin(), removed_.end(),
+                                      [&](const InterfaceRow& row) { return row.Index == index; });
+    return removed != removed_.end() ? &*removed : FindRow(index);
 }
 
 // The connection over an adapter; mostly the one in `slot`, where its adapter stood in the pass before.
@@ -171,6 +178,7 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
         progress_ = static_cast<int>(i) + 501;
         Step([&] {
             if (IsLeftOut(rows_[i])) ledger_.Count(rows_[i], reading_.Time);
+            if (!IsUp(rows_[i])) names_.NoteDown(rows_[i].Index);
             if (!IsUp(rows_[i]) || IsLeftOut(rows_[i])) return;
             const std::string& name = names_.NameOf(rows_[i], rows_);
             if (!PassesThreshold(rows_[i])) return;

@@ -17,6 +17,12 @@ class LanReader {
 
     void Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines);
 
+    /// Reads the table in a pass that is not over adapters, before Observe: up to where ended connections
+    /// have counted.
+    void Look() { looked_ = ReadTable(); }
+    /// The counters of an interface in the latest table, or of one that was removed since the table before.
+    const InterfaceRow* LatestOf(std::uint32_t index) const;
+
     /// What adapters move while nobody follows them is a line's once one is followed, or nobody's.
     enum class Unfollowed { Kept, Nobodys };
     /// Looks at the adapters in a pass that follows none of them.
@@ -56,6 +62,7 @@ class LanReader {
     std::vector<InterfaceRow> rows_;    // kept for its storage
     std::vector<InterfaceRow> removed_; // since the pass before
     Reading reading_;
+    bool looked_ = false; // the table is this pass's
     bool hardwareIsUp_ = false;
     bool atStart_ = true; // no table has been read before
     bool ended_ = false;  // a connection has ended in this pass

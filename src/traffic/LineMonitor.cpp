@@ -1,7 +1,7 @@
 #include "traffic/LineMonitor.h"
 
-#include "errors/ConnectionState.h"
 #include "errors/Errors.h"
+#include "inet/ConnectionState.h"
 #include "platform/User.h"
 
 namespace korvalin {
@@ -68,8 +68,8 @@ void LineMonitor::TakeSnapshot() {
     }
 }
 
-// A pass over "unknown" lines reads nothing, so the LAN flag of such a pass is not looked at. Adapters that are
-// followed go on to be when no route is left.
+// A pass over "unknown" lines reads nothing, so the LAN flag of such a pass is not looked at. Adapters that
+// are followed go on to be when no route is left.
 void LineMonitor::DetermineLineType() {
     const ConnectedState connected = internet_.GetConnectedState();
     if ((connected.Flags & InternetConnectionModem) != 0) {

@@ -5,6 +5,7 @@
 #include "platform/Ras.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvalin {
 namespace {
@@ -26,11 +27,18 @@ const std::string& LineNames::NameOf(const InterfaceRow& row, const std::vector<
     if (options_.LanByNetwork && row.HasHardware) network = AsRecorded(networks_.NetworkOf(row.Description));
     if (named_.size() > rows.size()) ForgetGone(rows);
     Named& named = named_[row.Index];
+    const bool stayedUp = !std::exchange(named.WentDown, false) && named.Adapter == row.Description;
+    if (network.empty() && options_.LanByNetwork && stayedUp) network = named.Network;
     if (named.Adapter == row.Description && named.Network == network && !named.Name.empty())
         return named.Name;
     named = {row.Description, network, network.empty() ? std::string(Trim(row.Description)) : network};
     if (!network.empty() && IsTaken(network, rows)) named.Name += " (" + row.Description + ")";
     return named.Name;
+}
+
+void LineNames::NoteDown(std::uint32_t index) {
+    const auto named = named_.find(index);
+    if (named != named_.end()) named->second.WentDown = true;
 }
 
 std::string LineNames::NameOfRemoved(const InterfaceRow& row) const {

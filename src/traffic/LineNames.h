@@ -23,6 +23,10 @@ class LineNames {
     /// network.
     const std::string& NameOf(const InterfaceRow& row, const std::vector<InterfaceRow>& rows);
 
+    /// An adapter went down: when it comes up it may be on another network. As long as it is up it is on the
+    /// one that was told last, though nobody knows it while NetworkManager is started again.
+    void NoteDown(std::uint32_t index);
+
     /// What the line of an adapter was called that is not there any more: nobody knows its network now.
     std::string NameOfRemoved(const InterfaceRow& row) const;
 
@@ -32,6 +36,7 @@ class LineNames {
 
     struct Named {
         std::string Adapter, Network, Name;
+        bool WentDown = false; ///< since it was named
     };
     Networks& networks_;
     Ras& ras_;

@@ -1,7 +1,8 @@
 #include "traffic/PhoneBook.h"
 
-#include "errors/ConnectionState.h"
+#include "base/ProgramTitle.h"
 #include "errors/Errors.h"
+#include "inet/ConnectionState.h"
 
 #include <algorithm>
 

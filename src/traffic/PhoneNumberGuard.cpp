@@ -1,5 +1,6 @@
 #include "traffic/PhoneNumberGuard.h"
 
+#include "base/ProgramTitle.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
 #include "lang/Language.h"

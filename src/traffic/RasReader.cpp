@@ -4,6 +4,7 @@
 #include "errors/Errors.h"
 #include "platform/NetworkTables.h"
 #include "settings/Settings.h"
+#include "traffic/LanReader.h"
 
 #include <fmt/format.h>
 
@@ -12,12 +13,14 @@
 namespace korvalin {
 
 RasReader::RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book,
-                     CounterLedger& ledger, Settings& settings, Errors& errors, Clock& clock)
+                     CounterLedger& ledger, LanReader& adapters, Settings& settings, Errors& errors,
+                     Clock& clock)
     : ras_(ras),
       network_(network),
       state_(state),
       book_(book),
       ledger_(ledger),
+      adapters_(adapters),
       settings_(settings),
       errors_(errors),
       clock_(clock) {}
@@ -149,13 +152,34 @@ void RasReader::MeasureDuration(LineRecord& line, const RasStatistics& statistic
     line.Duration = measured;
 }
 
+// A connection that has ended gets what its interface has counted since the last reading.
+void RasReader::AdvanceEnded(const TableFromOne<LineRecord>& lines) {
+    const auto carries = [](std::uint32_t index) {
+        return [index](const LineRecord& line) { return line.Connected && line.Index == index; };
+    };
+    for (LineRecord& ended : state_.PreviousLineTable) {
+        if (!ended.Connected || !ended.IsRas || std::any_of(lines.begin(), lines.end(), carries(ended.Index)))
+            continue;
+        if (const InterfaceRow* row = adapters_.LatestOf(ended.Index)) {
+            const CounterLedger::Account account = ledger_.Of(ended.Index);
+            if (row->InOctets > account.Received)
+                ended.BytesReceived += static_cast<double>(row->InOctets - account.Received);
+            if (row->OutOctets > account.Transmitted)
+                ended.BytesTransmitted += static_cast<double>(row->OutOctets - account.Transmitted);
+        }
+    }
+}
+
 void RasReader::CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count) {
     const bool fewer = count < state_.LineCount && book_.AnyLineWasConnected();
     if (lineSetChanged_) {
         std::copy_if(lines.begin(), lines.end(), std::back_inserter(carriedOn_),
                      [](const LineRecord& line) { return line.Connected; });
     }
-    if (fewer || lineSetChanged_) book_.RecordClosedConnections(lines, lineSetChanged_ ? 0 : count);
+    if (!fewer && !lineSetChanged_) return;
+    adapters_.Look();
+    AdvanceEnded(lines);
+    book_.RecordClosedConnections(lines, lineSetChanged_ ? 0 : count);
 }
 
 void RasReader::ReadTcpStatistics() {

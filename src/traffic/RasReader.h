@@ -8,6 +8,7 @@
 
 namespace korvalin {
 
+class LanReader;
 class NetworkTables;
 class Settings;
 
@@ -15,7 +16,7 @@ class Settings;
 class RasReader {
   public:
     RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, CounterLedger& ledger,
-              Settings& settings, Errors& errors, Clock& clock);
+              LanReader& adapters, Settings& settings, Errors& errors, Clock& clock);
 
     /// One pass. After one failure the reader stays off until the program is started again.
     void Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines);
@@ -29,6 +30,7 @@ class RasReader {
     void ReadConnection(const RasConnection& connection, std::size_t i, LineRecord& line);
     void BeginLine(const RasConnection& connection, const RasStatistics& statistics, LineRecord& line);
     void MeasureDuration(LineRecord& line, const RasStatistics& statistics);
+    void AdvanceEnded(const TableFromOne<LineRecord>& lines);
     void CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count);
 
     Ras& ras_;
@@ -36,6 +38,7 @@ class RasReader {
     LineState& state_;
     LineBook& book_;
     CounterLedger& ledger_;
+    LanReader& adapters_;
     Settings& settings_;
     Errors& errors_;
     Clock& clock_;

@@ -10,7 +10,7 @@
 #include "fakes/FakeScreen.h"
 #include "fakes/FakeSystem.h"
 #include "fakes/TemporaryFolder.h"
-#include "startup/Program.h"
+#include "program/Program.h"
 
 namespace korvalin {
 

@@ -12,14 +12,16 @@ class FakeJournal : public Journal {
     bool KnowsMachine = false;
     bool SameBoot = true;
     bool Fails = false;
+    bool IsUnreadable = false;
     JournalPicture Kept;     ///< after a kill
     JournalPicture OnMedium; ///< after a power loss
     int Saves = 0;           ///< onto the medium
     std::filesystem::path Folder;
 
     JournalFound Load(const std::filesystem::path&) override {
+        if (IsUnreadable) return {.IsUnreadable = true};
         if (!KnowsMachine) return {};
-        return {true, SameBoot, Kept};
+        return {.KnowsMachine = true, .SameBoot = SameBoot, .Picture = Kept};
     }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/qt/NotificationArea.h"
+#include "platform/NotificationArea.h"
 
 #include <QIcon>
 #include <QMenu>

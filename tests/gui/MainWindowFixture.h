@@ -25,8 +25,11 @@ class MainWindow : public CoreFixture {
             frmMain::Parts{settings, program->language, screen, program->samplingLoop, program->lines,
                            program->rateHistory, program->infoTexts, program->liveTexts, program->errors,
                            clock, program->locale, area, boxes, program->dialing});
-        window->Plug({[this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      [this] { return use; }, openStatistics, openSettings, openAbout});
+        window->Plug({.Closing = [this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
+                      .UseOfChartLine = [this] { return use; },
+                      .OpenStatistics = openStatistics,
+                      .OpenSettings = openSettings,
+                      .OpenAbout = openAbout});
         window->Form_Load();
     }
     // Seconds pass, each with an update.

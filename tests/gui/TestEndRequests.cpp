@@ -1,5 +1,5 @@
-#include "platform/linux/TerminationSignals.h"
-#include "startup/EndRequests.h"
+#include "desktop/EndRequests.h"
+#include "platform/linux/system/TerminationSignals.h"
 
 #include <csignal>
 

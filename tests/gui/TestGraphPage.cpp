@@ -1,7 +1,7 @@
 #include "fakes/CoreFixture.h"
 #include "forms/PictureBox.h"
 #include "lang/ApplyFormTexts.h"
-#include "stats/GraphPage.h"
+#include "stats/graph/GraphPage.h"
 
 #include <QXmlStreamReader>
 

@@ -1,6 +1,6 @@
 #include "fakes/CoreFixture.h"
-#include "settingsdlg/AdapterTable.h"
 #include "settingsdlg/NetworkTableModel.h"
+#include "settingsdlg/NetworkTexts.h"
 
 using namespace korvalin;
 

@@ -1,9 +1,9 @@
 #include "base/Text.h"
+#include "desktop/SettingsDialog.h"
 #include "forms/ColorField.h"
 #include "forms/Colors.h"
 #include "forms/Loaded.h"
 #include "gui/MainWindowFixture.h"
-#include "startup/SettingsDialog.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "fakes/ChildProcess.h"
 #include "inet/UpdateFixture.h"
 #include "inet/WebFixture.h"
-#include "platform/linux/SodiumSignatures.h"
+#include "platform/linux/web/SodiumSignatures.h"
 
 #include <sodium.h>
 

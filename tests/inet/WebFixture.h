@@ -3,8 +3,8 @@
 #include "fakes/CoreFixture.h"
 #include "inet/WebFetch.h"
 #include "inet/WebServer.h"
-#include "platform/linux/CurlHttp.h"
-#include "platform/linux/PosixFiles.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/web/CurlHttp.h"
 #include "platform/qt/CurlTransferControl.h"
 #include "platform/qt/QtEvents.h"
 

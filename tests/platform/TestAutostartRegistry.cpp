@@ -1,7 +1,7 @@
 #include "fakes/FakeRegistry.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/AutostartRegistry.h"
-#include "platform/linux/PosixFiles.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/store/AutostartRegistry.h"
 
 #include <optional>
 

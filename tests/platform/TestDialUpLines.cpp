@@ -1,7 +1,7 @@
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/AddressAge.h"
-#include "platform/linux/DialResults.h"
-#include "platform/linux/InterfaceCounters.h"
+#include "platform/linux/dialup/DialResults.h"
+#include "platform/linux/netlink/AddressAge.h"
+#include "platform/linux/netlink/InterfaceCounters.h"
 
 #include <libmnl/libmnl.h>
 #include <linux/if_addr.h>

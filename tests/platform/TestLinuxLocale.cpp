@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxLocale.h"
+#include "platform/linux/system/LinuxLocale.h"
 
 using namespace korvalin;
 

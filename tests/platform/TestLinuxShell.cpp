@@ -1,5 +1,5 @@
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/LinuxShell.h"
+#include "platform/linux/system/LinuxShell.h"
 
 #include <cerrno>
 #include <cstdlib>

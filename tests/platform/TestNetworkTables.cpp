@@ -1,10 +1,10 @@
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/AddressMessage.h"
-#include "platform/linux/Descriptor.h"
-#include "platform/linux/LinkHardware.h"
-#include "platform/linux/LinkHistory.h"
-#include "platform/linux/LinkMessage.h"
-#include "platform/linux/NetlinkNetworkTables.h"
+#include "platform/linux/files/Descriptor.h"
+#include "platform/linux/netlink/AddressMessage.h"
+#include "platform/linux/netlink/LinkHardware.h"
+#include "platform/linux/netlink/LinkHistory.h"
+#include "platform/linux/netlink/LinkMessage.h"
+#include "platform/linux/netlink/NetlinkNetworkTables.h"
 
 #include <linux/if_addr.h>
 #include <linux/if_arp.h>

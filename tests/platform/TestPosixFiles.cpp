@@ -1,7 +1,7 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/Descriptor.h"
-#include "platform/linux/PosixFiles.h"
+#include "platform/linux/files/Descriptor.h"
+#include "platform/linux/files/PosixFiles.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,7 +1,7 @@
 // The kernel's links in a network of their own, made by iproute2.
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/Descriptor.h"
-#include "platform/linux/NetlinkNetworkTables.h"
+#include "platform/linux/files/Descriptor.h"
+#include "platform/linux/netlink/NetlinkNetworkTables.h"
 
 #include <fmt/format.h>
 #include <linux/if_packet.h>

@@ -2,8 +2,8 @@
 #include "fakes/FakeRegistry.h"
 #include "fakes/FakeSystem.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/AutostartRegistry.h"
-#include "platform/linux/SqliteRegistry.h"
+#include "platform/linux/store/AutostartRegistry.h"
+#include "platform/linux/store/SqliteRegistry.h"
 
 using namespace korvalin;
 

@@ -1,5 +1,5 @@
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/RouteInternet.h"
+#include "platform/linux/netlink/RouteInternet.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/FakeJournal.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/SqliteJournal.h"
+#include "platform/linux/store/SqliteJournal.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/FakeClock.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/SqliteRegistry.h"
+#include "platform/linux/store/SqliteRegistry.h"
 
 #include <memory>
 #include <optional>

@@ -1,10 +1,9 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/Descriptor.h"
-#include "platform/linux/ExitWatch.h"
-#include "platform/linux/FlockInstanceLock.h"
-#include "platform/linux/FlockRecordingLock.h"
-#include "platform/linux/SystemClock.h"
+#include "platform/linux/files/Descriptor.h"
+#include "platform/linux/files/FlockLocks.h"
+#include "platform/linux/system/ExitWatch.h"
+#include "platform/linux/system/SystemClock.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -1,7 +1,6 @@
 #include "fakes/CoreFixture.h"
-#include "settingsdlg/AdapterTable.h"
-#include "settingsdlg/AddressTable.h"
 #include "settingsdlg/ConnectionFields.h"
+#include "settingsdlg/NetworkTexts.h"
 
 using namespace korvalin;
 

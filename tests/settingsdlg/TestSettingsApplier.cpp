@@ -1,5 +1,5 @@
-#include "display/UnitFormat.h"
 #include "fakes/CoreFixture.h"
+#include "lang/UnitFormat.h"
 #include "settingsdlg/SettingsApplier.h"
 
 using namespace korvalin;

@@ -1,6 +1,6 @@
 #include "base/Locale.h"
-#include "stats/DrawGraph.h"
-#include "stats/GraphCanvas.h"
+#include "stats/graph/DrawGraph.h"
+#include "stats/graph/GraphCanvas.h"
 
 #include <algorithm>
 #include <cmath>

@@ -216,8 +216,8 @@ class EveryByte : public StatsFixture {
         explicit Run(EveryByte& t)
             : Book(State, t.errors, t.clock),
               Names(t.networks, t.ras, t.options),
-              Ras(t.ras, t.network, State, Book, Ledger, t.settings, t.errors, t.clock),
               Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
+              Ras(t.ras, t.network, State, Book, Ledger, Lan, t.settings, t.errors, t.clock),
               Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
               Tariffs(t.settings, t.errors, t.clock, [] { return 1; }),
               Month(Tariffs, State, t.errors, t.clock),
@@ -239,8 +239,8 @@ class EveryByte : public StatsFixture {
         CounterLedger Ledger;
         LineBook Book;
         LineNames Names;
-        RasReader Ras;
         LanReader Lan;
+        RasReader Ras;
         LineMonitor Monitor;
         Aliases Tariffs;
         MonthSums Month;

@@ -1,7 +1,7 @@
 // The statistics file on a real file system, under everything that can happen to it.
 #include "StatsFixture.h"
 #include "fakes/ChildProcess.h"
-#include "platform/linux/PosixFiles.h"
+#include "platform/linux/files/PosixFiles.h"
 
 #include <algorithm>
 #include <chrono>
@@ -51,8 +51,14 @@ class StatFaults : public StatsFixture {
     std::string File() const { return folder.Read("Korvalin_Stats.db"); }
 
     PosixFiles posix;
-    StatFile stats{[this] { return folder.Path(); }, posix, events, clock, errors,
-                   [] { return std::vector<OpenConnection>(); }, aliases, locale};
+    StatFile stats{[this] { return folder.Path(); },
+                   posix,
+                   events,
+                   clock,
+                   errors,
+                   [] { return std::vector<OpenConnection>(); },
+                   aliases,
+                   locale};
 };
 
 TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {

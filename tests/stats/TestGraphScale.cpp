@@ -1,5 +1,5 @@
 #include "base/Locale.h"
-#include "stats/GraphScale.h"
+#include "stats/graph/GraphScale.h"
 
 #include <cmath>
 #include <limits>

@@ -1,6 +1,5 @@
 #include "StatsFixture.h"
-#include "stats/GraphDates.h"
-#include "stats/GraphLabels.h"
+#include "stats/graph/GraphLabels.h"
 
 using namespace korvalin;
 

@@ -14,8 +14,8 @@ class Runs : public StatsFixture {
         explicit Run(Runs& t)
             : Book(State, t.errors, t.clock),
               Names(t.networks, t.ras, t.options),
-              Ras(t.ras, t.network, State, Book, Ledger, t.settings, t.errors, t.clock),
               Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
+              Ras(t.ras, t.network, State, Book, Ledger, Lan, t.settings, t.errors, t.clock),
               Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
               Record({State, Ledger, t.files, t.errors, t.language, t.clock, Lock, t.locale,
                       [&t] { return t.dataFolder; }, [](const OpenConnection&) {}}),
@@ -31,8 +31,8 @@ class Runs : public StatsFixture {
         CounterLedger Ledger;
         LineBook Book;
         LineNames Names;
-        RasReader Ras;
         LanReader Lan;
+        RasReader Ras;
         LineMonitor Monitor;
         Recorder Record;
         JournalKeeper Keeper;
@@ -290,6 +290,59 @@ TEST_F(Runs, AnEndWhileTheJournalIsBusyIsRecordedByTheNextStart) {
     run = Start();
     run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
     EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}})) << folder.Read("Korvalin_Stats.db");
+}
+
+TEST_F(Runs, AJournalThatIsBusyAtTheStartIsTakenUpWhenItCanBeRead) {
+    network.Add("eth0", 5000, 0);
+    auto run = Start();
+    Pass(*run);
+    network.Rows[0].InOctets = 6000;
+    Pass(*run);
+    run.reset(); // killed
+    network.Rows[0].InOctets = 7000;
+    journal.IsUnreadable = true;
+    run = Start();
+    Pass(*run);
+    EXPECT_EQ(folder.Read("Korvalin_Stats.db"), "");
+    journal.IsUnreadable = false;
+    Pass(*run, 5);
+    network.Rows[0].InOctets = 8000;
+    Pass(*run);
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 3000}})) << folder.Read("Korvalin_Stats.db");
+}
+
+TEST_F(Runs, AJournalThatStaysUnreadableDoesNotKeepLinesFromBeingRecorded) {
+    network.Add("eth0", 5000, 0);
+    journal.IsUnreadable = true;
+    auto run = Start();
+    for (int second = 0; second <= 65; ++second)
+        Pass(*run);
+    network.Rows[0].InOctets += 1000;
+    run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    EXPECT_EQ(Recorded(), (Days{{"03-15", 1000}})) << folder.Read("Korvalin_Stats.db");
+}
+
+TEST_F(Runs, AModemsLastSecondIsRecorded) {
+    struct {
+        const char* How;
+        bool WasRemoved;
+    } const rows[] = {{"its interface went with it", true}, {"its interface stays", false}};
+    for (const auto& row : rows) {
+        std::filesystem::remove(folder / "Korvalin_Stats.db");
+        journal = FakeJournal();
+        auto run = Start();
+        Dial(3, 100, 100);
+        Pass(*run);
+        Count(1000, 1000);
+        Pass(*run);
+        Count(1500, 1500);
+        ras.Lines.clear();
+        if (row.WasRemoved) network.Removed = std::exchange(network.Rows, {});
+        Pass(*run);
+        Pass(*run);
+        EXPECT_EQ(Recorded(), (Days{{"03-15", 1500}})) << row.How << folder.Read("Korvalin_Stats.db");
+    }
 }
 
 TEST_F(Runs, WithoutAnyJournalAnEndIsRecordedAllTheSame) {

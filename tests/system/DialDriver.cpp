@@ -2,11 +2,11 @@
 // beside.
 #include "platform/DialDialog.h"
 #include "platform/Events.h"
-#include "platform/linux/NetworkManagerInternet.h"
-#include "platform/linux/NetworkManagerLines.h"
-#include "platform/linux/NetworkManagerNetworks.h"
-#include "platform/linux/NetworkManagerRas.h"
-#include "platform/linux/SystemClock.h"
+#include "platform/linux/dialup/NetworkManagerInternet.h"
+#include "platform/linux/dialup/NetworkManagerLines.h"
+#include "platform/linux/dialup/NetworkManagerNetworks.h"
+#include "platform/linux/dialup/NetworkManagerRas.h"
+#include "platform/linux/system/SystemClock.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -7,9 +7,10 @@ import sys
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2] / "src"
 
-# Below each folder stand those before it; folders of one row do not see each other.
-FLOORS = [["base"], ["platform"], ["forms"], ["errors"], ["settings"], ["lang", "inet"], ["traffic", "dialogs"], ["stats"],
-          ["display"], ["settingsdlg", "cli"], ["startup"], ["cli"]]
+# Below each folder stand those of the rows before it; folders of one row do not see each other.
+FLOORS = [["base"], ["platform"], ["platform/linux", "forms", "errors"], ["platform/qt"], ["settings"], ["lang"], ["data", "dialogs"],
+          ["inet"], ["traffic"], ["stats"], ["display"], ["settingsdlg"], ["program"], ["cli", "desktop"]]
+LEVELS = {folder: number for number, row in enumerate(FLOORS) for folder in row}
 STANDARD = set("""algorithm array atomic cerrno charconv chrono cmath cstddef cstdint cstdio cstdlib cstring ctime deque exception
 filesystem fstream span functional initializer_list ios iterator limits map memory numeric optional random set sstream stdexcept
 string string_view system_error thread tuple type_traits unordered_map unordered_set utility variant vector
@@ -19,12 +20,14 @@ fmt/format.h""".split())
 def gui_sources():
     """The files that belong to the windows, and the headers beside them."""
     listed = re.findall(r"^\s+([\w/]+\.cpp)\)?$", (SOURCE / "gui.cmake").read_text(), re.M)
-    names = {pathlib.Path(name).with_suffix("") for name in listed} | {pathlib.Path("startup/main")}
+    names = {pathlib.Path(name).with_suffix("") for name in listed} | {pathlib.Path("desktop/main")}
     return names
 
 
-def level(folder):
-    return max(i for i, row in enumerate(FLOORS) if folder in row)
+def folder_of(name):
+    """The floor's folder: the first that is in the list, from the whole path down."""
+    parents = [str(parent) for parent in pathlib.PurePath(name).parents]
+    return next(folder for folder in parents if folder in LEVELS)
 
 
 faults, checked = [], 0
@@ -33,21 +36,24 @@ for path in sorted(SOURCE.rglob("*")):
     if path.suffix not in (".cpp", ".h"):
         continue
     name = path.relative_to(SOURCE)
-    folder, is_gui = name.parts[0], name.with_suffix("") in gui
-    back_end = folder == "platform" and len(name.parts) > 2
+    folder, is_gui = folder_of(name), name.with_suffix("") in gui
+    text = path.read_text()
     checked += 1
-    for kind, header in re.findall(r'^#include ([<"])([^>"]+)[>"]', path.read_text(), re.M):
+    includes = re.findall(r'^#include ([<"])([^>"]+)[>"]', text, re.M)
+    # A window that is asked for by its name is a dependency too.
+    includes += [('"', str(form.relative_to(SOURCE))) for name_ in re.findall(r'IsFormLoaded\("(\w+)"', text)
+                 for form in SOURCE.rglob(f"{name_}.h")]
+    for kind, header in includes:
         if kind == '"':
-            other = header.split("/")[0]
-            if "/" not in header or back_end:
+            if "/" not in header:  # made by the toolkit from a form
                 continue
-            if level(other) > level(folder) or (other == "forms" and not is_gui and folder != "forms"):
-                faults.append(f"{name} includes {header}, which stands above it")
-            if not is_gui and pathlib.Path(header).with_suffix("") in gui and folder != "forms":
+            other = folder_of(header)
+            if other != folder and LEVELS[other] >= LEVELS[folder]:
+                faults.append(f"{name} includes {header}, which does not stand below it")
+            if not is_gui and folder != "forms" and (other == "forms" or pathlib.Path(header).with_suffix("") in gui):
                 faults.append(f"{name} is core and includes the window {header}")
-        elif not (is_gui or back_end or folder in ("forms", "cli") or header in STANDARD):
+        elif not (is_gui or folder in ("forms", "cli", "platform/linux", "platform/qt") or header in STANDARD):
             faults.append(f"{name} is core and includes <{header}>")
-
 if checked < 60:
     faults.append(f"only {checked} files: this check no longer sees the sources")
 print("\n".join(faults) or f"{checked} files keep to their floors")

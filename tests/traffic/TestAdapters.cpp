@@ -145,7 +145,7 @@ TEST_F(Adapters, AWirelessLineIsNamedAfterItsNetwork) {
         std::string Network;
         bool ByNetwork;
         std::string Expected;
-    } const rows[] = {{"Home", true, "Home"},         {"", true, "wlan0"},
+    } const rows[] = {{"Home", true, "Home"},         {"", true, "Home"},
                       {"ETH0", true, "ETH0 (wlan0)"}, {"phone", true, "phone (wlan0)"},
                       {"Home", false, "wlan0"},       {"Home", true, "Home"}};
     for (const auto& row : rows) {
@@ -156,7 +156,14 @@ TEST_F(Adapters, AWirelessLineIsNamedAfterItsNetwork) {
         EXPECT_EQ(lines.LineTable(1).DeviceName, "wlan0");
         EXPECT_EQ(lines.LineTable(2).EntryName, "eth0");
     }
-    EXPECT_EQ(closed.size(), std::size(rows) - 1) << "each network is a line of its own";
+    EXPECT_EQ(closed.size(), std::size(rows) - 2) << "each network is a line of its own";
+    network.Rows[0].OperStatus = OperationalStatus::Disconnected;
+    Pass();
+    network.Rows[0].OperStatus = OperationalStatus::Operational;
+    networks.Names["wlan0"] = "";
+    Pass();
+    EXPECT_EQ(lines.LineTable(1).EntryName, "wlan0")
+        << "what it was on does not outlast the adapter's going down";
 }
 
 TEST_F(Adapters, AFailingReaderNamesItsProgress) {

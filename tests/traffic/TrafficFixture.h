@@ -35,8 +35,8 @@ class TrafficFixture : public CoreFixture {
     LineBook book{lines, errors, clock};
     CounterLedger ledger;
     LineNames names{networks, ras, options};
-    RasReader rasReader{ras, network, lines, book, ledger, settings, errors, clock};
     LanReader lanReader{network, lines, book, ledger, names, options, errors, clock};
+    RasReader rasReader{ras, network, lines, book, ledger, lanReader, settings, errors, clock};
     LineMonitor monitor{lines, book, rasReader, lanReader, options, internet, user, clock, errors};
     std::vector<Closed> closed;
     int historyResizes = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/TransferControl.h"
-#include "platform/linux/CurlTransfer.h"
+#include "platform/linux/web/CurlTransfer.h"
 
 #include <QSocketNotifier>
 #include <QTimer>

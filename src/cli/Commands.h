@@ -1,0 +1,64 @@
+#pragma once
+
+#include "base/Date.h"
+#include "cli/Output.h"
+#include "stats/PeriodSums.h"
+
+#include <optional>
+#include <string>
+
+namespace korvalin {
+
+class Program;
+
+enum class LinesFormat { Table, Json };
+
+/// Prints the monitored lines with their rates: once, after the second that a rate needs, or every second for
+/// ever.
+void PrintLines(Program& program, LinesFormat format, bool watch);
+
+class Language;
+class NetworkTables;
+struct Locale;
+
+/// Prints the tables of network adapters and IP addresses, as a window shows them or as one JSON object of
+/// two lists, an object for each adapter or address.
+void PrintNetwork(NetworkTables& network, Language& language, const Locale& locale, bool asJson);
+
+class Program;
+class TerminationSignals;
+
+/// Watches the lines and records those that end, without a window, until a signal asks the program to end;
+/// then the open ones are recorded. The exit code: 1 when another program records into the data folder.
+[[nodiscard]] int RecordUntilSignal(Program& program, const TerminationSignals& signals);
+
+class Settings;
+
+/// Prints every setting that is stored or has a default, as it is read: name, kind, value.
+void ListSettings(Settings& settings);
+
+/// Prints one setting as it is read.
+void PrintSetting(Settings& settings, const std::string& name);
+
+/// Stores a value in its corrected form and prints that; an empty text deletes the setting.
+void StoreSetting(Settings& settings, const std::string& name, const std::string& value);
+
+class Program;
+
+/// Which records are wanted; an empty field sets no limit.
+struct RecordFilter {
+    std::string Alias;        ///< letter case ignored
+    std::optional<Date> From; ///< first day on which a connection ended
+    std::optional<Date> Till; ///< last day
+};
+
+/// Prints the recorded connections, sorted by line and log-in.
+void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format);
+
+/// Prints the sums per alias and period: aliases in ascending order, the newest period of each first.
+void PrintSums(Program& program, SumPeriod period, const std::string& alias, OutputFormat format);
+
+/// Loads the statistics file as the start of the program does and tells what that changed.
+void RepairStatistics(Program& program);
+
+} // namespace korvalin

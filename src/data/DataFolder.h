@@ -1,0 +1,77 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace korvalin {
+
+class Clock;
+class Errors;
+class Files;
+class Language;
+class MessageBoxes;
+class Settings;
+class Shell;
+
+/// The statistics file in the data folder. Its backups have this name, "_" and the moment they were made.
+inline constexpr std::string_view StatFileName = "Korvalin_Stats.db";
+/// The file of older releases, converted once.
+inline constexpr std::string_view OldStatFileName = "Korvalin_Stats.txt";
+/// A copy of every record for other programs.
+inline constexpr std::string_view StatExportName = "Korvalin_Stats.csv";
+
+/// The folder of the statistics, their backups and the error log.
+class DataFolder {
+  public:
+    DataFolder(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
+               Files& files, Shell& shell, Clock& clock, const std::filesystem::path& programFolder);
+
+    /// The data folder, ending with a separator. Created when it is missing; where that fails, another folder
+    /// serves for the rest of this run. Cheap while the folder is there; may be called from inside itself (a
+    /// log line).
+    std::filesystem::path GetDataPath();
+
+    /// Where the data are kept unless the user says otherwise.
+    std::filesystem::path CommonFolder() const;
+
+    /// Whether the folder is there (the user may let it be created) and files can be created in it. Tells the
+    /// user what is wrong with it.
+    bool CheckDataFolder(const std::filesystem::path& folder);
+
+    /// Creates the folder and all missing parents; false when it is not there afterwards.
+    bool CreateFolderPath(const std::filesystem::path& folder);
+
+    /// Moves the statistics file to a new data folder; `ask` lets the user decide. What is there already is
+    /// renamed, never overwritten, and a copy that fails leaves both folders as they were. False when the new
+    /// folder was refused or the statistics could not be moved, true also when there was nothing to move.
+    bool ChangeDataPath(const std::filesystem::path& oldFolder, const std::filesystem::path& newFolder,
+                        bool ask);
+
+    /// Removes statistics backups older than the number of days in the settings.
+    void DeleteStatistics();
+
+  private:
+    void DecideFolder(const std::filesystem::path& stored);
+    std::filesystem::path DefaultFolder();
+    void UseAnyWritable();
+    bool HasTexts();
+    bool CanCreateFileIn(const std::filesystem::path& folder);
+    bool UserKeepsNewStatistics();
+    bool UserMovesStatistics();
+    void MoveStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
+
+    Settings& settings_;
+    Language& language_;
+    Errors& errors_;
+    MessageBoxes& messageBoxes_;
+    Files& files_;
+    Shell& shell_;
+    Clock& clock_;
+    std::filesystem::path programFolder_;
+    /// Where this run's data go while the setting names no folder that exists.
+    std::filesystem::path runFolder_;
+    bool decided_ = false;
+    bool deciding_ = false;
+};
+
+} // namespace korvalin

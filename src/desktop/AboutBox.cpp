@@ -1,0 +1,71 @@
+#include "desktop/AboutBox.h"
+
+#include "dialogs/frmAbout.h"
+#include "program/Program.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+namespace korvalin {
+namespace {
+
+// Who waits for a transfer gives it up earlier; this ends one that only trickles.
+const CurlRules rules{.SilenceSeconds = 180};
+
+} // namespace
+
+AboutBox::AboutBox(Program& program, Shell& shell, std::function<void()> endProgram)
+    : program_(program), shell_(shell), endProgram_(std::move(endProgram)), control_(rules) {
+    PlugFetch();
+    PlugCheck();
+    check_.setSingleShot(true);
+    QObject::connect(&check_, &QTimer::timeout, &check_, [this] {
+        if (program_.updateSchedule.AutoUpdateCheck()) endProgram_();
+    });
+}
+
+// Nobody deletes a window that is closed at the very end.
+AboutBox::~AboutBox() {
+    delete box_;
+    program_.webFetch.UseControl(nullptr);
+    program_.webFetch.Plug({});
+    program_.updateCheck.Plug({});
+}
+
+// Before there is an event loop for it, files are fetched without the control.
+void AboutBox::PlugFetch() {
+    if (program_.components.CheckVBComponent("msinet.ocx", true)) program_.webFetch.UseControl(&control_);
+    program_.webFetch.Plug({[this](const FetchProgress& progress) {
+                                if (box_) box_->ShowProgress(progress.Received, progress.Announced);
+                            },
+                            [](const std::string& text) {
+                                QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+                            }});
+}
+
+void AboutBox::PlugCheck() {
+    program_.updateCheck.Plug({[this] { return !box_.isNull(); },
+                               [this](const std::string& text) {
+                                   if (box_) box_->ShowStatus(QString::fromStdString(text));
+                               },
+                               [this](bool running) {
+                                   if (box_) box_->ShowRunning(running);
+                               }});
+}
+
+void AboutBox::Open() {
+    if (!box_) {
+        box_ = new frmAbout({program_.language, shell_, Program::Version().Numbers()});
+        box_->setAttribute(Qt::WA_DeleteOnClose);
+        box_->Plug({[this] { return static_cast<int>(program_.updateCheck.CheckUpdate(false, false)); },
+                    [this] { program_.updateCheck.Cancel(); }, endProgram_});
+        box_->ShowRunning(program_.updateCheck.IsRunning());
+    }
+    box_->Open();
+}
+
+void AboutBox::ScheduleCheck() {
+    check_.start(0);
+}
+
+} // namespace korvalin

@@ -1,0 +1,130 @@
+#include "desktop/AboutBox.h"
+#include "desktop/EndRequests.h"
+#include "desktop/SettingsDialog.h"
+#include "dialogs/QtDialDialog.h"
+#include "dialogs/QtMessageBoxes.h"
+#include "display/frmMain.h"
+#include "forms/Loaded.h"
+#include "forms/ProgramIcon.h"
+#include "lang/ApplyFormTexts.h"
+#include "lang/ToolkitTexts.h"
+#include "lang/frmLanguage.h"
+#include "platform/linux/system/ExitWatch.h"
+#include "platform/linux/system/LinuxLocale.h"
+#include "platform/linux/system/LinuxSystem.h"
+#include "platform/linux/system/TerminationSignals.h"
+#include "platform/qt/QtEvents.h"
+#include "platform/qt/QtLocale.h"
+#include "platform/qt/QtNotificationArea.h"
+#include "platform/qt/QtScreen.h"
+#include "program/Program.h"
+#include "stats/frmStatistik.h"
+
+#include <QApplication>
+#include <QLocale>
+#include <QPointer>
+
+#include <cstdlib>
+
+namespace korvalin {
+namespace {
+
+// Before the toolkit starts: it reads these once.
+void ChoosePlatform() {
+    // Nothing here draws with OpenGL; looking for it costs a third of the start and ten megabytes.
+    setenv("QT_XCB_GL_INTEGRATION", "none", 0);
+    // A Wayland compositor lets no program place its window or keep it on top; XWayland does.
+    if (getenv("WAYLAND_DISPLAY") != nullptr && getenv("DISPLAY") != nullptr)
+        setenv("QT_QPA_PLATFORM", "xcb", 0);
+}
+
+PeriodUse UseOfChartLine(Program& program) {
+    const auto line = static_cast<std::size_t>(program.infoTexts.ChartLineNo);
+    if (line < 1 || line > program.lines.LineTable.Size()) return {};
+    return program.monthSums.UseOf(program.lines.LineTable(line).EntryName);
+}
+
+// Runs the program with its windows on this system's back ends until it ends; returns the exit code.
+int RunDesktop(int argc, char** argv) {
+    const TerminationSignals termination;
+    ChoosePlatform();
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Korvalin"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("korvalin"));
+    QApplication::setWindowIcon(ProgramIcon());
+    QApplication::setQuitOnLastWindowClosed(false); // the window may be hidden and the program still wanted
+
+    QtMessageBoxes messageBoxes;
+    QtScreen screen;
+    QtEvents events;
+    LinuxSystem system;
+    Locale locale = ReadQtLocale(QLocale::system());
+    locale.Collate = SystemCollation();
+    const Ports ports = system.PortsWith(events, messageBoxes, screen);
+    Program program(ports, std::move(locale));
+    messageBoxes.Plug(program.language);
+    QtDialDialog dialDialog;
+    dialDialog.Plug(program.language);
+    system.PlugDialDialog(&dialDialog);
+    program.language.PlugAskLanguage([&] {
+        frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
+        dialog.exec();
+    });
+    if (!program.Main()) return EXIT_SUCCESS;
+    program.LogNotes(system.TakeNotes());
+    UseToolkitTexts(program.language);
+
+    std::unique_ptr<frmStatistik> statistics; // made when it is first wanted
+    const auto openStatistics = [&] {
+        if (!statistics) {
+            statistics = std::make_unique<frmStatistik>(frmStatistik::Parts{
+                program.settings, program.language, program.errors, messageBoxes, program.statFile,
+                program.aliases, program.monthSums, program.periodSums, system.SystemTime(), program.locale,
+                [&program] { return program.RecordsInFile(); }});
+        }
+        statistics->Open();
+    };
+    QtNotificationArea tray;
+    QPointer<frmEinstellungen> settings; // exists only while it is shown
+    frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
+                    program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
+                    system.SystemTime(), program.locale, tray, messageBoxes, program.dialing});
+    AboutBox about(program, system.UserShell(), [&] { window.Quit(); });
+    const auto openSettings = [&] {
+        if (!settings) {
+            settings = MakeSettingsDialog(program, ports, window);
+            settings->setAttribute(Qt::WA_DeleteOnClose);
+        }
+        settings->Open();
+    };
+    window.Plug({.Closing =
+                     [&](CloseReason reason) {
+                         program.updateCheck.Cancel();
+                         program.journalKeeper.RecordOpenLines(reason);
+                     },
+                 .UseOfChartLine = [&] { return UseOfChartLine(program); },
+                 .StaysShown = [] { return IsFormLoaded("frmEinstellungen"); },
+                 .OpenStatistics = openStatistics,
+                 .OpenSettings = openSettings,
+                 .OpenAbout = [&] { about.Open(); }});
+    program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); }, [&] { about.ScheduleCheck(); }});
+    const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
+    // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
+    const ExitWatch exitWatch([&] {
+        messageBoxes.DisplayLost();
+        window.DisplayLost();
+    });
+    program.LoadStatistics();
+    window.Form_Load();
+    const int exitCode = QApplication::exec();
+    delete settings; // nobody deletes a window that is closed at the very end
+    program.LogNotes(system.TakeNotes());
+    return exitCode;
+}
+
+} // namespace
+} // namespace korvalin
+
+int main(int argc, char** argv) {
+    return korvalin::RunDesktop(argc, argv);
+}

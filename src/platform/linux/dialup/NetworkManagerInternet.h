@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/Internet.h"
+#include "platform/linux/dialup/NetworkManagerDialer.h"
+#include "platform/linux/netlink/RouteInternet.h"
+
+namespace korvalin {
+
+/// How the machine is connected: over its network, by the kernel's routes, and over lines of NetworkManager.
+class NetworkManagerInternet : public Internet {
+  public:
+    /// Dials with `parts`.
+    explicit NetworkManagerInternet(const DialerParts& parts);
+
+    /// What dialing needs; see there.
+    NetworkManagerDialer& Dialer() { return dialer_; }
+
+    /// Remote access counts as installed where NetworkManager answers, or may do so later.
+    ConnectedState GetConnectedState() override;
+    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override;
+
+  private:
+    DialerParts parts_;
+    NetworkManagerDialer dialer_;
+    RouteInternet route_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/InstanceLock.h"
+#include "platform/RecordingLock.h"
+#include "platform/linux/files/Descriptor.h"
+
+#include <filesystem>
+#include <string_view>
+
+namespace korvalin {
+
+/// A lock on a file of the settings folder, which the kernel frees when its owner ends, however that happens.
+/// The file itself stays: removing it would let two processes hold locks on two files of the same name.
+class FlockInstanceLock : public InstanceLock {
+  public:
+    FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName);
+
+    bool PreviousInstanceRunning() override;
+    bool IsRunning(const std::string& executableName) override;
+
+  private:
+    std::filesystem::path folder_;
+    std::filesystem::path file_;
+    Descriptor held_;
+};
+
+/// A lock on the folder itself: it leaves no file behind, and the kernel frees it when its owner ends.
+class FlockRecordingLock : public RecordingLock {
+  public:
+    bool Take(const std::filesystem::path& folder) override;
+    bool IsTaken(const std::filesystem::path& folder) override;
+
+  private:
+    Descriptor held_;
+    std::filesystem::path folder_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "base/Locale.h"
+#include "data/DataFolder.h"
+#include "display/LiveTexts.h"
+#include "display/SamplingLoop.h"
+#include "errors/Errors.h"
+#include "inet/UpdateCheck.h"
+#include "inet/UpdateSchedule.h"
+#include "inet/UpdateSite.h"
+#include "inet/WebFetch.h"
+#include "lang/Language.h"
+#include "platform/Ports.h"
+#include "program/AutoStart.h"
+#include "program/Startup.h"
+#include "program/UpdateInstallation.h"
+#include "settings/Settings.h"
+#include "stats/Aliases.h"
+#include "stats/JournalKeeper.h"
+#include "stats/MonthSums.h"
+#include "stats/PeriodSums.h"
+#include "stats/Recorder.h"
+#include "stats/StatFile.h"
+#include "traffic/Dialing.h"
+#include "traffic/LineMonitor.h"
+#include "traffic/PhoneNumberGuard.h"
+
+namespace korvalin {
+
+/// The composition root: owns every module of the core, builds them from the ground up and plugs what stands
+/// above into what stands below. Runs with windows and without.
+class Program {
+    // Before everything that is built from it.
+    Ports ports_;
+    std::filesystem::path executable_;
+    std::filesystem::path programFolder_;
+
+  public:
+    Program(const Ports& ports, Locale locale);
+
+    static ProgramVersion Version();
+
+    /// The start-up sequence; true when the main window is to be shown.
+    [[nodiscard]] bool Main() { return startup.Main(); }
+
+    /// Writes to the error log what the back ends could not: there was none yet.
+    void LogNotes(const std::vector<std::string>& notes);
+
+    /// Loads the settings into the records below, notes the program's start and sizes the history.
+    void LoadRecords();
+
+    /// Takes up what the last run has counted and begins to record. False while another program records.
+    bool BeginToRecord();
+
+    /// BeginToRecord, and loads the statistics file, repairing it, for the sums of the current billing
+    /// periods.
+    void LoadStatistics();
+
+    /// How many of the records made in this run a load of the file finds.
+    std::size_t RecordsInFile() const { return monthSums.RecordsMade() - recorder.Unwritten(); }
+
+    /// For a program that only looks at the statistics: the connections that are open are those of the
+    /// program that records, as its journal has them, or none (`closed`).
+    void ShowOpenConnectionsOfRecorder(bool closed);
+
+    /// LoadRecords, and brings the entry for starting with the system in line with the settings.
+    void LoadUserVar();
+
+    Locale locale;
+    Errors errors;
+    Settings settings;
+    Language language;
+    DataFolder dataFolder;
+    WebFetch webFetch;
+    UpdateSite updateSite;
+    Components components;
+    UpdateInstallation updateInstallation;
+    AutoStartEntry autoStart;
+
+    LineState lines;
+    TrafficOptions trafficOptions;
+    LineBook lineBook;
+    CounterLedger counterLedger;
+    LineNames lineNames;
+    LanReader lanReader;
+    RasReader rasReader;
+    LineMonitor lineMonitor;
+    PhoneBook phoneBook;
+    PhoneNumberGuard phoneNumberGuard;
+    Dialing dialing;
+
+    Aliases aliases;
+    MonthSums monthSums;
+    StatFile statFile;
+    PeriodSums periodSums;
+    Recorder recorder;
+    JournalKeeper journalKeeper;
+
+    InfoTexts infoTexts;
+    RateHistory rateHistory;
+    UnitFormat units;
+    LiveTexts liveTexts;
+    SamplingLoop samplingLoop;
+
+    UpdateDownload updateDownload;
+    UpdateCheck updateCheck;
+    UpdateSchedule updateSchedule;
+
+    Startup startup;
+
+  private:
+    Download FromUpdateSite();
+    std::function<std::string(int)> UpdateText();
+    void PlugErrors();
+    std::vector<OpenConnection> OpenConnectionsOfRecorder();
+
+    std::function<std::vector<OpenConnection>()> openConnections_;
+};
+
+} // namespace korvalin

@@ -1,0 +1,351 @@
+#include "stats/graph/GraphPage.h"
+
+#include "base/Locale.h"
+#include "base/ProgramTitle.h"
+#include "base/Text.h"
+#include "errors/Errors.h"
+#include "forms/Combos.h"
+#include "forms/Twips.h"
+#include "lang/Language.h"
+#include "platform/Clock.h"
+#include "platform/MessageBoxes.h"
+#include "settings/Settings.h"
+#include "stats/Aliases.h"
+#include "stats/graph/GraphLabels.h"
+#include "stats/graph/GraphSvg.h"
+#include "stats/graph/PictureCanvas.h"
+#include "ui_GraphPage.h"
+
+#include <QHelpEvent>
+#include <QLineEdit>
+#include <QLocale>
+#include <QSignalBlocker>
+#include <QToolTip>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace korvalin {
+namespace {
+
+constexpr int maxPeriodsChoices[] = {7, 12, 14, 24, 31, 52, 100, 365, 1000};
+constexpr int svgWidth = 800; // pixels
+constexpr int svgHeight = 400;
+
+QString ToQt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// In lower case.
+std::unordered_set<std::string> AliasesWithRecords(const StatRecords& records) {
+    std::unordered_set<std::string> aliases;
+    const void* last = nullptr;
+    for (const StatRecord& record : records.List) {
+        if (record.Alias.Identity() == last) continue;
+        last = record.Alias.Identity();
+        aliases.insert(ToLower(record.Alias));
+    }
+    return aliases;
+}
+
+// Offers the days and shows one that need not be among them.
+void FillDates(QComboBox& combo, const std::vector<Date>& days, Date shown, const Locale& locale) {
+    const auto text = [&](Date day) { return ToQt(FormatPattern(day, locale.ShortDate)); };
+    const QSignalBlocker quiet(combo);
+    combo.clear();
+    for (const Date day : days)
+        combo.addItem(text(day), day);
+    combo.setCurrentIndex(combo.findText(text(shown)));
+    combo.setEditText(text(shown));
+}
+
+void Check(QCheckBox& box, bool checked) {
+    const QSignalBlocker quiet(box);
+    box.setChecked(checked);
+}
+
+} // namespace
+
+GraphPage::GraphPage(const Parts& parts, QWidget* parent)
+    : QWidget(parent), parts_(parts), ui_(std::make_unique<Ui::GraphPage>()) {
+    ui_->setupUi(this);
+    for (QComboBox* combo : {ui_->cboGFrom, ui_->cboGTill, ui_->cboGMaxPeriods})
+        combo->setCompleter(nullptr); // it would make another date of one that is being typed
+    LoadSettings();
+    ApplyTexts();
+    ConnectControls();
+    ui_->PicChart->installEventFilter(this);
+}
+
+GraphPage::~GraphPage() = default;
+
+std::string GraphPage::StatText(int number) const {
+    return parts_.Texts.Lng("frmStatistik", number);
+}
+
+// ---- controls
+
+void GraphPage::LoadSettings() {
+    Settings& settings = parts_.Settings;
+    options_.Alias = settings.Get(Keys::GAlias);
+    options_.From = DayOf(settings.Get(Keys::GFrom));
+    options_.Till = DayOf(settings.Get(Keys::GTill));
+    options_.Period = view_.Period = static_cast<SumPeriod>(settings.Get(Keys::GPeriodType));
+    options_.FirstWeekday = QLocale().firstDayOfWeek() % 7; // the toolkit's Sunday is 7
+    options_.MaxPeriods = settings.Get(Keys::GMaxPeriods);
+    view_.ShowValue = settings.Get(Keys::GShowValue);
+    Check(*ui_->boxShowValue, view_.ShowValue);
+    for (const int count : maxPeriodsChoices)
+        ui_->cboGMaxPeriods->addItem(QString::number(count));
+    ui_->cboGMaxPeriods->setEditText(QString::number(options_.MaxPeriods));
+    ui_->cboGWeekday->setEnabled(options_.Period == SumPeriod::Week);
+    ShowDates();
+}
+
+void GraphPage::ConnectControls() {
+    const auto onChoice = [this](QComboBox* combo, auto take) {
+        connect(combo, &QComboBox::currentIndexChanged, this, take);
+    };
+    const auto onEntry = [this](QComboBox* combo, auto take) {
+        connect(combo, &QComboBox::activated, this, take);
+        connect(combo->lineEdit(), &QLineEdit::editingFinished, this, take);
+    };
+    onChoice(ui_->cboGAlias, [this] { TakeAlias(); });
+    onEntry(ui_->cboGFrom, [this] { TakeDate(*ui_->cboGFrom, Keys::GFrom, options_.From); });
+    onEntry(ui_->cboGTill, [this] { TakeDate(*ui_->cboGTill, Keys::GTill, options_.Till); });
+    onChoice(ui_->cboGPeriodType, [this](int index) { TakePeriodType(index); });
+    onChoice(ui_->cboGWeekday, [this](int index) {
+        options_.FirstWeekday = index;
+        CalcGraph();
+    });
+    onEntry(ui_->cboGMaxPeriods, [this] { TakeMaxPeriods(); });
+    onChoice(ui_->cboGMax, [this] {
+        view_.FixedTop = ui_->cboGMax->currentData().toDouble();
+        DrawGraph();
+    });
+    const auto onDirection = [this](QCheckBox* box, bool GraphOptions::*option, bool GraphView::*shown) {
+        connect(box, &QCheckBox::toggled, this, [this, option, shown](bool on) {
+            options_.*option = view_.*shown = on;
+            CalcGraph();
+        });
+    };
+    onDirection(ui_->boxGSend, &GraphOptions::Send, &GraphView::Send);
+    onDirection(ui_->boxGReceived, &GraphOptions::Received, &GraphView::Received);
+    connect(ui_->boxShowValue, &QCheckBox::toggled, this, [this](bool on) {
+        view_.ShowValue = on;
+        parts_.Settings.Set(Keys::GShowValue, on);
+        DrawGraph();
+    });
+    connect(ui_->cmdGDraw, &QPushButton::clicked, this, [this] { CalcGraph(); });
+    connect(ui_->PicChart, &PictureBox::DrawingLost, this, [this] { DrawGraph(); });
+}
+
+void GraphPage::ApplyTexts() {
+    const auto refill = [](QComboBox& combo, const QStringList& texts, int index) {
+        const QSignalBlocker quiet(combo);
+        combo.clear();
+        combo.addItems(texts);
+        combo.setCurrentIndex(index);
+    };
+    QStringList periods;
+    for (const int number : {2, 3, 4})
+        periods << ToQt(parts_.Texts.Lng("frmStatistikObj", number));
+    refill(*ui_->cboGPeriodType, periods, static_cast<int>(options_.Period));
+    QStringList weekdays;
+    for (const std::string& name : parts_.UserLocale.DayNames)
+        weekdays << ToQt(name);
+    refill(*ui_->cboGWeekday, weekdays, options_.FirstWeekday);
+    FillTops();
+}
+
+void GraphPage::FillAliases() {
+    std::vector<std::string> names;
+    for (std::size_t i = 1; i <= parts_.AliasTable.AliasCount(); ++i)
+        names.push_back(parts_.AliasTable.Alias(i).Alias);
+    const auto before = [&](const std::string& left, const std::string& right) {
+        return parts_.UserLocale.Collate(left, right) < 0;
+    };
+    std::stable_sort(names.begin(), names.end(), before);
+
+    auto chosen = std::find_if(names.begin(), names.end(), [this](const std::string& name) {
+        return EqualsNoCase(name, options_.Alias);
+    });
+    if (chosen == names.end()) {
+        const auto withRecords = AliasesWithRecords(*records_);
+        chosen = std::find_if(names.begin(), names.end(),
+                              [&](const std::string& name) { return withRecords.count(ToLower(name)) > 0; });
+    }
+    const QSignalBlocker quiet(ui_->cboGAlias);
+    ui_->cboGAlias->clear();
+    for (const std::string& name : names)
+        ui_->cboGAlias->addItem(ToQt(name));
+    ui_->cboGAlias->setCurrentIndex(chosen == names.end() ? -1 : static_cast<int>(chosen - names.begin()));
+    if (chosen != names.end()) options_.Alias = *chosen;
+}
+
+void GraphPage::ShowDates() {
+    const Date today = parts_.Time.Now();
+    FillDates(*ui_->cboGFrom, FirstDayChoices(today, graph_.FirstRecord), options_.From, parts_.UserLocale);
+    FillDates(*ui_->cboGTill, LastDayChoices(today, graph_.LastRecord), options_.Till, parts_.UserLocale);
+}
+
+void GraphPage::FillTops() {
+    std::vector<double> tops = RoundTopsAround(graph_.Maximum / view_.UnitBytes);
+    if (std::find(tops.begin(), tops.end(), view_.FixedTop) == tops.end() && view_.FixedTop > 0)
+        tops.insert(std::upper_bound(tops.begin(), tops.end(), view_.FixedTop), view_.FixedTop);
+
+    QComboBox& combo = *ui_->cboGMax;
+    const QSignalBlocker quiet(combo);
+    combo.clear();
+    combo.addItem(ToQt(StatText(40)), 0.0);
+    for (const double top : tops) {
+        combo.addItem(ToQt(ScaleText(top, DecimalsOf(top), parts_.UserLocale) + " " + view_.UnitName), top);
+        if (top == view_.FixedTop) combo.setCurrentIndex(combo.count() - 1);
+    }
+}
+
+// ---- what the user changes
+
+void GraphPage::TakeAlias() {
+    options_.Alias = TextOf(*ui_->cboGAlias);
+    parts_.Settings.Set(Keys::GAlias, options_.Alias);
+    CalcGraph();
+}
+
+void GraphPage::TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date) {
+    const std::string text = TextOf(combo);
+    if (text == FormatPattern(date, parts_.UserLocale.ShortDate)) return;
+    const int offered = combo.findText(ToQt(text));
+    if (offered >= 0) {
+        date = combo.itemData(offered).toDouble();
+    } else if (text.empty() || ParseDate(text, parts_.UserLocale)) {
+        date = DayOf(parts_.Settings.Validate(key, text));
+    } // anything else is no date: the one before comes back
+    CalcGraph();
+    // A range that reaches up to today is to do so tomorrow as well; today is what a missing date stands for.
+    const bool tillToday = &date == &options_.Till && date >= DayOf(parts_.Time.Now());
+    if (tillToday) {
+        parts_.Settings.Remove(key);
+    } else {
+        parts_.Settings.Set(key, date);
+    }
+}
+
+void GraphPage::TakePeriodType(int index) {
+    options_.Period = view_.Period = static_cast<SumPeriod>(index);
+    ui_->cboGWeekday->setEnabled(options_.Period == SumPeriod::Week);
+    parts_.Settings.Set(Keys::GPeriodType, index);
+    CalcGraph();
+}
+
+void GraphPage::TakeMaxPeriods() {
+    const std::string text = TextOf(*ui_->cboGMaxPeriods);
+    const int count = parts_.Settings.Validate(Keys::GMaxPeriods, text);
+    ui_->cboGMaxPeriods->setEditText(QString::number(count));
+    if (count == options_.MaxPeriods) return;
+    options_.MaxPeriods = count;
+    parts_.Settings.Set(Keys::GMaxPeriods, count);
+    CalcGraph();
+}
+
+void GraphPage::ShowRecords(const StatRecords& records) {
+    records_ = &records;
+    FillAliases();
+    CalcGraph();
+}
+
+void GraphPage::SetUnit(const std::string& name, double bytes) {
+    // A fixed top stays about where it is.
+    if (view_.FixedTop > 0) view_.FixedTop = RoundTop(view_.FixedTop * view_.UnitBytes / bytes);
+    view_.UnitName = name;
+    view_.UnitBytes = bytes;
+    FillTops();
+    DrawGraph();
+}
+
+// ---- the graph
+
+void GraphPage::CalcGraph() {
+    parts_.Error.Step("CalcGraph", [this] {
+        if (records_ == nullptr) return;
+        graph_ = korvalin::CalcGraph(*records_, options_, parts_.AliasTable, parts_.Time.Now());
+        scaleReported_ = false;
+        if (graph_.Periods.empty()) return;
+        options_.From = graph_.From;
+        options_.Till = graph_.Till;
+    });
+    ShowDates();
+    FillTops();
+    DrawGraph();
+}
+
+std::optional<GraphScale> GraphPage::Scale() {
+    if (!HasGraph(graph_, view_)) return std::nullopt;
+    const std::optional<GraphScale> scale = ScaleOf(graph_, view_);
+    if (!scale && !std::exchange(scaleReported_, true)) {
+        parts_.Boxes.Show(StatText(41), std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
+    }
+    return scale;
+}
+
+void GraphPage::DrawGraph() {
+    parts_.Error.Step("DrawGraph", [this] {
+        layout_.reset();
+        const std::optional<GraphScale> scale = Scale();
+        PictureCanvas canvas(*ui_->PicChart);
+        if (scale) layout_ = korvalin::DrawGraph(canvas, graph_, view_, *scale, parts_.UserLocale);
+        ui_->PicChart->setAccessibleName(ToQt(Title()));
+    });
+}
+
+std::string GraphPage::Title() const {
+    if (graph_.Periods.empty()) return options_.Alias;
+    const PeriodVolume range{graph_.Periods.front().Begin, graph_.Periods.back().End};
+    return options_.Alias + ", " + PeriodRange(range, parts_.UserLocale) + ", " + view_.UnitName;
+}
+
+std::string GraphPage::Svg() {
+    const std::optional<GraphScale> scale = Scale();
+    if (!scale) return {};
+    GraphSvg svg(svgWidth, svgHeight, Title());
+    korvalin::DrawGraph(svg, graph_, view_, *scale, parts_.UserLocale);
+    return svg.Text();
+}
+
+std::string GraphPage::PeriodText(const PeriodVolume& period, const GraphScale& scale) const {
+    std::string text = PeriodRange(period, parts_.UserLocale);
+    const auto line = [&](int caption, double bytes) {
+        text +=
+            "\n" + StatText(caption) + ": " + VolumeText(bytes, view_, scale.Decimals + 1, parts_.UserLocale);
+    };
+    if (view_.Send) line(16, period.BytesTransmitted);
+    if (view_.Received) line(17, period.BytesReceived);
+    if (view_.Send && view_.Received) line(9, period.BytesTransmitted + period.BytesReceived);
+    return text;
+}
+
+void GraphPage::ShowPeriodAt(const QHelpEvent& help) {
+    const std::optional<GraphScale> scale = Scale();
+    const auto index = layout_ && scale ? layout_->PeriodAt(PixelsToTwips(help.x())) : std::nullopt;
+    if (!index) return QToolTip::hideText();
+    // It goes when the mouse leaves the period's slot.
+    const double left = layout_->Left + layout_->Slot() * static_cast<double>(*index);
+    const QRect slot(TwipsToPixels(left), 0, std::max(TwipsToPixels(layout_->Slot()), 1),
+                     ui_->PicChart->height());
+    QToolTip::showText(help.globalPos(), ToQt(PeriodText(graph_.Periods[*index], *scale)), ui_->PicChart,
+                       slot);
+}
+
+bool GraphPage::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QWidget::eventFilter(watched, event);
+    ShowPeriodAt(static_cast<const QHelpEvent&>(*event));
+    return true;
+}
+
+void GraphPage::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) ApplyTexts();
+    if (event->type() == QEvent::PaletteChange) DrawGraph();
+}
+
+} // namespace korvalin

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "settings/Keys.h"
+#include "stats/graph/DrawGraph.h"
+
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+class QComboBox;
+class QHelpEvent;
+
+namespace Ui {
+class GraphPage;
+}
+
+namespace korvalin {
+
+class Aliases;
+class Clock;
+class Errors;
+class Language;
+class MessageBoxes;
+class Settings;
+struct Locale;
+
+/// The graph of an alias's volume by period, with the controls that choose what it shows. Their captions come
+/// with those of the window that it is a part of.
+class GraphPage : public QWidget {
+    Q_OBJECT
+
+  public:
+    struct Parts {
+        korvalin::Settings& Settings;
+        Language& Texts;
+        Errors& Error;
+        const Aliases& AliasTable;
+        MessageBoxes& Boxes;
+        Clock& Time;
+        const Locale& UserLocale;
+    };
+    explicit GraphPage(const Parts& parts, QWidget* parent = nullptr);
+    ~GraphPage() override;
+
+    /// Shows these records. They stay the caller's and are read again whenever a control changes, so they
+    /// must live until others are shown; after a change to them or to an alias they are to be shown again.
+    void ShowRecords(const StatRecords& records);
+
+    /// The unit of all volumes, `bytes` above 0.
+    void SetUnit(const std::string& name, double bytes);
+
+    /// Renews the texts that are no captions: a change of the language calls it by itself.
+    void ApplyTexts();
+
+    /// The graph as an element of a web page; empty when there is nothing to show.
+    std::string Svg();
+
+    /// What the graph shows: alias, first and last day, unit.
+    std::string Title() const;
+
+  protected:
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void LoadSettings();
+    void ConnectControls();
+    void FillAliases();
+    void ShowDates();
+    void FillTops();
+
+    void CalcGraph();
+    void DrawGraph();
+    std::optional<GraphScale> Scale();
+    std::string PeriodText(const PeriodVolume& period, const GraphScale& scale) const;
+    void ShowPeriodAt(const QHelpEvent& help);
+
+    void TakeAlias();
+    void TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date);
+    void TakePeriodType(int index);
+    void TakeMaxPeriods();
+    std::string StatText(int number) const;
+
+    Parts parts_;
+    std::unique_ptr<Ui::GraphPage> ui_;
+    const StatRecords* records_ = nullptr;
+    GraphOptions options_;
+    GraphView view_;
+    PeriodGraph graph_;
+    std::optional<GraphLayout> layout_; // while a graph is drawn
+    bool scaleReported_ = false;        // once a calculation is enough
+};
+
+} // namespace korvalin

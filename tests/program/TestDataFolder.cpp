@@ -1,0 +1,220 @@
+#include "data/DataFolder.h"
+#include "fakes/CoreFixture.h"
+
+#include <chrono>
+#include <ctime>
+
+using namespace korvalin;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* texts = "GER\tmodAllgemein\t29\tCreate it?\nGER\tmodAllgemein\t30\tNo files in\n"
+                              "GER\tmodAllgemein\t31\t.\nGER\tmodAllgemein\t32\tNo folder\n"
+                              "GER\tmodAllgemein\t34\tThere are statistics.\nGER\tmodAllgemein\t35\tReally?\n"
+                              "GER\tmodAllgemein\t36\tMove\nGER\tmodAllgemein\t37\tthem?\n"
+                              "GER\tmodAllgemein\t38\tOk\nGER\tmodAllgemein\t43\tCannot create\n"
+                              "GER\tmodAllgemein\t44\t, sorry.\n";
+
+// A shell whose answer can be watched, and files that refuse some folders.
+class WatchedShell : public FakeShell {
+  public:
+    std::function<void()> OnFolder = [] {};
+    fs::path SpecialFolder(int id) override {
+        OnFolder();
+        return FakeShell::SpecialFolder(id);
+    }
+};
+class ReadOnlyFiles : public FakeFiles {
+  public:
+    std::vector<fs::path> Folders;
+    bool Replace(const fs::path& path, std::string_view content) override {
+        const bool refused = std::find(Folders.begin(), Folders.end(), path.parent_path()) != Folders.end();
+        return !refused && FakeFiles::Replace(path, content);
+    }
+};
+
+class DataFolderTest : public CoreFixture {
+  protected:
+    DataFolderTest() {
+        WriteTexts(texts);
+        settings.SetReg("Language", "GER");
+        language.InitProgramTexts();
+        places.Folders[SpecialFolderCommonAppData] = folder / "share";
+    }
+
+    static void Put(const fs::path& file, std::string_view content) {
+        fs::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << content;
+    }
+    /// "name=content" of all files of a folder but the texts, in order, without "Korvalin_Stats.".
+    static std::string Contents(const fs::path& place) {
+        std::map<std::string, std::string> found;
+        if (fs::exists(place)) {
+            for (const auto& entry : fs::directory_iterator(place)) {
+                std::ifstream file(entry.path());
+                found[entry.path().filename().string()] = {std::istreambuf_iterator<char>(file), {}};
+            }
+        }
+        std::string all;
+        for (const auto& [name, content] : found) {
+            if (!name.ends_with(".lng"))
+                all += (name.starts_with("Korvalin_Stats.") ? name.substr(15) : name) + "=" + content + " ";
+        }
+        return all;
+    }
+
+    WatchedShell places;
+    ReadOnlyFiles disk;
+    fs::path share = folder / "share/Korvalin";
+    DataFolder data{settings, language, errors, boxes, disk, places, clock, programFolder};
+};
+
+TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
+    Put(programFolder / "Korvalin_Stats.db", "old");
+    Put(share / "Korvalin_Stats.db", "new");
+    disk.CopyFails = true;
+    EXPECT_EQ(data.GetDataPath(), programFolder / "");
+    EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
+    EXPECT_EQ(Contents(programFolder), "db=old ");
+    EXPECT_EQ(Contents(share), "db=new ");
+    EXPECT_EQ(settings.Get(Keys::DataPath), "");
+    disk.CopyFails = false;
+    DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
+    EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
+    EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
+    EXPECT_TRUE(Contents(share).starts_with("db=old "));
+    EXPECT_EQ(Contents(programFolder), "db_20240315-120000=old ");
+}
+
+TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
+    const std::string cannotCreate = "Cannot create " + share.string() + ", sorry.";
+    const std::string noFiles = "No files in ";
+    enum class Ends { Stored, ProgramForThisRun, Elsewhere };
+    struct {
+        int CreateResult;
+        std::vector<fs::path> ReadOnly;
+        Lines Shown;
+        Ends End;
+    } const rows[] = {{13, {}, {cannotCreate}, Ends::Stored},
+                      {13,
+                       {programFolder},
+                       {cannotCreate, noFiles + programFolder.string() + "."},
+                       Ends::ProgramForThisRun},
+                      {0, {share, programFolder}, {noFiles + share.string() + "."}, Ends::Elsewhere}};
+    for (const auto& row : rows) {
+        settings.SetReg("DataPath", "");
+        disk.CreateFoldersResult = row.CreateResult;
+        disk.Folders = row.ReadOnly;
+        DataFolder fresh(settings, language, errors, boxes, disk, places, clock, programFolder);
+        const fs::path found = fresh.GetDataPath();
+        EXPECT_EQ(TakeBoxes(), row.Shown);
+        EXPECT_EQ(fresh.GetDataPath(), found);
+        EXPECT_EQ(settings.Get(Keys::DataPath), row.End == Ends::Stored ? programFolder.string() : "");
+        EXPECT_EQ(found == programFolder / "", row.End != Ends::Elsewhere) << found;
+        EXPECT_TRUE(fs::is_directory(found));
+        if (row.End == Ends::Elsewhere) fs::remove_all(found);
+    }
+}
+
+TEST_F(DataFolderTest, AnswersALogLineFromInsideItself) {
+    errors.Plug({[](int) { return ""; }, [this] { return data.GetDataPath(); }, [] {}});
+    places.OnFolder = [this] {
+        errors.WriteErrorLog("inside", "test");
+        throw NumberedError(5, "no shell");
+    };
+    EXPECT_EQ(data.GetDataPath(), programFolder / "");
+    EXPECT_NE(boxes.Take().Text.find("GetDataPath"), std::string::npos);
+    EXPECT_NE(folder.Read("program/Korvalin_ErrorLog.txt").find("inside"), std::string::npos);
+}
+
+TEST_F(DataFolderTest, ChecksAFolder) {
+    const fs::path missing = folder / "new/deep";
+    const fs::path file = programFolder / "Korvalin.lng";
+    const std::string create = missing.string() + "\n\nCreate it?";
+    struct {
+        fs::path Name;
+        MessageAnswer Answer;
+        bool Accepted;
+        Lines Shown;
+    } const rows[] = {{"", MessageAnswer::Yes, false, {}},
+                      {missing, MessageAnswer::No, false, {create}},
+                      {missing, MessageAnswer::Yes, true, {create}},
+                      {file, MessageAnswer::Yes, false, {"No folder " + file.string()}}};
+    for (const auto& row : rows) {
+        boxes.Answers = {row.Answer};
+        EXPECT_EQ(data.CheckDataFolder(row.Name), row.Accepted) << row.Name;
+        EXPECT_EQ(TakeBoxes(), row.Shown);
+    }
+    Put(missing / "Test.txt", "the user's own");
+    EXPECT_TRUE(data.CheckDataFolder(missing));
+    EXPECT_EQ(Contents(missing), "Test.txt=the user's own ");
+}
+
+TEST_F(DataFolderTest, ChangesTheFolderAsTheUserAnswers) {
+    const auto yes = MessageAnswer::Yes;
+    const auto no = MessageAnswer::No;
+    const std::string keep = "There are statistics. Really?";
+    const std::string move = "Move them? Really? Ok";
+    const std::string moved = "db_20240315-120000=old ";
+    const std::string both = "db=old db_20240315-120000=new ";
+    struct {
+        bool Ask, HasNew;
+        std::deque<MessageAnswer> Answers;
+        Lines Shown;
+        std::string Old, New;
+    } const rows[] = {{false, false, {}, {}, moved, "db=old "},
+                      {false, true, {}, {}, moved, both},
+                      {true, true, {yes}, {keep}, "db=old ", "db=new "},
+                      {true, true, {no, yes}, {keep, move}, moved, both},
+                      {true, false, {no}, {move}, "db=old ", ""}};
+    int number = 0;
+    for (const auto& row : rows) {
+        const fs::path from = folder / ("from" + std::to_string(number));
+        const fs::path to = folder / ("to" + std::to_string(number++));
+        fs::create_directories(to);
+        Put(from / "Korvalin_Stats.db", "old");
+        if (row.HasNew) Put(to / "Korvalin_Stats.db", "new");
+        boxes.Answers = row.Answers;
+        EXPECT_TRUE(data.ChangeDataPath(from, to, row.Ask));
+        EXPECT_EQ(TakeBoxes(), row.Shown);
+        EXPECT_EQ(Contents(from), row.Old);
+        EXPECT_EQ(Contents(to), row.New);
+    }
+}
+
+TEST_F(DataFolderTest, LeavesTheSameFolderAloneAndNeverOverwritesABackup) {
+    Put(share / "Korvalin_Stats.db", "first");
+    fs::create_directory_symlink(share, folder / "link");
+    EXPECT_TRUE(data.ChangeDataPath(share, folder / "link", false));
+    EXPECT_EQ(Contents(share), "db=first ");
+    EXPECT_TRUE(data.ChangeDataPath(share, programFolder, false));
+    Put(share / "Korvalin_Stats.db", "second");
+    EXPECT_TRUE(data.ChangeDataPath(share, programFolder, false));
+    EXPECT_EQ(Contents(share), "db_20240315-120000=first db_20240315-120001=second ");
+}
+
+TEST_F(DataFolderTest, DeletesOldBackupsOnly) {
+    const auto put = [this](const char* suffix, int day, int second) {
+        std::tm local{};
+        local.tm_year = 2024 - 1900, local.tm_mon = 2, local.tm_mday = day;
+        local.tm_sec = second, local.tm_isdst = -1;
+        const fs::path file = share / (std::string("Korvalin_Stats.") + suffix);
+        Put(file, "");
+        const auto moment = std::chrono::system_clock::from_time_t(std::mktime(&local));
+        fs::last_write_time(file, std::chrono::file_clock::from_sys(moment));
+    };
+    for (const char* suffix : {"db", "txt_1", "db_1"})
+        put(suffix, 1, 0);
+    put("db_7", 8, -1);
+    put("db_8", 8, 0); // noon of the 15th less seven days is the beginning of the 8th
+    settings.SetReg("DataPath", share.string());
+    data.DeleteStatistics();
+    EXPECT_EQ(Contents(share), "db= db_1= db_7= db_8= txt_1= ") << "none by default";
+    settings.SetReg("DeleteStatistics", 7);
+    data.DeleteStatistics();
+    EXPECT_EQ(Contents(share), "db= db_8= txt_1= ");
+}
+
+} // namespace

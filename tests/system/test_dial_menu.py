@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""Dialing as a user does it: from the main window's menu, over a real NetworkManager, with the dial windows and the question
+about a changed number."""
+
+import time
+
+import rig
+from network_manager import NetworkManager
+
+
+class DialMenu(rig.DesktopCase):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        folder = rig.Home()
+        cls.addClassCleanup(folder.__exit__, None, None, None)
+        cls.manager = NetworkManager(folder.path)
+        cls.manager.__enter__()
+        cls.addClassCleanup(cls.manager.__exit__, None, None, None)
+
+    def setUp(self):
+        super().setUp()
+        self.manager.remove_all()
+        self.home.env["DBUS_SYSTEM_BUS_ADDRESS"] = self.manager.env["DBUS_SYSTEM_BUS_ADDRESS"]
+
+    def begin(self):
+        self.home.set(Language="ENG")
+        self.process = self.launch(self.manager.inside(str(rig.BIN / "korvalin")))
+        self.main_window()
+
+    def choose(self, *keys):
+        """Opens the popup menu where no dial window covers the main one, and presses keys in it."""
+        def opened():
+            window = self.main_window()
+            self.display.tool("xdotool", "windowactivate", "--sync", window)
+            self.click(window, 10, self.display.geometry(window)["HEIGHT"] - 5, "3")
+            return self.menu()
+
+        rig.wait_for(opened, "the menu")
+        self.display.tool("xdotool", "key", *keys)
+
+    def main_window(self, seconds=20):
+        """Also while the machine is offline, when it is out of sight."""
+        return rig.wait_for(lambda: self.find(lambda place: place["HEIGHT"] == 97), "the main window", seconds)
+
+    def answer(self, title, *keys):
+        box = rig.wait_for(lambda: self.display.window(title), title)
+        self.press(box, *keys)
+        rig.wait_for(lambda: not self.display.window(title), f"the end of {title}")
+
+    def wait_for_line(self, *names):
+        rig.wait_for(lambda: [name for name in self.manager.active() if name != "lo"] == list(names), names)
+
+    def hang_up(self):
+        """Once the menu offers it, that is after the next update."""
+        def gone():
+            self.choose("h", "Escape")
+            return self.manager.active() == ["lo"]
+
+        rig.wait_for(gone, "the line's end")
+
+    def records(self, count):
+        rig.wait_for(lambda: len(self.home.cli("records", "--closed", "--format", "csv").splitlines()) == count + 1, f"{count} records")
+
+    def test_a_line_is_dialed_recorded_once_and_dialed_again_by_its_quick_item(self):
+        self.manager.add_pppoe("DSL")
+        self.manager.add_gsm("Mobile & Co")
+        self.begin()
+        self.choose("d", "Down", "Return")
+        self.wait_for_line("Mobile & Co")
+        rig.wait_for(lambda: self.home.cli("settings", "get", "LineLast") == "Mobile & Co", "the name of the last entry")
+        time.sleep(2.5)  # it is seen by two updates at least
+        self.hang_up()
+        self.records(1)
+        self.choose("Down", "Return")  # the first item
+        self.wait_for_line("Mobile & Co")
+        time.sleep(2.5)
+        self.hang_up()
+        self.records(2)
+
+    def test_a_changed_number_is_dialed_only_when_the_user_says_so(self):
+        profile = self.manager.add_gsm("Mobile", number="123")
+        self.begin()
+        self.choose("d", "Return")
+        self.wait_for_line("Mobile")
+        self.hang_up()
+        self.manager.nmcli("connection", "modify", profile, "gsm.number", "0900")
+        self.choose("d", "Return")
+        self.answer("^Korvalin$", "Return")  # No comes first
+        self.choose("d", "Return")
+        self.answer("^Korvalin$", "Escape")
+        self.assertEqual(self.manager.active(), ["lo"])
+        self.choose("d", "Return")
+        self.answer("^Korvalin$", "alt+y")
+        self.wait_for_line("Mobile")
+
+    def test_a_refused_login_is_asked_for_once_and_the_failure_told(self):
+        self.manager.add_pppoe("DSL", password="wrong")
+        self.begin()
+        self.choose("d", "Return")
+        self.answer("^Log in$", "n", "o", "Return")
+        self.answer("^Korvalin$", "Escape")
+        self.choose("d", "Return")
+        self.answer("^Log in$", "p", "Return")
+        self.wait_for_line("DSL")
+
+    def test_the_programs_end_cancels_a_dial(self):
+        self.manager.add_pppoe("DSL")
+        self.manager.tell("ppp", delay=30)
+        self.begin()
+        self.choose("d", "Return")
+        rig.wait_for(lambda: self.display.window("^Dialing$"), "the dial window")
+        self.choose("x")
+        self.assertEqual(self.process.wait(timeout=10), 0)
+        self.wait_for_line()
+
+
+if __name__ == "__main__":
+    rig.main()
