@@ -60,10 +60,10 @@ void JournalKeeper::EndForDay(std::vector<JournalEntry>& dialUps) {
 void JournalKeeper::PassEnded() {
     if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
-        // The other program has counted these lines up to its end; from there they begin anew.
+        // The other program has counted these lines up to its end; from there they begin anew, at once.
         if (!parts_.Recorder.TakeOver()) return;
         parts_.Book.ForgetLines();
-        Start();
+        if (Start()) parts_.Monitor.Get_Bytes_Transmitted();
         return;
     }
     RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them

@@ -138,6 +138,8 @@ void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::siz
 }
 
 void LineBook::ForgetLines() {
+    // Adapters that are followed go on to be; only one more of them leaves the type open for a pass.
+    if (state_.LineCount > 0 && state_.MonitoredLineType.empty()) state_.MonitoredLineType = "LAN";
     state_.LineTable = state_.PreviousLineTable = TableFromOne<LineRecord>(1);
     state_.LineCount = 0;
     state_.AnyLineConnected = false;
