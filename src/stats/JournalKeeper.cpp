@@ -78,8 +78,8 @@ void JournalKeeper::PassEnded() {
     const bool failed = failingSince_ >= 0;
     if ((changed && !failed) || parts_.Clock.AwakeSeconds() >= nextSave_) {
         Write(false);
-    } else {
-        Note();
+    } else if (!parts_.Recorder.HasPending() || !changed) {
+        Note(); // not past records that nobody has written
     }
 }
 
