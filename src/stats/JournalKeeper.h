@@ -53,15 +53,15 @@ class JournalKeeper {
     void Note() const;
     void RecordInterrupted(const std::vector<JournalEntry>& entries);
     void EndForDay(std::vector<JournalEntry>& dialUps);
-    std::vector<JournalEntry> RecordedDialUps() const;
+    std::vector<JournalEntry> RecordedDialUps(const std::vector<OpenConnection>& records) const;
     JournalEntry EntryOf(const LineRecord& line) const;
 
     Parts parts_;
     bool begun_ = false;
     bool records_ = false;
-    bool started_ = false; // at least one pass has been made
+    bool started_ = false;         // at least one pass has been made
     std::filesystem::path folder_; // of the last Save
-    bool written_ = false; // the journal, in this run
+    bool written_ = false;         // the journal, in this run
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
     double failingSince_ = -1; // seconds awake; below 0: the journal can be written

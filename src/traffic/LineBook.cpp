@@ -93,6 +93,7 @@ void LineBook::Divide(std::size_t line, CloseReason reason, Date partLogIn) {
         part.RecordedTransmitted = recorded.BytesTransmitted;
         part.PartLogIn = partLogIn;
         part.PartEnd = 0;
+        part.Continued = false;
     };
     for (LineRecord& current : state_.LineTable) {
         if (current.CounterSource == recorded.CounterSource) goOn(current);
