@@ -17,15 +17,15 @@ class FakeJournal : public Journal {
     int Saves = 0;           ///< onto the medium
     std::filesystem::path Folder;
 
-    JournalFound Load(const std::filesystem::path&) override {
-        if (!KnowsMachine) return {};
-        return {true, SameBoot, Kept};
+    JournalFound Load(const std::filesystem::path& folder) override {
+        savedInRun_ = false;
+        return Look(folder);
     }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
         if (Fails) return false;
         Folder = folder;
-        KnowsMachine = SameBoot = true;
+        KnowsMachine = SameBoot = savedInRun_ = true;
         Kept = picture;
         if (durability == Durability::Medium) {
             OnMedium = picture;
@@ -34,6 +34,7 @@ class FakeJournal : public Journal {
         return true;
     }
     void Note(const std::vector<JournalNote>& notes) override {
+        if (!savedInRun_) return; // there is nothing that they belong to
         for (const JournalNote& note : notes) {
             const auto entry = std::find_if(Kept.Entries.begin(), Kept.Entries.end(),
                                             [&](const JournalEntry& e) { return e.Index == note.Index; });
@@ -46,7 +47,13 @@ class FakeJournal : public Journal {
             entry->Open->End = note.OpenEnd;
         }
     }
-    JournalFound Look(const std::filesystem::path& folder) override { return Load(folder); }
+    JournalFound Look(const std::filesystem::path&) override {
+        if (!KnowsMachine) return {};
+        return {true, SameBoot, Kept};
+    }
+
+  protected:
+    bool savedInRun_ = false;
 };
 
 } // namespace korvalin
