@@ -28,6 +28,9 @@ struct OpenConnection {
     bool IsRas = false;
     /// A dial-up line that was recorded when a run ended and may still be up: not to be recorded once more.
     bool Recorded = false;
+    /// A dial-up line that an earlier run may have recorded up to its end: the record with the same beginning
+    /// is replaced. Not kept in the journal.
+    bool MayRepeat = false;
 };
 
 /// What is known of an interface's counters.

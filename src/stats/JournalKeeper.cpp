@@ -5,6 +5,8 @@
 #include "stats/Recorder.h"
 #include "traffic/LineMonitor.h"
 
+#include <algorithm>
+
 namespace korvalin {
 namespace {
 
@@ -55,8 +57,10 @@ bool JournalKeeper::WaitsForJournal() {
 
 void JournalKeeper::RecordInterrupted(const std::vector<JournalEntry>& entries) {
     for (const JournalEntry& entry : entries) {
-        if (entry.Open && !entry.Open->Recorded)
-            parts_.Recorder.Record(*entry.Open, CloseReason::Interrupted);
+        if (!entry.Open || entry.Open->Recorded) continue;
+        OpenConnection open = *entry.Open;
+        open.MayRepeat = open.IsRas; // it may have gone on from a run before that one
+        parts_.Recorder.Record(std::move(open), CloseReason::Interrupted);
     }
 }
 
@@ -77,9 +81,9 @@ void JournalKeeper::PassEnded() {
     if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
         if (parts_.Clock.AwakeSeconds() < nextSave_ || !parts_.Recorder.TakeOver()) return;
-        // The journal has counted these lines up to its last entry; from there they begin anew.
+        // The journal has counted these lines up to its last entry; from there they begin anew, at once.
         parts_.Book.ForgetLines();
-        Start();
+        if (Start() && records_) parts_.Monitor.Get_Bytes_Transmitted();
         return;
     }
     RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them
@@ -94,8 +98,8 @@ void JournalKeeper::PassEnded() {
     const bool failed = failingSince_ >= 0;
     if ((changed && !failed) || parts_.Clock.AwakeSeconds() >= nextSave_) {
         Write(false);
-    } else {
-        Note();
+    } else if (!parts_.Recorder.HasPending() || !changed) {
+        Note(); // not past records that nobody has written
     }
 }
 
@@ -103,20 +107,24 @@ void JournalKeeper::RecordOpenLines(CloseReason reason) {
     parts_.Monitor.TakeLastReading();
     if (!records_) return;
     RecordInterrupted(parts_.Ledger.TakeDialUps());
-    parts_.Recorder.SaveStatsLine(reason, 0);
-    parts_.Ledger.KeepDialUps(RecordedDialUps());
+    parts_.Ledger.KeepDialUps(RecordedDialUps(parts_.Recorder.SaveStatsLine(reason, 0)));
     parts_.Book.ForgetLines();
     Write(true);
 }
 
 // They may be up at the next start, or in the next pass when the program does not end: it then knows where
-// they began.
-std::vector<JournalEntry> JournalKeeper::RecordedDialUps() const {
+// they began: in their records.
+std::vector<JournalEntry> JournalKeeper::RecordedDialUps(const std::vector<OpenConnection>& records) const {
     std::vector<JournalEntry> recorded;
     for (const LineRecord& line : parts_.Lines.LineTable) {
         if (!line.Connected || !line.IsRas || line.Index == 0) continue;
         recorded.push_back(EntryOf(line));
-        recorded.back().Open->Recorded = true;
+        OpenConnection& open = *recorded.back().Open;
+        open.Recorded = true;
+        const auto record = std::find_if(records.begin(), records.end(), [&](const OpenConnection& made) {
+            return made.IsRas && made.LineName == open.LineName;
+        });
+        if (record != records.end()) open.LogIn = record->LogIn;
     }
     return recorded;
 }

@@ -54,7 +54,7 @@ class JournalKeeper {
     void Note() const;
     void RecordInterrupted(const std::vector<JournalEntry>& entries);
     void EndForDay(std::vector<JournalEntry>& dialUps);
-    std::vector<JournalEntry> RecordedDialUps() const;
+    std::vector<JournalEntry> RecordedDialUps(const std::vector<OpenConnection>& records) const;
     JournalEntry EntryOf(const LineRecord& line) const;
 
     Parts parts_;

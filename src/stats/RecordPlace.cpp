@@ -31,7 +31,7 @@ bool WouldMerge(const RecordTime& one, const RecordTime& other) {
 // or so far from a beginning that nobody takes the two for one.
 RecordTime FindPlace(const RecordTime& wanted, const std::vector<RecordTime>& others) {
     if (IsFree(wanted, others)) return wanted;
-    const Date firstSecond = DayOf(wanted.End);
+    const Date firstSecond = std::min(DayOf(wanted.LogIn), DayOf(wanted.End));
     const Date lastSecond = EndOfDay(wanted.End);
     RecordTime best = wanted;
     double bestDistance = SecondsPerDay;

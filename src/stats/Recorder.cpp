@@ -32,6 +32,21 @@ bool IsDenied(int error) {
     return error == EAGAIN || error == EACCES || error == EPERM || error == EROFS;
 }
 
+// One that replaces an earlier record has its beginning, and its end too where another record follows.
+RecordTime PlaceOf(const RecordTime& wanted, bool mayRepeat, std::vector<RecordTime> others) {
+    const auto isEarlier = [&](const RecordTime& other) {
+        return mayRepeat && RoundToSecond(other.LogIn) == RoundToSecond(wanted.LogIn);
+    };
+    const auto earlier = std::find_if(others.rbegin(), others.rend(), isEarlier);
+    if (earlier == others.rend()) return FindPlace(wanted, others);
+    const RecordTime replaced = *earlier;
+    const RecordTime whole = {wanted.LogIn, std::max(wanted.End, replaced.End)};
+    std::erase_if(others, isEarlier);
+    const bool isFree = std::none_of(others.begin(), others.end(),
+                                     [&](const RecordTime& other) { return WouldMerge(whole, other); });
+    return isFree ? whole : replaced;
+}
+
 std::string NumberText(double number, const Locale& locale) {
     if (number == std::trunc(number)) return fmt::format("{:.0f}", number);
     return ReplaceAll(fmt::format("{}", number), ".", locale.DecimalMark);
@@ -45,26 +60,28 @@ bool Recorder::TakeOver() {
     return taken;
 }
 
-void Recorder::SaveStatsLine(CloseReason reason, std::size_t index) {
+std::vector<OpenConnection> Recorder::SaveStatsLine(CloseReason reason, std::size_t index) {
     const TableFromOne<LineRecord>& previous = parts_.Lines.PreviousLineTable;
     const std::size_t first = index == 0 ? 1 : index;
     const std::size_t last = index == 0 ? std::min(parts_.Lines.LineCount, previous.Size()) : index;
     // What a program has seen that only looks on is for the one that records.
-    if (!tookOver_ || !TakeOver()) return;
+    std::vector<OpenConnection> made;
+    if (!tookOver_ || !TakeOver()) return made;
     for (std::size_t i = first; i <= last && i <= previous.Size(); ++i) {
         OpenConnection record = ConnectionOf(previous(i));
         if (record.IsRas && previous(i).Duration == 0) {
             if (record.BytesReceived <= fewBytes) continue;
             record.End = record.LogIn + (parts_.Clock.Now() - parts_.Lines.ProgramStart);
         }
-        Record(std::move(record), reason);
+        made.push_back(Record(std::move(record), reason));
     }
+    return made;
 }
 
-void Recorder::Record(OpenConnection record, CloseReason reason) {
+OpenConnection Recorder::Record(OpenConnection record, CloseReason reason) {
     constexpr std::string_view procName = "SaveStatsLine";
     const bool isEmpty = record.BytesReceived + record.BytesTransmitted == 0 && record.End == record.LogIn;
-    if (isEmpty) return;
+    if (isEmpty) return record;
     Waiting waiting;
     parts_.Errors.Step(procName, [&] { Settle(record); });
     std::string info;
@@ -75,20 +92,21 @@ void Recorder::Record(OpenConnection record, CloseReason reason) {
     parts_.Errors.Step(procName, [&] { waiting.Record.ExportLine = ExportLine(record, info); });
     waiting_.push_back(std::move(waiting));
     parts_.Recorded(record);
+    return record;
 }
 
-// Dial-up lines stay as they were measured: one that is recorded twice is to be merged.
+// As long as time goes forward the other records of the line have ended before.
 void Recorder::Settle(OpenConnection& record) const {
     if (!record.IsRas) {
         record.LogIn = FloorToSecond(record.LogIn);
         record.End = std::max(FloorToSecond(record.End), record.LogIn);
-        const Date last = parts_.Ledger.LastEnd(record.LineName);
-        // As long as time goes forward the others have ended before.
-        if (last == 0 || last >= record.LogIn) {
-            const RecordTime place = FindPlace({record.LogIn, record.End}, TimesOf(record.LineName));
-            record.LogIn = place.LogIn;
-            record.End = place.End;
-        }
+    }
+    const Date last = parts_.Ledger.LastEnd(record.LineName);
+    if (last == 0 || last >= record.LogIn) {
+        const RecordTime place =
+            PlaceOf({record.LogIn, record.End}, record.MayRepeat, TimesOf(record.LineName));
+        record.LogIn = place.LogIn;
+        record.End = place.End;
     }
     parts_.Ledger.NoteEnd(record.LineName, record.End);
 }
@@ -171,6 +189,7 @@ void Recorder::TellOf(std::string_view statLine) const {
     record.End = fields->LogIn + fields->Duration;
     record.BytesReceived = fields->BytesReceived;
     record.BytesTransmitted = fields->BytesTransmitted;
+    record.IsRas = true; // perhaps, and the records of adapters are apart anyway
     parts_.Recorded(record);
 }
 

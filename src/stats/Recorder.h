@@ -44,12 +44,13 @@ class Recorder {
     bool TakeOver();
 
     /// Makes records of the open part of line `index`, or of all lines (0), as the previous pass has left
-    /// them. Lines that moved next to nothing are left out. Does nothing before the program has taken over.
-    void SaveStatsLine(CloseReason reason, std::size_t index);
+    /// them, and gives them as they are written. Lines that moved next to nothing are left out. Does nothing
+    /// before the program has taken over.
+    std::vector<OpenConnection> SaveStatsLine(CloseReason reason, std::size_t index);
 
-    /// Makes a record of a connection. An adapter's gets whole seconds of one day, at a place where a load
-    /// takes it for no other record.
-    void Record(OpenConnection connection, CloseReason reason);
+    /// Makes a record of a connection, at a place where a load takes it for no other record, and gives it as
+    /// it is written. An adapter's gets whole seconds of one day.
+    OpenConnection Record(OpenConnection connection, CloseReason reason);
 
     /// The records that are not in both files yet.
     std::vector<PendingRecord> Pending() const;

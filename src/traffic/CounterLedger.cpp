@@ -75,7 +75,11 @@ std::optional<JournalEntry> CounterLedger::TakeDialUp(std::uint32_t index, std::
 
 Date CounterLedger::LastEnd(std::string_view lineName) const {
     const auto found = lastEnds_.find(ToLower(lineName));
-    return found == lastEnds_.end() ? 0 : found->second;
+    Date last = found == lastEnds_.end() ? 0 : found->second;
+    for (const JournalEntry& entry : dialUps_) {
+        if (EqualsNoCase(entry.Open->LineName, lineName)) last = std::max(last, entry.Open->End);
+    }
+    return last;
 }
 
 void CounterLedger::NoteEnd(std::string_view lineName, Date end) {

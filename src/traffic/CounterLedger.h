@@ -52,7 +52,8 @@ class CounterLedger {
     std::vector<JournalEntry> TakeDialUps() { return std::exchange(dialUps_, {}); }
     void KeepDialUps(std::vector<JournalEntry> dialUps) { dialUps_ = std::move(dialUps); }
 
-    /// When the latest record of a line ends; 0 when none is known.
+    /// When the latest record of a line ends, or that of its connection which may still be up; 0 when none is
+    /// known.
     Date LastEnd(std::string_view lineName) const;
     void NoteEnd(std::string_view lineName, Date end);
     const std::map<std::string, Date>& LastEnds() const { return lastEnds_; }

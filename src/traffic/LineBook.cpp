@@ -93,6 +93,7 @@ void LineBook::Divide(std::size_t line, CloseReason reason, Date partLogIn) {
         part.RecordedTransmitted = recorded.BytesTransmitted;
         part.PartLogIn = partLogIn;
         part.PartEnd = 0;
+        part.Continued = false;
     };
     for (LineRecord& current : state_.LineTable) {
         if (current.CounterSource == recorded.CounterSource) goOn(current);
@@ -138,6 +139,8 @@ void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::siz
 }
 
 void LineBook::ForgetLines() {
+    // Adapters that are followed go on to be; only one more of them leaves the type open for a pass.
+    if (state_.LineCount > 0 && state_.MonitoredLineType.empty()) state_.MonitoredLineType = "LAN";
     state_.LineTable = state_.PreviousLineTable = TableFromOne<LineRecord>(1);
     state_.LineCount = 0;
     state_.AnyLineConnected = false;

@@ -107,11 +107,11 @@ void LineMonitor::ShiftMoments(Date days) {
     state_.ProgramStart += days;
     for (LineRecord& line : state_.LineTable) {
         for (Date* moment : {&line.LogIn, &line.UpSince, &line.PartLogIn, &line.SampleTime}) {
-            if (*moment != 0) *moment += days;
+            if (*moment != 0 && !(line.Continued && moment == &line.PartLogIn)) *moment += days;
         }
         if (!IsDivided(line)) continue;
         // What was today's stays today's.
-        line.PartLogIn = std::max(OpenPartOf(line).LogIn, DayOf(now));
+        if (!line.Continued) line.PartLogIn = std::max(OpenPartOf(line).LogIn, DayOf(now));
         line.SampleTime = std::max(line.SampleTime, DayOf(now));
     }
     TakeSnapshot();

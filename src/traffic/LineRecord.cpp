@@ -15,8 +15,8 @@ LinePart OpenPartOf(const LineRecord& line) {
 
 OpenConnection ConnectionOf(const LineRecord& line) {
     const LinePart part = OpenPartOf(line);
-    return {line.EntryName,        part.LogIn, part.End,       part.BytesReceived,
-            part.BytesTransmitted, line.User,  line.IpAddress, line.IsRas};
+    return {line.EntryName, part.LogIn, part.End, part.BytesReceived, part.BytesTransmitted, line.User,
+            line.IpAddress, line.IsRas, false,    line.Continued};
 }
 
 std::vector<OpenConnection> OpenConnectionsOf(const LineState& lines) {

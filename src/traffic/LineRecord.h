@@ -29,10 +29,12 @@ struct LineRecord {
     std::int32_t WrapsTransmitted = 0;
     double LastRawReceived = 0; ///< as the system reported it at the previous pass
     double LastRawTransmitted = 0;
-    Date LogIn = 0;     ///< 0 = not yet known
-    Date UpSince = 0;   ///< adapters: from when on the duration counts
-    Date PartLogIn = 0; ///< when the part began that is not recorded yet; 0 = LogIn
-    Date PartEnd = 0;   ///< when that part ended; 0 = it goes on
+    Date LogIn = 0;         ///< 0 = not yet known
+    Date UpSince = 0;       ///< adapters: from when on the duration counts
+    Date PartLogIn = 0;     ///< when the part began that is not recorded yet; 0 = LogIn
+    Date PartEnd = 0;       ///< when that part ended; 0 = it goes on
+    bool Continued = false; ///< dial-up: an earlier run may have recorded that part; the next record begins
+                            ///< as that one did, to replace it
     bool Connected = false;
     bool Counts64Bits = false; ///< the system's counters of this line never wrap
     std::uint32_t CounterSource =

@@ -5,6 +5,7 @@
 #include "traffic/LineBook.h"
 
 #include <functional>
+#include <set>
 
 namespace korvalin {
 
@@ -27,10 +28,14 @@ class RasReader {
   private:
     bool Step(const std::function<void()>& step);
     std::vector<RasConnection> Enumerate();
-    void ReadConnection(const RasConnection& connection, std::size_t i, LineRecord& line);
+    void EndAdapters(TableFromOne<LineRecord>& lines);
+    void TakeSlot(std::int32_t handle, std::size_t i, const TableFromOne<LineRecord>& before,
+                  LineRecord& line);
+    void ReadConnection(const RasConnection& connection, LineRecord& line);
     void BeginLine(const RasConnection& connection, const RasStatistics& statistics, LineRecord& line);
     void MeasureDuration(LineRecord& line, const RasStatistics& statistics);
     void AdvanceEnded(const TableFromOne<LineRecord>& lines);
+    void KeepApart(TableFromOne<LineRecord>& lines);
     void CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count);
 
     Ras& ras_;
@@ -42,10 +47,8 @@ class RasReader {
     Settings& settings_;
     Errors& errors_;
     Clock& clock_;
-    bool lineSetChanged_ = false;
-    // Connections that go on although the table was cleared, until the next pass finds them again.
-    std::vector<LineRecord> carriedOn_;
-    bool atStart_ = true; // no connection has been looked for before
+    std::set<std::uint32_t> recordedAsAdapters_; // interfaces, not yet seen as dial-up lines
+    bool atStart_ = true;                        // no connection has been looked for before
 };
 
 } // namespace korvalin

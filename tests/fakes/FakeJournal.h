@@ -18,16 +18,15 @@ class FakeJournal : public Journal {
     int Saves = 0;           ///< onto the medium
     std::filesystem::path Folder;
 
-    JournalFound Load(const std::filesystem::path&) override {
-        if (IsUnreadable) return {.IsUnreadable = true};
-        if (!KnowsMachine) return {};
-        return {.KnowsMachine = true, .SameBoot = SameBoot, .Picture = Kept};
+    JournalFound Load(const std::filesystem::path& folder) override {
+        savedInRun_ = false;
+        return Look(folder);
     }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
         if (Fails) return false;
         Folder = folder;
-        KnowsMachine = SameBoot = true;
+        KnowsMachine = SameBoot = savedInRun_ = true;
         Kept = picture;
         if (durability == Durability::Medium) {
             OnMedium = picture;
@@ -36,6 +35,7 @@ class FakeJournal : public Journal {
         return true;
     }
     void Note(const std::vector<JournalNote>& notes) override {
+        if (!savedInRun_) return; // there is nothing that they belong to
         for (const JournalNote& note : notes) {
             const auto entry = std::find_if(Kept.Entries.begin(), Kept.Entries.end(),
                                             [&](const JournalEntry& e) { return e.Index == note.Index; });
@@ -48,7 +48,14 @@ class FakeJournal : public Journal {
             entry->Open->End = note.OpenEnd;
         }
     }
-    JournalFound Look(const std::filesystem::path& folder) override { return Load(folder); }
+    JournalFound Look(const std::filesystem::path&) override {
+        if (IsUnreadable) return {.IsUnreadable = true};
+        if (!KnowsMachine) return {};
+        return {.KnowsMachine = true, .SameBoot = SameBoot, .Picture = Kept};
+    }
+
+  protected:
+    bool savedInRun_ = false;
 };
 
 } // namespace korvalin

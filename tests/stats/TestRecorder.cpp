@@ -98,6 +98,7 @@ TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
     EXPECT_EQ(Export(), german);
     locale.ShortDate = "m/d/yyyy";
     locale.Time = "h:nn:ss AMPM";
+    lines.PreviousLineTable(1).Continued = true; // in another run
     Save(CloseReason::SystemEnd, 1);
     EXPECT_EQ(Export(), german + "Büro,3/15/2024 11:48:00 AM,3/15/2024 12:00:00 PM,12:12:00 AM,700,5000000,"
                                  "5000700,alice,192.0.2.7,3/15/2024 12:00:00 PM abgemeldet\r\n");
