@@ -18,10 +18,7 @@ class FakeJournal : public Journal {
     int Saves = 0;           ///< onto the medium
     std::filesystem::path Folder;
 
-    JournalFound Load(const std::filesystem::path& folder) override {
-        savedInRun_ = false;
-        return Look(folder);
-    }
+    JournalFound Load(const std::filesystem::path& folder) override { return Look(folder); }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
         if (Fails) return false;

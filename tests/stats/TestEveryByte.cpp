@@ -278,6 +278,10 @@ class GatedJournal : public FakeJournal {
     GatedJournal(WriteGate& gate, Account& account) : gate_(gate), account_(account) {}
     Account::State Kept, OnDisk; // what the plain account has to go on with after a kill, or a power loss
 
+    JournalFound Load(const std::filesystem::path& folder) override {
+        savedInRun_ = false; // another program begins
+        return FakeJournal::Load(folder);
+    }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
         gate_.Behind = gate_.Behind || Fails;
