@@ -1,13 +1,14 @@
 """The journal of script/bench: what it takes of a window's CPU time, what it writes, and how much a long one delays a start.
 
 Two windows run at the same time. One finds its data folder held by another recorder, so it keeps no journal. From round to
-round they take turns in who comes first.
+round they take turns in who comes first and in who has which place, as a place on the screen has a cost of its own.
 """
 
 import contextlib
 import os
 import pathlib
 import shutil
+import signal
 import statistics
 import subprocess
 import tempfile
@@ -24,11 +25,12 @@ SETTLED = 6  # seconds until the first things are done
 
 @contextlib.contextmanager
 def running(*command, env):
-    process = subprocess.Popen(command, env=env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    process = subprocess.Popen(command, env=env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                               start_new_session=True)
     try:
         yield process
     finally:
-        process.kill()
+        os.killpg(process.pid, signal.SIGKILL)  # what is traced would outlive its tracer
         process.wait()
 
 
@@ -51,12 +53,16 @@ def written(pid):
     return [int(found["syscw"]), int(found["write_bytes"])]
 
 
-def compare(program, users, cpu_milliseconds, seconds):
+def compare(program, users, places, cpu_milliseconds, seconds):
     """CPU milliseconds, writing calls and written bytes a second of both windows."""
     sums = {name: [0, 0, 0] for name in users}
     span = 0
     for number in range(ROUNDS):
         order = list(users) if number % 2 else list(users)[::-1]
+        for name, place in zip(users, places if number < ROUNDS / 2 else places[::-1]):
+            for setting, value in place.items():
+                subprocess.run([f"{program}-cli", "settings", "set", setting, str(value)], env=users[name], check=True,
+                               stdout=subprocess.DEVNULL)
         with contextlib.ExitStack() as stack:
             pids = {name: stack.enter_context(running(program, env=users[name])).pid for name in order}
             figures = lambda pid: [cpu_milliseconds(pid), *written(pid)]
@@ -98,12 +104,12 @@ def starts(env, start):
         return {kind: statistics.median(found) for kind, found in times.items()}
 
 
-def running_costs(row, program, settings, cpu_milliseconds, seconds, place, other_place):
-    with user(settings, **place) as keeping, user(settings, **other_place) as looking, \
+def running_costs(row, program, settings, cpu_milliseconds, seconds, places):
+    with user(settings, **places[0]) as keeping, user(settings, **places[1]) as looking, \
             running(f"{program}-cli", "record", env=looking):
         while not (data(looking) / FILE_NAME).exists():
             time.sleep(0.1)
-        found = compare(program, {"with": keeping, "without": looking}, cpu_milliseconds, seconds)
+        found = compare(program, {"with": keeping, "without": looking}, places, cpu_milliseconds, seconds)
         units = ("CPU a second", "ms"), ("writing calls a second", ""), ("bytes to a disk, a second", "")
         for number, (what, unit) in enumerate(units):
             row(f"window with a journal: {what}", found["with"][number], unit, "without", found["without"][number],
