@@ -160,7 +160,7 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
 
     const std::string label =
-        LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, false, true));
+        LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, {.TrimIt = true}));
     picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
     print(black, label);
 }

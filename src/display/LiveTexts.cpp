@@ -16,7 +16,7 @@ LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, MonthSu
       errors_(errors) {}
 
 std::string LiveTexts::Text(int number) const {
-    return language_.Lng("modAllgemein", number, false, true, true);
+    return language_.Lng("modAllgemein", number, {.TrimIt = true, .ReportMissing = true});
 }
 
 void LiveTexts::FillInfoStrings(InfoTexts& texts) {

@@ -95,7 +95,9 @@ std::function<std::string(int)> Program::UpdateText() {
 }
 
 void Program::PlugErrors() {
-    errors.Plug({[this](int number) { return language.Lng("modGlobal", number, false, true, true); },
+    errors.Plug({[this](int number) {
+                     return language.Lng("modGlobal", number, {.TrimIt = true, .ReportMissing = true});
+                 },
                  [this] { return dataFolder.GetDataPath(); }, [] { std::_Exit(EXIT_FAILURE); }});
 }
 

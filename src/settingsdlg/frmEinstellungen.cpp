@@ -329,7 +329,7 @@ void frmEinstellungen::Connect() {
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(ui_->cboLanguage, &QComboBox::activated, this, [this] { cboLanguage_Click(); });
     connect(ui_->txtDataPath, &QLineEdit::editingFinished, this, [this] {
-        // Who cancels is not asked.
+        // A user who is about to cancel the dialog is not asked about the folder.
         if (isVisible() && !ui_->cmdCancel->hasFocus()) txtDataPath_Validate();
     });
     connect(ui_->cmdChooseDir, &QPushButton::clicked, this, [this] { cmdChooseDir_Click(); });
