@@ -1,7 +1,6 @@
 #include "display/ChartPainter.h"
 
 #include "base/Numbers.h"
-#include "display/LiveTexts.h"
 #include "errors/Errors.h"
 #include "forms/PictureBox.h"
 #include "lang/Language.h"
@@ -36,10 +35,9 @@ std::string ChartPainter::Text(int number) const {
     return parts_.Texts.Lng("modAllgemein", number);
 }
 
-void ChartPainter::DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable) {
+void ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable) {
     // The blank at the end belongs to the name by which this routine reports.
     parts_.Error.Step("DrawChart ", [&] {
-        PrepareTexts(texts);
         if (!force && !picture.isVisible()) return;
         if (!drawable) return;
         visibleSamples_ = VisibleSamplesFor(texts.picWidthMin);
@@ -52,14 +50,6 @@ void ChartPainter::DrawChart(PictureBox& picture, InfoTexts& texts, bool force, 
         if (parts_.Lines.LineCount > 0) DrawLine(picture, texts, 1);
         picture.Refresh();
     });
-}
-
-void ChartPainter::PrepareTexts(InfoTexts& texts) {
-    const auto lines = static_cast<int>(parts_.Lines.LineCount);
-    if (lines > 0) texts.ChartLineNo = std::clamp(texts.ChartLineNo, 1, lines);
-    texts.LineIndex = lines > 0 ? static_cast<std::size_t>(texts.ChartLineNo) : 0;
-    texts.SampleIndex = parts_.History.Samples();
-    parts_.Live.FillInfoStrings(texts);
 }
 
 void ChartPainter::FindScale(const InfoTexts& texts) {

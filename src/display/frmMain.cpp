@@ -37,8 +37,8 @@ frmMain::frmMain(const Parts& parts)
       ui_(MakeUi<Ui::frmMain>(*this)),
       geometry_(parts.Setting, parts.Display),
       frame_(*this),
-      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
-                parts.UserLocale, [this] { SetWindowHeight(heightForTextsTwips); }}),
+      painter_({parts.Lines, parts.History, parts.Texts, parts.Error, parts.Time, parts.UserLocale,
+                [this] { SetWindowHeight(heightForTextsTwips); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }),
       dialMenu_({*ui_->mnuLogIn, *ui_->mnuLogInQuick, *ui_->mnuLogOut, *ui_->mnuTrennEinwahl},
                 [this](const std::string& entryName) { mnuLogInLine_Click(entryName); }),
@@ -124,6 +124,7 @@ void frmMain::TimerMain_Timer() {
 void frmMain::DrawChart(bool force) {
     // The toolkit counts a window in the taskbar as visible.
     const bool drawable = windowShown_ && !titleOnly_ && (force || !isMinimized());
+    parts_.Live.Renew(parts_.Info);
     painter_.DrawChart(*ui_->PicChart, parts_.Info, force, drawable);
     parts_.Loop.SetVisibleSamples(painter_.VisibleSamples());
 }
