@@ -32,12 +32,12 @@ constexpr double gapPixels = 2; // between a rule and the digits
 ChartPainter::ChartPainter(const Parts& parts) : parts_(parts) {}
 
 std::string ChartPainter::Text(int number) const {
-    return parts_.Texts.Lng("modAllgemein", number);
+    return parts_.Language.Lng("modAllgemein", number);
 }
 
 void ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable) {
     // The blank at the end belongs to the name by which this routine reports.
-    parts_.Error.Step("DrawChart ", [&] {
+    parts_.Errors.Step("DrawChart ", [&] {
         if (!force && !picture.isVisible()) return;
         if (!drawable) return;
         visibleSamples_ = VisibleSamplesFor(texts.picWidthMin);
@@ -81,7 +81,7 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
 
 // Four match days of a summer.
 void ChartPainter::DrawFlag(PictureBox& picture, const InfoTexts& texts) {
-    const Date today = DayOf(parts_.Time.Now());
+    const Date today = DayOf(parts_.Clock.Now());
     if (std::find(flagDays.begin(), flagDays.end(), today) == flagDays.end()) return;
     const double stripe = std::floor(chartScale_[0] / 2) / 3;
     double top = chartScale_[0];
@@ -150,13 +150,13 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
 
     const std::string label =
-        LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, {.TrimIt = true}));
+        LineLabel(parts_.Lines, texts, parts_.Language.Lng("modAllgemein", 10, {.TrimIt = true}));
     picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
     print(black, label);
 }
 
 void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::size_t slot) {
-    parts_.Error.Step("DrawLine", [&] {
+    parts_.Errors.Step("DrawLine", [&] {
         // A value beyond the scale is drawn one pixel above the top rule.
         chartScale_.at(slot) = chartScale_[0] + std::abs(picture.ScaleY(1));
         const auto draw = [&](std::size_t rateSlot, Direction direction, std::int32_t color) {

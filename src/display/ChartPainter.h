@@ -20,9 +20,9 @@ class ChartPainter {
     struct Parts {
         const LineState& Lines;
         const RateHistory& History;
-        Language& Texts;
-        Errors& Error;
-        Clock& Time;
+        korvalin::Language& Language;
+        korvalin::Errors& Errors;
+        korvalin::Clock& Clock;
         const Locale& UserLocale;
         /// The picture is too low for its texts: makes the main window higher.
         std::function<void()> PictureTooLow;
