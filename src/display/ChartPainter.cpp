@@ -1,7 +1,6 @@
 #include "display/ChartPainter.h"
 
 #include "base/Numbers.h"
-#include "display/LiveTexts.h"
 #include "errors/Errors.h"
 #include "forms/PictureBox.h"
 #include "lang/Language.h"
@@ -33,13 +32,12 @@ constexpr double gapPixels = 2; // between a rule and the digits
 ChartPainter::ChartPainter(const Parts& parts) : parts_(parts) {}
 
 std::string ChartPainter::Text(int number) const {
-    return parts_.Texts.Lng("modAllgemein", number);
+    return parts_.Language.Lng("modAllgemein", number);
 }
 
-void ChartPainter::DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable) {
+void ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable) {
     // The blank at the end belongs to the name by which this routine reports.
-    parts_.Error.Step("DrawChart ", [&] {
-        PrepareTexts(texts);
+    parts_.Errors.Step("DrawChart ", [&] {
         if (!force && !picture.isVisible()) return;
         if (!drawable) return;
         visibleSamples_ = VisibleSamplesFor(texts.picWidthMin);
@@ -52,14 +50,6 @@ void ChartPainter::DrawChart(PictureBox& picture, InfoTexts& texts, bool force, 
         if (parts_.Lines.LineCount > 0) DrawLine(picture, texts, 1);
         picture.Refresh();
     });
-}
-
-void ChartPainter::PrepareTexts(InfoTexts& texts) {
-    const auto lines = static_cast<int>(parts_.Lines.LineCount);
-    if (lines > 0) texts.ChartLineNo = std::clamp(texts.ChartLineNo, 1, lines);
-    texts.LineIndex = lines > 0 ? static_cast<std::size_t>(texts.ChartLineNo) : 0;
-    texts.SampleIndex = parts_.History.Samples();
-    parts_.Live.FillInfoStrings(texts);
 }
 
 void ChartPainter::FindScale(const InfoTexts& texts) {
@@ -91,7 +81,7 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
 
 // Four match days of a summer.
 void ChartPainter::DrawFlag(PictureBox& picture, const InfoTexts& texts) {
-    const Date today = DayOf(parts_.Time.Now());
+    const Date today = DayOf(parts_.Clock.Now());
     if (std::find(flagDays.begin(), flagDays.end(), today) == flagDays.end()) return;
     const double stripe = std::floor(chartScale_[0] / 2) / 3;
     double top = chartScale_[0];
@@ -160,13 +150,13 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
 
     const std::string label =
-        LineLabel(parts_.Lines, texts, parts_.Texts.Lng("modAllgemein", 10, false, true));
+        LineLabel(parts_.Lines, texts, parts_.Language.Lng("modAllgemein", 10, {.TrimIt = true}));
     picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
     print(black, label);
 }
 
 void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::size_t slot) {
-    parts_.Error.Step("DrawLine", [&] {
+    parts_.Errors.Step("DrawLine", [&] {
         // A value beyond the scale is drawn one pixel above the top rule.
         chartScale_.at(slot) = chartScale_[0] + std::abs(picture.ScaleY(1));
         const auto draw = [&](std::size_t rateSlot, Direction direction, std::int32_t color) {

@@ -12,7 +12,6 @@ namespace korvalin {
 class Clock;
 class Errors;
 class Language;
-class LiveTexts;
 class PictureBox;
 
 /// Paints the live rate chart of one line into a picture box.
@@ -21,19 +20,18 @@ class ChartPainter {
     struct Parts {
         const LineState& Lines;
         const RateHistory& History;
-        LiveTexts& Live;
-        Language& Texts;
-        Errors& Error;
-        Clock& Time;
+        korvalin::Language& Language;
+        korvalin::Errors& Errors;
+        korvalin::Clock& Clock;
         const Locale& UserLocale;
         /// The picture is too low for its texts: makes the main window higher.
         std::function<void()> PictureTooLow;
     };
     explicit ChartPainter(const Parts& parts);
 
-    /// Renews the texts and draws the whole chart. Nothing is drawn while the picture is not visible, unless
+    /// Draws the whole chart, with its texts. Nothing is drawn while the picture is not visible, unless
     /// forced, nor while the main window does not show its chart (`drawable` false).
-    void DrawChart(PictureBox& picture, InfoTexts& texts, bool force, bool drawable);
+    void DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable);
 
     std::size_t VisibleSamples() const { return visibleSamples_; }
 
@@ -41,7 +39,6 @@ class ChartPainter {
     double ScaleMaximum() const { return chartScale_[0]; }
 
   private:
-    void PrepareTexts(InfoTexts& texts);
     void FindScale(const InfoTexts& texts);
     void PreparePicture(PictureBox& picture, const InfoTexts& texts);
     void DrawFlag(PictureBox& picture, const InfoTexts& texts);

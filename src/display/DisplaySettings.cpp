@@ -12,61 +12,61 @@ namespace {
 constexpr int secondsPerMinute = 60;
 
 // Each setting and the member that holds it, in the order in which they are stored.
-template <class Texts, class Visit>
-void VisitStoredTogether(Texts& texts, const Visit& visit) {
-    visit(Keys::ProgRunTime, texts.ShowDuration);
-    visit(Keys::UnitKB, texts.RateUnitText);
-    visit(Keys::UnitMB, texts.VolumeUnitText);
-    visit(Keys::FontName, texts.FontName);
-    visit(Keys::FontSize, texts.FontSize);
-    visit(Keys::FontBold, texts.FontBold);
-    visit(Keys::ShowTimeLines, texts.ShowTimeLines);
-    visit(Keys::TimeLinesSec, texts.TimeLinesSec);
-    visit(Keys::ChartBackgroundColor, texts.ChartBackgroundColor);
-    visit(Keys::picWidthMin, texts.picWidthMin);
-    visit(Keys::ConnDataMax, texts.ConnDataMax);
-    visit(Keys::Opacity, texts.Opacity);
-    visit(Keys::ChartMax, texts.ChartMax);
-    visit(Keys::ChartMinMax, texts.ChartMinMax);
-    visit(Keys::ChartUseMax, texts.ChartUseMax);
+template <class Display, class Visit>
+void VisitStoredTogether(Display& display, const Visit& visit) {
+    visit(Keys::ProgRunTime, display.ShowDuration);
+    visit(Keys::UnitKB, display.RateUnitText);
+    visit(Keys::UnitMB, display.VolumeUnitText);
+    visit(Keys::FontName, display.FontName);
+    visit(Keys::FontSize, display.FontSize);
+    visit(Keys::FontBold, display.FontBold);
+    visit(Keys::ShowTimeLines, display.ShowTimeLines);
+    visit(Keys::TimeLinesSec, display.TimeLinesSec);
+    visit(Keys::ChartBackgroundColor, display.ChartBackgroundColor);
+    visit(Keys::picWidthMin, display.picWidthMin);
+    visit(Keys::ConnDataMax, display.ConnDataMax);
+    visit(Keys::Opacity, display.Opacity);
+    visit(Keys::ChartMax, display.ChartMax);
+    visit(Keys::ChartMinMax, display.ChartMinMax);
+    visit(Keys::ChartUseMax, display.ChartUseMax);
     for (std::size_t i = 0; i < RateSlots; ++i) {
-        visit(Keys::LineDLShow(i + 1), texts.LineDLShow[i]);
-        visit(Keys::LineULShow(i + 1), texts.LineULShow[i]);
-        visit(Keys::LineDLColor(i + 1), texts.LineDLColor[i]);
-        visit(Keys::LineULColor(i + 1), texts.LineULColor[i]);
+        visit(Keys::LineDLShow(i + 1), display.LineDLShow[i]);
+        visit(Keys::LineULShow(i + 1), display.LineULShow[i]);
+        visit(Keys::LineDLColor(i + 1), display.LineDLColor[i]);
+        visit(Keys::LineULColor(i + 1), display.LineULColor[i]);
     }
-    visit(Keys::TrayMaxRate, texts.TrayMaxRate);
-    visit(Keys::TrayMaxVol, texts.TrayMaxVol);
-    visit(Keys::TrayAnimated, texts.TrayAnimated);
-    visit(Keys::TrayTexts, texts.TrayTextFlags);
+    visit(Keys::TrayMaxRate, display.TrayMaxRate);
+    visit(Keys::TrayMaxVol, display.TrayMaxVol);
+    visit(Keys::TrayAnimated, display.TrayAnimated);
+    visit(Keys::TrayTexts, display.TrayTextFlags);
 }
 
 // Those that are stored where they change, or only by hand.
 template <class Visit>
-void VisitOthers(InfoTexts& texts, const Visit& visit) {
-    visit(Keys::AutoShow, texts.AutoShow);
-    visit(Keys::CloseTrayOnly, texts.CloseTrayOnly);
-    visit(Keys::ShowLineName, texts.ShowLineName);
-    visit(Keys::UpdateIntervalChart, texts.UpdateIntervalChart);
-    visit(Keys::DisplayChoiceDL, texts.DisplayChoiceDL);
-    visit(Keys::DisplayChoiceUL, texts.DisplayChoiceUL);
+void VisitOthers(DisplaySettings& display, const Visit& visit) {
+    visit(Keys::AutoShow, display.AutoShow);
+    visit(Keys::CloseTrayOnly, display.CloseTrayOnly);
+    visit(Keys::ShowLineName, display.ShowLineName);
+    visit(Keys::UpdateIntervalChart, display.UpdateIntervalChart);
+    visit(Keys::DisplayChoiceDL, display.DisplayChoiceDL);
+    visit(Keys::DisplayChoiceUL, display.DisplayChoiceUL);
 }
 
 } // namespace
 
-void LoadDisplaySettings(Settings& settings, UnitFormat& units, InfoTexts& texts) {
+void LoadDisplaySettings(Settings& settings, UnitFormat& units, DisplaySettings& display) {
     const auto load = [&](const auto& key, auto& member) { member = settings.Get(key); };
-    VisitStoredTogether(texts, load);
-    VisitOthers(texts, load);
-    texts.ConnDataMax = std::max(texts.ConnDataMax, texts.picWidthMin * secondsPerMinute);
-    units.SetUnits(texts.RateUnitText, texts.VolumeUnitText);
-    texts.KBFactor = 0;
-    texts.MBFactor = 0;
+    VisitStoredTogether(display, load);
+    VisitOthers(display, load);
+    display.ConnDataMax = std::max(display.ConnDataMax, display.picWidthMin * secondsPerMinute);
+    units.SetUnits(display.RateUnitText, display.VolumeUnitText);
+    display.KBFactor = 0;
+    display.MBFactor = 0;
 }
 
-void StoreDisplaySettings(Settings& settings, const InfoTexts& texts,
+void StoreDisplaySettings(Settings& settings, const DisplaySettings& display,
                           const std::function<void(std::string_view name)>& stored) {
-    VisitStoredTogether(texts, [&](const auto& key, const auto& member) {
+    VisitStoredTogether(display, [&](const auto& key, const auto& member) {
         settings.Set(key, member);
         stored(key.Name);
     });

@@ -20,9 +20,8 @@ enum TrayTextFlag {
     TrayDuration = 128
 };
 
-/// The live display record: the display settings and the texts made from the current sample.
-struct InfoTexts {
-    // Settings
+/// The settings that the live display follows.
+struct DisplaySettings {
     bool AutoShow = true;
     bool CloseTrayOnly = true;
     bool ShowLineName = true;
@@ -37,8 +36,6 @@ struct InfoTexts {
     int picWidthMin = 4;         ///< width of the chart in minutes
     int ConnDataMax = 240;       ///< samples of history
     int Opacity = 255;
-    int ChartLineNo = 0;                          ///< the line in the chart; 0 = not yet read
-    std::string ChartLineName;                    ///< its name: when it moves or comes back the chart follows
     int ChartMax = 100;                           ///< fixed scale in thousands of bytes per second
     int ChartMinMax = 5;                          ///< floor of the scale in thousands of bytes per second
     std::int32_t ChartBackgroundColor = 15323561; ///< red + 256 green + 65536 blue, as all colours here
@@ -52,16 +49,22 @@ struct InfoTexts {
     std::array<std::int32_t, RateSlots> LineDLColor{};
     std::array<std::int32_t, RateSlots> LineULColor{};
     bool ShowDuration = true; ///< the online time also for an adapter
-
-    // What is shown
-    std::size_t LineIndex = 0;   ///< in the line table; 0 = none
-    std::size_t SampleIndex = 0; ///< of the current sample
     std::string RateUnitText = "KB";
     std::string VolumeUnitText = "MB";
     std::int32_t KBFactor = 0; ///< bytes per rate unit; 0 = the program-wide one
     std::int32_t MBFactor = 0;
+};
 
-    // Texts
+/// What of the lines and their history is shown.
+struct DisplayChoice {
+    int ChartLineNo = 0;         ///< the line in the chart; 0 = not yet read
+    std::string ChartLineName;   ///< its name: when it moves or comes back the chart follows
+    std::size_t LineIndex = 0;   ///< in the line table; 0 = none
+    std::size_t SampleIndex = 0; ///< of the current sample
+};
+
+/// The texts made from the chosen sample.
+struct DisplayTexts {
     std::string CaptionText;
     std::string TrayTipText;
     std::string RateDLText = "0.0";
@@ -74,5 +77,8 @@ struct InfoTexts {
     std::string PeriodVolumeText = "0.0";
     std::string FreeVolumeText;
 };
+
+/// The live display record.
+struct InfoTexts : DisplaySettings, DisplayChoice, DisplayTexts {};
 
 } // namespace korvalin

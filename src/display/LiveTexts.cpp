@@ -5,6 +5,8 @@
 #include "lang/Language.h"
 #include "stats/MonthSums.h"
 
+#include <algorithm>
+
 namespace korvalin {
 LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums,
                      UnitFormat& units, Language& language, Errors& errors)
@@ -16,7 +18,15 @@ LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, MonthSu
       errors_(errors) {}
 
 std::string LiveTexts::Text(int number) const {
-    return language_.Lng("modAllgemein", number, false, true, true);
+    return language_.Lng("modAllgemein", number, {.TrimIt = true, .ReportMissing = true});
+}
+
+void LiveTexts::Renew(InfoTexts& texts) {
+    const auto lines = static_cast<int>(lines_.LineCount);
+    if (lines > 0) texts.ChartLineNo = std::clamp(texts.ChartLineNo, 1, lines);
+    texts.LineIndex = lines > 0 ? static_cast<std::size_t>(texts.ChartLineNo) : 0;
+    texts.SampleIndex = history_.Samples();
+    FillInfoStrings(texts);
 }
 
 void LiveTexts::FillInfoStrings(InfoTexts& texts) {

@@ -16,6 +16,10 @@ class LiveTexts {
     LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums, UnitFormat& units,
               Language& language, Errors& errors);
 
+    /// Chooses the newest sample of the charted line, whose number becomes that of the last line when there
+    /// are fewer by now, and makes its texts.
+    void Renew(InfoTexts& texts);
+
     void FillInfoStrings(InfoTexts& texts);
 
   private:

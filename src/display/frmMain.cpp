@@ -35,14 +35,14 @@ constexpr double opaque = 255.0;
 frmMain::frmMain(const Parts& parts)
     : parts_(parts),
       ui_(MakeUi<Ui::frmMain>(*this)),
-      geometry_(parts.Setting, parts.Display),
+      geometry_(parts.Settings, parts.Display),
       frame_(*this),
-      painter_({parts.Lines, parts.History, parts.Live, parts.Texts, parts.Error, parts.Time,
-                parts.UserLocale, [this] { SetWindowHeight(heightForTextsTwips); }}),
+      painter_({parts.Lines, parts.History, parts.Language, parts.Errors, parts.Clock, parts.UserLocale,
+                [this] { SetWindowHeight(heightForTextsTwips); }}),
       linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }),
       dialMenu_({*ui_->mnuLogIn, *ui_->mnuLogInQuick, *ui_->mnuLogOut, *ui_->mnuTrennEinwahl},
                 [this](const std::string& entryName) { mnuLogInLine_Click(entryName); }),
-      tray_(parts.Tray, *ui_->mnuTrayIcon, parts.Lines, parts.Error, parts.UserLocale) {
+      tray_(parts.Tray, *ui_->mnuTrayIcon, parts.Lines, parts.Errors, parts.UserLocale) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
     ConnectMenu();
@@ -54,7 +54,7 @@ frmMain::frmMain(const Parts& parts)
     connect(&timerFade_, &QTimer::timeout, this, [this] { TimerFade_Timer(); });
     frame_.Plug({[this](int height) {
                      // A start without a caption has none to measure.
-                     parts_.Setting.Set(Keys::MON_CaptionHeight, height);
+                     parts_.Settings.Set(Keys::MON_CaptionHeight, height);
                      SetSmallestSize();
                  },
                  [this] { RestoreGeometry(); }, [this] { SaveGeometry(); }});
@@ -91,13 +91,13 @@ void frmMain::ConnectMenu() {
 
 void frmMain::Form_Load() {
     ApplyTexts();
-    frame_.SetCaptionHeight(parts_.Setting.Get(Keys::MON_CaptionHeight));
+    frame_.SetCaptionHeight(parts_.Settings.Get(Keys::MON_CaptionHeight));
     SetSmallestSize();
-    ui_->mnuTest->setVisible(parts_.Setting.Get(Keys::Test));
-    if (parts_.Setting.Get(Keys::ForeGround)) ui_->mnuVordergrund->trigger();
+    ui_->mnuTest->setVisible(parts_.Settings.Get(Keys::Test));
+    if (parts_.Settings.Get(Keys::ForeGround)) ui_->mnuVordergrund->trigger();
     RestoreGeometry();
-    if (!parts_.Setting.Get(Keys::ShowTitle)) ui_->mnuTitelAnzeigen->trigger();
-    titleOnly_ = parts_.Setting.Get(Keys::NurTitel);
+    if (!parts_.Settings.Get(Keys::ShowTitle)) ui_->mnuTitelAnzeigen->trigger();
+    titleOnly_ = parts_.Settings.Get(Keys::NurTitel);
     ui_->mnuNurTitel->setChecked(titleOnly_);
     if (titleOnly_) SetTitleOnly();
     AddTrayIcon();
@@ -112,7 +112,7 @@ void frmMain::Form_Load() {
 }
 
 void frmMain::ApplyTexts() {
-    ApplyFormTexts(*this, parts_.Texts);
+    ApplyFormTexts(*this, parts_.Language);
 }
 
 void frmMain::TimerMain_Timer() {
@@ -124,6 +124,7 @@ void frmMain::TimerMain_Timer() {
 void frmMain::DrawChart(bool force) {
     // The toolkit counts a window in the taskbar as visible.
     const bool drawable = windowShown_ && !titleOnly_ && (force || !isMinimized());
+    parts_.Live.Renew(parts_.Info);
     painter_.DrawChart(*ui_->PicChart, parts_.Info, force, drawable);
     parts_.Loop.SetVisibleSamples(painter_.VisibleSamples());
 }
@@ -198,7 +199,7 @@ bool frmMain::HangUpItemVisible() {
 void frmMain::RefreshDialMenus() {
     if (refreshingDialMenus_) return;
     const FlagGuard refreshing(refreshingDialMenus_);
-    parts_.Error.Step("RefreshDialMenus", [this] { dialMenu_.Show(parts_.Dial.Choices()); });
+    parts_.Errors.Step("RefreshDialMenus", [this] { dialMenu_.Show(parts_.Dial.Choices()); });
 }
 
 void frmMain::RefreshDialMenusIfChanged(bool force) {
@@ -252,7 +253,7 @@ void frmMain::SetWindowHeight(int twips) {
 
 void frmMain::mnuTitelAnzeigen_Click() {
     const bool show = ui_->mnuTitelAnzeigen->isChecked();
-    parts_.Setting.Set(Keys::ShowTitle, show);
+    parts_.Settings.Set(Keys::ShowTitle, show);
     if (!show && !titleOnly_) setWindowTitle(QString());
     if (show) ShowCaption();
     frame_.ShowCaption(show);
@@ -261,12 +262,12 @@ void frmMain::mnuTitelAnzeigen_Click() {
 
 void frmMain::mnuNurTitel_Click() {
     titleOnly_ = ui_->mnuNurTitel->isChecked();
-    parts_.Setting.Set(Keys::NurTitel, titleOnly_);
+    parts_.Settings.Set(Keys::NurTitel, titleOnly_);
     SetTitleOnly();
 }
 
 void frmMain::SetTitleOnly() {
-    parts_.Setting.Set(Keys::NurTitel, titleOnly_);
+    parts_.Settings.Set(Keys::NurTitel, titleOnly_);
     ui_->PicChart->setVisible(!titleOnly_);
     if (titleOnly_) {
         SetSmallestSize();
@@ -284,7 +285,7 @@ void frmMain::SetTitleOnly() {
 void frmMain::mnuVordergrund_Click() {
     const bool topmost = ui_->mnuVordergrund->isChecked();
     frame_.SetTopmost(topmost);
-    parts_.Setting.Set(Keys::ForeGround, topmost);
+    parts_.Settings.Set(Keys::ForeGround, topmost);
 }
 
 void frmMain::SetTopmost(bool topmost) {
@@ -301,8 +302,8 @@ void frmMain::mnuLines_Click(std::size_t line) {
     parts_.Info.ChartLineNo = static_cast<int>(line);
     parts_.Info.ChartLineName = parts_.Lines.LineTable(line).EntryName;
     linesMenu_.Check(line);
-    parts_.Setting.Set(Keys::ChartLineNo, parts_.Info.ChartLineNo);
-    parts_.Setting.Set(Keys::ChartLineName, parts_.Info.ChartLineName);
+    parts_.Settings.Set(Keys::ChartLineNo, parts_.Info.ChartLineNo);
+    parts_.Settings.Set(Keys::ChartLineName, parts_.Info.ChartLineName);
     DrawChart(false);
 }
 
@@ -368,10 +369,10 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::TellThatNoTrayIsThere() {
-    if (parts_.Setting.Get(Keys::NoTrayTold)) return;
-    parts_.Setting.Set(Keys::NoTrayTold, true);
-    parts_.Messages.Show(parts_.Texts.Lng("modAllgemein", 60), std::string(ProgramTitle),
-                         MessageIcon::Information, MessageButtons::Ok);
+    if (parts_.Settings.Get(Keys::NoTrayTold)) return;
+    parts_.Settings.Set(Keys::NoTrayTold, true);
+    parts_.MessageBoxes.Show(parts_.Language.Lng("modAllgemein", 60), std::string(ProgramTitle),
+                             MessageIcon::Information, MessageButtons::Ok);
 }
 
 void frmMain::Quit(CloseReason reason) {

@@ -31,19 +31,19 @@ class frmMain : public QWidget, public MonitorWindow {
   public:
     /// What the window shows and drives; all of it outlives the window.
     struct Parts {
-        Settings& Setting;
-        Language& Texts;
+        korvalin::Settings& Settings;
+        korvalin::Language& Language;
         Screen& Display;
         SamplingLoop& Loop;
         LineState& Lines;
         const RateHistory& History;
         InfoTexts& Info;
         LiveTexts& Live;
-        Errors& Error;
-        Clock& Time;
+        korvalin::Errors& Errors;
+        korvalin::Clock& Clock;
         const Locale& UserLocale;
         NotificationArea& Tray;
-        MessageBoxes& Messages;
+        korvalin::MessageBoxes& MessageBoxes;
         Dialing& Dial;
     };
     /// What the floors above plug in; each may stay as it is.

@@ -33,19 +33,19 @@ Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Loc
       messageBoxes_(messageBoxes),
       locale_(locale),
       executableName_(std::move(executableName)) {
-    callables_.Text = [](int) { return std::string(); };
-    callables_.DataFolder = [] { return std::filesystem::path(); };
-    callables_.EndProgram = [] {};
+    hooks_.Text = [](int) { return std::string(); };
+    hooks_.DataFolder = [] { return std::filesystem::path(); };
+    hooks_.EndProgram = [] {};
 }
 
 void Errors::DisplayError(std::string_view procName, int errNumber, std::string_view errText) {
     try {
         const Date now = clock_.Now();
         const bool repeated = DayOf(lastErrorTime_) == DayOf(now) && lastErrorTime_ + quietSpan > now;
-        if (repeated && UserEndsProgram()) return callables_.EndProgram();
+        if (repeated && UserEndsProgram()) return hooks_.EndProgram();
         lastErrorTime_ = clock_.Now(); // the question may have stood open for a while
 
-        const auto text = callables_.Text;
+        const auto text = hooks_.Text;
         const std::string body = text(203) + "\n\n" + text(204) + ": " + std::string(procName) + "\n" +
                                  text(205) + ": " + std::to_string(errNumber) + "\n" + text(206) + ": " +
                                  CleanErrorText(errText);
@@ -58,13 +58,13 @@ void Errors::DisplayError(std::string_view procName, int errNumber, std::string_
 }
 
 bool Errors::UserEndsProgram() {
-    return messageBoxes_.Show(callables_.Text(201) + "\n" + callables_.Text(202), std::string(ProgramTitle),
+    return messageBoxes_.Show(hooks_.Text(201) + "\n" + hooks_.Text(202), std::string(ProgramTitle),
                               MessageIcon::Critical, MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
 void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
     try {
-        const std::filesystem::path folder = callables_.DataFolder();
+        const std::filesystem::path folder = hooks_.DataFolder();
         if (folder.empty()) return;
         const std::filesystem::path path = folder / (executableName_ + "_ErrorLog.txt");
         const std::string line = FormatDateGeneral(clock_.Now(), locale_) + "\t" + OneLine(group) + "\t" +

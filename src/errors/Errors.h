@@ -31,10 +31,10 @@ int ErrorNumber(const std::exception& error);
 /// The one way of telling the user about an unexpected error, and the diagnostic log.
 ///
 /// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are
-/// callables that the program plugs in. Until then the lookup gives empty texts and there is no log.
+/// hooks that the program plugs in. Until then the lookup gives empty texts and there is no log.
 class Errors {
   public:
-    struct Callables {
+    struct Hooks {
         /// Text of section "modGlobal" by number, trimmed, missing ones reported.
         std::function<std::string(int number)> Text;
         /// The data folder.
@@ -46,7 +46,7 @@ class Errors {
     Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
            std::string executableName);
 
-    void Plug(Callables callables) { callables_ = std::move(callables); }
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Shows an error in the program's words: `procName` is the routine it happened in. A second report
     /// within two seconds asks first whether to end the program.
@@ -82,7 +82,7 @@ class Errors {
     MessageBoxes& messageBoxes_;
     const Locale& locale_;
     std::string executableName_;
-    Callables callables_;
+    Hooks hooks_;
     Date lastErrorTime_ = 0;
 };
 

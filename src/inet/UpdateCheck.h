@@ -24,7 +24,7 @@ enum class UpdateResult {
 /// Looks for a newer release on the update site, tells the user, and on consent fetches and starts it.
 class UpdateCheck {
   public:
-    struct Modules {
+    struct Parts {
         UpdateSite& Site;
         UpdateDownload& Download;
         korvalin::Settings& Settings;
@@ -50,7 +50,7 @@ class UpdateCheck {
         std::function<void(bool running)> ShowRunning = [](bool) {};
     };
 
-    explicit UpdateCheck(Modules modules);
+    explicit UpdateCheck(Parts parts);
 
     void Plug(Hooks hooks);
 
@@ -79,7 +79,7 @@ class UpdateCheck {
     void SetRunning(bool running);
     bool MustAsk();
 
-    Modules m_;
+    Parts parts_;
     Hooks hooks_;
     bool running_ = false;
     bool automatic_ = false;

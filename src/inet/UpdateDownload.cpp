@@ -27,32 +27,32 @@ Date NextAttempt(int attempts, Date now) {
 
 } // namespace
 
-UpdateDownload::UpdateDownload(Modules modules) : m_(std::move(modules)) {}
+UpdateDownload::UpdateDownload(Parts parts) : parts_(std::move(parts)) {}
 
 fs::path UpdateDownload::NewProgram() const {
-    return m_.ProgramFolder / NewProgramFileName;
+    return parts_.ProgramFolder / NewProgramFileName;
 }
 
 bool UpdateDownload::CanWrite() {
     // A new program that could not install itself waits to be started anew; it is not replaced while it runs.
-    if (EqualsNoCase(m_.Shell.ExecutablePath().filename().string(), NewProgramFileName)) return false;
+    if (EqualsNoCase(parts_.Shell.ExecutablePath().filename().string(), NewProgramFileName)) return false;
     const fs::path trial = NewProgram().string() + ".part";
-    const bool written = m_.Files.Replace(trial, "");
+    const bool written = parts_.Files.Replace(trial, "");
     std::error_code ignored;
     fs::remove(trial, ignored);
     return written;
 }
 
 UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const UpdatePage& page) {
-    if (m_.Settings.Get(Keys::UpdateNext) > m_.Clock.Now()) return Outcome::TooEarly;
+    if (parts_.Settings.Get(Keys::UpdateNext) > parts_.Clock.Now()) return Outcome::TooEarly;
     if (!HasUsefulProgram(offer)) {
         CountAttempt();
-        ShowStatus(m_.Text(16) + NewProgramFileName);
-        if (!m_.Site.Download(offer.FileName, NewProgram())) return Outcome::Failed;
+        ShowStatus(parts_.Text(16) + NewProgramFileName);
+        if (!parts_.Site.Download(offer.FileName, NewProgram())) return Outcome::Failed;
     }
     if (!DownloadLanguage(page)) return Outcome::Failed;
     attempts_ = 0;
-    ShowStatus(m_.Text(17));
+    ShowStatus(parts_.Text(17));
     KeepRunningVersion();
     return Outcome::Ready;
 }
@@ -61,9 +61,9 @@ UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const Upda
 bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
     const fs::path program = NewProgram();
     if (!FileExists(program)) return false;
-    if (IsWorthStarting(program, m_.ProgramFolder / ProgramFileName) &&
-        m_.Site.IsSigned(program, offer.FileName)) {
-        TakePermissions(program, m_.Shell.ExecutablePath());
+    if (IsWorthStarting(program, parts_.ProgramFolder / ProgramFileName) &&
+        parts_.Site.IsSigned(program, offer.FileName)) {
+        TakePermissions(program, parts_.Shell.ExecutablePath());
         return true;
     }
     std::error_code ignored;
@@ -72,24 +72,24 @@ bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
 }
 
 void UpdateDownload::CountAttempt() {
-    m_.Settings.Set(Keys::UpdateNext, NextAttempt(++attempts_, m_.Clock.Now()));
+    parts_.Settings.Set(Keys::UpdateNext, NextAttempt(++attempts_, parts_.Clock.Now()));
 }
 
 bool UpdateDownload::DownloadLanguage(const UpdatePage& page) {
-    const std::string about = page.LanguageInformation(m_.LanguageCode());
-    ShowStatus(m_.Text(16) + NewLanguageFileName + (about.empty() ? "" : " (" + about + ")"));
-    return m_.Site.Download(LanguageFileName, m_.ProgramFolder / NewLanguageFileName);
+    const std::string about = page.LanguageInformation(parts_.LanguageCode());
+    ShowStatus(parts_.Text(16) + NewLanguageFileName + (about.empty() ? "" : " (" + about + ")"));
+    return parts_.Site.Download(LanguageFileName, parts_.ProgramFolder / NewLanguageFileName);
 }
 
 void UpdateDownload::KeepRunningVersion() {
-    Keep(m_.Shell.ExecutablePath(), KeptProgramName(m_.Version));
-    Keep(m_.ProgramFolder / LanguageFileName, KeptLanguageName(m_.Version));
+    Keep(parts_.Shell.ExecutablePath(), KeptProgramName(parts_.Version));
+    Keep(parts_.ProgramFolder / LanguageFileName, KeptLanguageName(parts_.Version));
 }
 
 // Without its copy the update goes on: a full disk shows itself when the new program installs itself.
 void UpdateDownload::Keep(const fs::path& file, const std::string& name) {
-    if (!m_.Files.Copy(file, m_.ProgramFolder / name))
-        m_.Errors.WriteErrorLog("cannot be kept as " + name + ": " + file.string(), "Update");
+    if (!parts_.Files.Copy(file, parts_.ProgramFolder / name))
+        parts_.Errors.WriteErrorLog("cannot be kept as " + name + ": " + file.string(), "Update");
 }
 
 } // namespace korvalin

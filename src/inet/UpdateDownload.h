@@ -20,7 +20,7 @@ class UpdateSite;
 /// Brings a new version into the program folder and keeps the running one beside it.
 class UpdateDownload {
   public:
-    struct Modules {
+    struct Parts {
         UpdateSite& Site;
         korvalin::Settings& Settings;
         korvalin::Errors& Errors;
@@ -35,7 +35,7 @@ class UpdateDownload {
     };
     enum class Outcome { Ready, Failed, TooEarly };
 
-    explicit UpdateDownload(Modules modules);
+    explicit UpdateDownload(Parts parts);
 
     /// Takes the line of text that tells what is going on.
     std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
@@ -55,7 +55,7 @@ class UpdateDownload {
     void KeepRunningVersion();
     void Keep(const std::filesystem::path& file, const std::string& name);
 
-    Modules m_;
+    Parts parts_;
     int attempts_ = 0;
 };
 

@@ -38,7 +38,7 @@ std::string StatusText(const HttpHead& head) {
 
 } // namespace
 
-WebFetch::WebFetch(Modules modules) : m_(std::move(modules)) {}
+WebFetch::WebFetch(Parts parts) : parts_(std::move(parts)) {}
 
 void WebFetch::UseControl(TransferControl* control) {
     if (control_ != nullptr) control_->Plug({[](int) {}, [] {}});
@@ -52,17 +52,17 @@ void WebFetch::UseControl(TransferControl* control) {
 void WebFetch::Reset(const std::string& url) {
     state_ = {};
     state_.Url = WithoutAccount(url);
-    state_.StartTime = m_.Clock.Now();
+    state_.StartTime = parts_.Clock.Now();
     cancelled_ = false;
     Touch();
 }
 
 void WebFetch::Touch() {
-    state_.LastActivity = m_.Clock.AwakeSeconds();
+    state_.LastActivity = parts_.Clock.AwakeSeconds();
 }
 
 bool WebFetch::IsInactiveFor(double seconds) {
-    return m_.Clock.AwakeSeconds() - state_.LastActivity > seconds;
+    return parts_.Clock.AwakeSeconds() - state_.LastActivity > seconds;
 }
 
 HttpRequest WebFetch::RequestFor(const std::string& url, bool toFile) {
@@ -75,9 +75,9 @@ HttpRequest WebFetch::RequestFor(const std::string& url, bool toFile) {
 
 std::string WebFetch::UserAgent() {
     const std::string numbers =
-        fmt::format("{}{}{}", m_.Version.Major, m_.Version.Minor, m_.Version.Revision);
-    if (m_.Settings.Get(Keys::Test)) return "Korvalin-Test V" + numbers;
-    return "Korvalin-V" + numbers + "; " + m_.LanguageCode();
+        fmt::format("{}{}{}", parts_.Version.Major, parts_.Version.Minor, parts_.Version.Revision);
+    if (parts_.Settings.Get(Keys::Test)) return "Korvalin-Test V" + numbers;
+    return "Korvalin-V" + numbers + "; " + parts_.LanguageCode();
 }
 
 // A file is only of use when it is whole; of a page the beginning will do.
@@ -88,7 +88,7 @@ bool WebFetch::IsTooLong(const HttpHead& head, std::uint64_t received, std::uint
 void WebFetch::Save(const std::string& content, const std::filesystem::path& file) {
     if (content.empty()) {
         state_.Status = noData;
-    } else if (!m_.Files.Replace(file, content)) {
+    } else if (!parts_.Files.Replace(file, content)) {
         state_.Status = "0:cannot be written: " + file.filename().string();
     }
 }
@@ -99,7 +99,7 @@ void WebFetch::GiveUp(std::string status) {
 }
 
 void WebFetch::TimeOut() {
-    m_.Errors.WriteErrorLog("Inet timed out", "Inet");
+    parts_.Errors.WriteErrorLog("Inet timed out", "Inet");
     GiveUp("0:timed out");
 }
 
@@ -115,21 +115,21 @@ std::string WebFetch::GetURLSource(const std::string& url, const std::filesystem
     Reset(url);
     state_.ToFile = !filePath.empty();
     const HttpRequest request = RequestFor(url, state_.ToFile);
-    const std::unique_ptr<HttpStream> stream = m_.Http.Open(request);
+    const std::unique_ptr<HttpStream> stream = parts_.Http.Open(request);
     std::string page = ReadAll(*stream, request);
     const HttpHead head = stream->Head();
     const std::string_view beginning =
         std::string_view(page).substr(0, missingTextWithin + missingText.size() - 1);
     if (head.StatusCode == missingStatus || ContainsNoCase(beginning, missingText)) {
         state_.Status = "404";
-        if (report) m_.Errors.WriteErrorLog("URL not found " + state_.Url, "INET");
+        if (report) parts_.Errors.WriteErrorLog("URL not found " + state_.Url, "INET");
     } else if (state_.Status.empty() && !IsSuccess(head)) {
         state_.Status = StatusText(head);
     }
     if (state_.Status.empty() && state_.ToFile && !head.EndIsKnown) state_.Status = "0:of unknown length";
     if (!state_.Status.empty()) return {};
     if (state_.ToFile) Save(page, filePath);
-    if (m_.Settings.Get(Keys::Test)) hooks_.CopyToClipboard(page);
+    if (parts_.Settings.Get(Keys::Test)) hooks_.CopyToClipboard(page);
     return page;
 }
 
@@ -145,7 +145,7 @@ std::string WebFetch::ReadAll(HttpStream& stream, const HttpRequest& request) {
             return result;
         }
         hooks_.Progress({readSize, result.size(), stream.Head().Length});
-        m_.Events.ProcessPending();
+        parts_.Events.ProcessPending();
         if (cancelled_) return result;
     }
     const HttpFailure failure = stream.Failure();
@@ -156,15 +156,15 @@ std::string WebFetch::ReadAll(HttpStream& stream, const HttpRequest& request) {
 // ---- the transfer control
 
 bool WebFetch::Inet_GetBgrd(const std::string& url, const std::filesystem::path& targetFile) {
-    if (m_.Settings.Get(Keys::NoInet)) return false;
+    if (parts_.Settings.Get(Keys::NoInet)) return false;
     if (control_->StillExecuting()) return true;
     Reset(url);
     state_.ToFile = !targetFile.empty();
-    state_.TargetFile = (state_.ToFile ? targetFile : m_.DataFolder() / "HtmReturn.htm").string();
+    state_.TargetFile = (state_.ToFile ? targetFile : parts_.DataFolder() / "HtmReturn.htm").string();
     HttpRequest request = RequestFor(url, state_.ToFile);
-    if (m_.Settings.Get(Keys::FirewallUse)) {
-        request.UserName = m_.Settings.Get(Keys::FirewallUser);
-        request.Password = m_.Settings.GetRegPassword(Keys::FirewallPassword);
+    if (parts_.Settings.Get(Keys::FirewallUse)) {
+        request.UserName = parts_.Settings.Get(Keys::FirewallUser);
+        request.Password = parts_.Settings.GetRegPassword(Keys::FirewallPassword);
     }
     control_->Execute(request);
     return true;
@@ -245,10 +245,11 @@ bool WebFetch::HtmDownloadFile(const std::string& url, const std::filesystem::pa
 
 bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) {
     if (control_ != nullptr) return !control_->StillExecuting() && Inet_GetBgrd(url, file) && AwaitControl();
-    const bool useAccount = m_.Settings.Get(Keys::FirewallUse);
-    const std::string address = useAccount ? WithAccount(url, m_.Settings.Get(Keys::FirewallUser),
-                                                         m_.Settings.GetRegPassword(Keys::FirewallPassword))
-                                           : url;
+    const bool useAccount = parts_.Settings.Get(Keys::FirewallUse);
+    const std::string address = useAccount
+                                    ? WithAccount(url, parts_.Settings.Get(Keys::FirewallUser),
+                                                  parts_.Settings.GetRegPassword(Keys::FirewallPassword))
+                                    : url;
     state_.PageText = GetURLSource(address, file, false);
     return state_.Status.empty() && !state_.PageText.empty();
 }
@@ -256,7 +257,7 @@ bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) 
 bool WebFetch::AwaitControl() {
     const auto ended = [this] { return state_.LastState == FetchFinished || !state_.Status.empty(); };
     while (!ended()) {
-        m_.Events.Wait(waitMilliseconds);
+        parts_.Events.Wait(waitMilliseconds);
         if (!ended() && IsInactiveFor(patienceSeconds)) TimeOut();
     }
     return state_.Status.empty();

@@ -21,7 +21,7 @@ class TransferControl;
 /// control. Windows stay alive while a fetch is waited for.
 class WebFetch {
   public:
-    struct Modules {
+    struct Parts {
         korvalin::Http& Http;
         korvalin::Settings& Settings;
         korvalin::Errors& Errors;
@@ -37,7 +37,7 @@ class WebFetch {
         std::function<void(const std::string& text)> CopyToClipboard = [](const std::string&) {};
     };
 
-    explicit WebFetch(Modules modules);
+    explicit WebFetch(Parts parts);
 
     void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
@@ -82,7 +82,7 @@ class WebFetch {
     void Timer_Timer();
     void Save(const std::string& content, const std::filesystem::path& file);
 
-    Modules m_;
+    Parts parts_;
     Hooks hooks_;
     TransferControl* control_ = nullptr;
     FetchState state_;

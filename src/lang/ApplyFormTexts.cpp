@@ -77,7 +77,7 @@ void ApplyTo(QObject& element, const std::string& section, Language& language) {
     const int number = Language::ParseLngNo(element.property("Tag").toString().toStdString());
     if (number > 0) {
         const auto text = [&](bool toolTip) {
-            return QString::fromStdString(language.Lng(section, number, toolTip));
+            return QString::fromStdString(language.Lng(section, number, {.Tooltip = toolTip}));
         };
         if (const QString caption = text(false); !caption.isEmpty()) SetCaption(element, caption);
         if (const QString toolTip = text(true); !toolTip.isEmpty()) SetToolTip(element, toolTip);

@@ -88,21 +88,19 @@ const std::vector<std::string>& Language::LanguageCodes() const {
 
 // ---- looking texts up
 
-std::string Language::Lng(std::string_view section, std::string_view number, bool tooltip, bool trimIt,
-                          bool reportMissing) {
+std::string Language::Lng(std::string_view section, std::string_view number, LngOptions options) {
     const std::string normalized = NormalizeTextNumber(number);
-    const char kind = tooltip ? 'T' : 'C';
+    const char kind = options.Tooltip ? 'T' : 'C';
     std::string key = Key(section, normalized, kind);
     const auto found = texts_.find(key);
-    const std::string text = found != texts_.end()
-                                 ? found->second
-                                 : MissingText(section, normalized, std::move(key), kind, reportMissing);
-    return trimIt ? std::string(Trim(text)) : text;
+    const std::string text =
+        found != texts_.end() ? found->second
+                              : MissingText(section, normalized, std::move(key), kind, options.ReportMissing);
+    return options.TrimIt ? std::string(Trim(text)) : text;
 }
 
-std::string Language::Lng(std::string_view section, int number, bool tooltip, bool trimIt,
-                          bool reportMissing) {
-    return Lng(section, std::to_string(number), tooltip, trimIt, reportMissing);
+std::string Language::Lng(std::string_view section, int number, LngOptions options) {
+    return Lng(section, std::to_string(number), options);
 }
 
 std::string Language::MissingText(std::string_view section, std::string_view number, std::string key,

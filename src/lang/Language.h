@@ -17,6 +17,14 @@ class Settings;
 class Shell;
 struct LanguageEntry;
 
+/// Which text of a number is wanted, and how.
+struct LngOptions {
+    bool Tooltip = false; ///< the control's tooltip instead of its caption
+    bool TrimIt = false;  ///< without blanks at its ends
+    /// A missing text is "text not found", and noted in the error log, once however often it is asked for.
+    bool ReportMissing = false;
+};
+
 /// What Lng gives for a missing text whose absence is to be reported.
 inline constexpr std::string_view TextNotFound = "text not found";
 
@@ -34,13 +42,9 @@ class Language {
 
     std::filesystem::path LanguageFilePath() const;
 
-    /// Text of a section by number (or, in "lngDefinition", by language code). A missing text is "", or with
-    /// `reportMissing` "text not found" and a line in the error log (one per text, however often it is asked
-    /// for).
-    std::string Lng(std::string_view section, std::string_view number, bool tooltip = false,
-                    bool trimIt = false, bool reportMissing = false);
-    std::string Lng(std::string_view section, int number, bool tooltip = false, bool trimIt = false,
-                    bool reportMissing = false);
+    /// Text of a section by number (or, in "lngDefinition", by language code); a missing one is "".
+    std::string Lng(std::string_view section, std::string_view number, LngOptions options = {});
+    std::string Lng(std::string_view section, int number, LngOptions options = {});
 
     /// Fills LanguageCodes from the file. False when the file is missing or cannot be read.
     bool LoadLanguageChoices();

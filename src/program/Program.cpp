@@ -24,6 +24,7 @@ Program::Program(const Ports& ports, Locale userLocale)
       errors(ports.Clock, ports.Files, ports.MessageBoxes, locale, executable_.stem().string()),
       settings(ports.Registry, errors, ports.Screen, ports.Clock, locale),
       language(programFolder_, settings, errors, ports.Files, ports.MessageBoxes, ports.Shell),
+      units(errors, locale, ports.Clock),
       dataFolder(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell, ports.Clock,
                  programFolder_),
       webFetch({ports.Http, settings, errors, ports.Files, ports.Events, ports.Clock, BuiltVersion,
@@ -46,7 +47,7 @@ Program::Program(const Ports& ports, Locale userLocale)
       phoneNumberGuard(ports.Ras, settings, language, ports.MessageBoxes),
       dialing(
           {ports.Internet, ports.Ras, phoneBook, phoneNumberGuard, lines, settings, ports.Events, errors}),
-      aliases(settings, errors, ports.Clock, [this] { return units.VolumeFactor(); }),
+      aliases(settings, errors, ports.Clock, units),
       monthSums(aliases, lines, errors, ports.Clock),
       statFile([this] { return dataFolder.GetDataPath(); }, ports.Files, ports.Events, ports.Clock, errors,
                [this] { return openConnections_(); }, aliases, locale),
@@ -56,7 +57,6 @@ Program::Program(const Ports& ports, Locale userLocale)
                 [this](const OpenConnection& record) { monthSums.Add(record); }}),
       journalKeeper({ports.Journal, recorder, counterLedger, lines, lineBook, lineMonitor, ports.Clock,
                      errors, [this] { return dataFolder.GetDataPath(); }}),
-      units(errors, locale, ports.Clock),
       liveTexts(lines, rateHistory, monthSums, units, language, errors),
       samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
       updateDownload({updateSite, settings, errors, ports.Files, ports.Shell, ports.Clock, programFolder_,
@@ -95,7 +95,9 @@ std::function<std::string(int)> Program::UpdateText() {
 }
 
 void Program::PlugErrors() {
-    errors.Plug({[this](int number) { return language.Lng("modGlobal", number, false, true, true); },
+    errors.Plug({[this](int number) {
+                     return language.Lng("modGlobal", number, {.TrimIt = true, .ReportMissing = true});
+                 },
                  [this] { return dataFolder.GetDataPath(); }, [] { std::_Exit(EXIT_FAILURE); }});
 }
 

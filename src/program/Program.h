@@ -70,6 +70,7 @@ class Program {
     Errors errors;
     Settings settings;
     Language language;
+    UnitFormat units;
     DataFolder dataFolder;
     WebFetch webFetch;
     UpdateSite updateSite;
@@ -98,7 +99,6 @@ class Program {
 
     InfoTexts infoTexts;
     RateHistory rateHistory;
-    UnitFormat units;
     LiveTexts liveTexts;
     SamplingLoop samplingLoop;
 

@@ -22,38 +22,38 @@ constexpr int daysSinceCheck = 60;
 
 } // namespace
 
-Startup::Startup(Modules modules, const ProgramVersion& version)
-    : modules_(std::move(modules)), version_(version), versionText_(version.Text()) {}
+Startup::Startup(Parts parts, const ProgramVersion& version)
+    : parts_(std::move(parts)), version_(version), versionText_(version.Text()) {}
 
 // An error in one step is reported and ends only that step.
 bool Startup::Step(const std::function<void()>& step) {
-    return modules_.Errors.Step("Main", step);
+    return parts_.Errors.Step("Main", step);
 }
 
 bool Startup::Main() {
     if (AnotherInstanceRefused()) return false;
     // Reading it stores the present moment when there is no valid date yet.
-    Step([this] { static_cast<void>(modules_.Settings.Get(Keys::FirstRunDate)); });
+    Step([this] { static_cast<void>(parts_.Settings.Get(Keys::FirstRunDate)); });
     if (UpdateTakesOver()) return false;
     Step([this] { OfferLanguageFile(); });
     if (!LoadTexts() || !PlatformServes()) return false;
     Step([this] { KeepUpdateNextInPast(); });
     Step([this] { NoteVersion(); });
     Step([this] { CheckComponents(); });
-    Step(modules_.CreateLineTable);
-    Step(modules_.LoadUserVar);
-    Step([this] { modules_.DataFolder.DeleteStatistics(); });
+    Step(parts_.CreateLineTable);
+    Step(parts_.LoadUserVar);
+    Step([this] { parts_.DataFolder.DeleteStatistics(); });
     return true;
 }
 
 bool Startup::AnotherInstanceRefused() {
-    const bool running = modules_.InstanceLock.PreviousInstanceRunning();
-    return running && !modules_.Settings.Get(Keys::MultiInstance);
+    const bool running = parts_.InstanceLock.PreviousInstanceRunning();
+    return running && !parts_.Settings.Get(Keys::MultiInstance);
 }
 
 bool Startup::UpdateTakesOver() {
     bool ends = false;
-    Step([&] { ends = modules_.UpdateInstallation.Run(); });
+    Step([&] { ends = parts_.UpdateInstallation.Run(); });
     return ends;
 }
 
@@ -62,18 +62,18 @@ bool Startup::UpdateTakesOver() {
 bool Startup::UserWantsLanguageFile(std::string_view problem) {
     const std::string question =
         std::string(problem) + "\n\nPlease make sure you are connected to the internet before clicking ok.";
-    return modules_.MessageBoxes.Show(question, std::string(ProgramTitle), MessageIcon::Question,
-                                      MessageButtons::YesNo) == MessageAnswer::Yes;
+    return parts_.MessageBoxes.Show(question, std::string(ProgramTitle), MessageIcon::Question,
+                                    MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
 bool Startup::DownloadLanguageFile() {
-    const std::filesystem::path file = modules_.Language.LanguageFilePath();
-    return modules_.Download && modules_.Download(file.filename().string(), file);
+    const std::filesystem::path file = parts_.Language.LanguageFilePath();
+    return parts_.Download && parts_.Download(file.filename().string(), file);
 }
 
 // Without it the next step fails and asks once more.
 void Startup::OfferLanguageFile() {
-    const std::filesystem::path file = modules_.Language.LanguageFilePath();
+    const std::filesystem::path file = parts_.Language.LanguageFilePath();
     if (FileExists(file)) return;
     const std::string problem = "Language file " + file.string() +
                                 " not found. Program can not be run.\n\n"
@@ -82,12 +82,12 @@ void Startup::OfferLanguageFile() {
 }
 
 bool Startup::LoadTexts() {
-    if (modules_.Language.InitProgramTexts()) return true;
+    if (parts_.Language.InitProgramTexts()) return true;
     bool loaded = false;
     Step([&] {
         loaded = UserWantsLanguageFile("Language file corrupted or incomplete. Program can not be run. "
                                        "Do you want to load the language file from the internet?") &&
-                 DownloadLanguageFile() && modules_.Language.InitProgramTexts();
+                 DownloadLanguageFile() && parts_.Language.InitProgramTexts();
     });
     return loaded;
 }
@@ -95,30 +95,30 @@ bool Startup::LoadTexts() {
 // ---- the rest
 
 bool Startup::PlatformServes() {
-    if (modules_.Shell.PlatformId() == PlatformSupported) return true;
-    ShowPieces(modules_.MessageBoxes, modules_.Language, {1}, MessageIcon::Critical);
+    if (parts_.Shell.PlatformId() == PlatformSupported) return true;
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {1}, MessageIcon::Critical);
     return false;
 }
 
 // A date ahead, left by a clock that was wrong, would hold back the update check for as long.
 void Startup::KeepUpdateNextInPast() {
-    const Date now = modules_.Clock.Now();
-    if (modules_.Settings.Get(Keys::UpdateNext) > now) modules_.Settings.Set(Keys::UpdateNext, now);
+    const Date now = parts_.Clock.Now();
+    if (parts_.Settings.Get(Keys::UpdateNext) > now) parts_.Settings.Set(Keys::UpdateNext, now);
 }
 
 void Startup::NoteVersion() {
-    Settings& settings = modules_.Settings;
+    Settings& settings = parts_.Settings;
     const std::string stored = settings.Get(Keys::PrgVersion);
     if (EqualsNoCase(stored, versionText_)) return;
     // Another series may need the control that the user refused once: let it be asked again.
     if (!StartsWithNoCase(stored, version_.Series())) settings.Set(Keys::msinetNotWanted, false);
     settings.Set(Keys::PrgVersion, versionText_);
-    settings.Set(Keys::UpdateCheckLast, DayOf(modules_.Clock.Now()) - daysSinceCheck);
+    settings.Set(Keys::UpdateCheckLast, DayOf(parts_.Clock.Now()) - daysSinceCheck);
 }
 
 void Startup::CheckComponents() {
     for (const char* fileName : {"msinet.ocx", "mscomctl.ocx", "tabctl32.ocx"}) {
-        modules_.Components.CheckVBComponent(fileName, false);
+        parts_.Components.CheckVBComponent(fileName, false);
     }
 }
 

@@ -18,7 +18,7 @@ class UpdateInstallation;
 /// What happens before any window exists.
 class Startup {
   public:
-    struct Modules {
+    struct Parts {
         korvalin::Settings& Settings;
         korvalin::Language& Language;
         korvalin::Errors& Errors;
@@ -35,7 +35,7 @@ class Startup {
         std::function<void()> LoadUserVar;
     };
 
-    Startup(Modules modules, const ProgramVersion& version);
+    Startup(Parts parts, const ProgramVersion& version);
 
     /// Prepares everything for the main window. False when the program must end without it.
     [[nodiscard]] bool Main();
@@ -58,7 +58,7 @@ class Startup {
     void NoteVersion();
     void CheckComponents();
 
-    Modules modules_;
+    Parts parts_;
     ProgramVersion version_;
     std::string versionText_;
 };

@@ -118,7 +118,7 @@ bool UpdateInstallation::RemoveOldProgram() {
 }
 
 bool UpdateInstallation::WaitForOldProgram() {
-    const std::string text = language_.Lng("modAllgemein", 45, false, false, true);
+    const std::string text = language_.Lng("modAllgemein", 45, {.ReportMissing = true});
     if (text != TextNotFound) messageBoxes_.ShowWaiting(text, std::string(ProgramTitle));
     events_.ProcessPending();
     const bool gone = AwaitEnd() && Delete(program_, longWait);

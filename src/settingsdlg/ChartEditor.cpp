@@ -48,7 +48,7 @@ ChartEditor::ChartEditor(const Parts& parts) : parts_(parts), ui_(parts.Controls
 // ---- showing the record
 
 void ChartEditor::Load(int historySeconds) {
-    InfoTexts& display = Display();
+    DisplaySettings& display = Display();
     LoadFonts();
     FillCombo(*ui_.cboFontSize, FontSizeChoices(), Plain);
     ShowText(*ui_.cboFontSize, Plain(display.FontSize));
@@ -89,7 +89,7 @@ void ChartEditor::LoadFonts() {
 }
 
 void ChartEditor::LoadCurves() {
-    const InfoTexts& display = Display();
+    const DisplaySettings& display = Display();
     for (std::size_t i = 0; i < RateSlots; ++i) {
         ui_.frmDownload->SetShown(i, display.LineDLShow[i]);
         ui_.frmUpload->SetShown(i, display.LineULShow[i]);
@@ -119,7 +119,7 @@ void ChartEditor::ApplyTexts() {
 // ---- what the user does
 
 void ChartEditor::Connect() {
-    InfoTexts& display = Display();
+    DisplaySettings& display = Display();
     ConnectScale();
     ConnectFont();
     ConnectTime();
@@ -195,7 +195,7 @@ void ChartEditor::ConnectUnits() {
             parts_.Changed();
         });
     };
-    InfoTexts& display = Display();
+    DisplaySettings& display = Display();
     connectOptions({ui_.optKB0, ui_.optKB1, ui_.optKB2, ui_.optKB3}, {"KiB", "KB", "Kbit", "Mbit"}, true,
                    display.RateUnitText, display.KBFactor);
     connectOptions({ui_.optMB0, ui_.optMB1, ui_.optMB2}, {"MiB", "MB", "Mbit"}, false, display.VolumeUnitText,

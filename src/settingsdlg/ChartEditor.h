@@ -78,7 +78,7 @@ class ChartEditor : public QObject {
     void lblColorBackground_Click();
     void cmdSwapColors_Click();
     CustomColors StoredColors();
-    InfoTexts& Display() { return parts_.Record.Display; }
+    DisplaySettings& Display() { return parts_.Record.Display; }
 
     Parts parts_;
     Ui::frmEinstellungen& ui_;

@@ -23,7 +23,8 @@ constexpr int everyFourWeeks = 4;
 void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen) {
     parts_.Errors.Step("ApplyChanges", [&] {
         const bool folderAccepted = MoveData(entered.DataPath);
-        TakeOver(chosen);
+        parts_.Display = chosen.Display;
+        parts_.Traffic = chosen.Traffic;
         ApplyWindowAndStart(entered);
         if (folderAccepted) parts_.Settings.Set(Keys::DataPath, entered.DataPath);
         TakeTyped(entered);
@@ -44,17 +45,6 @@ bool SettingsApplier::MoveData(const std::string& folder) {
     return folder != current.string() && hooks_.ChangeDataPath(current, folder);
 }
 
-void SettingsApplier::TakeOver(const SettingsRecord& chosen) {
-    InfoTexts& live = parts_.Display;
-    // These are no matter of the dialog and may have changed since it was opened.
-    const int chartLine = live.ChartLineNo;
-    const std::string chartLineName = live.ChartLineName;
-    live = chosen.Display;
-    live.ChartLineNo = chartLine;
-    live.ChartLineName = chartLineName;
-    parts_.Traffic = chosen.Traffic;
-}
-
 void SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
     parts_.Display.CloseTrayOnly = entered.CloseTrayOnly;
@@ -70,7 +60,7 @@ void SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
 
 void SettingsApplier::TakeTyped(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
-    InfoTexts& live = parts_.Display;
+    DisplaySettings& live = parts_.Display;
     parts_.Traffic.LanActive =
         settings.Validate(Keys::LANActive, WithoutGrouping(entered.LanActive, parts_.UserLocale));
     live.picWidthMin = settings.Validate(Keys::picWidthMin, entered.ChartMinutes);
@@ -78,7 +68,7 @@ void SettingsApplier::TakeTyped(const EnteredSettings& entered) {
 }
 
 void SettingsApplier::Follow(std::string_view setting) {
-    const InfoTexts& live = parts_.Display;
+    const DisplaySettings& live = parts_.Display;
     if (setting == Keys::UnitMB.Name) {
         parts_.Units.SetUnits(live.RateUnitText, live.VolumeUnitText);
     } else if (setting == Keys::ConnDataMax.Name) {

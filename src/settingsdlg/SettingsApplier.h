@@ -17,7 +17,7 @@ struct Locale;
 
 /// The settings that can be tried out before they are applied.
 struct SettingsRecord {
-    InfoTexts Display;
+    DisplaySettings Display;
     TrafficOptions Traffic;
 };
 
@@ -47,8 +47,8 @@ class SettingsApplier {
         korvalin::Errors& Errors;
         const Locale& UserLocale;
         UnitFormat& Units;
-        InfoTexts& Display;      ///< the live record
-        TrafficOptions& Traffic; ///< of the readers
+        DisplaySettings& Display; ///< of the live display
+        TrafficOptions& Traffic;  ///< of the readers
     };
     /// What follows the settings at once.
     struct Hooks {
@@ -74,7 +74,6 @@ class SettingsApplier {
 
   private:
     bool MoveData(const std::string& folder);
-    void TakeOver(const SettingsRecord& chosen);
     void ApplyWindowAndStart(const EnteredSettings& entered);
     /// What was typed as text and is a number.
     void TakeTyped(const EnteredSettings& entered);

@@ -92,8 +92,7 @@ QString AskForFolder(QWidget* parent, const QString& caption, const QString& cur
 }
 
 ChartPainter::Parts PainterParts(const frmEinstellungen::Parts& parts) {
-    return {parts.Lines,  parts.History, parts.Live,       parts.Language,
-            parts.Errors, parts.Clock,   parts.UserLocale, [] {}};
+    return {parts.Lines, parts.History, parts.Language, parts.Errors, parts.Clock, parts.UserLocale, [] {}};
 }
 
 } // namespace
@@ -230,7 +229,7 @@ void frmEinstellungen::LoadTransparency() {
 }
 
 void frmEinstellungen::LoadTray() {
-    InfoTexts& display = record_.Display;
+    DisplaySettings& display = record_.Display;
     Bind(*ui_->boxTrayAnimated, display.TrayAnimated);
     FillCombo(*ui_->cboTrayMaxRate, TrayRateChoices(), [](int value) { return std::to_string(value); });
     ShowText(*ui_->cboTrayMaxRate, std::to_string(display.TrayMaxRate));
@@ -329,7 +328,7 @@ void frmEinstellungen::Connect() {
     connect(ui_->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(ui_->cboLanguage, &QComboBox::activated, this, [this] { cboLanguage_Click(); });
     connect(ui_->txtDataPath, &QLineEdit::editingFinished, this, [this] {
-        // Who cancels is not asked.
+        // A user who is about to cancel the dialog is not asked about the folder.
         if (isVisible() && !ui_->cmdCancel->hasFocus()) txtDataPath_Validate();
     });
     connect(ui_->cmdChooseDir, &QPushButton::clicked, this, [this] { cmdChooseDir_Click(); });
@@ -478,8 +477,10 @@ bool frmEinstellungen::ApplyChanges() {
 }
 
 void frmEinstellungen::DrawPreview() {
-    record_.Display.ChartLineNo = parts_.Display.ChartLineNo;
-    painter_->DrawChart(*ui_->Pic, record_.Display, true, true);
+    InfoTexts preview = parts_.Display;
+    static_cast<DisplaySettings&>(preview) = record_.Display;
+    parts_.Live.Renew(preview);
+    painter_->DrawChart(*ui_->Pic, preview, true, true);
 }
 
 void frmEinstellungen::Open() {

@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
+#include "lang/UnitFormat.h"
 #include "platform/Clock.h"
 #include "settings/Settings.h"
 #include "stats/BillingPeriod.h"
@@ -19,8 +20,8 @@ std::size_t Find(const std::unordered_map<std::string, std::size_t>& lookup, con
 
 } // namespace
 
-Aliases::Aliases(Settings& settings, Errors& errors, Clock& clock, std::function<double()> volumeUnit)
-    : settings_(settings), errors_(errors), clock_(clock), volumeUnit_(std::move(volumeUnit)) {}
+Aliases::Aliases(Settings& settings, Errors& errors, Clock& clock, const UnitFormat& units)
+    : settings_(settings), errors_(errors), clock_(clock), units_(units) {}
 
 const std::string& Aliases::GetAlias(std::string_view lineName) {
     std::size_t index = Find(lineIndex_, ToLower(lineName));
@@ -122,7 +123,7 @@ Date Aliases::RoundDuration(Date duration, std::size_t aliasIndex) const {
 }
 
 double Aliases::RoundVolume(double bytes, std::size_t aliasIndex) const {
-    return Alias(aliasIndex).Up1MB ? korvalin::RoundVolume(bytes, volumeUnit_()) : bytes;
+    return Alias(aliasIndex).Up1MB ? korvalin::RoundVolume(bytes, units_.VolumeFactor()) : bytes;
 }
 
 } // namespace korvalin

@@ -4,7 +4,6 @@
 #include "stats/StatRecord.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -15,6 +14,7 @@ namespace korvalin {
 class Clock;
 class Errors;
 class Settings;
+class UnitFormat;
 
 /// A line's alias, or an alias with its tariff and its current billing period.
 struct AliasInfo {
@@ -40,8 +40,8 @@ struct AliasInfo {
 /// letter case; indices count from 1.
 class Aliases {
   public:
-    /// `volumeUnit` gives the bytes of the large unit that the user chose.
-    Aliases(Settings& settings, Errors& errors, Clock& clock, std::function<double()> volumeUnit);
+    /// Volumes are rounded to the large unit of `units`.
+    Aliases(Settings& settings, Errors& errors, Clock& clock, const UnitFormat& units);
 
     /// The alias of a line; a line without one gets its own name, which is stored.
     const std::string& GetAlias(std::string_view lineName);
@@ -86,7 +86,7 @@ class Aliases {
     Settings& settings_;
     Errors& errors_;
     Clock& clock_;
-    std::function<double()> volumeUnit_;
+    const UnitFormat& units_;
     std::vector<AliasInfo> lines_;
     std::vector<AliasInfo> aliases_;
     Lookup lineIndex_; // by lower-case name

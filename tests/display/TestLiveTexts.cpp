@@ -38,7 +38,7 @@ class LiveTextsTest : public CoreFixture {
     LineState lines;
     RateHistory history{10, 1};
     UnitFormat units{errors, locale, clock};
-    Aliases aliases{settings, errors, clock, [this] { return units.VolumeFactor(); }};
+    Aliases aliases{settings, errors, clock, units};
     MonthSums monthSums{aliases, lines, errors, clock};
     LiveTexts live{lines, history, monthSums, units, language, errors};
     InfoTexts texts;

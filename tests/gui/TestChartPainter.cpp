@@ -39,7 +39,10 @@ class Chart : public CoreFixture {
             sample.RateUL[0] = rate / 2;
         }
     }
-    void Draw() { painter.DrawChart(picture, texts(), true, true); }
+    void Draw() {
+        program->liveTexts.Renew(texts());
+        painter.DrawChart(picture, texts(), true, true);
+    }
 
     // Without the precision that a palette's colours have and a pixel has not.
     static QRgb Rgb(std::int32_t color) { return ToColor(color).rgb(); }
@@ -58,8 +61,8 @@ class Chart : public CoreFixture {
         return -1;
     }
     bool started = StartProgram();
-    ChartPainter painter{{program->lines, program->rateHistory, program->liveTexts, program->language,
-                          program->errors, clock, program->locale, [] {}}};
+    ChartPainter painter{{program->lines, program->rateHistory, program->language, program->errors, clock,
+                          program->locale, [] {}}};
     PictureBox picture;
 };
 

@@ -1,6 +1,7 @@
 #include "fakes/CoreFixture.h"
 #include "forms/PictureBox.h"
 #include "lang/ApplyFormTexts.h"
+#include "lang/UnitFormat.h"
 #include "stats/graph/GraphPage.h"
 
 #include <QXmlStreamReader>
@@ -104,7 +105,8 @@ class GraphPageTest : public CoreFixture {
         return QToolTip::text().toStdString();
     }
 
-    Aliases aliases{settings, errors, clock, [] { return 1e6; }};
+    UnitFormat units{errors, locale, clock};
+    Aliases aliases{settings, errors, clock, units};
     StatRecords records;
     struct Window : QWidget {
         Window() { setObjectName(QStringLiteral("frmStatistik")); }

@@ -30,13 +30,13 @@ class UpdateFixture : public Base {
                                          address.empty() ? "" : "https://maker.example/versions.html",
                                          publicKey},
                      running, this->fetch, makers, this->errors);
-        download.emplace(UpdateDownload::Modules{*site, this->settings, this->errors, someFiles, this->shell,
-                                                 this->clock, this->programFolder, version, text,
-                                                 [this] { return this->language.LanguageCode(); }});
-        check.emplace(UpdateCheck::Modules{*site, *download, this->settings, this->errors, this->boxes,
-                                           someFiles, this->shell, this->internet, this->clock, this->locale,
-                                           version, text, [this] { return this->folder.Path(); },
-                                           [this] { return onRasLine; }});
+        download.emplace(UpdateDownload::Parts{*site, this->settings, this->errors, someFiles, this->shell,
+                                               this->clock, this->programFolder, version, text,
+                                               [this] { return this->language.LanguageCode(); }});
+        check.emplace(UpdateCheck::Parts{*site, *download, this->settings, this->errors, this->boxes,
+                                         someFiles, this->shell, this->internet, this->clock, this->locale,
+                                         version, text, [this] { return this->folder.Path(); },
+                                         [this] { return onRasLine; }});
         check->Plug({[this] { return aboutIsOpen; },
                      [this](const std::string& status) {
                          statuses.push_back(status);

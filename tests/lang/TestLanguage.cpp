@@ -44,8 +44,9 @@ TEST_F(LanguageTest, LooksUpTheChosenLanguageAndWhatBelongsToAll) {
                       {"frmMainObj", "9", false, "Menü – 5 €"},
                       {"frmMainObj", "10", false, "last line – without an end"}};
     for (const auto& row : rows)
-        EXPECT_EQ(language.Lng(row.Section, row.Number, row.Tooltip), row.Expected) << row.Number;
-    EXPECT_EQ(language.Lng("frmMainObj", 7, false, true), "two blanks");
+        EXPECT_EQ(language.Lng(row.Section, row.Number, {.Tooltip = row.Tooltip}), row.Expected)
+            << row.Number;
+    EXPECT_EQ(language.Lng("frmMainObj", 7, {.TrimIt = true}), "two blanks");
 }
 
 TEST_F(LanguageTest, LogsFaultsOfTheFileAndKeepsTheFirstText) {
@@ -61,11 +62,12 @@ TEST_F(LanguageTest, LogsFaultsOfTheFileAndKeepsTheFirstText) {
 TEST_F(LanguageTest, LogsAMissingTextOncePerLoad) {
     ASSERT_TRUE(Load("GER", "GER\ts\t1\tx\n"));
     for (const bool tooltip : {false, false, true, true})
-        EXPECT_EQ(language.Lng("s", 2, tooltip, true, true), "text not found");
+        EXPECT_EQ(language.Lng("s", 2, {.Tooltip = tooltip, .TrimIt = true, .ReportMissing = true}),
+                  "text not found");
     EXPECT_EQ(LogLines(),
               (Lines{"language GER\ttext not found s 002C", "language GER\ttext not found s 002T"}));
     language.LoadLanguageTexts();
-    language.Lng("s", 2, false, false, true);
+    language.Lng("s", 2, {.ReportMissing = true});
     EXPECT_EQ(LogLines().size(), 3U);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lang/UnitFormat.h"
 #include "stats/StatLine.h"
 #include "traffic/TrafficFixture.h"
 
@@ -43,8 +44,8 @@ class StatsFixture : public TrafficFixture {
         return text;
     }
 
-    double volumeUnit = 1'000'000;
-    Aliases aliases{settings, errors, clock, [this] { return volumeUnit; }};
+    UnitFormat units{errors, locale, clock};
+    Aliases aliases{settings, errors, clock, units};
     MonthSums monthSums{aliases, lines, errors, clock};
     PeriodSums periodSums{aliases, errors, locale};
     StatFile statFile{[this] { return folder.Path(); },

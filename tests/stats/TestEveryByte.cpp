@@ -331,7 +331,7 @@ class EveryByte : public StatsFixture {
               Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
               Ras(t.ras, t.network, State, Book, Ledger, Lan, t.settings, t.errors, t.clock),
               Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
-              Tariffs(t.settings, t.errors, t.clock, [] { return 1; }),
+              Tariffs(t.settings, t.errors, t.clock, t.units),
               Month(Tariffs, State, t.errors, t.clock),
               Record({State, Ledger, t.gatedFiles, t.errors, t.language, t.clock, Lock, t.locale,
                       [&t] { return t.folder.Path(); },

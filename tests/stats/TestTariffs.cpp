@@ -25,7 +25,7 @@ TEST_F(Tariffs, ALineIsItsOwnAliasUntilItGetsAnother) {
 }
 
 TEST_F(Tariffs, AnAliasHasTheTariffOfItsSettingsWithinTheirLimits) {
-    volumeUnit = 1'048'576;
+    units.SetUnits("KB", "MiB");
     const std::pair<const char*, const char*> stored[] = {{"FreeHours", "40"},     {"FreeVolume", "2000000"},
                                                           {"MonthStartDay", "20"}, {"RoundSeconds", "61"},
                                                           {"Up1MB", "False"},      {"TrayTime", "True"}};

@@ -80,7 +80,7 @@ GraphPage::GraphPage(const Parts& parts, QWidget* parent)
 GraphPage::~GraphPage() = default;
 
 std::string GraphPage::StatText(int number) const {
-    return parts_.Texts.Lng("frmStatistik", number);
+    return parts_.Language.Lng("frmStatistik", number);
 }
 
 // ---- controls
@@ -149,7 +149,7 @@ void GraphPage::ApplyTexts() {
     };
     QStringList periods;
     for (const int number : {2, 3, 4})
-        periods << ToQt(parts_.Texts.Lng("frmStatistikObj", number));
+        periods << ToQt(parts_.Language.Lng("frmStatistikObj", number));
     refill(*ui_->cboGPeriodType, periods, static_cast<int>(options_.Period));
     QStringList weekdays;
     for (const std::string& name : parts_.UserLocale.DayNames)
@@ -184,7 +184,7 @@ void GraphPage::FillAliases() {
 }
 
 void GraphPage::ShowDates() {
-    const Date today = parts_.Time.Now();
+    const Date today = parts_.Clock.Now();
     FillDates(*ui_->cboGFrom, FirstDayChoices(today, graph_.FirstRecord), options_.From, parts_.UserLocale);
     FillDates(*ui_->cboGTill, LastDayChoices(today, graph_.LastRecord), options_.Till, parts_.UserLocale);
 }
@@ -223,7 +223,7 @@ void GraphPage::TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date) {
     } // anything else is no date: the one before comes back
     CalcGraph();
     // A range that reaches up to today is to do so tomorrow as well; today is what a missing date stands for.
-    const bool tillToday = &date == &options_.Till && date >= DayOf(parts_.Time.Now());
+    const bool tillToday = &date == &options_.Till && date >= DayOf(parts_.Clock.Now());
     if (tillToday) {
         parts_.Settings.Remove(key);
     } else {
@@ -266,9 +266,9 @@ void GraphPage::SetUnit(const std::string& name, double bytes) {
 // ---- the graph
 
 void GraphPage::CalcGraph() {
-    parts_.Error.Step("CalcGraph", [this] {
+    parts_.Errors.Step("CalcGraph", [this] {
         if (records_ == nullptr) return;
-        graph_ = korvalin::CalcGraph(*records_, options_, parts_.AliasTable, parts_.Time.Now());
+        graph_ = korvalin::CalcGraph(*records_, options_, parts_.AliasTable, parts_.Clock.Now());
         scaleReported_ = false;
         if (graph_.Periods.empty()) return;
         options_.From = graph_.From;
@@ -283,13 +283,14 @@ std::optional<GraphScale> GraphPage::Scale() {
     if (!HasGraph(graph_, view_)) return std::nullopt;
     const std::optional<GraphScale> scale = ScaleOf(graph_, view_);
     if (!scale && !std::exchange(scaleReported_, true)) {
-        parts_.Boxes.Show(StatText(41), std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
+        parts_.MessageBoxes.Show(StatText(41), std::string(ProgramTitle), MessageIcon::Warning,
+                                 MessageButtons::Ok);
     }
     return scale;
 }
 
 void GraphPage::DrawGraph() {
-    parts_.Error.Step("DrawGraph", [this] {
+    parts_.Errors.Step("DrawGraph", [this] {
         layout_.reset();
         const std::optional<GraphScale> scale = Scale();
         PictureCanvas canvas(*ui_->PicChart);

@@ -34,11 +34,11 @@ class GraphPage : public QWidget {
   public:
     struct Parts {
         korvalin::Settings& Settings;
-        Language& Texts;
-        Errors& Error;
+        korvalin::Language& Language;
+        korvalin::Errors& Errors;
         const Aliases& AliasTable;
-        MessageBoxes& Boxes;
-        Clock& Time;
+        korvalin::MessageBoxes& MessageBoxes;
+        korvalin::Clock& Clock;
         const Locale& UserLocale;
     };
     explicit GraphPage(const Parts& parts, QWidget* parent = nullptr);

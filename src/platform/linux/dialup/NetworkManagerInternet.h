@@ -12,7 +12,7 @@ class NetworkManagerInternet : public Internet {
     /// Dials with `parts`.
     explicit NetworkManagerInternet(const DialerParts& parts);
 
-    /// What dialing needs; see there.
+    /// Takes the window and the event loop that a dial works with.
     NetworkManagerDialer& Dialer() { return dialer_; }
 
     /// Remote access counts as installed where NetworkManager answers, or may do so later.
