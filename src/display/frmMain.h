@@ -22,6 +22,7 @@ class frmMain;
 namespace korvalin {
 
 class Language;
+class LiveTexts;
 class MessageBoxes;
 
 /// The program's only permanent window: the live chart, its drag handle and the popup menu.
