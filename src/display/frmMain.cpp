@@ -2,6 +2,7 @@
 
 #include "base/FlagGuard.h"
 #include "base/ProgramTitle.h"
+#include "display/LiveTexts.h"
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
 #include "forms/MakeUi.h"

@@ -4,6 +4,7 @@
 #include "base/Numbers.h"
 #include "base/ProgramTitle.h"
 #include "base/Text.h"
+#include "display/LiveTexts.h"
 #include "display/frmMain.h"
 #include "errors/Errors.h"
 #include "forms/BoundBox.h"
