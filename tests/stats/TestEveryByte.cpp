@@ -1,8 +1,6 @@
 // Random histories of a machine and of the program on it, against a plain account of what moved when: per
 // line and day the records hold exactly the bytes that the kernel has counted.
-#include "StatsFixture.h"
-#include "stats/JournalKeeper.h"
-#include "stats/Recorder.h"
+#include "RunFixture.h"
 #include "traffic/ClockWatch.h"
 
 #include <algorithm>
@@ -321,44 +319,21 @@ class GatedJournal : public FakeJournal {
     Account& account_;
 };
 
-class EveryByte : public StatsFixture {
+class EveryByte : public RunFixture {
   protected:
-    // The program's modules that one run owns.
-    struct Run {
+    struct Run : ProgramRun {
         explicit Run(EveryByte& t)
-            : Book(State, t.errors, t.clock),
-              Names(t.networks, t.ras, t.options),
-              Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
-              Ras(t.ras, t.network, State, Book, Ledger, Lan, t.settings, t.errors, t.clock),
-              Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
+            : ProgramRun(
+                  t, t.gatedFiles, t.gatedJournal, [&t] { return t.folder.Path(); },
+                  [this](const OpenConnection& made) { Month.Add(made); }),
               Tariffs(t.settings, t.errors, t.clock, t.units),
               Month(Tariffs, State, t.errors, t.clock),
-              Record({State, Ledger, t.gatedFiles, t.errors, t.language, t.clock, Lock, t.locale,
-                      [&t] { return t.folder.Path(); },
-                      [this](const OpenConnection& made) { Month.Add(made); }}),
-              Keeper({t.gatedJournal, Record, Ledger, State, Book, Monitor, t.clock, t.errors,
-                      [&t] { return t.folder.Path(); }}),
-              Watch(t.clock) {
-            State.ProgramStart = t.clock.Now();
-            Book.Plug({[](const std::string& entry) { return entry; },
-                       [this](CloseReason reason, std::size_t line) { Record.SaveStatsLine(reason, line); },
-                       [] {}, [this] { Keeper.PassEnded(); }});
-        }
+              Watch(t.clock) {}
         void FollowClock() {
             if (const Date step = Watch.TakeStep(); step != 0) Monitor.ShiftMoments(step);
         }
-        FakeRecordingLock Lock;
-        LineState State;
-        CounterLedger Ledger;
-        LineBook Book;
-        LineNames Names;
-        LanReader Lan;
-        RasReader Ras;
-        LineMonitor Monitor;
         Aliases Tariffs;
         MonthSums Month;
-        Recorder Record;
-        JournalKeeper Keeper;
         ClockWatch Watch;
         View Seen;
         Account Eyes; // of one that only looks on

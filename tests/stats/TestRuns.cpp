@@ -1,41 +1,16 @@
 // Several runs of the program, one after the other and beside each other: each byte is in one record.
-#include "StatsFixture.h"
-#include "stats/JournalKeeper.h"
-#include "stats/Recorder.h"
+#include "RunFixture.h"
 
 using namespace korvalin;
 
 namespace {
 
-class Runs : public StatsFixture {
+class Runs : public RunFixture {
   protected:
-    // The modules that one run owns.
-    struct Run {
+    struct Run : ProgramRun {
         explicit Run(Runs& t)
-            : Book(State, t.errors, t.clock),
-              Names(t.networks, t.ras, t.options),
-              Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
-              Ras(t.ras, t.network, State, Book, Ledger, Lan, t.settings, t.errors, t.clock),
-              Monitor(State, Book, Ras, Lan, t.options, t.internet, t.user, t.clock, t.errors),
-              Record({State, Ledger, t.files, t.errors, t.language, t.clock, Lock, t.locale,
-                      [&t] { return t.dataFolder; }, [](const OpenConnection&) {}}),
-              Keeper({t.journal, Record, Ledger, State, Book, Monitor, t.clock, t.errors,
-                      [&t] { return t.dataFolder; }}) {
-            State.ProgramStart = t.clock.Now();
-            Book.Plug({[](const std::string& entry) { return entry; },
-                       [this](CloseReason reason, std::size_t line) { Record.SaveStatsLine(reason, line); },
-                       [] {}, [this] { Keeper.PassEnded(); }});
-        }
-        FakeRecordingLock Lock;
-        LineState State;
-        CounterLedger Ledger;
-        LineBook Book;
-        LineNames Names;
-        LanReader Lan;
-        RasReader Ras;
-        LineMonitor Monitor;
-        Recorder Record;
-        JournalKeeper Keeper;
+            : ProgramRun(
+                  t, t.files, t.journal, [&t] { return t.dataFolder; }, [](const OpenConnection&) {}) {}
     };
 
     std::filesystem::path dataFolder = folder.Path();
