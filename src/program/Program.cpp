@@ -56,7 +56,7 @@ Program::Program(const Ports& ports, Locale userLocale)
                 [this] { return dataFolder.GetDataPath(); },
                 [this](const OpenConnection& record) { monthSums.Add(record); }}),
       journalKeeper({ports.Journal, recorder, counterLedger, lines, lineBook, lineMonitor, ports.Clock,
-                     errors, [this] { return dataFolder.GetDataPath(); }}),
+                     errors, [this] { return dataFolder.GetDataPath(); }, [this] { LoadSums(false); }}),
       liveTexts(lines, rateHistory, monthSums, units, language, errors),
       samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
       updateDownload({updateSite, settings, errors, ports.Files, ports.Shell, ports.Clock, programFolder_,
@@ -122,9 +122,13 @@ bool Program::BeginToRecord() {
 
 void Program::LoadStatistics() {
     if (!BeginToRecord()) errors.WriteErrorLog("Another program records into this data folder.", "SaveStats");
+    LoadSums(true);
+}
+
+void Program::LoadSums(bool repair) {
     StatRecords records;
     const std::size_t known = RecordsInFile();
-    statFile.LoadStatFile(records, true);
+    statFile.LoadStatFile(records, repair);
     monthSums.CalcStatsThisMonth(records, known);
 }
 

@@ -112,6 +112,7 @@ class Program {
     Download FromUpdateSite();
     std::function<std::string(int)> UpdateText();
     void PlugErrors();
+    void LoadSums(bool repair);
     std::vector<OpenConnection> OpenConnectionsOfRecorder();
 
     std::function<std::vector<OpenConnection>()> openConnections_;

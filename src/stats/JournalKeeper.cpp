@@ -83,7 +83,9 @@ void JournalKeeper::PassEnded() {
         if (parts_.Clock.AwakeSeconds() < nextSave_ || !parts_.Recorder.TakeOver()) return;
         // The journal has counted these lines up to its last entry; from there they begin anew, at once.
         parts_.Book.ForgetLines();
-        if (Start() && records_) parts_.Monitor.Get_Bytes_Transmitted();
+        if (!Start() || !records_) return;
+        parts_.TookOver();
+        parts_.Monitor.Get_Bytes_Transmitted();
         return;
     }
     RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them

@@ -33,6 +33,8 @@ class JournalKeeper {
         korvalin::Clock& Clock;
         korvalin::Errors& Errors;
         std::function<std::filesystem::path()> DataFolder;
+        /// The program records now in place of another, whose records are in the file.
+        std::function<void()> TookOver = [] {};
     };
     explicit JournalKeeper(Parts parts) : parts_(std::move(parts)) {}
 

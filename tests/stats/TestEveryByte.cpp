@@ -325,7 +325,7 @@ class EveryByte : public RunFixture {
         explicit Run(EveryByte& t)
             : ProgramRun(
                   t, t.gatedFiles, t.gatedJournal, [&t] { return t.folder.Path(); },
-                  [this](const OpenConnection& made) { Month.Add(made); }),
+                  [this](const OpenConnection& made) { Month.Add(made); }, [this, &t] { t.LoadSums(*this); }),
               Tariffs(t.settings, t.errors, t.clock, t.units),
               Month(Tariffs, State, t.errors, t.clock),
               Watch(t.clock) {}
@@ -449,7 +449,7 @@ class EveryByte : public RunFixture {
         const int killAt = std::exchange(gate_.KillAt, 0);
         Pass(*run_);
         gate_.KillAt = killAt;
-        clockWasSet_ = true; // its sums wait for the next load as well
+        CheckMonth();
     }
     // Recorded and open, each once, at every moment. Sums behind a clock that was set back wait for the next
     // load.
@@ -470,16 +470,19 @@ class EveryByte : public RunFixture {
                 wrongMonth_ = fmt::format("{} {}: {} instead of {}", Today(), line, used, bytes);
         }
     }
+    void LoadSums(Run& run) {
+        StatRecords loaded;
+        const std::size_t known = run.Month.RecordsMade() - run.Record.Unwritten();
+        statFile.LoadStatFile(loaded, true);
+        run.Month.CalcStatsThisMonth(loaded, known);
+    }
     void Start() {
         if (run_) return;
         gone_.clear(); // nobody has listened
         run_ = std::make_unique<Run>(*this);
         run_->Seen.FirstEver = !gatedJournal.KnowsMachine;
         run_->Keeper.Start();
-        StatRecords loaded;
-        const std::size_t known = run_->Month.RecordsMade() - run_->Record.Unwritten();
-        statFile.LoadStatFile(loaded, true);
-        run_->Month.CalcStatsThisMonth(loaded, known);
+        LoadSums(*run_);
         AccountForTick(account_, run_->Seen);
         run_->Monitor.Get_Bytes_Transmitted();
         gone_.clear();

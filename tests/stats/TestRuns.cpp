@@ -10,7 +10,8 @@ class Runs : public RunFixture {
     struct Run : ProgramRun {
         explicit Run(Runs& t)
             : ProgramRun(
-                  t, t.files, t.journal, [&t] { return t.dataFolder; }, [](const OpenConnection&) {}) {}
+                  t, t.files, t.journal, [&t] { return t.dataFolder; }, [](const OpenConnection&) {}, [] {}) {
+        }
     };
 
     std::filesystem::path dataFolder = folder.Path();
