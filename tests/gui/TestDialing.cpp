@@ -167,18 +167,6 @@ TEST_F(DialingWindow, DialsFromTheMenuWithTheKeyboardAndOffersTheEntryAsTheQuick
     EXPECT_EQ(Dialed(), (Lines{"Work", "Work"}));
 }
 
-TEST_F(DialingWindow, HangsUpFromTheMenu) {
-    Add("Home");
-    Start();
-    Connect(4);
-    Connect(5);
-    Run(2);
-    Do("mnuLogOut");
-    EXPECT_EQ(ras.HungUp, (std::vector<std::int32_t>{4, 5}));
-    Run(1);
-    EXPECT_EQ(Offered(), "Home");
-}
-
 TEST_F(DialingWindow, AConnectionBesideTheMonitoredAdapterCanBeHungUp) {
     Add("Home");
     Start();
@@ -189,34 +177,6 @@ TEST_F(DialingWindow, AConnectionBesideTheMonitoredAdapterCanBeHungUp) {
     EXPECT_EQ(Offered(), "&Hang up");
     Do("mnuLogOut");
     EXPECT_EQ(Offered(), "Home|Home");
-}
-
-TEST_F(DialingWindow, AChangedNumberIsAskedAbout) {
-    struct {
-        int Button;
-        std::size_t Dials;
-        const char* Remembered;
-    } const rows[] = {{1, 0, "111"}, {2, 0, "111"}, {0, 1, "222"}};
-    settings.SetReg("Phone_Home", std::string("111"));
-    Add("Home", "222");
-    Start();
-    QtMessageBoxes messages;
-    messages.Plug(program->language);
-    boxes.AnswersBy = [&](const auto&... question) { return messages.Show(question...); };
-    for (const auto& row : rows) {
-        const WhenPopupShows popup([&](frmPopupMsg& box) {
-            EXPECT_EQ(PopupCaptions(box), "&Yes|&No|&Cancel");
-            EXPECT_EQ(box.focusWidget(), PopupButton(box, 1)) << "No is the safe one";
-            EXPECT_NE(TextOf(&box, "lblMessage").find("Previous number: 111\nNew number: 222\n\n"),
-                      std::string::npos);
-            EXPECT_FALSE(LogIn()->menuAction()->isEnabled());
-            QTest::mouseClick(PopupButton(box, row.Button), Qt::LeftButton);
-        });
-        Do("mnuLogInLine1");
-        EXPECT_EQ(internet.Dials.size(), row.Dials);
-        EXPECT_EQ(settings.Get(Keys::Phone("Home")), row.Remembered);
-        boxes.Shown.clear();
-    }
 }
 
 TEST_F(DialingWindow, TheProgramsEndAnswersTheQuestionWithCancel) {

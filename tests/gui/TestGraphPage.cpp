@@ -114,35 +114,6 @@ class GraphPageTest : public CoreFixture {
     GraphPage* page = nullptr;
 };
 
-TEST_F(GraphPageTest, DrawsBarsOfTheirVolumesInEverySize) {
-    Open();
-    struct {
-        const char* Uncheck;
-        QSize Size;
-        double Green, Red; // shares of the height
-    } const rows[] = {{"", {900, 600}, 0.4 / 3, 1.6 / 3},
-                      {"boxGSend", {900, 600}, 0, 1.6 / 2},
-                      {"boxGReceived", {560, 340}, 0.4 / 0.5, 0}};
-    for (const auto& row : rows) {
-        window.resize(row.Size);
-        page->resize(row.Size);
-        ASSERT_TRUE(QTest::qWaitFor([&] {
-            return std::abs(Picture()->Picture().width() - Device(row.Size.width() - 20)) < Device(20);
-        }));
-        if (auto* box = Find<QCheckBox>(row.Uncheck)) box->click();
-        for (const int bar : {0, 9}) {
-            const double height = BaseRow() - TopRow();
-            const int column = CentreOf(bar, 10) + Device(5);
-            EXPECT_NEAR(Count(green, column), row.Green * height, Device(3)) << row.Uncheck << bar;
-            EXPECT_NEAR(Count(red, column), row.Red * height, Device(3)) << row.Uncheck << bar;
-        }
-        if (auto* box = Find<QCheckBox>(row.Uncheck)) box->click();
-    }
-    Find<QCheckBox>("boxGSend")->click();
-    Find<QCheckBox>("boxGReceived")->click();
-    EXPECT_TRUE(NothingDrawn());
-}
-
 TEST_F(GraphPageTest, EveryControlRedraws) {
     settings.SetReg("GFrom", DateSerial(2024, 1, 3));
     Open();

@@ -296,18 +296,11 @@ TEST_F(SettingsDialog, WhatIsTypedIsCorrected) {
     struct {
         const char *Page, *Control, *Typed, *Becomes;
     } const rows[] = {
-        {"tvAllg", "cboLANactive", "5", "10"},        {"tvAllg", "cboLANactive", "25,000", "25"},
-        {"tvAllg", "cboLANactive", "abc", "10"},      {"tvAllg", "cboLANactive", "", "100"},
-        {"tvDarst", "txtChartMinMax", "0", "1"},      {"tvDarst", "txtChartMinMax", "x", "1"},
-        {"tvDarst", "txtChartMinMax", "", "5"},       {"tvDarst", "cboFontSize", "3", "8"},
-        {"tvDarst", "cboFontSize", "73", "8"},        {"tvDarst", "cboFontSize", "72", "72"},
-        {"tvDarst", "cboTimeLinesSec", "4", "5"},     {"tvDarst", "cboTimeLinesSec", "9999999999", "5"},
-        {"tvDarst", "cboTimeLinesSec", "400", "300"}, {"tvDarst", "cboPicWidthMin", "0", "1"},
-        {"tvDarst", "cboPicWidthMin", "99", "60"},    {"tvDarst", "cboConnDataMax", "nonsense", "4"},
-        {"tvDarst", "cboConnDataMax", "1e300", "4"},  {"tvDarst", "cboOpacity", "abc", "0%"},
-        {"tvDarst", "cboOpacity", "99%", "95%"},      {"tvDarst", "cboOpacity", "-3", "0%"},
-        {"tvDarst", "cboOpacity", "12.5%", "12%"},    {"tvTray", "cboTrayMaxRate", "abc", "0"},
-        {"tvTray", "cboTrayMaxVol", "9", "10"},       {"tvTray", "cboTrayMaxVol", "2,500", "2,500"},
+        {"tvAllg", "cboLANactive", "25,000", "25"},    {"tvAllg", "cboLANactive", "", "100"},
+        {"tvDarst", "txtChartMinMax", "x", "1"},       {"tvDarst", "cboTimeLinesSec", "400", "300"},
+        {"tvDarst", "cboPicWidthMin", "99", "60"},     {"tvDarst", "cboConnDataMax", "1e300", "4"},
+        {"tvDarst", "cboOpacity", "12.5%", "12%"},     {"tvDarst", "cboFontSize", "73", "8"},
+        {"tvTray", "cboTrayMaxVol", "2,500", "2,500"}, {"tvTray", "cboTrayMaxRate", "abc", "0"},
     };
     Open();
     const std::string stored = StoredSettings();
@@ -559,21 +552,9 @@ TEST_F(SettingsDialog, AFolderThatDoesNotServeKeepsTheFocusAndTheOldOne) {
     EXPECT_EQ(Stored("DataPath"), oldFolder);
 }
 
-TEST_F(SettingsDialog, AFolderIsTakenAsItIsMeant) {
+TEST_F(SettingsDialog, AFolderThatTheSettingsCannotHoldIsRefused) {
     Open();
-    const std::string oldFolder = Shown("txtDataPath");
-    const std::string newFolder = (folder / "new").string();
-    std::filesystem::create_directory(newFolder);
-    Type("txtDataPath", "  " + newFolder + " ");
-    EXPECT_EQ(Shown("txtDataPath"), newFolder);
-    Click("cmdApply");
-    EXPECT_EQ(Stored("DataPath"), newFolder);
-    QTest::qWait(0);
-    // A relative one would be another at the next start.
-    Type("txtDataPath", "somewhere");
-    EXPECT_EQ(Shown("txtDataPath"), (std::filesystem::current_path() / "somewhere").string());
-    EXPECT_TRUE(boxes.Take().Text.starts_with(Shown("txtDataPath") + "\n")) << "whether to create it";
-    QTest::qWait(0);
+    const std::string oldFolder = Stored("DataPath");
     // The settings could not hold it, and the next start would not find the statistics there.
     const std::string longFolder = (folder / std::string(200, 'a')).string();
     std::string tooLong = longFolder;
@@ -588,7 +569,7 @@ TEST_F(SettingsDialog, AFolderIsTakenAsItIsMeant) {
     Click("cmdOK");
     EXPECT_EQ(boxes.Take().Text, program->language.Lng("frmEinstellungen", 33));
     EXPECT_TRUE(dialog && dialog->isVisible());
-    EXPECT_EQ(Stored("DataPath"), newFolder);
+    EXPECT_EQ(Stored("DataPath"), oldFolder);
     nextFolder = longFolder;
     QTest::qWait(0);
     Click("cmdChooseDir");

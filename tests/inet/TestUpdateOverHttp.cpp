@@ -1,4 +1,3 @@
-#include "fakes/ChildProcess.h"
 #include "inet/UpdateFixture.h"
 #include "inet/WebFixture.h"
 #include "platform/linux/web/SodiumSignatures.h"
@@ -10,8 +9,6 @@ using namespace korvalin;
 namespace {
 
 namespace fs = std::filesystem;
-
-const std::string release = "<p>Newest Release: 2.4.1 of 1 May</p>";
 
 /// The whole check over real transfers.
 class UpdateOverHttp : public UpdateFixture<WebFixture>, public testing::WithParamInterface<Transport> {
@@ -29,8 +26,8 @@ class UpdateOverHttp : public UpdateFixture<WebFixture>, public testing::WithPar
         server.Folder.Write("update/" + name, body);
     }
     void PutUpdate(const std::string& version = "2.4.1") {
-        Put("update_general.html",
-            release + "Upgradable Ax" + version + "-new.exe Vx" + version + "-new.exe");
+        Put("update_general.html", "<p>Newest Release: 2.4.1 of 1 May</p>Upgradable Ax" + version +
+                                       "-new.exe Vx" + version + "-new.exe");
         Put("new.exe", program);
         Put("Korvalin.lng", "new texts");
     }
@@ -45,39 +42,6 @@ INSTANTIATE_TEST_SUITE_P(Both, UpdateOverHttp, testing::Values(Transport::Loop, 
                          [](const auto& given) {
                              return given.param == Transport::Loop ? "Loop" : "Control";
                          });
-
-TEST_P(UpdateOverHttp, ReachesEveryResult) {
-    Serve("http://127.0.0.1:1/");
-    internet.State = {};
-    EXPECT_EQ(OnDemand(), 2) << "nobody answers";
-    internet.State = {true, InternetConnectionLan};
-    Serve(server.Http() + "update/");
-    EXPECT_EQ(OnDemand(), 3) << "no page";
-    Put("update_general.html", release);
-    EXPECT_EQ(OnDemand(), 1);
-    EXPECT_EQ(folder.Read("Temp.htm"), release);
-    PutUpdate("2.3.9");
-    EXPECT_EQ(OnDemand(), 8);
-    settings.SetReg("NoInet", true);
-    EXPECT_EQ(OnDemand(), 10);
-    settings.SetReg("NoInet", false);
-    PutUpdate();
-    fs::remove(server.Folder / "update/new.exe");
-    EXPECT_EQ(Automatic(), 3) << "the download fails";
-    EXPECT_EQ(Automatic(), 5) << "and is not tried at once again";
-    EXPECT_EQ(TakeBoxes().size(), 1U);
-    clock.Advance(40);
-    PutUpdate();
-    server.TakeRequests();
-    EXPECT_EQ(Automatic(), 9);
-    EXPECT_EQ(server.TakeRequests(),
-              (Lines{"/update/update_general.html", "/update/update2312.html", "/update/update_general.html",
-                     "/update/new.exe", "/update/Korvalin.lng"}));
-    EXPECT_EQ(folder.Read("program/Korvalin_new.exe"), program);
-    EXPECT_EQ(folder.Read("program/KorvalinLng_new.lng"), "new texts");
-    EXPECT_EQ(folder.Read("program/Korvalin_V2_3_12.exe"), "the running program");
-    EXPECT_EQ(shell.Started, std::vector<fs::path>{New()});
-}
 
 TEST_P(UpdateOverHttp, StartsOnlyWhatTheMakerHasSigned) {
     ASSERT_GE(sodium_init(), 0);
@@ -104,19 +68,6 @@ TEST_P(UpdateOverHttp, StartsOnlyWhatTheMakerHasSigned) {
         EXPECT_EQ(Automatic(), result);
         EXPECT_EQ(fs::exists(New()), result == 9);
     }
-}
-
-TEST_P(UpdateOverHttp, LeavesAFolderAloneThatItMayNotWriteTo) {
-    PutUpdate();
-    fs::permissions(programFolder, fs::perms(0555));
-    fs::permissions(folder.Path(), fs::perms(0777));
-    {
-        const WithoutRoot somebodyElse;
-        EXPECT_EQ(OnDemand(), 5);
-    }
-    EXPECT_EQ(shell.Pages, Lines{"https://maker.example/versions.html"});
-    EXPECT_EQ(std::distance(fs::directory_iterator(programFolder), {}), 2) << "program and texts, as before";
-    fs::permissions(programFolder, fs::perms(0755));
 }
 
 } // namespace
