@@ -9,7 +9,12 @@
 
 namespace korvalin {
 
+class Language;
+class NetworkTables;
 class Program;
+class Settings;
+class TerminationSignals;
+struct Locale;
 
 enum class LinesFormat { Table, Json };
 
@@ -17,22 +22,13 @@ enum class LinesFormat { Table, Json };
 /// ever.
 void PrintLines(Program& program, LinesFormat format, bool watch);
 
-class Language;
-class NetworkTables;
-struct Locale;
-
 /// Prints the tables of network adapters and IP addresses, as a window shows them or as one JSON object of
 /// two lists, an object for each adapter or address.
 void PrintNetwork(NetworkTables& network, Language& language, const Locale& locale, bool asJson);
 
-class Program;
-class TerminationSignals;
-
 /// Watches the lines and records those that end, without a window, until a signal asks the program to end;
 /// then the open ones are recorded. The exit code: 1 when another program records into the data folder.
 [[nodiscard]] int RecordUntilSignal(Program& program, const TerminationSignals& signals);
-
-class Settings;
 
 /// Prints every setting that is stored or has a default, as it is read: name, kind, value.
 void ListSettings(Settings& settings);
@@ -42,8 +38,6 @@ void PrintSetting(Settings& settings, const std::string& name);
 
 /// Stores a value in its corrected form and prints that; an empty text deletes the setting.
 void StoreSetting(Settings& settings, const std::string& name, const std::string& value);
-
-class Program;
 
 /// Which records are wanted; an empty field sets no limit.
 struct RecordFilter {

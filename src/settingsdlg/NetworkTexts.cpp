@@ -10,7 +10,6 @@
 #include <array>
 
 namespace korvalin {
-
 namespace {
 
 using FieldText = std::string (*)(const InterfaceEntry& entry, const Locale& locale);
@@ -136,20 +135,6 @@ TextTable::Column AdapterColumn(std::size_t number, const InterfaceEntry& entry,
     return column;
 }
 
-} // namespace
-
-TextTable BuildAdapterTable(NetworkTables& network, Language& language, const Locale& locale) {
-    TextTable table{{CaptionColumn(language)}};
-    std::vector<InterfaceEntry> entries;
-    if (network.GetIfTable2(entries) != 0) return table;
-    table.Columns.reserve(1 + entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        table.Columns.push_back(AdapterColumn(i + 1, entries[i], locale));
-    return table;
-}
-
-namespace {
-
 constexpr std::array<std::string_view, 7> captions = {
     "Interface Index", "IP Address", "Subnet Mask", "Broadcast Addr", "Reassembly", "unused1", "unused2"};
 
@@ -183,6 +168,16 @@ void AddRows(const std::vector<AddressRow>& rows, TextTable& table) {
 }
 
 } // namespace
+
+TextTable BuildAdapterTable(NetworkTables& network, Language& language, const Locale& locale) {
+    TextTable table{{CaptionColumn(language)}};
+    std::vector<InterfaceEntry> entries;
+    if (network.GetIfTable2(entries) != 0) return table;
+    table.Columns.reserve(1 + entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        table.Columns.push_back(AdapterColumn(i + 1, entries[i], locale));
+    return table;
+}
 
 TextTable BuildAddressTable(NetworkTables& network) {
     TextTable table;

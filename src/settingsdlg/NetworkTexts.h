@@ -6,6 +6,10 @@
 
 namespace korvalin {
 
+class Language;
+class NetworkTables;
+struct Locale;
+
 /// A table of texts for a list, a page or a terminal. Every column has a cell in each row.
 struct TextTable {
     struct Column {
@@ -18,18 +22,12 @@ struct TextTable {
     std::size_t RowCount() const { return Columns.empty() ? 0 : Columns.front().Cells.size(); }
 };
 
-class Language;
-class NetworkTables;
-struct Locale;
-
 /// Width of the adapter table's first column in twips.
 inline constexpr int AdapterCaptionColumnTwips = 2500;
 
 /// What the system tells of its network adapters now: a row for each field, the first column with the fields'
 /// captions, then a column for each adapter. When the system cannot tell, the captions alone.
 TextTable BuildAdapterTable(NetworkTables& network, Language& language, const Locale& locale);
-
-class NetworkTables;
 
 /// The IP addresses that the system has now: a row for each IPv4 address, below them one for each IPv6
 /// address, whose mask is the length of its prefix ("/64") and which lacks what only IPv4 has. When the

@@ -5,6 +5,10 @@
 #include "inet/UpdateSite.h"
 #include "inet/WebFetch.h"
 
+#include <gtest/gtest.h>
+
+#include <utility>
+
 namespace korvalin {
 
 /// A running version 2.3.12 that looks for updates, on whatever transport the base class has as `fetch`.

@@ -9,7 +9,6 @@
 #include <functional>
 
 namespace korvalin {
-
 namespace {
 
 std::vector<Date> NewestFirst(std::vector<Date> days, Date today) {
