@@ -68,6 +68,15 @@ struct JournalFound {
     JournalPicture Picture = {};
     /// The journal is there, but could not be read now: the rest says nothing.
     bool IsUnreadable = false;
+
+    /// The connections that the program has open which writes the journal.
+    std::vector<OpenConnection> StillOpen() const {
+        std::vector<OpenConnection> open;
+        for (const JournalEntry& entry : Picture.Entries) {
+            if (SameBoot && entry.Open && !entry.Open->Recorded) open.push_back(*entry.Open);
+        }
+        return open;
+    }
 };
 
 /// A moment's counters of an entry that has an open connection, for the case that the program is killed.

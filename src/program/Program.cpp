@@ -71,7 +71,9 @@ Program::Program(const Ports& ports, Locale userLocale)
                [this] { LoadUserVar(); }},
               BuiltVersion) {
     PlugErrors();
-    openConnections_ = [this] { return OpenConnectionsOf(lines); };
+    openConnections_ = [this] {
+        return journalKeeper.LooksOn() ? OpenConnectionsOfRecorder() : OpenConnectionsOf(lines);
+    };
     lineBook.Plug({[this](const std::string& entryName) { return aliases.GetAlias(entryName); },
                    [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
                    [this] { samplingLoop.ResizeRateHistory(); }, [this] { journalKeeper.PassEnded(); }});
@@ -129,6 +131,11 @@ void Program::LoadSums(bool repair) {
     StatRecords records;
     const std::size_t known = RecordsInFile();
     statFile.LoadStatFile(records, repair);
+    if (journalKeeper.LooksOn()) {
+        monthSums.SetOpenElsewhere(OpenConnectionsOfRecorder());
+    } else {
+        monthSums.SetOpenElsewhere(std::nullopt);
+    }
     monthSums.CalcStatsThisMonth(records, known);
 }
 
@@ -139,14 +146,9 @@ void Program::ShowOpenConnectionsOfRecorder(bool closed) {
 }
 
 std::vector<OpenConnection> Program::OpenConnectionsOfRecorder() {
-    std::vector<OpenConnection> open;
     const std::filesystem::path folder = dataFolder.GetDataPath();
-    if (!ports_.RecordingLock.IsTaken(folder)) return open;
-    const JournalFound found = ports_.Journal.Look(folder);
-    for (const JournalEntry& entry : found.Picture.Entries) {
-        if (found.SameBoot && entry.Open && !entry.Open->Recorded) open.push_back(*entry.Open);
-    }
-    return open;
+    if (!ports_.RecordingLock.IsTaken(folder)) return {};
+    return ports_.Journal.Look(folder).StillOpen();
 }
 
 void Program::LoadUserVar() {

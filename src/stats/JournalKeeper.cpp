@@ -80,12 +80,7 @@ void JournalKeeper::EndForDay(std::vector<JournalEntry>& dialUps) {
 void JournalKeeper::PassEnded() {
     if (!begun_) return; // a program that only looks at the lines
     if (!records_) {
-        if (parts_.Clock.AwakeSeconds() < nextSave_ || !parts_.Recorder.TakeOver()) return;
-        // The journal has counted these lines up to its last entry; from there they begin anew, at once.
-        parts_.Book.ForgetLines();
-        if (!Start() || !records_) return;
-        parts_.TookOver();
-        parts_.Monitor.Get_Bytes_Transmitted();
+        LookOn();
         return;
     }
     RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them
@@ -102,6 +97,20 @@ void JournalKeeper::PassEnded() {
         Write(false);
     } else if (!parts_.Recorder.HasPending() || !changed) {
         Note(); // not past records that nobody has written
+    }
+}
+
+void JournalKeeper::LookOn() {
+    const double now = parts_.Clock.AwakeSeconds();
+    if (now >= nextSave_ && parts_.Recorder.TakeOver()) {
+        // The journal has counted these lines up to its last entry; from there they begin anew, at once.
+        parts_.Book.ForgetLines();
+        if (!Start() || !records_) return;
+        parts_.OthersRecorded();
+        parts_.Monitor.Get_Bytes_Transmitted();
+    } else if (LooksOn() && now >= nextLook_) {
+        nextLook_ = now + secondsBetweenSaves;
+        parts_.OthersRecorded();
     }
 }
 

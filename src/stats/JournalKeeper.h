@@ -33,14 +33,18 @@ class JournalKeeper {
         korvalin::Clock& Clock;
         korvalin::Errors& Errors;
         std::function<std::filesystem::path()> DataFolder;
-        /// The program records now in place of another, whose records are in the file.
-        std::function<void()> TookOver = [] {};
+        /// Once a minute while another program records, and when this one has taken its place: what that
+        /// program has recorded is in the file.
+        std::function<void()> OthersRecorded = [] {};
     };
     explicit JournalKeeper(Parts parts) : parts_(std::move(parts)) {}
 
     /// Takes up what the last run has left, before the first pass: records what it could not. False while
     /// another program records; its accounts are then only looked at.
     bool Start();
+
+    /// Whether another program records, whose journal and records are to be looked at.
+    bool LooksOn() const { return begun_ && !records_ && failingSince_ < 0; }
 
     /// After every pass: writes what has changed, once a minute what has been counted.
     void PassEnded();
@@ -50,6 +54,7 @@ class JournalKeeper {
 
   private:
     bool WaitsForJournal();
+    void LookOn();
     JournalPicture Picture() const;
     bool Save(Journal::Durability durability);
     void Write(bool evenWithoutJournal);
@@ -67,6 +72,7 @@ class JournalKeeper {
     bool written_ = false;         // the journal, in this run
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
+    double nextLook_ = 0;      // seconds awake
     double failingSince_ = -1; // seconds awake; below 0: the journal can be written
 };
 

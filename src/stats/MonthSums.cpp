@@ -10,6 +10,14 @@
 #include <algorithm>
 
 namespace korvalin {
+namespace {
+
+BilledRecord BilledOf(const OpenConnection& record) {
+    return {record.LogIn, RoundToSecond(record.End), record.BytesReceived, record.BytesTransmitted,
+            record.IsRas};
+}
+
+} // namespace
 
 MonthSums::MonthSums(Aliases& aliases, const LineState& lines, Errors& errors, Clock& clock)
     : aliases_(aliases), lines_(lines), errors_(errors), clock_(clock) {}
@@ -40,8 +48,7 @@ void MonthSums::Add(const OpenConnection& record) {
 
 void MonthSums::AddRecord(const OpenConnection& record) {
     const std::size_t index = aliases_.AliasIndex(aliases_.GetAlias(record.LineName));
-    const BilledRecord billed{record.LogIn, RoundToSecond(record.End), record.BytesReceived,
-                              record.BytesTransmitted, record.IsRas};
+    const BilledRecord billed = BilledOf(record);
     if (billed.End >= Sum(index).StatPeriodBegin) AddToSum(billed, ToLower(record.LineName), index);
 }
 
@@ -91,17 +98,27 @@ const StatRecord& MonthSums::Sum(std::size_t aliasIndex) {
 // Asked for several times a second.
 double MonthSums::OpenVolume(std::size_t aliasIndex) {
     double volume = 0;
+    if (elsewhere_) {
+        for (const OpenConnection& open : *elsewhere_)
+            volume += OpenVolume(aliasIndex, open.LineName, BilledOf(open));
+        return volume;
+    }
     for (const LineRecord& line : lines_.LineTable) {
-        if (!line.Connected || aliases_.AliasIndex(aliases_.GetAlias(line.EntryName)) != aliasIndex) continue;
+        if (!line.Connected) continue;
         const LinePart part = OpenPartOf(line);
-        const auto last = connections_.find(ToLower(line.EntryName));
-        BilledConnection connection = last != connections_.end() ? last->second : BilledConnection();
-        volume +=
-            Bill({part.LogIn, RoundToSecond(part.End), part.BytesReceived, part.BytesTransmitted, line.IsRas},
-                 connection, sums_.List.at(aliasIndex - 1).StatPeriodBegin, aliases_, aliasIndex)
-                .VolumeRounded;
+        volume += OpenVolume(
+            aliasIndex, line.EntryName,
+            {part.LogIn, RoundToSecond(part.End), part.BytesReceived, part.BytesTransmitted, line.IsRas});
     }
     return volume;
+}
+
+double MonthSums::OpenVolume(std::size_t aliasIndex, const std::string& lineName, const BilledRecord& open) {
+    if (aliases_.AliasIndex(aliases_.GetAlias(lineName)) != aliasIndex) return 0;
+    const auto last = connections_.find(ToLower(lineName));
+    BilledConnection connection = last != connections_.end() ? last->second : BilledConnection();
+    return Bill(open, connection, sums_.List.at(aliasIndex - 1).StatPeriodBegin, aliases_, aliasIndex)
+        .VolumeRounded;
 }
 
 PeriodUse MonthSums::UseOf(std::string_view lineName) {

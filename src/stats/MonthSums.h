@@ -4,6 +4,7 @@
 #include "stats/BilledParts.h"
 #include "stats/StatRecord.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -37,6 +38,10 @@ class MonthSums {
     /// A record was made.
     void Add(const OpenConnection& record);
 
+    /// Another program records: what is open is this, as that program has it. None: it is this program's
+    /// lines.
+    void SetOpenElsewhere(std::optional<std::vector<OpenConnection>> open) { elsewhere_ = std::move(open); }
+
     /// How many records have been made in this run.
     std::size_t RecordsMade() const { return made_.size(); }
 
@@ -56,6 +61,7 @@ class MonthSums {
     void AddAll(const StatRecords& records);
     void AddToSum(const BilledRecord& record, const std::string& lineName, std::size_t aliasIndex);
     double OpenVolume(std::size_t aliasIndex);
+    double OpenVolume(std::size_t aliasIndex, const std::string& lineName, const BilledRecord& open);
 
     Aliases& aliases_;
     const LineState& lines_;
@@ -65,6 +71,7 @@ class MonthSums {
     std::unordered_map<std::string, BilledConnection>
         connections_; // the last of each line, by lower-case name
     std::vector<OpenConnection> made_;
+    std::optional<std::vector<OpenConnection>> elsewhere_;
     bool valid_ = false;
 };
 

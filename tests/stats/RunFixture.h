@@ -9,12 +9,13 @@ namespace korvalin {
 /// For tests in which the program runs more than once.
 class RunFixture : public StatsFixture {
   protected:
-    /// The modules that one run owns. `made` is told of each record, `tookOver` when the run records in
-    /// place of another program.
+    /// The modules that one run owns. `made` is told of each record, `othersRecorded` when there are some of
+    /// another program.
     struct ProgramRun {
         ProgramRun(RunFixture& t, Files& files, Journal& journal,
                    std::function<std::filesystem::path()> folder,
-                   std::function<void(const OpenConnection& record)> made, std::function<void()> tookOver)
+                   std::function<void(const OpenConnection& record)> made,
+                   std::function<void()> othersRecorded)
             : Book(State, t.errors, t.clock),
               Names(t.networks, t.ras, t.options),
               Lan(t.network, State, Book, Ledger, Names, t.options, t.errors, t.clock),
@@ -23,7 +24,7 @@ class RunFixture : public StatsFixture {
               Record({State, Ledger, files, t.errors, t.language, t.clock, Lock, t.locale, folder,
                       std::move(made)}),
               Keeper({journal, Record, Ledger, State, Book, Monitor, t.clock, t.errors, folder,
-                      std::move(tookOver)}) {
+                      std::move(othersRecorded)}) {
             State.ProgramStart = t.clock.Now();
             Book.Plug({[](const std::string& entry) { return entry; },
                        [this](CloseReason reason, std::size_t line) { Record.SaveStatsLine(reason, line); },

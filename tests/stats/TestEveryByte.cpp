@@ -337,6 +337,7 @@ class EveryByte : public RunFixture {
         ClockWatch Watch;
         View Seen;
         Account Eyes; // of one that only looks on
+        bool HasLooked = false;
     };
 
     void BeginWorld() {
@@ -423,12 +424,16 @@ class EveryByte : public RunFixture {
         if (run_->Lock.AnotherRecords) return TakeOver();
         AccountForTick(account_, run_->Seen);
         Pass(*run_);
+        CheckMonth(*run_);
         if (looking_) {
             AccountForTick(looking_->Eyes, looking_->Seen);
+            looking_->HasLooked = false;
             Pass(*looking_);
+            // What waits for the files is in neither.
+            if (looking_->HasLooked && !gate_.Behind && gatedJournal.FakeJournal::Kept.Pending.empty())
+                CheckMonth(*looking_);
         }
         gone_.clear();
-        CheckMonth();
     }
     static void Pass(Run& run) {
         run.FollowClock();
@@ -449,11 +454,11 @@ class EveryByte : public RunFixture {
         const int killAt = std::exchange(gate_.KillAt, 0);
         Pass(*run_);
         gate_.KillAt = killAt;
-        CheckMonth();
+        CheckMonth(*run_);
     }
     // Recorded and open, each once, at every moment. Sums behind a clock that was set back wait for the next
     // load.
-    void CheckMonth() {
+    void CheckMonth(Run& run) {
         if (clockWasSet_) return;
         std::map<std::string, double> moved;
         const std::string month = Today().substr(0, 7);
@@ -465,7 +470,7 @@ class EveryByte : public RunFixture {
                 moved[known.Call] += static_cast<double>(known.OfCall.In + known.OfCall.Out);
         }
         for (const auto& [line, bytes] : moved) {
-            const double used = run_->Month.UseOf(line).UsedBytes;
+            const double used = run.Month.UseOf(line).UsedBytes;
             if (used != bytes)
                 wrongMonth_ = fmt::format("{} {}: {} instead of {}", Today(), line, used, bytes);
         }
@@ -474,6 +479,12 @@ class EveryByte : public RunFixture {
         StatRecords loaded;
         const std::size_t known = run.Month.RecordsMade() - run.Record.Unwritten();
         statFile.LoadStatFile(loaded, true);
+        if (run.Keeper.LooksOn()) {
+            run.Month.SetOpenElsewhere(gatedJournal.Look({}).StillOpen());
+        } else {
+            run.Month.SetOpenElsewhere(std::nullopt);
+        }
+        run.HasLooked = true;
         run.Month.CalcStatsThisMonth(loaded, known);
     }
     void Start() {
@@ -486,7 +497,7 @@ class EveryByte : public RunFixture {
         AccountForTick(account_, run_->Seen);
         run_->Monitor.Get_Bytes_Transmitted();
         gone_.clear();
-        CheckMonth();
+        CheckMonth(*run_);
     }
     // A second one, which looks on.
     void Look() {
