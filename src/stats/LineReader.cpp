@@ -17,9 +17,14 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 }
 
 std::ifstream Open(const std::filesystem::path& path) {
-    // Opening a pipe would wait for its writer.
-    if (!std::filesystem::is_regular_file(path))
-        Throw(std::filesystem::is_directory(path) ? EISDIR : EINVAL, path);
+    // Opening a pipe would wait for its writer; a link may lead anywhere.
+    switch (std::filesystem::symlink_status(path).type()) {
+    case std::filesystem::file_type::regular: break;
+    case std::filesystem::file_type::directory: Throw(EISDIR, path);
+    case std::filesystem::file_type::symlink: Throw(ELOOP, path);
+    case std::filesystem::file_type::not_found: Throw(ENOENT, path);
+    default: Throw(EINVAL, path);
+    }
     std::ifstream file;
     file.rdbuf()->pubsetbuf(nullptr, 0); // blocks go straight to their place
     errno = 0;

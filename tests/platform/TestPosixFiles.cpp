@@ -89,8 +89,23 @@ TEST_F(PosixFilesTest, AppendsDurablyWhollyOrNotAtAll) {
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     const std::pair<fs::path, int> wrong[] = {
         {folder / "none/data.txt", ENOENT}, {folder.Path(), EISDIR}, {folder / "pipe", EINVAL}};
-    for (const auto& [path, error] : wrong)
+    for (const auto& [path, error] : wrong) {
         EXPECT_EQ(append(path), error) << path;
+        EXPECT_FALSE(files.Append(path, "line\n")) << path;
+    }
+}
+
+TEST_F(PosixFilesTest, FollowsNoLinkThatSomebodyHasPutInTheFilesPlace) {
+    const fs::path victim = folder.Write("victim", "as it was\n");
+    fs::permissions(victim, fs::perms(0644));
+    const fs::path link = folder / "data.txt";
+    fs::create_symlink(victim, link);
+    EXPECT_FALSE(files.Append(link, "line\n"));
+    EXPECT_EQ(files.AppendLines(link, "", "line\n", "\n", Files::Flush::Yes), ELOOP);
+    EXPECT_EQ(files.Hold(link), nullptr);
+    EXPECT_FALSE(files.Copy(link, folder / "copy"));
+    EXPECT_EQ(folder.Read("victim"), "as it was\n");
+    EXPECT_EQ(ModeOf("victim"), 0644U);
 }
 
 TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {

@@ -1,16 +1,21 @@
 #include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
 #include "platform/linux/files/Descriptor.h"
-#include "platform/linux/files/FlockLocks.h"
+#include "platform/linux/files/FileLocks.h"
 #include "platform/linux/system/ExitWatch.h"
 #include "platform/linux/system/SystemClock.h"
+
+#include <fmt/format.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 using namespace korvalin;
+
+namespace fs = std::filesystem;
 
 TEST(SystemClock, FollowsTheTimeZoneWhileItRunsAndTellsPartsOfASecond) {
     SystemClock clock;
@@ -51,32 +56,32 @@ TEST(FlockInstanceLock, IsHeldByTheEarlierProcessUntilItEnds) {
         << "holds nobody up";
 }
 
-TEST(FlockRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
+TEST(FileRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
     const TemporaryFolder folder;
     const TemporaryFolder another;
     Signal held;
     ChildProcess earlier([&] {
-        FlockRecordingLock lock;
+        FileRecordingLock lock;
         held.Send(lock.Take(folder.Path()) && lock.Take(folder.Path()) ? 1 : 0);
         pause();
     });
     ASSERT_EQ(held.Await(), 1);
-    FlockRecordingLock lock;
+    FileRecordingLock lock;
     EXPECT_FALSE(lock.Take(folder.Path()));
     EXPECT_TRUE(lock.Take(another.Path()));
     EXPECT_FALSE(lock.Take(folder.Path()));
-    EXPECT_FALSE(FlockRecordingLock().Take(another.Path())) << "lost by asking for a folder in vain";
+    EXPECT_FALSE(FileRecordingLock().Take(another.Path())) << "lost by asking for a folder in vain";
     EXPECT_TRUE(lock.Take(folder / "none")) << "holds nobody up";
     earlier.Kill();
     EXPECT_TRUE(lock.Take(folder.Path()));
-    EXPECT_TRUE(FlockRecordingLock().Take(another.Path())) << "still held after another folder was taken";
+    EXPECT_TRUE(FileRecordingLock().Take(another.Path())) << "still held after another folder was taken";
 }
 
-TEST(FlockRecordingLock, IsSeenByOthersWhoDoNotTryIt) {
+TEST(FileRecordingLock, IsSeenByOthersWhoDoNotTryIt) {
     const TemporaryFolder folder;
     const TemporaryFolder another;
-    FlockRecordingLock lock;
-    FlockRecordingLock onlooker;
+    FileRecordingLock lock;
+    FileRecordingLock onlooker;
     ASSERT_TRUE(lock.Take(folder.Path()));
     EXPECT_TRUE(onlooker.IsTaken(folder.Path()));
     EXPECT_FALSE(lock.IsTaken(folder.Path())) << "its own";
@@ -84,10 +89,25 @@ TEST(FlockRecordingLock, IsSeenByOthersWhoDoNotTryIt) {
     EXPECT_FALSE(onlooker.IsTaken(folder / "none"));
     ASSERT_TRUE(lock.Take(another.Path()));
     EXPECT_FALSE(onlooker.IsTaken(folder.Path())) << "given up for another folder";
+}
 
+TEST(FileRecordingLock, CannotBeTakenAwayByWhoCanReadOrWriteTheFolder) {
+    const TemporaryFolder folder;
+    const fs::path file = folder / fmt::format("Korvalin_Recording-{}.lock", geteuid());
+    const fs::path victim = folder.Write("victim", "");
     const Descriptor bare(open(folder.Path().c_str(), O_RDONLY | O_DIRECTORY));
     ASSERT_EQ(flock(bare.Get(), LOCK_EX), 0);
-    EXPECT_FALSE(onlooker.IsTaken(folder.Path())) << "a try would have failed, and kept a recorder out else";
+    fs::create_symlink(victim, file);
+    const Descriptor held(open(victim.c_str(), O_RDWR));
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    ASSERT_EQ(fcntl(held.Get(), F_OFD_SETLK, &whole), 0);
+    FileRecordingLock lock;
+    EXPECT_FALSE(lock.IsTaken(folder.Path()));
+    EXPECT_TRUE(lock.Take(folder.Path()));
+    fs::remove(file);
+    EXPECT_TRUE(lock.Take(folder.Path()));
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
 }
 
 TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {

@@ -1,5 +1,7 @@
 #include "platform/linux/files/HeldFile.h"
 
+#include "platform/linux/files/PlainFile.h"
+
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -10,7 +12,6 @@
 namespace korvalin {
 namespace {
 
-constexpr mode_t privateFile = 0600;
 constexpr std::chrono::milliseconds pause{5};
 
 // 0, EAGAIN while somebody else holds it. A file system that knows no locks holds nobody off.
@@ -32,8 +33,7 @@ bool IsStillAt(const std::filesystem::path& path, int file) {
 }
 
 HeldFile TryOnce(const std::filesystem::path& path, bool create) {
-    const int flags = O_RDWR | O_APPEND | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0);
-    Descriptor file(open(path.c_str(), flags, privateFile));
+    Descriptor file = OpenPlainFile(path, O_RDWR | O_APPEND | (create ? O_CREAT : 0));
     if (!file) return {Descriptor(), errno};
     int error = Lock(file.Get());
     if (error == 0 && !IsStillAt(path, file.Get())) error = EAGAIN;

@@ -1,6 +1,7 @@
 #include "platform/linux/files/PosixFiles.h"
 
 #include "platform/linux/files/HeldFile.h"
+#include "platform/linux/files/PlainFile.h"
 
 #include <array>
 #include <cerrno>
@@ -55,7 +56,8 @@ void FlushFolder(const std::filesystem::path& folder) {
 
 mode_t ModeOf(const std::filesystem::path& path) {
     struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? status.st_mode & permissionBits : privateFile;
+    const bool isFile = lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    return isFile ? status.st_mode & permissionBits : privateFile;
 }
 
 // Fills the new file and puts it in the place of `path`; removes it when anything fails.
@@ -84,7 +86,7 @@ bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::func
 bool KeepAs(const std::filesystem::path& path, const std::filesystem::path& kept) {
     if (link(path.c_str(), kept.c_str()) == 0) return true;
     if (errno == EEXIST) return false;
-    const Descriptor source(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor source = OpenPlainFile(path, O_RDONLY);
     return source && WriteBeside(kept, ModeOf(path), [&](int file) { return CopyAll(source.Get(), file); });
 }
 
@@ -100,7 +102,7 @@ void CutOff(int file, ssize_t written) {
 } // namespace
 
 bool PosixFiles::Append(const std::filesystem::path& path, std::string_view lines) {
-    const Descriptor file(open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, privateFile));
+    const Descriptor file = OpenPlainFile(path, O_WRONLY | O_APPEND | O_CREAT);
     if (!file) return false;
     const ssize_t written = WriteOnce(file.Get(), lines);
     if (written == static_cast<ssize_t>(lines.size())) return true;
@@ -115,7 +117,6 @@ int PosixFiles::AppendLines(const std::filesystem::path& path, std::string_view 
     const int file = held.File.Get();
     struct stat status {};
     if (fstat(file, &status) != 0) return errno;
-    if (!S_ISREG(status.st_mode)) return EINVAL; // a pipe would swallow it
     char last = '\n';
     if (status.st_size > 0 && pread(file, &last, 1, status.st_size - 1) < 0) return errno;
     std::string text(status.st_size == 0 ? header : last == '\n' ? std::string_view() : lineEnd);
@@ -160,7 +161,7 @@ bool PosixFiles::Replace(const std::filesystem::path& path, std::string_view con
 }
 
 bool PosixFiles::Copy(const std::filesystem::path& from, const std::filesystem::path& to) {
-    const Descriptor source(open(from.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor source = OpenPlainFile(from, O_RDONLY);
     struct stat status {};
     if (!source || fstat(source.Get(), &status) != 0) return false;
     return WriteBeside(to, status.st_mode & permissionBits,

@@ -4,7 +4,7 @@
 #include "platform/linux/dialup/NetworkManagerLines.h"
 #include "platform/linux/dialup/NetworkManagerNetworks.h"
 #include "platform/linux/dialup/NetworkManagerRas.h"
-#include "platform/linux/files/FlockLocks.h"
+#include "platform/linux/files/FileLocks.h"
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/files/WholeFile.h"
 #include "platform/linux/netlink/NetlinkNetworkTables.h"
@@ -51,7 +51,7 @@ struct LinuxSystem::BackEnds {
     PasswdUser User;
     // An update hands over from one executable to another: each name has a lock of its own.
     FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
-    FlockRecordingLock RecordingLock;
+    FileRecordingLock RecordingLock;
     SqliteJournal Journal = MakeJournal();
     NetworkManagerNetworks Networks{NetworkManager};
     CurlHttp Http;

@@ -1,5 +1,6 @@
-#include "platform/linux/files/FlockLocks.h"
+#include "platform/linux/files/FileLocks.h"
 
+#include "platform/linux/files/PlainFile.h"
 #include "platform/linux/files/PosixFiles.h"
 
 #include <fmt/format.h>
@@ -8,6 +9,8 @@
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace korvalin {
 namespace {
@@ -16,26 +19,23 @@ std::filesystem::path LockFile(const std::filesystem::path& folder, std::string_
     return folder / fmt::format("instance-{}.lock", executableName);
 }
 
-Descriptor OpenFolder(const std::filesystem::path& folder) {
-    return Descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+std::filesystem::path RecordingFile(const std::filesystem::path& folder) {
+    return folder / fmt::format("Korvalin_Recording-{}.lock", geteuid());
 }
 
-struct flock WholeFolder(short type) {
+// Empty also when the file is somebody else's: who put it there shall not keep the user from recording.
+Descriptor OpenOwn(const std::filesystem::path& path, int flags) {
+    Descriptor file = OpenPlainFile(path, flags);
+    struct stat status {};
+    const bool isOwn = file && fstat(file.Get(), &status) == 0 && status.st_uid == geteuid();
+    return isOwn ? std::move(file) : Descriptor();
+}
+
+struct flock WholeFile() {
     struct flock lock {};
-    lock.l_type = type;
+    lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
     return lock;
-}
-
-// A shared lock beside the exclusive one, which nobody can look at without trying to take it.
-void PutUpSign(int folder) {
-    struct flock sign = WholeFolder(F_RDLCK);
-    static_cast<void>(fcntl(folder, F_OFD_SETLK, &sign));
-}
-
-bool SeesSign(int folder) {
-    struct flock conflict = WholeFolder(F_WRLCK);
-    return fcntl(folder, F_OFD_GETLK, &conflict) == 0 && conflict.l_type != F_UNLCK;
 }
 
 } // namespace
@@ -58,21 +58,22 @@ bool FlockInstanceLock::PreviousInstanceRunning() {
     return false;
 }
 
-bool FlockRecordingLock::Take(const std::filesystem::path& folder) {
+bool FileRecordingLock::Take(const std::filesystem::path& folder) {
     if (held_ && folder == folder_) return true;
-    Descriptor descriptor = OpenFolder(folder);
-    if (!descriptor) return true;
-    if (flock(descriptor.Get(), LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;
-    PutUpSign(descriptor.Get());
-    held_ = std::move(descriptor);
+    Descriptor file = OpenOwn(RecordingFile(folder), O_RDWR | O_CREAT);
+    if (!file) return true;
+    struct flock lock = WholeFile();
+    if (fcntl(file.Get(), F_OFD_SETLK, &lock) != 0) return errno != EAGAIN && errno != EACCES;
+    held_ = std::move(file);
     folder_ = folder;
     return true;
 }
 
-bool FlockRecordingLock::IsTaken(const std::filesystem::path& folder) {
+bool FileRecordingLock::IsTaken(const std::filesystem::path& folder) {
     if (held_ && folder == folder_) return false;
-    const Descriptor descriptor = OpenFolder(folder);
-    return descriptor && SeesSign(descriptor.Get());
+    const Descriptor file = OpenOwn(RecordingFile(folder), O_RDONLY);
+    struct flock conflict = WholeFile();
+    return file && fcntl(file.Get(), F_OFD_GETLK, &conflict) == 0 && conflict.l_type != F_UNLCK;
 }
 
 } // namespace korvalin

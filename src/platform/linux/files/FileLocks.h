@@ -24,8 +24,9 @@ class FlockInstanceLock : public InstanceLock {
     Descriptor held_;
 };
 
-/// A lock on the folder itself: it leaves no file behind, and the kernel frees it when its owner ends.
-class FlockRecordingLock : public RecordingLock {
+/// A lock on a file of the user's own in the data folder, which the kernel frees when its owner ends. One on
+/// the folder itself could be held by everybody who can read it.
+class FileRecordingLock : public RecordingLock {
   public:
     bool Take(const std::filesystem::path& folder) override;
     bool IsTaken(const std::filesystem::path& folder) override;
