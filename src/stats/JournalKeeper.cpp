@@ -1,11 +1,16 @@
 #include "stats/JournalKeeper.h"
 
+#include "base/Text.h"
+#include "data/DataFolder.h"
 #include "errors/Errors.h"
 #include "platform/Clock.h"
 #include "stats/Recorder.h"
 #include "traffic/LineMonitor.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cstdio>
 
 namespace korvalin {
 namespace {
@@ -21,8 +26,7 @@ constexpr double mostSecondsWithoutJournal = 60;
 bool JournalKeeper::Start() {
     begun_ = true;
     records_ = parts_.Recorder.TakeOver();
-    const std::filesystem::path folder = parts_.DataFolder();
-    const JournalFound found = records_ ? parts_.Journal.Load(folder) : parts_.Journal.Look(folder);
+    const JournalFound found = records_ ? LoadJournal() : parts_.Journal.Look(parts_.DataFolder());
     parts_.Ledger.Begin(found);
     started_ = false;
     if (!records_) return false;
@@ -40,8 +44,14 @@ bool JournalKeeper::Start() {
     std::vector<JournalEntry> dialUps = parts_.Ledger.TakeDialUps();
     if (parts_.Monitor.DividesDialUps()) EndForDay(dialUps);
     parts_.Ledger.KeepDialUps(std::move(dialUps));
-    if (parts_.Recorder.HasPending()) Write(false);
+    if (parts_.Recorder.HasPending()) Write(Moment::Running);
     return true;
+}
+
+// One that an end has left elsewhere is the newer one; the next Save brings it home.
+JournalFound JournalKeeper::LoadJournal() const {
+    JournalFound spare = parts_.Journal.Load(parts_.SpareFolder);
+    return spare.KnowsMachine ? spare : parts_.Journal.Load(parts_.DataFolder());
 }
 
 // Mostly somebody else is reading it. One that stays unreadable must not keep the lines from being recorded.
@@ -94,7 +104,7 @@ void JournalKeeper::PassEnded() {
     started_ = true;
     const bool failed = failingSince_ >= 0;
     if ((changed && !failed) || parts_.Clock.AwakeSeconds() >= nextSave_) {
-        Write(false);
+        Write(Moment::Running);
     } else if (!parts_.Recorder.HasPending() || !changed) {
         Note(); // not past records that nobody has written
     }
@@ -120,7 +130,8 @@ void JournalKeeper::RecordOpenLines(CloseReason reason) {
     RecordInterrupted(parts_.Ledger.TakeDialUps());
     parts_.Ledger.KeepDialUps(RecordedDialUps(parts_.Recorder.SaveStatsLine(reason, 0)));
     parts_.Book.ForgetLines();
-    Write(true);
+    Write(Moment::End);
+    PrintUnwritten();
 }
 
 // They may be up at the next start, or in the next pass when the program does not end: it then knows where
@@ -163,14 +174,16 @@ JournalPicture JournalKeeper::Picture() const {
     return picture;
 }
 
-bool JournalKeeper::Save(Journal::Durability durability) {
+bool JournalKeeper::Save(Journal::Durability durability, Moment moment) {
     folder_ = parts_.DataFolder();
-    return parts_.Journal.Save(folder_, Picture(), durability);
+    const JournalPicture picture = Picture();
+    return parts_.Journal.Save(folder_, picture, durability) ||
+           (moment == Moment::End && parts_.Journal.Save(parts_.SpareFolder, picture, durability));
 }
 
-void JournalKeeper::Write(bool evenWithoutJournal) {
+void JournalKeeper::Write(Moment moment) {
     const double now = parts_.Clock.AwakeSeconds();
-    if (Save(Journal::Durability::Medium)) {
+    if (Save(Journal::Durability::Medium, moment)) {
         written_ = true;
         failingSince_ = -1;
         savedChanges_ = parts_.Lines.Changes;
@@ -182,13 +195,21 @@ void JournalKeeper::Write(bool evenWithoutJournal) {
         }
         nextSave_ = now + secondsBetweenAttempts;
         // A journal that this run has written holds the lines until the next start.
-        const bool isNeeded = evenWithoutJournal && !written_;
+        const bool isNeeded = moment == Moment::End && !written_;
         if (!isNeeded && now - failingSince_ < mostSecondsWithoutJournal) return;
     }
     if (!parts_.Recorder.HasPending()) return;
     parts_.Recorder.WritePending();
     // Once more, but not onto the medium: after a power loss the files themselves tell what they have.
-    static_cast<void>(Save(Journal::Durability::Process));
+    static_cast<void>(Save(Journal::Durability::Process, moment));
+}
+
+void JournalKeeper::PrintUnwritten() const {
+    for (const PendingRecord& pending : parts_.Recorder.Pending()) {
+        if (!pending.StatLine.empty())
+            fmt::print(stderr, "Not written to {}: {}\n", (folder_ / StatFileName).string(),
+                       Trim(OneLine(pending.StatLine)));
+    }
 }
 
 void JournalKeeper::Note() const {

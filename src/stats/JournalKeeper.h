@@ -33,6 +33,8 @@ class JournalKeeper {
         korvalin::Clock& Clock;
         korvalin::Errors& Errors;
         std::function<std::filesystem::path()> DataFolder;
+        /// Where the journal goes at the end when the data folder does not take it.
+        std::filesystem::path SpareFolder;
         /// Once a minute while another program records, and when this one has taken its place: what that
         /// program has recorded is in the file.
         std::function<void()> OthersRecorded = [] {};
@@ -49,15 +51,19 @@ class JournalKeeper {
     /// After every pass: writes what has changed, once a minute what has been counted.
     void PassEnded();
 
-    /// Reads the lines once more and records all that are open. They are no lines any more then.
+    /// Reads the lines once more and records all that are open. They are no lines any more then. Records that
+    /// cannot be written are printed on the standard error, and wait in the journal for the next start.
     void RecordOpenLines(CloseReason reason);
 
   private:
     bool WaitsForJournal();
     void LookOn();
+    JournalFound LoadJournal() const;
     JournalPicture Picture() const;
-    bool Save(Journal::Durability durability);
-    void Write(bool evenWithoutJournal);
+    enum class Moment { Running, End };
+    bool Save(Journal::Durability durability, Moment moment);
+    void Write(Moment moment);
+    void PrintUnwritten() const;
     void Note() const;
     void RecordInterrupted(const std::vector<JournalEntry>& entries);
     void EndForDay(std::vector<JournalEntry>& dialUps);

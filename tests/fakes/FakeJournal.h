@@ -11,7 +11,8 @@ class FakeJournal : public Journal {
   public:
     bool KnowsMachine = false;
     bool SameBoot = true;
-    bool Fails = false;
+    bool Fails = false; ///< outside SpareFolder
+    std::filesystem::path SpareFolder;
     bool IsUnreadable = false;
     JournalPicture Kept;     ///< after a kill
     JournalPicture OnMedium; ///< after a power loss
@@ -21,7 +22,7 @@ class FakeJournal : public Journal {
     JournalFound Load(const std::filesystem::path& folder) override { return Look(folder); }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
-        if (Fails) return false;
+        if (Fails && folder != SpareFolder) return false;
         Folder = folder;
         KnowsMachine = SameBoot = savedInRun_ = true;
         Kept = picture;
@@ -45,7 +46,8 @@ class FakeJournal : public Journal {
             entry->Open->End = note.OpenEnd;
         }
     }
-    JournalFound Look(const std::filesystem::path&) override {
+    JournalFound Look(const std::filesystem::path& folder) override {
+        if (folder == SpareFolder && Folder != SpareFolder) return {};
         if (IsUnreadable) return {.IsUnreadable = true};
         if (!KnowsMachine) return {};
         return {.KnowsMachine = true, .SameBoot = SameBoot, .Picture = Kept};

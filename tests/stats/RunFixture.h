@@ -9,6 +9,8 @@ namespace korvalin {
 /// For tests in which the program runs more than once.
 class RunFixture : public StatsFixture {
   protected:
+    TemporaryFolder spare;
+
     /// The modules that one run owns. `made` is told of each record, `othersRecorded` when there are some of
     /// another program.
     struct ProgramRun {
@@ -24,7 +26,7 @@ class RunFixture : public StatsFixture {
               Record({State, Ledger, files, t.errors, t.language, t.clock, Lock, t.locale, folder,
                       std::move(made)}),
               Keeper({journal, Record, Ledger, State, Book, Monitor, t.clock, t.errors, folder,
-                      std::move(othersRecorded)}) {
+                      t.spare.Path(), std::move(othersRecorded)}) {
             State.ProgramStart = t.clock.Now();
             Book.Plug({[](const std::string& entry) { return entry; },
                        [this](CloseReason reason, std::size_t line) { Record.SaveStatsLine(reason, line); },

@@ -282,8 +282,10 @@ class GatedJournal : public FakeJournal {
     }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
-        gate_.Behind = gate_.Behind || Fails;
-        if (Fails) return false;
+        if (Fails && folder != SpareFolder) {
+            gate_.Behind = true;
+            return false;
+        }
         const bool saved = gate_.Pass([&] {
             Kept = account_.Now;
             if (durability == Durability::Medium) OnDisk = Kept;
@@ -353,6 +355,8 @@ class EveryByte : public RunFixture {
         clockWasSet_ = false;
         wrongMonth_.clear();
         gate_ = WriteGate();
+        gatedJournal.SpareFolder = spare.Path();
+        gatedJournal.Folder.clear();
         clock = FakeClock();
         options = TrafficOptions();
         gatedFiles.DurableResult = 0;
@@ -480,7 +484,7 @@ class EveryByte : public RunFixture {
         const std::size_t known = run.Month.RecordsMade() - run.Record.Unwritten();
         statFile.LoadStatFile(loaded, true);
         if (run.Keeper.LooksOn()) {
-            run.Month.SetOpenElsewhere(gatedJournal.Look({}).StillOpen());
+            run.Month.SetOpenElsewhere(gatedJournal.Look(folder.Path()).StillOpen());
         } else {
             run.Month.SetOpenElsewhere(std::nullopt);
         }
@@ -509,7 +513,7 @@ class EveryByte : public RunFixture {
         looking_->Monitor.Get_Bytes_Transmitted();
     }
     void End() {
-        if (!run_ || gatedJournal.Fails) return;
+        if (!run_) return;
         if (!run_->Lock.AnotherRecords) {
             AccountForTick(account_, run_->Seen);
             run_->FollowClock();
@@ -542,7 +546,7 @@ class EveryByte : public RunFixture {
         }
     }
     void Reboot(bool ends) {
-        if (gate_.Held || (ends && gatedJournal.Fails)) return;
+        if (gate_.Held) return;
         ends ? End() : Kill();
         Boot();
     }

@@ -14,6 +14,8 @@ class Runs : public RunFixture {
         }
     };
 
+    void SetUp() override { journal.SpareFolder = spare.Path(); }
+
     std::filesystem::path dataFolder = folder.Path();
 
     std::unique_ptr<Run> Start(bool anotherRecords = false) {
@@ -253,16 +255,21 @@ TEST_F(Runs, ANetworkIsCalledAsItsRecordsAre) {
     EXPECT_EQ(std::string(loaded.List[0].LineName), "My '5G' net");
 }
 
-TEST_F(Runs, AnEndWhileTheJournalIsBusyIsRecordedByTheNextStart) {
+TEST_F(Runs, WhatAnEndCannotWriteIsPrintedAndRecordedByTheNextStart) {
     network.Add("eth0", 5000, 0);
     auto run = Start();
     Pass(*run);
     network.Rows[0].InOctets = 6000;
     Pass(*run);
     network.Rows[0].InOctets = 7000;
-    journal.Fails = true;
+    journal.Fails = true; // the whole folder is read-only
+    files.DurableResult = EROFS;
+    testing::internal::CaptureStderr();
     run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_NE(told.find("\"eth0\",#2024-03-15 11:59:58#"), std::string::npos) << told;
     journal.Fails = false;
+    files.DurableResult = 0;
     run = Start();
     run->Keeper.RecordOpenLines(CloseReason::SystemEnd);
     EXPECT_EQ(Recorded(), (Days{{"03-15", 2000}})) << folder.Read("Korvalin_Stats.db");
