@@ -179,6 +179,32 @@ std::string OneLine(std::string_view text) {
     return ReplaceAll(ReplaceAll(ReplaceAll(text, "\r\n", " "), "\r", " "), "\n", " ");
 }
 
+std::string EscapeControls(std::string_view text) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string shown;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = std::max<std::size_t>(SequenceLength(Byte(text[i])), 1);
+        const std::string_view character = text.substr(i, length);
+        const bool isC0 = length == 1 && (Byte(text[i]) < 0x20 || Byte(text[i]) == 0x7F) && text[i] != '\n';
+        const bool isC1 = length == 2 && Byte(text[i]) == 0xC2 && Byte(character.back()) < 0xA0;
+        if (!isC0 && !isC1 && IsValidUtf8(character)) {
+            shown += character;
+            i += character.size();
+            continue;
+        }
+        const std::uint8_t code = Byte(isC1 ? character.back() : text[i]);
+        shown.append("\\x").append({digits[code >> 4U], digits[code & 0xFU]});
+        i += isC1 ? character.size() : 1;
+    }
+    return shown;
+}
+
+std::string WithoutFormula(std::string_view text) {
+    const bool isFormula =
+        !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos;
+    return (isFormula ? "'" : "") + std::string(text);
+}
+
 std::string EscapeMarkup(std::string_view text) {
     const auto isPlain = [](char c) {
         return static_cast<unsigned char>(c) >= ' ' && c != '&' && c != '<' && c != '>' && c != '"';

@@ -50,6 +50,14 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
 /// The text on one line: each line break becomes a blank.
 std::string OneLine(std::string_view text);
 
+/// The text as a terminal may show it: control characters (C0 but for line feeds, DEL, C1) and bytes that are
+/// no UTF-8 as "\\x1b", so that a name cannot move the cursor or set a title.
+std::string EscapeControls(std::string_view text);
+
+/// The text as a cell of a CSV file: one that a spreadsheet would take for a formula gets an apostrophe
+/// before it.
+std::string WithoutFormula(std::string_view text);
+
 /// The text as it stands in a page or a picture (HTML, SVG): markup escaped, without the control characters
 /// that a document must not hold.
 std::string EscapeMarkup(std::string_view text);

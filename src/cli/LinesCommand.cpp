@@ -1,3 +1,4 @@
+#include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/Output.h"
 #include "program/Program.h"
@@ -51,9 +52,9 @@ void PrintTable(const Program& program) {
     for (std::size_t i = 1; i <= program.lines.LineCount; ++i) {
         const LineRecord& line = program.lines.LineTable(i);
         const HistorySample& sample = Newest(program, i);
-        fmt::print("{:<4} {:<20} {:>16.0f} {:>16.0f} {:>14.0f} {:>14.0f} {:>9}\n", i, line.LineName,
-                   line.BytesReceived, line.BytesTransmitted, sample.RateDL[0], sample.RateUL[0],
-                   FormatDuration(line.Duration));
+        fmt::print("{:<4} {:<20} {:>16.0f} {:>16.0f} {:>14.0f} {:>14.0f} {:>9}\n", i,
+                   EscapeControls(line.LineName), line.BytesReceived, line.BytesTransmitted, sample.RateDL[0],
+                   sample.RateUL[0], FormatDuration(line.Duration));
     }
 }
 

@@ -41,7 +41,7 @@ Json AddressesAsJson(const TextTable& table) {
 std::size_t WidthOf(const TextTable::Column& column) {
     std::size_t width = CharacterCount(column.Caption);
     for (const std::string& cell : column.Cells)
-        width = std::max(width, CharacterCount(cell));
+        width = std::max(width, CharacterCount(EscapeControls(cell)));
     return width;
 }
 
@@ -55,7 +55,7 @@ void PrintTable(const TextTable& table) {
         const std::size_t width = WidthOf(column);
         Append(lines[0], column.Caption, width);
         for (std::size_t row = 0; row < column.Cells.size(); ++row)
-            Append(lines[1 + row], column.Cells[row], width);
+            Append(lines[1 + row], EscapeControls(column.Cells[row]), width);
     }
     for (const std::string& line : lines)
         fmt::print("{}\n", line.substr(0, line.find_last_not_of(' ') + 1));

@@ -79,15 +79,17 @@ void Output::Row(const std::vector<Cell>& cells) {
 void Output::TableRow(const std::vector<Cell>& cells) const {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i)
-        line += (i > 0 ? "  " : "") + Padded(cells[i].Text, columns_[i].Width);
+        line += (i > 0 ? "  " : "") + Padded(EscapeControls(cells[i].Text), columns_[i].Width);
     line.resize(line.find_last_not_of(' ') + 1);
     fmt::print("{}\n", line);
 }
 
 void Output::CsvRow(const std::vector<Cell>& cells) const {
     std::string line;
-    for (std::size_t i = 0; i < cells.size(); ++i)
-        line += (i > 0 ? "," : "") + Quoted(cells[i].Text + cells[i].Zone);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const std::string text = cells[i].Text + cells[i].Zone;
+        line += (i > 0 ? "," : "") + (cells[i].IsNumber ? text : Quoted(WithoutFormula(text)));
+    }
     fmt::print("{}\n", line);
 }
 

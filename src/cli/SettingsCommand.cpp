@@ -6,6 +6,7 @@
 
 #include <map>
 #include <string_view>
+#include <unistd.h>
 
 namespace korvalin {
 namespace {
@@ -30,12 +31,15 @@ void ListSettings(Settings& settings) {
         names.emplace(ToLower(name), name);
     for (const auto& [lower, name] : names) {
         const SettingValue value = settings.GetReg(name);
-        fmt::print("{:<28} {:<8} {}\n", name, KindName(value), Settings::TextForm(value));
+        fmt::print("{:<28} {:<8} {}\n", EscapeControls(name), KindName(value),
+                   EscapeControls(Settings::TextForm(value)));
     }
 }
 
 void PrintSetting(Settings& settings, const std::string& name) {
-    fmt::print("{}\n", Settings::TextForm(settings.GetReg(name)));
+    const std::string text = Settings::TextForm(settings.GetReg(name));
+    fmt::print("{}\n",
+               isatty(STDOUT_FILENO) != 0 ? EscapeControls(text) : text); // a script wants it as it is
 }
 
 void StoreSetting(Settings& settings, const std::string& name, const std::string& value) {

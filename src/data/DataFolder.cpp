@@ -16,7 +16,11 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <fstream>
 #include <system_error>
+#include <unordered_set>
+#include <vector>
 
 namespace korvalin {
 namespace {
@@ -38,6 +42,19 @@ bool SameFolder(const fs::path& left, const fs::path& right) {
     std::error_code error;
     const bool same = fs::equivalent(left, right, error);
     return error ? EqualsNoCase(WithSeparator(left).string(), WithSeparator(right).string()) : same;
+}
+
+constexpr std::string_view lineEnd = "\r\n";
+
+std::vector<std::string> LinesOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::system_error(errno, std::generic_category(), path.string());
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        line.erase(line.find_last_not_of('\r') + 1);
+        if (!line.empty()) lines.push_back(line);
+    }
+    return lines;
 }
 
 } // namespace
@@ -153,7 +170,11 @@ bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFo
         const fs::path oldFile = oldFolder / StatFileName;
         if (ask && FileExists(newFile) && UserKeepsNewStatistics()) return;
         if (!FileExists(oldFile) || (ask && !UserMovesStatistics())) return;
-        MoveStatistics(oldFile, newFile);
+        if (!ask && FileExists(newFile)) {
+            JoinStatistics(oldFile, newFile);
+        } else {
+            MoveStatistics(oldFile, newFile);
+        }
     });
     return done && !refused;
 }
@@ -178,7 +199,26 @@ void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile
         throw fs::filesystem_error("The statistics file could not be copied", oldFile, newFile,
                                    std::make_error_code(std::errc::io_error));
     }
-    // The statistics have arrived; an old file that cannot be renamed does no harm where it is.
+    PutAside(oldFile);
+}
+
+// Nobody was asked which of the two is the right one, so none of their records may get lost.
+void DataFolder::JoinStatistics(const fs::path& oldFile, const fs::path& newFile) {
+    const std::vector<std::string> present = LinesOf(newFile);
+    const std::unordered_set<std::string> known(present.begin(), present.end());
+    std::string missing;
+    for (const std::string& line : LinesOf(oldFile)) {
+        if (!known.contains(line)) missing += line + std::string(lineEnd);
+    }
+    if (!missing.empty()) {
+        const int error = files_.AppendLines(newFile, "", missing, lineEnd, Files::Flush::Yes);
+        if (error != 0) throw std::system_error(error, std::generic_category(), newFile.string());
+    }
+    PutAside(oldFile);
+}
+
+// The statistics have arrived; an old file that cannot be renamed does no harm where it is.
+void DataFolder::PutAside(const fs::path& oldFile) {
     errors_.Step("ChangeDataPath", [&] { fs::rename(oldFile, FreeBackupName(oldFile, clock_.Now())); });
 }
 

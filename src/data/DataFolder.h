@@ -42,8 +42,9 @@ class DataFolder {
     bool CreateFolderPath(const std::filesystem::path& folder);
 
     /// Moves the statistics file to a new data folder; `ask` lets the user decide. What is there already is
-    /// renamed, never overwritten, and a copy that fails leaves both folders as they were. False when the new
-    /// folder was refused or the statistics could not be moved, true also when there was nothing to move.
+    /// renamed, never overwritten, and a copy that fails leaves both folders as they were. Without `ask` the
+    /// records join those that are there already. False when the new folder was refused or the statistics
+    /// could not be moved, true also when there was nothing to move.
     bool ChangeDataPath(const std::filesystem::path& oldFolder, const std::filesystem::path& newFolder,
                         bool ask);
 
@@ -58,6 +59,8 @@ class DataFolder {
     bool CanCreateFileIn(const std::filesystem::path& folder);
     bool UserKeepsNewStatistics();
     bool UserMovesStatistics();
+    void JoinStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
+    void PutAside(const std::filesystem::path& oldFile);
     void MoveStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
 
     Settings& settings_;

@@ -208,7 +208,7 @@ void JournalKeeper::PrintUnwritten() const {
     for (const PendingRecord& pending : parts_.Recorder.Pending()) {
         if (!pending.StatLine.empty())
             fmt::print(stderr, "Not written to {}: {}\n", (folder_ / StatFileName).string(),
-                       Trim(OneLine(pending.StatLine)));
+                       EscapeControls(Trim(OneLine(pending.StatLine))));
     }
 }
 

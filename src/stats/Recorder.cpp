@@ -152,10 +152,14 @@ std::string Recorder::ExportLine(const OpenConnection& record, std::string_view 
     const Locale& locale = parts_.UserLocale;
     const auto date = [&](Date value) { return FormatDateGeneral(value, locale); };
     const auto number = [&](double value) { return NumberText(value, locale); };
-    const std::string row = fmt::format(
-        "{},{},{},{},{},{},{},{},{},{}", record.LineName, date(record.LogIn), date(record.End),
-        date(record.End - record.LogIn), number(record.BytesTransmitted), number(record.BytesReceived),
-        number(record.BytesTransmitted + record.BytesReceived), record.User, record.IpAddress, info);
+    const auto text = [](std::string_view value) {
+        return WithoutFormula(ReplaceAll(DecodeLine(value), ",", ";"));
+    };
+    const std::string row =
+        fmt::format("{},{},{},{},{},{},{},{},{},{}", text(record.LineName), date(record.LogIn),
+                    date(record.End), date(record.End - record.LogIn), number(record.BytesTransmitted),
+                    number(record.BytesReceived), number(record.BytesTransmitted + record.BytesReceived),
+                    text(record.User), text(record.IpAddress), text(info));
     return OneLine(row).append(StatLineEnd);
 }
 

@@ -75,6 +75,12 @@ std::optional<std::string> AppendedSince(const FileMark& mark, const fs::path& p
     return appended;
 }
 
+// What cannot be looked into seems to have no file.
+void CheckFolder(const fs::path& folder) {
+    std::error_code error;
+    if (!fs::exists(folder / StatFileName, error) && error) throw std::system_error(error, folder.string());
+}
+
 void SortByLine(std::span<StatRecord> records, const Locale& locale) {
     SortStats(records, {"LineName", true}, {"LogIn", true}, locale);
 }
@@ -105,8 +111,8 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Pro
     records = StatRecords();
     report_ = LoadReport();
     const fs::path oldFile = dataFolder_() / OldStatFileName;
+    bool whole = errors_.Step(procName, [&] { CheckFolder(dataFolder_()); });
     if (!FileExists(StatFilePath()) && FileExists(oldFile)) errors_.Step(procName, [&] { Convert(oldFile); });
-    bool whole = true;
     // Held from the first line to the rewrite: what another program appends in between would be lost.
     std::unique_ptr<FileLock> lock;
     try {

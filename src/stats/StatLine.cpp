@@ -126,7 +126,12 @@ struct Replacement {
 void AppendText(std::string& text, std::string_view value, Replacement unreadable) {
     text += '"';
     const std::size_t begin = text.size();
-    text += value;
+    // One text that is no UTF-8 would let the whole line be taken for Windows-1252.
+    if (IsValidUtf8(value)) {
+        text += value;
+    } else {
+        text += FromWindows1252(value);
+    }
     for (std::size_t i = begin; i < text.size(); ++i) {
         char& c = text[i];
         if (c == '\r' || c == '\n' || c == '\0') c = ' ';

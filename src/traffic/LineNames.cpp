@@ -10,8 +10,9 @@
 namespace korvalin {
 namespace {
 
-// A network may be called anything; the statistics hold no quotes and no line breaks in a name.
-std::string AsRecorded(std::string name) {
+// A network may be called anything; the statistics hold UTF-8, and no quotes and no line breaks in a name.
+std::string AsRecorded(std::string_view raw) {
+    std::string name = DecodeLine(raw);
     for (char& c : name) {
         if (c == '"') c = '\'';
         if (c == '\r' || c == '\n') c = ' ';
@@ -31,7 +32,7 @@ const std::string& LineNames::NameOf(const InterfaceRow& row, const std::vector<
     if (network.empty() && options_.LanByNetwork && stayedUp) network = named.Network;
     if (named.Adapter == row.Description && named.Network == network && !named.Name.empty())
         return named.Name;
-    named = {row.Description, network, network.empty() ? std::string(Trim(row.Description)) : network};
+    named = {row.Description, network, network.empty() ? AsRecorded(row.Description) : network};
     if (!network.empty() && IsTaken(network, rows)) named.Name += " (" + row.Description + ")";
     return named.Name;
 }
@@ -43,7 +44,7 @@ void LineNames::NoteDown(std::uint32_t index) {
 
 std::string LineNames::NameOfRemoved(const InterfaceRow& row) const {
     const auto named = named_.find(row.Index);
-    return named != named_.end() ? named->second.Name : std::string(Trim(row.Description));
+    return named != named_.end() ? named->second.Name : AsRecorded(row.Description);
 }
 
 void LineNames::ForgetGone(const std::vector<InterfaceRow>& rows) {

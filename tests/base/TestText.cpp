@@ -27,3 +27,14 @@ TEST(Text, AFullBufferWithoutZeroLosesItsLastByte) {
     EXPECT_EQ(AnsiBytesToString(std::string_view("ab\0cd", 5)), "ab");
     EXPECT_EQ(AnsiBytesToString(""), "");
 }
+
+TEST(Text, ReachesATerminalWithoutControlCharacters) {
+    const std::pair<std::string, const char*> rows[] = {{"Büro\n€", "Büro\n€"},
+                                                        {"\x1b]0;x\x07", "\\x1b]0;x\\x07"},
+                                                        {"a\xC2\x9B"
+                                                         "b\x7F\r",
+                                                         "a\\x9bb\\x7f\\x0d"},
+                                                        {"\xE4\xC3", "\\xe4\\xc3"}};
+    for (const auto& [text, shown] : rows)
+        EXPECT_EQ(EscapeControls(text), shown);
+}

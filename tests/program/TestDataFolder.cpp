@@ -73,19 +73,32 @@ class DataFolderTest : public CoreFixture {
 
 TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
     Put(programFolder / "Korvalin_Stats.db", "old");
-    Put(share / "Korvalin_Stats.db", "new");
     disk.CopyFails = true;
     EXPECT_EQ(data.GetDataPath(), programFolder / "");
     EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
     EXPECT_EQ(Contents(programFolder), "db=old ");
-    EXPECT_EQ(Contents(share), "db=new ");
+    EXPECT_EQ(Contents(share), "");
     EXPECT_EQ(settings.Get(Keys::DataPath), "");
     disk.CopyFails = false;
     DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
     EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
     EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
-    EXPECT_TRUE(Contents(share).starts_with("db=old "));
+    EXPECT_EQ(Contents(share), "db=old ");
     EXPECT_EQ(Contents(programFolder), "db_20240315-120000=old ");
+}
+
+TEST_F(DataFolderTest, JoinsStatisticsOfTheProgramFolderToThoseOfTheDataFolder) {
+    Put(programFolder / "Korvalin_Stats.db", "a\r\nboth\nb");
+    Put(share / "Korvalin_Stats.db", "both\r\nc\r\n");
+    disk.DurableResult = ENOSPC;
+    EXPECT_EQ(data.GetDataPath(), programFolder / "");
+    EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
+    EXPECT_EQ(Contents(share), "db=both\r\nc\r\n ");
+    disk.DurableResult = 0;
+    DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
+    EXPECT_EQ(next.GetDataPath(), share / "");
+    EXPECT_EQ(Contents(share), "db=both\r\nc\r\na\r\nb\r\n ");
+    EXPECT_EQ(Contents(programFolder), "db_20240315-120000=a\r\nboth\nb ");
 }
 
 TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
@@ -165,7 +178,6 @@ TEST_F(DataFolderTest, ChangesTheFolderAsTheUserAnswers) {
         Lines Shown;
         std::string Old, New;
     } const rows[] = {{false, false, {}, {}, moved, "db=old "},
-                      {false, true, {}, {}, moved, both},
                       {true, true, {yes}, {keep}, "db=old ", "db=new "},
                       {true, true, {no, yes}, {keep, move}, moved, both},
                       {true, false, {no}, {move}, "db=old ", ""}};

@@ -79,21 +79,21 @@ TEST_F(RecorderTest, TellsWhyARecordWasWritten) {
 }
 
 TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
-    AddLine("Büro", At("2024-03-15 11:48:00"), At("00:12:00"), 5'000'000).IpAddress = "192.0.2.7";
-    AddLine("a,\"b\"", At("2024-03-14"), At("1899-12-31 01:00:00"), 1e13);
+    AddLine("B\xFCro", At("2024-03-15 11:48:00"), At("00:12:00"), 5'000'000).IpAddress = "192.0.2.7";
+    AddLine("=a,\"b\"", At("2024-03-14"), At("1899-12-31 01:00:00"), 1e13);
     for (LineRecord& line : lines.PreviousLineTable)
         line.IsRas = true;
     locale.ShortDate = "dd.mm.yyyy";
     Save(CloseReason::SystemEnd, 0);
     EXPECT_EQ(Stats(), "\"Büro\",#2024-03-15 11:48:00#,#00:12:00#,700,5000000,"
                        "\"15.03.2024 12:00:00 abgemeldet\",\"alice\"\r\n"
-                       "\"a,'b'\",#2024-03-14#,#1899-12-31 01:00:00#,700,10000000000000,"
+                       "\"=a,'b'\",#2024-03-14#,#1899-12-31 01:00:00#,700,10000000000000,"
                        "\"15.03.2024 12:00:00 abgemeldet\",\"alice\"\r\n");
     const std::string german =
         std::string(header) +
         "Büro,15.03.2024 11:48:00,15.03.2024 12:00:00,00:12:00,700,5000000,5000700,alice,192.0.2.7,"
         "15.03.2024 12:00:00 abgemeldet\r\n"
-        "a,\"b\",14.03.2024,15.03.2024 01:00:00,31.12.1899 01:00:00,700,10000000000000,"
+        "'=a;\"b\",14.03.2024,15.03.2024 01:00:00,31.12.1899 01:00:00,700,10000000000000,"
         "10000000000700,alice,,15.03.2024 12:00:00 abgemeldet\r\n";
     EXPECT_EQ(Export(), german);
     locale.ShortDate = "m/d/yyyy";
