@@ -129,21 +129,6 @@ TEST_F(DialingWindow, NamesOfEveryKindAreShownAndDialed) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return Dialed().back() == "y99"; }));
 }
 
-TEST_F(DialingWindow, DialsFromTheMenuWithTheKeyboardAndOffersTheEntryAsTheQuickOneAfterwards) {
-    Add("Home");
-    Add("Work");
-    Start();
-    OpenMenu();
-    QTest::keyClick(Menu(), Qt::Key_D);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return LogIn()->isVisible(); }));
-    QTest::keyClick(LogIn(), Qt::Key_Down);
-    QTest::keyClick(LogIn(), Qt::Key_Return);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Dialed() == Lines{"Work"}; }));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Offered() == "Work|Home|Work"; }));
-    Do("mnuLogInQuick");
-    EXPECT_EQ(Dialed(), (Lines{"Work", "Work"}));
-}
-
 TEST_F(DialingWindow, TheProgramsEndAnswersTheQuestionWithCancel) {
     settings.SetReg("Phone_Home", std::string("111"));
     Add("Home", "222");
@@ -273,7 +258,6 @@ TEST_F(DialingWindow, WhileItDialsNothingElseBeginsAndTheProgramMayEnd) {
         ras.Entries.erase(ras.Entries.begin());
         OpenMenu(); // and rebuilds it
         EXPECT_FALSE(LogIn()->menuAction()->isEnabled());
-        Run(2, 1000);
         Menu()->close();
         Choose("mnuBeenden");
         EXPECT_TRUE(dialog.Cancelled());

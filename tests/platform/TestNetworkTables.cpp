@@ -23,12 +23,11 @@ namespace {
 // A link's message as an older kernel, or none at all, would send it.
 class LinkMessage {
   public:
-    explicit LinkMessage(std::uint16_t hardwareType, unsigned flags = 0, std::uint16_t type = RTM_NEWLINK,
-                         unsigned char family = AF_UNSPEC) {
-        const ifinfomsg record{family, 0, hardwareType, 7, flags, 0};
+    explicit LinkMessage(std::uint16_t hardwareType, unsigned flags = 0) {
+        const ifinfomsg record{AF_UNSPEC, 0, hardwareType, 7, flags, 0};
         bytes_.resize(NLMSG_SPACE(sizeof record));
         std::memcpy(NLMSG_DATA(Header()), &record, sizeof record);
-        Header()->nlmsg_type = type;
+        Header()->nlmsg_type = RTM_NEWLINK;
     }
     LinkMessage& Add(std::uint16_t type, const void* data, std::size_t size) {
         rtattr attribute{static_cast<std::uint16_t>(RTA_LENGTH(size)), type};
@@ -156,25 +155,6 @@ TEST(NetworkTables, ALinksMessageTellsItsDeviceAndWhosePortItIs) {
     LinkMessage message(ARPHRD_ETHER);
     EXPECT_FALSE(message.Add(IFLA_LINKINFO, whole.data(), 6).Add(IFLA_MASTER, &master, 2).Read().IsPort);
     EXPECT_EQ(message.Details.Master, 0U);
-}
-
-TEST(NetworkTables, OnlyALinkItselfGoesNotItsPlaceInABridge) {
-    rtnl_link_stats64 last{};
-    last.rx_bytes = 7'000'000'000;
-    struct {
-        std::uint16_t Type;
-        unsigned char Family;
-        bool HasGone;
-    } const rows[] = {
-        {RTM_DELLINK, AF_UNSPEC, true}, {RTM_DELLINK, AF_BRIDGE, false}, {RTM_NEWLINK, AF_UNSPEC, false}};
-    for (const auto& [type, family, hasGone] : rows) {
-        InterfaceRow row;
-        LinkMessage message(ARPHRD_ETHER, 0, type, family);
-        message.Add(IFLA_IFNAME, "usb0", 5).Add(IFLA_STATS64, &last, sizeof last);
-        EXPECT_EQ(ReadRemovedLink(message.Get(), row), hasGone) << type << " " << int(family);
-        EXPECT_EQ(row.Index, hasGone ? 7U : 0U);
-        EXPECT_EQ(row.InOctets, hasGone ? last.rx_bytes : 0);
-    }
 }
 
 TEST(LinkHardware, IsBehindABondWhenOneOfItsPortsHasIt) {
