@@ -4,7 +4,6 @@
 import json
 import shutil
 import signal
-import subprocess
 import sys
 import time
 import unittest
