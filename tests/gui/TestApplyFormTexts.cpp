@@ -41,14 +41,14 @@ TEST_F(ApplyFormTextsTest, PutsCaptionAndToolTipOnEveryKindOfElement) {
     QTabWidget tabs(&form);
     auto& page = Tagged(new QWidget, "3");
     tabs.addTab(&page, QStringLiteral("first"));
-    auto& ampersand = Tagged(new QLabel(&form), "22");
+    auto& label = Tagged(new QLabel(&form), "22");
     ApplyFormTexts(form, language);
     const std::pair<QString, const char*> rows[] = {
-        {form.windowTitle(), "Text 1"}, {form.toolTip(), "Tip 1"},     {group.title(), "&Text 2"},
-        {inner.text(), "&Text 3"},      {inner.toolTip(), "Tip 3"},    {buddy.text(), "&Text 5"},
-        {menu.title(), "&Text 7"},      {action.text(), "&Text 8"},    {action.toolTip(), "Tip 8"},
-        {tabs.tabText(0), "&Text 3"},   {tabs.tabToolTip(0), "Tip 3"}, {page.toolTip(), ""},
-        {ampersand.text(), "Up & down"}};
+        {form.windowTitle(), "Text 1"}, {form.toolTip(), "Tip 1"},    {group.title(), "&Text 2"},
+        {inner.text(), "&Text 3"},      {inner.toolTip(), "Tip 3"},   {buddy.text(), "&Text 5"},
+        {page.toolTip(), ""},           {menu.title(), "&Text 7"},    {action.text(), "&Text 8"},
+        {action.toolTip(), "Tip 8"},    {tabs.tabText(0), "&Text 3"}, {tabs.tabToolTip(0), "Tip 3"},
+        {label.text(), "Up & down"}};
     for (const auto& [shown, expected] : rows)
         EXPECT_EQ(shown, QLatin1String(expected));
     EXPECT_TRUE(menu.toolTipsVisible());

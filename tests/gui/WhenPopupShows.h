@@ -6,15 +6,17 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <type_traits>
 
 namespace korvalin {
 
-/// Does something to the next message box as soon as it is there.
+/// Does something to the next message box, or another modal window, as soon as it is there.
+template <typename Box = frmPopupMsg>
 class WhenPopupShows {
   public:
-    explicit WhenPopupShows(std::function<void(frmPopupMsg&)> action) {
+    explicit WhenPopupShows(std::type_identity_t<std::function<void(Box&)>> action) {
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this, action = std::move(action)] {
-            QPointer<frmPopupMsg> box = qobject_cast<frmPopupMsg*>(QApplication::activeModalWidget());
+            QPointer<Box> box = qobject_cast<Box*>(QApplication::activeModalWidget());
             if (!box) return;
             timer_.stop();
             EXPECT_TRUE(QTest::qWaitForWindowActive(box));

@@ -1,16 +1,9 @@
-#include "fakes/CoreFixture.h"
 #include "inet/UpdateFixture.h"
 #include "inet/UpdateSchedule.h"
 
 using namespace korvalin;
 
 namespace {
-
-class FakeWeb : public CoreFixture {
-  protected:
-    WebFetch fetch{{http, settings, errors, files, events, clock, ProgramVersion{2, 3, 12},
-                    [] { return std::string("ENG"); }, [this] { return folder.Path(); }}};
-};
 
 class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
   protected:

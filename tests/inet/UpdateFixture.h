@@ -1,15 +1,21 @@
 #pragma once
 
+#include "fakes/CoreFixture.h"
 #include "inet/UpdateCheck.h"
 #include "inet/UpdateFiles.h"
 #include "inet/UpdateSite.h"
 #include "inet/WebFetch.h"
 
-#include <gtest/gtest.h>
-
 #include <utility>
 
 namespace korvalin {
+
+/// Transfers from a fake web.
+class FakeWeb : public CoreFixture {
+  protected:
+    WebFetch fetch{{http, settings, errors, files, events, clock, ProgramVersion{2, 3, 12},
+                    [] { return std::string("ENG"); }, [this] { return folder.Path(); }}};
+};
 
 /// A running version 2.3.12 that looks for updates, on whatever transport the base class has as `fetch`.
 template <typename Base>

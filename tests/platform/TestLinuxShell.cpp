@@ -81,20 +81,16 @@ TEST_F(LinuxShellTest, StartsAProgramThatStandsForItselfOrSaysThatItCannot) {
         EXPECT_FALSE(shell.StartProgram(wrong)) << wrong;
 }
 
-TEST_F(LinuxShellTest, OpensPagesOfTheWebOnly) {
+TEST_F(LinuxShellTest, OpensPagesOfTheWebAndAddressesOfAnySchemeButNoOptionsOrPaths) {
     LinuxShell shell(program.string());
     for (const char* address :
          {"file:///etc/passwd", "javascript:alert(1)", "--help", "", "http://a b", "https://a\nb"})
         EXPECT_FALSE(shell.OpenPage(address)) << address;
-    ASSERT_TRUE(shell.OpenPage("HTTPS://example.org/?a=$(id)&b='\";c"));
-    EXPECT_EQ(Report()[0], "1:HTTPS://example.org/?a=$(id)&b='\";c");
-}
-
-TEST_F(LinuxShellTest, OpensAddressesOfAnySchemeButNoOptionsOrPaths) {
-    LinuxShell shell(program.string());
     for (const char* address :
          {"", ":", "mailto:", "--help:x", "/etc/passwd", "a path:x", "mailto:a b", "x:a\nb"})
         EXPECT_FALSE(shell.OpenAddress(address)) << address;
+    ASSERT_TRUE(shell.OpenPage("HTTPS://example.org/?a=$(id)&b='\";c"));
+    EXPECT_EQ(Report()[0], "1:HTTPS://example.org/?a=$(id)&b='\";c");
     ASSERT_TRUE(shell.OpenAddress("mailto:a@example.org?subject=Korvalin%20V1.2.3"));
     EXPECT_EQ(Report()[0], "1:mailto:a@example.org?subject=Korvalin%20V1.2.3");
 }

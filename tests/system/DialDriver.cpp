@@ -176,7 +176,6 @@ int main(int argc, char** argv) {
     std::vector<std::string> adapters;
     int passes = 1000;
     double rate = 1;
-    bool bare = false;
     app.add_subcommand("entries");
     app.add_subcommand("state");
     app.add_subcommand("follow");
@@ -192,13 +191,12 @@ int main(int argc, char** argv) {
     dial->add_option("--when-asked", change, "a command that changes the entry");
     dial->add_option("--cancel-at", system.Dialog.CancelAt);
     dial->add_option("--clock-rate", rate);
-    dial->add_flag("--bare", bare, "without a dialog");
     CLI11_PARSE(app, argc, argv);
 
     setvbuf(stdout, nullptr, _IOLBF, 0);
     system.Clock.Rate = rate;
     system.Internet.Dialer().Plug(system.Events);
-    if (!bare) system.Internet.Dialer().PlugDialog(&system.Dialog);
+    system.Internet.Dialer().PlugDialog(&system.Dialog);
     if (dial->count("--user") > 0) system.Dialog.Answer = Login{user, password};
     if (!change.empty()) {
         system.Dialog.WhenAsked = [&](const std::string& entryName) {

@@ -246,6 +246,7 @@ class LineCase(rig.Case):
 
     @classmethod
     def setUpClass(cls):
+        super().setUpClass()
         home = rig.Home()
         cls.addClassCleanup(home.__exit__)
         cls.nm = NetworkManager(home.path)

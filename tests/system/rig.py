@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -153,11 +154,30 @@ class Network:
             wait_for(lambda: json.loads(self.inside(where, "ip", "-json", "link", "show", name).stdout)[0]["operstate"] == "UP",
                      f"the carrier of {name}")
 
-    def send(self, link, packets, address="77"):
+    def send(self, link, packets, address="77", sent=None):
         """Packets in both directions: an adapter counts when it has received something."""
         peer = "wire1" if link == "wire0" else link + "p"
-        for where, over, to in ((self.there, peer, 1), (self.here, link, 2)):
-            self.inside(where, sys.executable, "-c", SEND, over, str(packets), f"10.{address}.0.{to}")
+        for where, over, to, number in ((self.there, peer, 1, packets), (self.here, link, 2, packets if sent is None else sent)):
+            self.inside(where, sys.executable, "-c", SEND, over, str(number), f"10.{address}.0.{to}")
+
+
+class Watch:
+    """korvalin-cli lines --watch: the lines of every second. `start` makes a process of a command."""
+
+    def __init__(self, home, start):
+        self.file = home.path / "watched"
+        with open(self.file, "w", encoding="utf-8") as output:
+            self.process = start([BIN / "korvalin-cli", "lines", "--watch", "--format", "json"], stdout=output)
+
+    @property
+    def history(self):
+        return [json.loads(text) for text in self.file.read_text().splitlines(keepends=True) if text.endswith("\n")]
+
+    def lines(self):
+        return self.history[-1]
+
+    def await_names(self, *names):
+        wait_for(lambda: self.history and [line["name"] for line in self.lines()] == list(names), names)
 
 
 class Display:
@@ -255,6 +275,36 @@ class Case(unittest.TestCase):
         process = subprocess.Popen(command, env=self.home.env, text=True, **options)
         self.addCleanup(ended, process)
         return process
+
+
+class RecorderCase(Case):
+    """Records in a network of its own, whose adapter wire0 has moved something."""
+
+    def setUp(self):
+        super().setUp()
+        self.home.set(Language="ENG", AutoStart="False", ChartLineNo="1")
+        self.network = self.enter(Network())
+        self.here, self.there = self.network.here, self.network.there
+        self.send, self.counted = self.network.send, self.network.counted
+        self.network.await_carrier("wire0", "wire1")
+        self.send("wire0", 2)
+
+    def record(self, *lines, prefix=()):
+        """The recorder, once it follows these lines."""
+        process = self.launch([*prefix, BIN / "korvalin-cli", "record"], self.here)
+        self.await_lines(*(lines or ("wire0",)))
+        return process
+
+    def await_lines(self, *names):
+        wait_for(lambda: {record["line_name"] for record in self.records() if record["info"] == "Running"} == set(names),
+                 f"{names} to be followed")
+
+    def records(self, *arguments):
+        return json.loads(self.home.cli("records", "--format", "json", *arguments))
+
+    def end(self, process, how=signal.SIGTERM):
+        process.send_signal(how)
+        return process.wait(timeout=10)
 
 
 class DesktopCase(Case):

@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """The program as a user has it: on a display with a window manager, with mouse and keyboard, started, killed, started again."""
 
-import os
 import shutil
 import signal
 import time
@@ -63,25 +62,6 @@ class Desktop(rig.DesktopCase):
         rig.wait_for(lambda: abs(self.display.geometry(window)["HEIGHT"] + 20 - before["HEIGHT"]) < 25, "the height")
         self.wait_for_chart(window)
 
-    def test_the_about_box_opens_its_links_and_exists_only_while_it_is_shown(self):
-        opener = self.home.path / "bin/xdg-open"
-        opener.parent.mkdir()
-        opener.write_text(f'#!/bin/sh\necho "$1" >> "{self.home.path}/opened"\n')
-        opener.chmod(0o700)
-        self.home.env["PATH"] = f"{opener.parent}:{os.environ['PATH']}"
-        process, window = self.start(), self.main_window()
-        for keys in (["Escape"], ["Tab", "Tab", "Tab", "Return"]):  # from OK to the third link
-            self.choose(window, "a")
-            box = rig.wait_for(lambda: self.display.window("^Korvalin - About$"), "the about box")
-            self.display.tool("xdotool", "windowactivate", "--sync", box, "key", *keys)
-            rig.wait_for(lambda: not self.display.tool("xdotool", "search", "--name", "^Korvalin - About$"), "its end")
-        opened = self.home.path / "opened"
-        rig.wait_for(lambda: opened.exists() and opened.read_text().startswith("mailto:support@example.org?subject="),
-                     "the mail program")
-        self.choose(window, "a")
-        rig.wait_for(lambda: self.display.window("^Korvalin - About$"), "the about box")
-        self.end(process)  # an open box is no hindrance
-
     def stored_place(self):
         return [self.home.cli("settings", "get", f"MON_{name}") for name in ("Left_1024", "Top_768", "Width", "Height")]
 
@@ -138,24 +118,6 @@ class Desktop(rig.DesktopCase):
         fourth = self.start(MultiInstance="True")
         time.sleep(1)  # long enough to have ended
         self.assertEqual([third.poll(), fourth.poll()], [None, None])
-
-    def test_a_language_file_that_cannot_serve_ends_the_program_after_a_question(self):
-        folder = self.home.path / "program"
-        folder.mkdir()
-        shutil.copy(rig.BIN / "Korvalin.exe", folder)
-        for content in (None, os.urandom(50_000)):
-            if content:
-                (folder / "Korvalin.lng").write_bytes(content)
-            process = self.start(folder / "Korvalin.exe")
-
-            def refused():
-                box = self.display.window("^Korvalin$")
-                if box:
-                    self.press(box, "Escape")
-                return process.poll() is not None
-
-            rig.wait_for(refused, "the end")
-            self.assertEqual(process.returncode, 0)
 
     def test_settings_of_every_wrong_kind_and_a_vanished_folder_do_not_stop_it(self):
         process = self.start(DataPath=self.home.path / "gone", MON_Width="wide", ChartMax="-5", picWidthMin="x", UnitKB="parsec",

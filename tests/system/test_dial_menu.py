@@ -2,30 +2,18 @@
 """Dialing as a user does it: from the main window's menu, over a real NetworkManager, with the dial windows and the question
 about a changed number."""
 
-import time
-
 import rig
-from network_manager import NetworkManager
+from network_manager import LineCase
 
 
-class DialMenu(rig.DesktopCase):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        folder = rig.Home()
-        cls.addClassCleanup(folder.__exit__, None, None, None)
-        cls.manager = NetworkManager(folder.path)
-        cls.manager.__enter__()
-        cls.addClassCleanup(cls.manager.__exit__, None, None, None)
-
+class DialMenu(LineCase, rig.DesktopCase):
     def setUp(self):
         super().setUp()
-        self.manager.remove_all()
-        self.home.env["DBUS_SYSTEM_BUS_ADDRESS"] = self.manager.env["DBUS_SYSTEM_BUS_ADDRESS"]
+        self.home.env["DBUS_SYSTEM_BUS_ADDRESS"] = self.nm.env["DBUS_SYSTEM_BUS_ADDRESS"]
 
     def begin(self):
         self.home.set(Language="ENG")
-        self.process = self.launch(self.manager.inside(str(rig.BIN / "korvalin")))
+        self.process = self.launch(self.nm.inside(str(rig.BIN / "korvalin")))
         self.main_window()
 
     def choose(self, *keys):
@@ -49,53 +37,52 @@ class DialMenu(rig.DesktopCase):
         rig.wait_for(lambda: not self.display.window(title), f"the end of {title}")
 
     def wait_for_line(self, *names):
-        rig.wait_for(lambda: [name for name in self.manager.active() if name != "lo"] == list(names), names)
+        rig.wait_for(lambda: [name for name in self.nm.active() if name != "lo"] == list(names), names)
 
     def hang_up(self):
         """Once the menu offers it, that is after the next update."""
         def gone():
             self.choose("h", "Escape")
-            return self.manager.active() == ["lo"]
+            return self.nm.active() == ["lo"]
 
         rig.wait_for(gone, "the line's end")
 
-    def records(self, count):
-        rig.wait_for(lambda: len(self.home.cli("records", "--closed", "--format", "csv").splitlines()) == count + 1, f"{count} records")
+    def hang_up_once_it_is_recorded(self, records):
+        rig.wait_for(lambda: "Running" in self.home.cli("records", "--format", "csv"), "the open record")
+        self.hang_up()
+        rig.wait_for(lambda: len(self.home.cli("records", "--closed", "--format", "csv").splitlines()) == records + 1,
+                     f"{records} records")
 
     def test_a_line_is_dialed_recorded_once_and_dialed_again_by_its_quick_item(self):
-        self.manager.add_pppoe("DSL")
-        self.manager.add_gsm("Mobile & Co")
+        self.nm.add_pppoe("DSL")
+        self.nm.add_gsm("Mobile & Co")
         self.begin()
         self.choose("d", "Down", "Return")
         self.wait_for_line("Mobile & Co")
         rig.wait_for(lambda: self.home.cli("settings", "get", "LineLast") == "Mobile & Co", "the name of the last entry")
-        time.sleep(2.5)  # it is seen by two updates at least
-        self.hang_up()
-        self.records(1)
+        self.hang_up_once_it_is_recorded(1)
         self.choose("Down", "Return")  # the first item
         self.wait_for_line("Mobile & Co")
-        time.sleep(2.5)
-        self.hang_up()
-        self.records(2)
+        self.hang_up_once_it_is_recorded(2)
 
     def test_a_changed_number_is_dialed_only_when_the_user_says_so(self):
-        profile = self.manager.add_gsm("Mobile", number="123")
+        profile = self.nm.add_gsm("Mobile", number="123")
         self.begin()
         self.choose("d", "Return")
         self.wait_for_line("Mobile")
         self.hang_up()
-        self.manager.nmcli("connection", "modify", profile, "gsm.number", "0900")
+        self.nm.nmcli("connection", "modify", profile, "gsm.number", "0900")
         self.choose("d", "Return")
         self.answer("^Korvalin$", "Return")  # No comes first
         self.choose("d", "Return")
         self.answer("^Korvalin$", "Escape")
-        self.assertEqual(self.manager.active(), ["lo"])
+        self.assertEqual(self.nm.active(), ["lo"])
         self.choose("d", "Return")
         self.answer("^Korvalin$", "alt+y")
         self.wait_for_line("Mobile")
 
     def test_a_refused_login_is_asked_for_once_and_the_failure_told(self):
-        self.manager.add_pppoe("DSL", password="wrong")
+        self.nm.add_pppoe("DSL", password="wrong")
         self.begin()
         self.choose("d", "Return")
         self.answer("^Log in$", "n", "o", "Return")
@@ -105,8 +92,8 @@ class DialMenu(rig.DesktopCase):
         self.wait_for_line("DSL")
 
     def test_the_programs_end_cancels_a_dial(self):
-        self.manager.add_pppoe("DSL")
-        self.manager.tell("ppp", delay=30)
+        self.nm.add_pppoe("DSL")
+        self.nm.tell("ppp", delay=30)
         self.begin()
         self.choose("d", "Return")
         rig.wait_for(lambda: self.display.window("^Dialing$"), "the dial window")

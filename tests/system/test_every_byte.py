@@ -4,7 +4,6 @@
 import json
 import shutil
 import signal
-import subprocess
 import sys
 import time
 import unittest
@@ -12,16 +11,11 @@ import unittest
 import rig
 
 
-class EveryByte(rig.Case):
+class EveryByte(rig.RecorderCase):
     def setUp(self):
         super().setUp()
-        self.home.set(Language="ENG", AutoStart="False", ChartLineNo="1")
-        self.network = self.enter(rig.Network())
-        self.here, self.there = self.network.here, self.network.there
-        self.send, self.counted, self.await_carrier = self.network.send, self.network.counted, self.network.await_carrier
+        self.await_carrier = self.network.await_carrier
         self.first = {}  # what each adapter had counted when the program met it
-        self.await_carrier("wire0", "wire1")
-        self.send("wire0", 2)
 
     # ---- the machine
 
@@ -45,25 +39,8 @@ class EveryByte(rig.Case):
 
     # ---- the program
 
-    def record(self, *lines, prefix=()):
-        """The recorder, once it follows these lines."""
-        process = self.launch([*prefix, rig.BIN / "korvalin-cli", "record"], self.here)
-        self.await_lines(*(lines or ("wire0",)))
-        return process
-
-    def await_lines(self, *names):
-        rig.wait_for(lambda: {r["line_name"] for r in self.records() if r["info"] == "Running"} == set(names),
-                     f"{names} to be followed")
-
-    def records(self, *arguments):
-        return json.loads(self.home.cli("records", "--format", "json", *arguments))
-
     def sums(self, period="month", *arguments):
         return self.home.moved("sums", "--period", period, *arguments)
-
-    def end(self, process, how=signal.SIGTERM):
-        process.send_signal(how)
-        process.wait(timeout=10)
 
     def meet(self, *names):
         self.first.update({name: self.counted(name) for name in names})

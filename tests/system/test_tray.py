@@ -49,6 +49,19 @@ class Tray(rig.DesktopCase):
     def icon(self):
         return self.find(lambda place: 10 < place["WIDTH"] < 64 and place["Y"] < 26, "--onlyvisible")
 
+    def come_and_go(self, make, icon_at):
+        """Hosts that come late and go, until one stays: that one and the icon there."""
+        self.start(AutoShow="False")
+        self.wait_for_state("Iconic")
+        for _ in range(2):
+            host = self.host(make())
+            rig.wait_for(lambda: icon_at(host), "the icon")
+            self.wait_for_state("Withdrawn")
+            host.close()
+            self.wait_for_state("Iconic")
+        host = self.host(make())
+        return host, rig.wait_for(lambda: icon_at(host), "the icon")
+
     # Over XEmbed
 
     def test_a_box_that_stays_on_top_is_not_covered_by_the_window_that_comes_back(self):
@@ -94,16 +107,7 @@ class Tray(rig.DesktopCase):
         self.assertEqual(process.stderr.read(), "", "also without a session bus there is nothing to complain about")
 
     def test_an_embedding_host_may_come_late_and_go(self):
-        self.start(AutoShow="False")
-        self.wait_for_state("Iconic")
-        for _ in range(2):
-            host = self.host(EmbeddingHost(self.display))
-            rig.wait_for(self.icon, "the icon")
-            self.wait_for_state("Withdrawn")
-            host.close()
-            self.wait_for_state("Iconic")
-        self.host(EmbeddingHost(self.display))
-        icon = rig.wait_for(self.icon, "the icon")
+        _, icon = self.come_and_go(lambda: EmbeddingHost(self.display), lambda _: self.icon())
         self.click(icon, 10, 10)
         self.main_window()
 
@@ -162,19 +166,7 @@ class Tray(rig.DesktopCase):
 
     def test_a_notifier_host_may_come_late_and_go(self):
         self.session_bus()
-        self.start(AutoShow="False")
-        self.wait_for_state("Iconic")
-        host = self.host(rig.NotifierHost(self.home.env, host=False))
-        time.sleep(1.5)  # long enough for an icon to come
-        self.assertIsNone(host.item(), "nobody shows it")
-        host.tell("host")
-        for _ in range(2):
-            rig.wait_for(host.item, "the icon")
-            self.wait_for_state("Withdrawn")
-            host.close()
-            self.wait_for_state("Iconic")
-            host = self.host(rig.NotifierHost(self.home.env))
-        rig.wait_for(host.item, "the icon")
+        host, _ = self.come_and_go(lambda: rig.NotifierHost(self.home.env), lambda host: host.item())
         host.tell("activate")
         self.main_window()
         self.assertIn("Exit", host.tell("menu"))

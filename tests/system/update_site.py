@@ -16,6 +16,24 @@ import time
 import urllib.parse
 
 PAGE = b"<p>All is well.</p>" * 20
+# What is answered to the first part of a path, with the second part or the parameter.
+ANSWERS = {
+    "page": lambda _: {"body": PAGE},
+    "more": lambda _: {"body": PAGE + b"and more", "length": len(PAGE), "end": "hang up"},
+    "early": lambda _: {"body": PAGE, "length": 100_000, "end": "hang up"},
+    "stall": lambda _: {"body": PAGE, "length": 100_000, "end": "silence"},
+    "huge": lambda _: {"body": PAGE, "length": 10_000_000_000, "end": "silence"},
+    "endless": lambda _: {"body": PAGE, "length": None, "end": "hang up"},
+    "empty": lambda _: {"body": b""},
+    "words": lambda before: {"body": b"x" * int(before) + b"404 not found" + b"x" * 2000},
+    "status": lambda code: {"body": PAGE, "code": int(code)},
+    "away": lambda to: {"body": b"", "code": 302, "Location": to},
+    "loop": lambda _: {"body": b"", "code": 302, "Location": "/loop"},
+    "hops": lambda count: {"body": b"", "code": 302, "Location": f"/hops/{int(count) - 1}" if int(count) > 1 else "/page"},
+    "gzip": lambda _: {"body": gzip.compress(PAGE), "Content-Encoding": "gzip"},
+    "bomb": lambda size: {"body": gzip.compress(b"<" * int(size) * 1_000_000), "Content-Encoding": "gzip"},
+    "long": lambda size: {"body": b"y" * int(size) * 1_000_000},
+}
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
@@ -24,11 +42,13 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
         self.server.site.note(self.path)
         parts = urllib.parse.urlsplit(self.path)
-        name = parts.path.strip("/").split("/")
-        trick = getattr(self, "trick_" + name[0], None)
+        name, _, more = parts.path.strip("/").partition("/")
+        trick = getattr(self, "trick_" + name, None)
         try:
-            if trick:
-                trick(*name[1:], **dict(urllib.parse.parse_qsl(parts.query)))
+            if name in ANSWERS:
+                self.answer(**ANSWERS[name](more or parts.query.partition("=")[2]))
+            elif trick:
+                trick(more)
             else:
                 self.serve_file(parts.path)
         except (BrokenPipeError, ConnectionResetError, ssl.SSLError):
@@ -37,18 +57,18 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def log_message(self, *_):
         pass
 
-    def answer(self, body, code=200, length=None, **headers):
+    def answer(self, body, code=200, length=-1, end=None, **headers):
         self.send_response(code)
-        if length != "none":
-            self.send_header("Content-Length", str(len(body) if length is None else length))
+        if length is not None:
+            self.send_header("Content-Length", str(len(body) if length < 0 else length))
         for key, value in headers.items():
-            self.send_header(key.replace("_", "-"), value)
+            self.send_header(key, value)
         self.end_headers()
         self.wfile.write(body)
         self.wfile.flush()
-
-    def hang_up(self):
-        self.close_connection = True
+        if end == "silence":
+            self.wait_for_the_other_side()
+        self.close_connection = self.close_connection or end is not None
 
     def wait_for_the_other_side(self):
         """Silence, until it closes the connection."""
@@ -58,106 +78,53 @@ class Handler(http.server.BaseHTTPRequestHandler):
         except OSError:
             pass
         self.server.site.given_up.append(self.path)
-        self.hang_up()
+        self.close_connection = True
 
     def serve_file(self, path):
         site = self.server.site
         file = site.folder / path.strip("/")
         if path in site.slow:
-            self.send_response(200)
-            body = file.read_bytes()
-            self.send_header("Content-Length", str(len(body)))
-            self.end_headers()
-            for at in range(0, len(body), len(body) // 20 + 1):
-                self.wfile.write(body[at:at + len(body) // 20 + 1])
-                self.wfile.flush()
-                site.go_on.wait(0.2)
+            self.answer_slowly(file.read_bytes(), lambda: site.go_on.wait(0.2))
         elif file.is_file():
             self.answer(file.read_bytes())
         else:
             self.answer(b"<h1>Nothing here</h1>", 404)
 
-    def trick_page(self):
-        self.answer(PAGE)
+    def answer_slowly(self, body, wait):
+        self.send_response(200)
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        piece = len(body) // 20 + 1
+        for at in range(0, len(body), piece):
+            self.wfile.write(body[at:at + piece])
+            self.wfile.flush()
+            wait()
 
-    def trick_echo(self):
+    def trick_echo(self, _):
         self.answer("\n".join(self.headers.get(name, "") for name in ("User-Agent", "Authorization")).encode())
 
-    def trick_slow(self):
-        self.send_response(200)
-        self.send_header("Content-Length", str(len(PAGE)))
-        self.end_headers()
-        for at in range(0, len(PAGE), 20):
-            self.wfile.write(PAGE[at:at + 20])
-            self.wfile.flush()
-            time.sleep(0.01)
+    def trick_slow(self, _):
+        self.answer_slowly(PAGE, lambda: time.sleep(0.01))
 
-    def trick_silent(self):
-        self.wait_for_the_other_side()
-
-    def trick_stall(self, *_):
-        self.answer(PAGE, length=100_000)
-        self.wait_for_the_other_side()
-
-    def trick_early(self):
-        self.answer(PAGE, length=100_000)
-        self.hang_up()
-
-    def trick_more(self):
-        self.answer(PAGE + b"and more", length=len(PAGE))
-        self.hang_up()
-
-    def trick_endless(self):
-        self.answer(PAGE, length="none")
-        self.hang_up()
-
-    def trick_empty(self):
-        self.answer(b"")
-
-    def trick_words(self, before="0"):
-        self.answer(b"x" * int(before) + b"404 not found" + b"x" * 2000)
-
-    def trick_status(self, code):
-        self.answer(PAGE, int(code))
-
-    def trick_away(self, to):
-        self.answer(b"", 302, Location=to)
-
-    def trick_loop(self):
-        self.answer(b"", 302, Location="/loop")
-
-    def trick_hops(self, count):
-        self.answer(b"", 302, Location=f"/hops/{int(count) - 1}" if int(count) > 1 else "/page")
-
-    def trick_chunked(self, end="whole"):
+    def trick_chunked(self, end):
         self.send_response(200)
         self.send_header("Transfer-Encoding", "chunked")
         self.end_headers()
         for at in range(0, len(PAGE), 100):
             piece = PAGE[at:at + 100]
             self.wfile.write(b"%x\r\n%s\r\n" % (len(piece), piece))
-        if end == "whole":
-            self.wfile.write(b"0\r\n\r\n")
+        if end == "cut":
+            self.close_connection = True
         else:
-            self.hang_up()
+            self.wfile.write(b"0\r\n\r\n")
 
-    def trick_gzip(self):
-        self.answer(gzip.compress(PAGE), Content_Encoding="gzip")
+    def trick_silent(self, _):
+        self.wait_for_the_other_side()
 
-    def trick_bomb(self, megabytes):
-        self.answer(gzip.compress(b"<" * int(megabytes) * 1_000_000), Content_Encoding="gzip")
-
-    def trick_headers(self):
+    def trick_headers(self, _):
         self.wfile.write(b"HTTP/1.1 200 OK\r\n")
         while True:
             self.wfile.write(b"X-More: of the same\r\n" * 1000)
-
-    def trick_long(self, megabytes):
-        self.answer(b"y" * int(megabytes) * 1_000_000)
-
-    def trick_huge(self):
-        self.answer(PAGE, length=10_000_000_000)
-        self.wait_for_the_other_side()
 
 
 class Server(http.server.ThreadingHTTPServer):
