@@ -173,7 +173,7 @@ TEST_F(DialingWindow, AConnectionBesideTheMonitoredAdapterCanBeHungUp) {
     Run(1);
     whileDialing = [&] { ras.Lines.push_back({{4, "Home", "Modem"}, {}, RascsConnected}); };
     Do("mnuLogInLine1");
-    EXPECT_EQ(program->lines.MonitoredLineType, "LAN");
+    EXPECT_EQ(program->lines.MonitoredLineType, LineType::Lan);
     EXPECT_EQ(Offered(), "&Hang up");
     Do("mnuLogOut");
     EXPECT_EQ(Offered(), "Home|Home");

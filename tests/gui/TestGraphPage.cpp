@@ -63,9 +63,7 @@ class GraphPageTest : public CoreFixture {
         QTest::keyClick(edit, Qt::Key_Return);
     }
     std::string Shown(const char* name) { return Combo(name)->currentText().toStdString(); }
-    std::string Stored(const char* name) {
-        return settings.Primitives().RegReadString(SettingsKeyPath, name);
-    }
+    std::string Stored(const char* name) { return registry.RegReadString(SettingsKeyPath, name); }
 
     // In device pixels.
     int Device(double logical) { return static_cast<int>(std::lround(logical * page->devicePixelRatioF())); }
