@@ -53,7 +53,7 @@ class Bench {
 class Online : public Internet {
   public:
     ConnectedState GetConnectedState() override { return {true, InternetConnectionLan}; }
-    int Dial(const std::string&, std::uint32_t, std::int32_t&) override { return ErrorCancelled; }
+    DialResult Dial(const std::string&, std::uint32_t) override { return {ErrorCancelled}; }
 };
 
 void GetReg(benchmark::State& state) {
@@ -154,7 +154,7 @@ void DialUpLines(benchmark::State& state) {
     Program& program = *bench.program;
     program.LoadRecords();
     program.lineMonitor.Get_Bytes_Transmitted();
-    if (!program.lines.AnyLineConnected || program.lines.MonitoredLineType != "RAS")
+    if (!program.lines.AnyLineConnected || program.lines.MonitoredLineType != LineType::Ras)
         return state.SkipWithError("no dial-up line is up");
     for (auto _ : state)
         program.lineMonitor.Get_Bytes_Transmitted();
@@ -165,9 +165,8 @@ BENCHMARK(DialUpLines);
 // The kernel's link table of this machine, in one dump.
 void LinkTable(benchmark::State& state) {
     NetlinkNetworkTables tables;
-    std::vector<InterfaceRow> rows;
     for (auto _ : state)
-        benchmark::DoNotOptimize(tables.GetIfTable(rows, true));
+        benchmark::DoNotOptimize(tables.GetIfTable());
 }
 BENCHMARK(LinkTable);
 

@@ -16,15 +16,14 @@ class ManyAdapters : public NetworkTables {
                              ""});
         }
     }
-    int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {
+    std::optional<std::vector<InterfaceRow>> GetIfTable() override {
         for (InterfaceRow& row : rows_)
             row.InOctets += 1234;
-        rows = rows_;
-        return 0;
+        return rows_;
     }
     std::vector<InterfaceRow> TakeRemoved() override { return {}; }
-    int GetIfTable2(std::vector<InterfaceEntry>& entries) override {
-        entries.clear();
+    std::optional<std::vector<InterfaceEntry>> GetIfTable2() override {
+        std::vector<InterfaceEntry> entries;
         for (const InterfaceRow& row : rows_) {
             InterfaceEntry& entry = entries.emplace_back();
             static_cast<InterfaceRow&>(entry) = row;
@@ -34,17 +33,13 @@ class ManyAdapters : public NetworkTables {
             entry.AdminStatus = AdministrativeStatus::Enabled;
             entry.InUcastPkts = entry.OutUcastPkts = 5'000'000'000;
         }
-        return 0;
+        return entries;
     }
-    int GetIpAddrTable(std::vector<IpAddressRow>& rows) override {
-        rows.clear();
-        return 0;
+    std::optional<std::vector<IpAddressRow>> GetIpAddrTable() override { return std::nullopt; }
+    std::optional<std::vector<UnicastIpAddressRow>> GetUnicastIpAddressTable() override {
+        return std::nullopt;
     }
-    int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override {
-        rows.clear();
-        return 0;
-    }
-    int GetTcpStatistics(TcpStatistics&) override { return 0; }
+    TcpStatistics GetTcpStatistics() override { return {}; }
 
   private:
     std::vector<InterfaceRow> rows_;

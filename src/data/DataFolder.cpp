@@ -100,7 +100,7 @@ void DataFolder::DecideFolder(const fs::path& stored) {
 }
 
 fs::path DataFolder::CommonFolder() const {
-    return shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle;
+    return shell_.CommonAppData() / ProgramTitle;
 }
 
 fs::path DataFolder::DefaultFolder() {

@@ -108,7 +108,7 @@ std::string LiveTexts::TrayTip(const InfoTexts& texts, const LineRecord& line, d
     }
     if (shows(TrayVolumeTotal))
         tip += Text(9) + " " + texts.VolumeTotalText + " " + texts.VolumeUnitText + " ";
-    if (shows(TrayDuration) && (lines_.MonitoredLineType == "RAS" || texts.ShowDuration)) {
+    if (shows(TrayDuration) && (lines_.MonitoredLineType == LineType::Ras || texts.ShowDuration)) {
         tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatDuration(line.Duration) + "\n";
     }
     if (shows(TrayVolumeMonth)) {

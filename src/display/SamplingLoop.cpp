@@ -129,7 +129,7 @@ void SamplingLoop::FollowWallClock() {
 bool SamplingLoop::RefreshMenus() {
     if (window_ == nullptr) return false;
     const bool hangUpVisible = window_->HangUpItemVisible();
-    const bool hangUpNeeded = lines_.MonitoredLineType == "RAS" && lines_.AnyLineConnected;
+    const bool hangUpNeeded = lines_.MonitoredLineType == LineType::Ras && lines_.AnyLineConnected;
     if ((hangUpVisible && !lines_.AnyLineConnected) || (!hangUpVisible && hangUpNeeded))
         window_->RefreshDialMenus();
     return hangUpVisible;

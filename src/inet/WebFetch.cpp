@@ -10,8 +10,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-
 namespace korvalin {
 namespace {
 
@@ -135,10 +133,9 @@ std::string WebFetch::GetURLSource(const std::string& url, const std::filesystem
 
 std::string WebFetch::ReadAll(HttpStream& stream, const HttpRequest& request) {
     std::string result;
-    std::array<char, readSize> buffer{};
-    while (const std::optional<std::size_t> count = stream.Read(buffer)) {
-        if (*count == 0) return result;
-        result.append(buffer.data(), *count);
+    while (const std::optional<std::string> part = stream.Read(readSize)) {
+        if (part->empty()) return result;
+        result += *part;
         Touch();
         if (IsTooLong(stream.Head(), result.size(), request.Limit)) {
             state_.Status = "0:too long";

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 
 namespace korvalin {
@@ -39,8 +38,9 @@ class HttpStream {
   public:
     virtual ~HttpStream() = default;
 
-    /// Waits for the answer's next bytes. Their number, 0 at the end; nullopt when the transfer broke off.
-    [[nodiscard]] virtual std::optional<std::size_t> Read(std::span<char> buffer) = 0;
+    /// Waits for the answer's next bytes, at most so many; none at the end, nullopt when the transfer broke
+    /// off.
+    [[nodiscard]] virtual std::optional<std::string> Read(std::size_t bytes) = 0;
 
     virtual HttpHead Head() = 0;
     virtual HttpFailure Failure() = 0;

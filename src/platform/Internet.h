@@ -19,6 +19,9 @@ inline constexpr std::uint32_t InternetConnectionConfigured = 0x40;
 inline constexpr std::uint32_t InternetDialForcePrompt = 0x2000;
 inline constexpr std::uint32_t InternetDialUnattended = 0x8000;
 
+inline constexpr int ErrorSuccess = 0;
+/// The dial is not allowed (winerror.h).
+inline constexpr int ErrorAccessDenied = 5;
 /// The user cancelled (winerror.h).
 inline constexpr int ErrorCancelled = 1223;
 /// What was asked for has changed meanwhile and may be asked for anew (winerror.h).
@@ -27,6 +30,11 @@ inline constexpr int ErrorRetry = 1237;
 struct ConnectedState {
     bool Online = false;
     std::uint32_t Flags = 0;
+};
+
+struct DialResult {
+    int Error = ErrorSuccess;    ///< a RAS or system error number
+    std::int32_t Connection = 0; ///< handle of the connection; 0 after an error
 };
 
 class Internet {
@@ -38,10 +46,8 @@ class Internet {
 
     /// Dials a phonebook entry and waits until it is up, has failed, or the user has cancelled; windows stay
     /// alive meanwhile. InternetDialForcePrompt asks for the login first; ErrorRetry, with nothing dialed,
-    /// when the entry's telephone number has changed while it was asked for. 0 with `connection` the handle
-    /// of the connection, else a RAS or system error number with `connection` 0.
-    [[nodiscard]] virtual int Dial(const std::string& entryName, std::uint32_t flags,
-                                   std::int32_t& connection) = 0;
+    /// when the entry's telephone number has changed while it was asked for.
+    [[nodiscard]] virtual DialResult Dial(const std::string& entryName, std::uint32_t flags) = 0;
 };
 
 } // namespace korvalin

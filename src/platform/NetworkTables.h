@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -119,27 +120,27 @@ class NetworkTables {
   public:
     virtual ~NetworkTables() = default;
 
-    /// All adapters, in ascending order of their index when `sorted`. 0, or the system's error number with
-    /// `rows` empty.
-    [[nodiscard]] virtual int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) = 0;
+    // A table that cannot be read is nullopt.
+
+    /// All adapters, in ascending order of their index.
+    [[nodiscard]] virtual std::optional<std::vector<InterfaceRow>> GetIfTable() = 0;
 
     /// The adapters that went since the last call, up to the last GetIfTable, with their last counters: also
     /// those that no table has ever shown. In the order in which they went.
     [[nodiscard]] virtual std::vector<InterfaceRow> TakeRemoved() = 0;
 
     /// Everything about all adapters, in ascending order of their index: for people to look at, not for every
-    /// second. 0, or the system's error number with `entries` empty.
-    [[nodiscard]] virtual int GetIfTable2(std::vector<InterfaceEntry>& entries) = 0;
+    /// second.
+    [[nodiscard]] virtual std::optional<std::vector<InterfaceEntry>> GetIfTable2() = 0;
 
-    /// All IPv4 addresses in ascending order. 0, or the system's error number with `rows` empty.
-    [[nodiscard]] virtual int GetIpAddrTable(std::vector<IpAddressRow>& rows) = 0;
+    /// All IPv4 addresses in ascending order.
+    [[nodiscard]] virtual std::optional<std::vector<IpAddressRow>> GetIpAddrTable() = 0;
 
-    /// All IPv6 addresses in ascending order; none on a system without IPv6. 0, or the system's error number
-    /// with `rows` empty.
-    [[nodiscard]] virtual int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) = 0;
+    /// All IPv6 addresses in ascending order; none on a system without IPv6.
+    [[nodiscard]] virtual std::optional<std::vector<UnicastIpAddressRow>> GetUnicastIpAddressTable() = 0;
 
-    /// 0, or the system's error number with `statistics` zeroed.
-    [[nodiscard]] virtual int GetTcpStatistics(TcpStatistics& statistics) = 0;
+    /// All zero when the system does not tell.
+    [[nodiscard]] virtual TcpStatistics GetTcpStatistics() = 0;
 };
 
 } // namespace korvalin

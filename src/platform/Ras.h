@@ -1,15 +1,14 @@
-// Dial-up connections, in the shape of the Remote Access Service calls (ras.h), typed instead of byte
-// records.
+// Dial-up connections, after the Remote Access Service (ras.h).
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace korvalin {
 
 /// RAS error numbers (raserror.h).
-inline constexpr int ErrorBufferTooSmall = 603;
 inline constexpr int ErrorCannotFindPhonebookEntry = 623;
 inline constexpr int ErrorNoCarrier = 678;
 inline constexpr int ErrorNoDialtone = 680;
@@ -47,32 +46,32 @@ struct PhoneEntry {
     std::string DeviceType;
 };
 
+struct PhoneBookNames {
+    int Error = 0; ///< a RAS error number; there are no names then
+    std::vector<std::string> Names;
+};
+
 class Ras {
   public:
     virtual ~Ras() = default;
 
-    /// Fills `connections`, whose size is the room the caller offers, and sets `count` to the number of
-    /// active connections. ErrorBufferTooSmall when there is not enough room; otherwise 0 or a RAS error
-    /// number.
-    [[nodiscard]] virtual int EnumConnections(std::vector<RasConnection>& connections,
-                                              std::uint32_t& count) = 0;
+    /// The active connections; none when the system does not tell.
+    [[nodiscard]] virtual std::vector<RasConnection> EnumConnections() = 0;
 
-    /// 0, or a RAS error number with `statistics` zeroed.
-    [[nodiscard]] virtual int GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) = 0;
+    /// All zero for a connection that is gone.
+    [[nodiscard]] virtual RasStatistics GetConnectionStatistics(std::int32_t handle) = 0;
 
-    /// 0 with `state` the RASCONNSTATE, or a RAS error number with `state` 0.
-    [[nodiscard]] virtual int GetConnectStatus(std::int32_t handle, std::uint32_t& state) = 0;
+    /// The RASCONNSTATE; 0 for a connection that is gone.
+    [[nodiscard]] virtual std::uint32_t GetConnectStatus(std::int32_t handle) = 0;
 
-    /// Fills `names`, whose size is the room the caller offers, with the entries of the default phonebook, in
-    /// no particular order, and sets `count` to their number. Every name is there once.
-    /// ErrorBufferTooSmall when there is not enough room; otherwise 0 or a RAS error number.
-    [[nodiscard]] virtual int EnumEntries(std::vector<std::string>& names, std::uint32_t& count) = 0;
+    /// The entries of the default phonebook, in no particular order, each once.
+    [[nodiscard]] virtual PhoneBookNames EnumEntries() = 0;
 
-    /// 0 with `entry` filled, or a RAS error number with `entry` empty.
-    [[nodiscard]] virtual int GetEntryProperties(const std::string& entryName, PhoneEntry& entry) = 0;
+    /// nullopt for an entry that cannot be read.
+    [[nodiscard]] virtual std::optional<PhoneEntry> GetEntryProperties(const std::string& entryName) = 0;
 
-    /// Asks the system to end a connection and returns at once. 0, or a RAS error number.
-    [[nodiscard]] virtual int HangUp(std::int32_t handle) = 0;
+    /// Asks the system to end a connection and returns at once; whether it does shows at the next look.
+    virtual void HangUp(std::int32_t handle) = 0;
 };
 
 } // namespace korvalin

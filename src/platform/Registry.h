@@ -1,60 +1,66 @@
-// The settings store, in the shape of the Win32 registry calls (winreg.h).
+// The settings store, by key paths and value names.
 #pragma once
 
-#include <cstdint>
+#include "base/Text.h"
+
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace korvalin {
 
-/// Result codes of the registry and file calls, as winerror.h numbers them.
-inline constexpr int ErrorSuccess = 0;
-inline constexpr int ErrorFileNotFound = 2;
-inline constexpr int ErrorAccessDenied = 5;
-inline constexpr int ErrorInvalidHandle = 6;
-inline constexpr int ErrorWriteFault = 29;
-inline constexpr int ErrorMoreData = 234;
-inline constexpr int ErrorBadKey = 1010;
+/// Room for one text value, its terminating zero included.
+inline constexpr std::size_t RegistryBufferBytes = 1024;
 
-enum class RegistryHive { CurrentUser };
-enum class RegistryAccess { Read, SetValue, Write };
-enum class RegistryDisposition { None = 0, CreatedNewKey = 1, OpenedExistingKey = 2 };
+/// Key path of the programs that start with the user's desktop. This program's value is all that a system
+/// need keep there.
+inline constexpr std::string_view RunKeyPath = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
-using RegistryKey = std::int32_t;
-
-/// Text values under key paths. Key paths and value names are compared without regard to letter case; any
-/// character may occur in a name or value. Every call returns ErrorSuccess or a code above and throws
-/// nothing; a key that was opened must be closed. Every query sees what any other program instance has
-/// written before.
+/// Text values under key paths of the current user. Paths and names are compared without regard to letter
+/// case; any character may occur in a name or value. No call throws because of the store, and each sees what
+/// any other program instance has written before.
 class Registry {
   public:
     virtual ~Registry() = default;
 
-    /// Creates the key or opens it when it exists; `disposition` tells which.
-    [[nodiscard]] virtual int CreateKeyEx(RegistryHive hive, std::string_view keyPath, RegistryAccess access,
-                                          RegistryKey& key, RegistryDisposition& disposition) = 0;
+    /// Creates the key: 1 = it was created, 2 = it existed, 0 = the call failed.
+    [[nodiscard]] virtual int RegEnsureKey(std::string_view keyPath) = 0;
 
-    /// Opens an existing key; ErrorFileNotFound when there is none.
-    [[nodiscard]] virtual int OpenKeyEx(RegistryHive hive, std::string_view keyPath, RegistryAccess access,
-                                        RegistryKey& key) = 0;
+    /// The text of a value; "" when the key or value is missing, the text is longer than the buffer, or the
+    /// call fails.
+    [[nodiscard]] std::string RegReadString(std::string_view keyPath, std::string_view valueName) {
+        const std::optional<std::string> text = ReadValue(keyPath, valueName);
+        return text && text->size() < RegistryBufferBytes ? *text : std::string();
+    }
 
-    /// Reads a text value. `bufferSize` is the room in bytes, terminating zero included: a longer value gives
-    /// ErrorMoreData, a missing one ErrorFileNotFound; `text` is then left alone.
-    [[nodiscard]] virtual int QueryValueEx(RegistryKey key, std::string_view valueName,
-                                           std::size_t bufferSize, std::string& text) = 0;
+    /// Writes a value, creating its key when missing; a blank text deletes the value instead. True when
+    /// something was written or deleted.
+    bool RegWriteString(std::string_view keyPath, std::string_view valueName, std::string_view text) {
+        if (Trim(text).empty()) return DeleteValue(keyPath, valueName);
+        // Somebody may delete the key between its creation and the next attempt, so both are repeated; a
+        // store that says "created" and "missing" for ever must not hang the program, though.
+        constexpr int attempts = 100;
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            const Written written = WriteValue(keyPath, valueName, text);
+            if (written != Written::KeyIsMissing) return written == Written::Yes;
+            if (RegEnsureKey(keyPath) == 0) return false;
+        }
+        return false;
+    }
 
-    /// Writes a text value, creating it when missing.
-    [[nodiscard]] virtual int SetValueEx(RegistryKey key, std::string_view valueName,
-                                         std::string_view text) = 0;
+    /// The names of all values of a key, as they were first written, in alphabetical order; none when the key
+    /// is missing or the call fails.
+    [[nodiscard]] virtual std::vector<std::string> RegValueNames(std::string_view keyPath) = 0;
 
-    /// Deletes a value; ErrorFileNotFound when there is none.
-    [[nodiscard]] virtual int DeleteValue(RegistryKey key, std::string_view valueName) = 0;
+  protected:
+    enum class Written { Yes, No, KeyIsMissing };
 
-    /// The names of all values of a key, as they were first written, in alphabetical order.
-    [[nodiscard]] virtual int EnumValues(RegistryKey key, std::vector<std::string>& valueNames) = 0;
-
-    virtual void CloseKey(RegistryKey key) = 0;
+    virtual std::optional<std::string> ReadValue(std::string_view keyPath, std::string_view valueName) = 0;
+    virtual Written WriteValue(std::string_view keyPath, std::string_view valueName,
+                               std::string_view text) = 0;
+    /// True when there was a value to delete.
+    virtual bool DeleteValue(std::string_view keyPath, std::string_view valueName) = 0;
 };
 
 } // namespace korvalin

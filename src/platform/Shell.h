@@ -5,25 +5,16 @@
 
 namespace korvalin {
 
-/// Identifiers of special folders (CSIDL).
-inline constexpr int SpecialFolderCommonAppData = 35;
-
-/// Platform identifier of supported systems, as GetVersionEx tells it.
-inline constexpr int PlatformSupported = 2;
-
 /// Folders, programs and system facts.
 class Shell {
   public:
     virtual ~Shell() = default;
 
-    /// Path of a special folder; empty when the system has none for this identifier.
-    [[nodiscard]] virtual std::filesystem::path SpecialFolder(int id) = 0;
+    /// The folder below which programs keep their data; empty when the system has none.
+    [[nodiscard]] virtual std::filesystem::path CommonAppData() = 0;
 
     /// The folder of the program's settings.
     [[nodiscard]] virtual std::filesystem::path SettingsFolder() = 0;
-
-    /// The folder of the system's components.
-    [[nodiscard]] virtual std::filesystem::path SystemDirectory() = 0;
 
     /// Whether a control file is installed (true where the toolkit brings the control).
     [[nodiscard]] virtual bool ComponentPresent(const std::string& fileName) = 0;
@@ -31,8 +22,8 @@ class Shell {
     /// Path of the running executable.
     [[nodiscard]] virtual std::filesystem::path ExecutablePath() = 0;
 
-    /// PlatformSupported, or another identifier where the program cannot run.
-    [[nodiscard]] virtual int PlatformId() = 0;
+    /// Whether the program can run on this system.
+    [[nodiscard]] virtual bool IsSupported() = 0;
 
     /// Primary language of the user's locale as a two-letter ISO 639 code in lower case ("de"), "en" when
     /// unknown.

@@ -4,20 +4,20 @@
 
 namespace korvalin {
 
-class RegistryPrimitives;
+class Registry;
 class Settings;
 
 /// The program's entry among those that start when the user logs in.
 class AutoStartEntry {
   public:
-    AutoStartEntry(Settings& settings, RegistryPrimitives& registry, const std::filesystem::path& executable);
+    AutoStartEntry(Settings& settings, Registry& registry, const std::filesystem::path& executable);
 
     /// Stores the choice and writes or removes the entry.
     void AutoStart(bool enable);
 
   private:
     Settings& settings_;
-    RegistryPrimitives& registry_;
+    Registry& registry_;
     std::filesystem::path executable_;
 };
 

@@ -95,7 +95,7 @@ bool Startup::LoadTexts() {
 // ---- the rest
 
 bool Startup::PlatformServes() {
-    if (parts_.Shell.PlatformId() == PlatformSupported) return true;
+    if (parts_.Shell.IsSupported()) return true;
     ShowPieces(parts_.MessageBoxes, parts_.Language, {1}, MessageIcon::Critical);
     return false;
 }

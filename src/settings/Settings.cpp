@@ -52,15 +52,14 @@ Date SameDayLastYear(Date now) {
 } // namespace
 
 Settings::Settings(Registry& registry, Errors& errors, Screen& screen, Clock& clock, const Locale& locale)
-    : primitives_(registry), errors_(errors), screen_(screen), clock_(clock), locale_(locale) {}
+    : registry_(registry), errors_(errors), screen_(screen), clock_(clock), locale_(locale) {}
 
 SettingValue Settings::GetReg(std::string_view name, bool defaultOnly) {
-    return GetRegValidate(name,
-                          defaultOnly ? std::string() : primitives_.RegReadString(SettingsKeyPath, name));
+    return GetRegValidate(name, defaultOnly ? std::string() : registry_.RegReadString(SettingsKeyPath, name));
 }
 
 void Settings::SetReg(std::string_view name, const SettingValue& value) {
-    primitives_.RegWriteString(SettingsKeyPath, name, Trim(TextForm(value)));
+    registry_.RegWriteString(SettingsKeyPath, name, Trim(TextForm(value)));
 }
 
 std::string Settings::TextForm(const SettingValue& value) {
@@ -75,7 +74,7 @@ std::string_view Settings::DefaultText(std::string_view name) const {
 }
 
 std::vector<std::string> Settings::StoredNames() {
-    return primitives_.RegValueNames(SettingsKeyPath);
+    return registry_.RegValueNames(SettingsKeyPath);
 }
 
 SettingValue Settings::GetRegValidate(std::string_view name, std::string value) {

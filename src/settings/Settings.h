@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/Registry.h"
 #include "settings/Keys.h"
-#include "settings/RegistryPrimitives.h"
 #include "settings/SettingValue.h"
 #include "settings/SettingsTable.h"
 
@@ -17,7 +17,7 @@ class Errors;
 class Screen;
 struct Locale;
 
-/// Key path of all settings below the current user's hive.
+/// Key path of all settings.
 inline constexpr std::string_view SettingsKeyPath = "Software\\Korvalin";
 
 /// The persistent options. There is no cache: a value that was written, also by another program instance, is
@@ -73,9 +73,6 @@ class Settings {
     /// it is.
     static std::string TextForm(const SettingValue& value);
 
-    /// For settings of the system outside this program's key.
-    RegistryPrimitives& Primitives() { return primitives_; }
-
   private:
     /// A name may belong to another kind than its key, as "x_TrayVol_FreeHours", a line's, does.
     template <class Value>
@@ -95,7 +92,7 @@ class Settings {
     std::optional<double> ScreenTwips(ScreenSide side);
     std::optional<double> FreeScreenTwips(const ScreenDefault& rule);
 
-    RegistryPrimitives primitives_;
+    Registry& registry_;
     SettingsTable table_;
     Errors& errors_;
     Screen& screen_;

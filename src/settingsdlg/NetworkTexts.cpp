@@ -171,11 +171,11 @@ void AddRows(const std::vector<AddressRow>& rows, TextTable& table) {
 
 TextTable BuildAdapterTable(NetworkTables& network, Language& language, const Locale& locale) {
     TextTable table{{CaptionColumn(language)}};
-    std::vector<InterfaceEntry> entries;
-    if (network.GetIfTable2(entries) != 0) return table;
-    table.Columns.reserve(1 + entries.size());
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        table.Columns.push_back(AdapterColumn(i + 1, entries[i], locale));
+    const auto entries = network.GetIfTable2();
+    if (!entries) return table;
+    table.Columns.reserve(1 + entries->size());
+    for (std::size_t i = 0; i < entries->size(); ++i)
+        table.Columns.push_back(AdapterColumn(i + 1, (*entries)[i], locale));
     return table;
 }
 
@@ -183,11 +183,10 @@ TextTable BuildAddressTable(NetworkTables& network) {
     TextTable table;
     for (const std::string_view caption : captions)
         table.Columns.push_back({std::string(caption), {}});
-    std::vector<IpAddressRow> rows;
-    if (network.GetIpAddrTable(rows) != 0) return table;
-    AddRows(rows, table);
-    std::vector<UnicastIpAddressRow> rows6;
-    if (network.GetUnicastIpAddressTable(rows6) == 0) AddRows(rows6, table);
+    const auto rows = network.GetIpAddrTable();
+    if (!rows) return table;
+    AddRows(*rows, table);
+    if (const auto rows6 = network.GetUnicastIpAddressTable()) AddRows(*rows6, table);
     return table;
 }
 

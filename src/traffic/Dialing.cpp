@@ -3,7 +3,6 @@
 #include "base/FlagGuard.h"
 #include "errors/Errors.h"
 #include "platform/Events.h"
-#include "platform/Internet.h"
 #include "settings/Settings.h"
 #include "traffic/LineRecord.h"
 #include "traffic/PhoneNumberGuard.h"
@@ -13,7 +12,7 @@
 namespace korvalin {
 namespace {
 
-constexpr std::size_t mostConnections = 256;
+constexpr std::size_t mostConnections = 256; // a list of more is not taken at all
 constexpr int lastPass = 10;
 constexpr int passMilliseconds = 100;
 // InternetDialUnattended as callers pass it, with the upper half set.
@@ -26,32 +25,28 @@ void Dialing::DialEntry(const std::string& entryName) {
     if (busy_) return;
     const FlagGuard busy(busy_);
     parts_.Errors.Step("DialEntry", [&] {
-        const bool anotherIsUp = parts_.Lines.MonitoredLineType == "RAS" && parts_.Lines.AnyLineConnected;
-        std::int32_t connection = 0;
-        int result = Dial(entryName, anotherIsUp ? InternetDialForcePrompt : unattended, connection);
-        if (result == ErrorAuthenticationFailure)
-            result = Dial(entryName, InternetDialForcePrompt, connection);
-        if (result == 0 && connection != 0) parts_.Settings.Set(Keys::LineLast, entryName);
+        const bool anotherIsUp =
+            parts_.Lines.MonitoredLineType == LineType::Ras && parts_.Lines.AnyLineConnected;
+        DialResult result = Dial(entryName, anotherIsUp ? InternetDialForcePrompt : unattended);
+        if (result.Error == ErrorAuthenticationFailure) result = Dial(entryName, InternetDialForcePrompt);
+        if (result.Error == 0 && result.Connection != 0) parts_.Settings.Set(Keys::LineLast, entryName);
     });
 }
 
 // The number is looked at before every attempt: it may have changed during the one before, or while that
 // asked for the login.
-int Dialing::Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) {
-    int result = ErrorRetry;
-    while (result == ErrorRetry) {
-        connection = 0;
-        if (!parts_.PhoneNumberGuard.CheckPhoneNumber(entryName) || stopped_) return ErrorCancelled;
-        result = parts_.Internet.Dial(entryName, flags, connection);
+DialResult Dialing::Dial(const std::string& entryName, std::uint32_t flags) {
+    DialResult result{ErrorRetry};
+    while (result.Error == ErrorRetry) {
+        if (!parts_.PhoneNumberGuard.CheckPhoneNumber(entryName) || stopped_) return {ErrorCancelled};
+        result = parts_.Internet.Dial(entryName, flags);
     }
     return result;
 }
 
 std::vector<RasConnection> Dialing::Connections() {
-    std::vector<RasConnection> connections(mostConnections);
-    std::uint32_t count = 0;
-    if (parts_.Ras.EnumConnections(connections, count) != 0) count = 0;
-    connections.resize(std::min<std::size_t>(count, mostConnections));
+    std::vector<RasConnection> connections = parts_.Ras.EnumConnections();
+    if (connections.size() > mostConnections) connections.clear();
     return connections;
 }
 
@@ -64,7 +59,7 @@ void Dialing::MONHangUp() {
             ++pass;
             const std::vector<RasConnection> connections = Connections();
             if (connections.empty()) break;
-            static_cast<void>(parts_.Ras.HangUp(connections.front().Handle)); // the next pass looks anew
+            parts_.Ras.HangUp(connections.front().Handle);
             parts_.Events.Sleep(passMilliseconds);
         }
         if (pass >= lastPass) parts_.Errors.WriteErrorLog("MONHangUp failed", "uncritical Error");
@@ -73,11 +68,10 @@ void Dialing::MONHangUp() {
 
 // While adapters are monitored nobody else reads the dial-up connections.
 bool Dialing::ConnectionUp() {
-    if (parts_.Lines.MonitoredLineType == "RAS") return parts_.Lines.AnyLineConnected;
+    if (parts_.Lines.MonitoredLineType == LineType::Ras) return parts_.Lines.AnyLineConnected;
     const std::vector<RasConnection> connections = Connections();
     return std::any_of(connections.begin(), connections.end(), [&](const RasConnection& connection) {
-        std::uint32_t state = 0;
-        return parts_.Ras.GetConnectStatus(connection.Handle, state) == 0 && state == RascsConnected;
+        return parts_.Ras.GetConnectStatus(connection.Handle) == RascsConnected;
     });
 }
 
@@ -88,9 +82,9 @@ DialChoices Dialing::Choices() {
     TableFromOne<std::string> names;
     parts_.PhoneBook.RASGetEntries(names);
     for (std::string& name : names) {
-        PhoneEntry entry;
-        static_cast<void>(parts_.Ras.GetEntryProperties(name, entry)); // what cannot be read is no VPN
-        if (!name.empty() && entry.DeviceType != vpnDevice) choices.Entries.push_back(std::move(name));
+        const auto entry = parts_.Ras.GetEntryProperties(name);
+        const bool isVpn = entry && entry->DeviceType == vpnDevice;
+        if (!name.empty() && !isVpn) choices.Entries.push_back(std::move(name));
     }
     const std::string last = parts_.Settings.Get(Keys::LineLast);
     if (std::find(choices.Entries.begin(), choices.Entries.end(), last) != choices.Entries.end())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Internet.h"
 #include "traffic/PhoneBook.h"
 
 #include <string>
@@ -56,7 +57,7 @@ class Dialing {
     std::size_t EntriesCount() { return parts_.PhoneBook.RASGetEntriesCount(); }
 
   private:
-    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection);
+    DialResult Dial(const std::string& entryName, std::uint32_t flags);
     bool ConnectionUp();
     std::vector<RasConnection> Connections();
 

@@ -73,11 +73,12 @@ bool LanReader::CarriesDialUp(std::uint32_t index) const {
 bool LanReader::ReadTable() {
     progress_ = 1;
     removed_.clear();
-    const bool read = network_.GetIfTable(rows_, true) == 0;
+    std::optional<std::vector<InterfaceRow>> table = network_.GetIfTable();
+    rows_ = table ? std::move(*table) : std::vector<InterfaceRow>();
     removed_ = network_.TakeRemoved();
     // One time for all rows, taken right after the dump: the rates divide by the time between two dumps.
     reading_ = {clock_.Now(), clock_.AwakeSeconds()};
-    if (!read) return false;
+    if (!table) return false;
     // The account of one that was removed is closed; another adapter may have its index by now.
     if (removed_.empty()) ledger_.KeepOnly(rows_);
     ledger_.Meet(rows_, reading_.Time);
@@ -185,7 +186,8 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
             progress_ = static_cast<int>(i * 10 + 6000 + ++accepted);
             if (accepted > state_.LineCount) {
                 book_.GrowTo(lines, accepted);
-                state_.MonitoredLineType.clear(); // it may be a dial-up line that nobody has announced yet
+                // It may be a dial-up line that nobody has announced yet.
+                state_.MonitoredLineType = LineType::Undecided;
             }
             progress_ = static_cast<int>(i * 10 + 6100 + accepted);
             const LineRecord* open = FindOpen(rows_[i].Index, accepted);

@@ -59,7 +59,7 @@ class LanReader {
     const TrafficOptions& options_;
     Errors& errors_;
     Clock& clock_;
-    std::vector<InterfaceRow> rows_;    // kept for its storage
+    std::vector<InterfaceRow> rows_;
     std::vector<InterfaceRow> removed_; // since the pass before
     Reading reading_;
     bool looked_ = false; // the table is this pass's

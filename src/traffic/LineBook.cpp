@@ -140,7 +140,8 @@ void LineBook::RecordClosedConnections(TableFromOne<LineRecord>& lines, std::siz
 
 void LineBook::ForgetLines() {
     // Adapters that are followed go on to be; only one more of them leaves the type open for a pass.
-    if (state_.LineCount > 0 && state_.MonitoredLineType.empty()) state_.MonitoredLineType = "LAN";
+    if (state_.LineCount > 0 && state_.MonitoredLineType == LineType::Undecided)
+        state_.MonitoredLineType = LineType::Lan;
     state_.LineTable = state_.PreviousLineTable = TableFromOne<LineRecord>(1);
     state_.LineCount = 0;
     state_.AnyLineConnected = false;

@@ -32,9 +32,10 @@ void LineMonitor::Pass() {
     step([&] { book_.ResetLineSamples(state_.LineTable); });
     if (!firstPassDone_) step([&] { state_.RasInstalled = IsRasInstalled(internet_); });
     firstPassDone_ = true;
-    if (state_.MonitoredLineType.empty() || state_.LineCount == 0) step([&] { DetermineLineType(); });
-    const bool isLan = state_.MonitoredLineType == "LAN";
-    const bool isRas = state_.MonitoredLineType == "RAS";
+    if (state_.MonitoredLineType == LineType::Undecided || state_.LineCount == 0)
+        step([&] { DetermineLineType(); });
+    const bool isLan = state_.MonitoredLineType == LineType::Lan;
+    const bool isRas = state_.MonitoredLineType == LineType::Ras;
     if (isLan && options_.LanProt) return step([&] { lan_.Get_Bytes_Transmitted_LAN(state_.LineTable); });
     if (isRas) {
         step([&] { ras_.Get_Bytes_Transmitted_RAS(state_.LineTable); });
@@ -68,16 +69,17 @@ void LineMonitor::TakeSnapshot() {
     }
 }
 
-// A pass over "unknown" lines reads nothing, so the LAN flag of such a pass is not looked at. Adapters that
+// A pass over unknown lines reads nothing, so the LAN flag of such a pass is not looked at. Adapters that
 // are followed go on to be when no route is left.
 void LineMonitor::DetermineLineType() {
     const ConnectedState connected = internet_.GetConnectedState();
     if ((connected.Flags & InternetConnectionModem) != 0) {
-        state_.MonitoredLineType = state_.RasInstalled ? "RAS" : "unknown";
+        state_.MonitoredLineType = state_.RasInstalled ? LineType::Ras : LineType::Unknown;
         if (!state_.RasInstalled) return;
     }
-    const bool followsAdapters = state_.LineCount > 0 && state_.MonitoredLineType.empty();
-    if ((connected.Flags & InternetConnectionLan) != 0 || followsAdapters) state_.MonitoredLineType = "LAN";
+    const bool followsAdapters = state_.LineCount > 0 && state_.MonitoredLineType == LineType::Undecided;
+    if ((connected.Flags & InternetConnectionLan) != 0 || followsAdapters)
+        state_.MonitoredLineType = LineType::Lan;
 }
 
 bool LineMonitor::IsDivided(const LineRecord& line) const {

@@ -58,12 +58,7 @@ bool LineNames::IsTaken(const std::string& name, const std::vector<InterfaceRow>
     const auto isIt = [&](std::string_view other) { return EqualsNoCase(other, name); };
     if (std::any_of(rows.begin(), rows.end(), [&](const InterfaceRow& row) { return isIt(row.Description); }))
         return true;
-    std::vector<std::string> entries;
-    std::uint32_t count = 0;
-    if (ras_.EnumEntries(entries, count) == ErrorBufferTooSmall) {
-        entries.resize(count);
-        if (ras_.EnumEntries(entries, count) != 0) return false;
-    }
+    const std::vector<std::string> entries = ras_.EnumEntries().Names;
     return std::any_of(entries.begin(), entries.end(), isIt);
 }
 

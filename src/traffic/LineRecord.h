@@ -70,6 +70,14 @@ LinePart OpenPartOf(const LineRecord& line);
 /// The same with all that a record of it needs.
 OpenConnection ConnectionOf(const LineRecord& line);
 
+/// What is monitored.
+enum class LineType {
+    Undecided,
+    Unknown, ///< dial-up lines without RAS, which nobody can read
+    Lan,
+    Ras
+};
+
 /// What the traffic readers know, one for the whole program. Lines count from 1.
 struct LineState {
     /// The current pass; never empty.
@@ -77,8 +85,7 @@ struct LineState {
     /// The connected lines as they were at the start of the pass: what is recorded when a line ends.
     TableFromOne<LineRecord> PreviousLineTable{1};
     std::size_t LineCount = 0;
-    /// "RAS", "LAN", "unknown", or empty while not decided.
-    std::string MonitoredLineType;
+    LineType MonitoredLineType = LineType::Undecided;
     bool AnyLineConnected = false;
     bool RasInstalled = false;
     /// The last failure inside the RAS reader, which then stays off; 0 = none.

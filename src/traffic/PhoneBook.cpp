@@ -18,28 +18,23 @@ std::string EnumFailed(int code) {
 PhoneBook::PhoneBook(Ras& ras, Internet& internet, MessageBoxes& messageBoxes, Errors& errors)
     : ras_(ras), internet_(internet), messageBoxes_(messageBoxes), errors_(errors) {}
 
-// Offered no room, the system tells how much it needs; it has nothing to tell when there are no entries.
 std::size_t PhoneBook::RASGetEntriesCount() {
     if (!IsRasInstalled(internet_)) return 0;
-    std::vector<std::string> noRoom;
-    std::uint32_t count = 0;
-    const int code = ras_.EnumEntries(noRoom, count);
-    if (code == ErrorBufferTooSmall) return count;
-    if (code != 0) errors_.WriteErrorLog(EnumFailed(code), "RAS");
-    return 0;
+    const PhoneBookNames read = ras_.EnumEntries();
+    if (read.Error != 0) errors_.WriteErrorLog(EnumFailed(read.Error), "RAS");
+    return read.Names.size();
 }
 
 std::size_t PhoneBook::RASGetEntries(TableFromOne<std::string>& names) {
-    std::vector<std::string> read(RASGetEntriesCount());
-    names = TableFromOne<std::string>(read.size());
-    if (read.empty()) return 0;
-    std::uint32_t count = 0;
-    const int code = ras_.EnumEntries(read, count);
-    if (code == 0) {
-        std::sort(read.begin(), read.end());
-        std::move(read.begin(), read.end(), names.begin());
+    names = TableFromOne<std::string>(RASGetEntriesCount());
+    if (names.Size() == 0) return 0;
+    PhoneBookNames read = ras_.EnumEntries();
+    if (read.Error == 0) {
+        names = TableFromOne<std::string>(read.Names.size());
+        std::sort(read.Names.begin(), read.Names.end());
+        std::move(read.Names.begin(), read.Names.end(), names.begin());
     } else {
-        messageBoxes_.Show(EnumFailed(code), std::string(ProgramTitle), MessageIcon::Warning,
+        messageBoxes_.Show(EnumFailed(read.Error), std::string(ProgramTitle), MessageIcon::Warning,
                            MessageButtons::Ok);
     }
     return names.Size();

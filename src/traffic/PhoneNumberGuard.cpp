@@ -79,8 +79,7 @@ bool PhoneNumberGuard::CheckPhoneNumber(const std::string& entryName) {
 
 // An entry that cannot be read has no number. Blanks around it are not kept by the settings.
 std::string PhoneNumberGuard::NumberOf(const std::string& entryName) {
-    PhoneEntry entry;
-    if (ras_.GetEntryProperties(entryName, entry) != 0) entry = {};
+    const PhoneEntry entry = ras_.GetEntryProperties(entryName).value_or(PhoneEntry());
     const std::string& local = entry.LocalPhoneNumber;
     return std::string(Trim(entry.AreaCode.empty() ? local : entry.AreaCode + "-" + local));
 }

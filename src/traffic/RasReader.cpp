@@ -40,7 +40,7 @@ bool RasReader::Step(const std::function<void()>& step) {
 void RasReader::Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines) {
     if (state_.LastRasError > 0) return;
     std::vector<RasConnection> connections;
-    Step([&] { connections = Enumerate(); });
+    Step([&] { connections = ras_.EnumConnections(); });
     Step([&] { EndAdapters(lines); });
 
     const std::size_t count = connections.size();
@@ -68,16 +68,6 @@ void RasReader::EndAdapters(TableFromOne<LineRecord>& lines) {
     if (any) book_.RecordClosedConnections(lines, 0);
 }
 
-std::vector<RasConnection> RasReader::Enumerate() {
-    std::vector<RasConnection> connections(std::max<std::size_t>(state_.LineCount, 1));
-    std::uint32_t count = 0;
-    while (ras_.EnumConnections(connections, count) == ErrorBufferTooSmall && count >= 1) {
-        connections.resize(std::max<std::size_t>(connections.size() + 1, count));
-    }
-    connections.resize(std::min<std::size_t>(count, connections.size()));
-    return connections;
-}
-
 // A connection keeps its line when those before it end.
 void RasReader::TakeSlot(std::int32_t handle, std::size_t i, const TableFromOne<LineRecord>& before,
                          LineRecord& line) {
@@ -89,12 +79,8 @@ void RasReader::TakeSlot(std::int32_t handle, std::size_t i, const TableFromOne<
 }
 
 void RasReader::ReadConnection(const RasConnection& connection, LineRecord& line) {
-    RasStatistics statistics;
-    std::uint32_t connectionState = 0;
-    // A connection that cannot be read counts as not connected, so the codes need no look.
-    static_cast<void>(ras_.GetConnectionStatistics(connection.Handle, statistics));
-    static_cast<void>(ras_.GetConnectStatus(connection.Handle, connectionState));
-    if (connectionState != RascsConnected) return;
+    const RasStatistics statistics = ras_.GetConnectionStatistics(connection.Handle);
+    if (ras_.GetConnectStatus(connection.Handle) != RascsConnected) return;
 
     state_.AnyLineConnected = true;
     const Date now = clock_.Now();
@@ -216,8 +202,7 @@ void RasReader::CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t cou
 }
 
 void RasReader::ReadTcpStatistics() {
-    TcpStatistics tcp;
-    static_cast<void>(network_.GetTcpStatistics(tcp)); // zeroed when the system does not tell
+    const TcpStatistics tcp = network_.GetTcpStatistics();
     LineRecord& line = state_.LineTable(1);
     line.TcpConnections = tcp.NumConns;
     line.TcpEstablished = tcp.CurrEstab;

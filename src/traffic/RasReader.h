@@ -27,7 +27,6 @@ class RasReader {
 
   private:
     bool Step(const std::function<void()>& step);
-    std::vector<RasConnection> Enumerate();
     void EndAdapters(TableFromOne<LineRecord>& lines);
     void TakeSlot(std::int32_t handle, std::size_t i, const TableFromOne<LineRecord>& before,
                   LineRecord& line);

@@ -20,7 +20,7 @@ class LiveTextsTest : public CoreFixture {
         texts.SampleIndex = 10;
         clock.Advance(100);
         lines.LineCount = 1;
-        lines.MonitoredLineType = "LAN";
+        lines.MonitoredLineType = LineType::Lan;
         lines.AnyLineConnected = true;
         LineRecord& line = lines.LineTable(1);
         line.LineName = line.EntryName = "eth0";

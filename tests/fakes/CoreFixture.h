@@ -22,11 +22,10 @@ class CoreFixture : public testing::Test {
     CoreFixture() {
         std::filesystem::create_directories(programFolder);
         shell.Executable = programFolder / "Korvalin.exe";
-        shell.Folders[SpecialFolderCommonAppData] = folder / "data";
+        shell.AppData = folder / "data";
         errors.Plug({[](int number) { return "t" + std::to_string(number); },
                      [this] { return folder.Path(); }, [this] { ended = true; }});
     }
-    ~CoreFixture() override { EXPECT_EQ(registry.OpenKeys, 0) << "a key was left open"; }
 
     /// Writes the language file: a header and these lines.
     void WriteTexts(std::string_view lines) {

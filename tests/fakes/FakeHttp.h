@@ -41,10 +41,10 @@ class FakeHttp : public Http {
   private:
     struct Stream : HttpStream {
         explicit Stream(Answer answer) : Given(std::move(answer)) {}
-        std::optional<std::size_t> Read(std::span<char> buffer) override {
-            const std::size_t count = Given.Body.copy(buffer.data(), buffer.size(), Taken);
-            Taken += count;
-            return count == 0 && Given.Breaks ? std::nullopt : std::optional(count);
+        std::optional<std::string> Read(std::size_t bytes) override {
+            std::string part = Given.Body.substr(Taken, bytes);
+            Taken += part.size();
+            return part.empty() && Given.Breaks ? std::nullopt : std::optional(part);
         }
         HttpHead Head() override { return {Given.StatusCode, Given.Length, Given.EndIsKnown}; }
         HttpFailure Failure() override {

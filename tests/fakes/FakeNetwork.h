@@ -20,23 +20,20 @@ class FakeNetworkTables : public NetworkTables {
     std::vector<IpAddressRow> Addresses;
     std::vector<UnicastIpAddressRow> Addresses6;
     TcpStatistics Tcp;
-    int Result = 0; ///< of every table of adapters and addresses
+    bool IsUnreadable = false; ///< every table of adapters and addresses
     bool Throws = false;
 
-    int GetIfTable(std::vector<InterfaceRow>& rows, bool) override {
+    std::optional<std::vector<InterfaceRow>> GetIfTable() override {
         if (Throws) throw std::runtime_error("the interface table is gone");
-        return Give(Rows, rows);
+        return Give(Rows);
     }
     std::vector<InterfaceRow> TakeRemoved() override { return std::exchange(Removed, {}); }
-    int GetIfTable2(std::vector<InterfaceEntry>& entries) override { return Give(Entries, entries); }
-    int GetIpAddrTable(std::vector<IpAddressRow>& rows) override { return Give(Addresses, rows); }
-    int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override {
-        return Give(Addresses6, rows);
+    std::optional<std::vector<InterfaceEntry>> GetIfTable2() override { return Give(Entries); }
+    std::optional<std::vector<IpAddressRow>> GetIpAddrTable() override { return Give(Addresses); }
+    std::optional<std::vector<UnicastIpAddressRow>> GetUnicastIpAddressTable() override {
+        return Give(Addresses6);
     }
-    int GetTcpStatistics(TcpStatistics& statistics) override {
-        statistics = Tcp;
-        return 0;
-    }
+    TcpStatistics GetTcpStatistics() override { return Tcp; }
 
     /// Adds an Ethernet adapter that counts in 64 bits.
     InterfaceRow& Add(const std::string& description, std::uint64_t in, std::uint64_t out) {
@@ -47,9 +44,8 @@ class FakeNetworkTables : public NetworkTables {
 
   private:
     template <typename Row>
-    int Give(const std::vector<Row>& table, std::vector<Row>& rows) const {
-        rows = Result == 0 ? table : std::vector<Row>{};
-        return Result;
+    std::optional<std::vector<Row>> Give(const std::vector<Row>& table) const {
+        return IsUnreadable ? std::nullopt : std::optional(table);
     }
 };
 
@@ -76,13 +72,12 @@ class FakeInternet : public Internet {
     std::int32_t Connection = 1;
 
     ConnectedState GetConnectedState() override { return State; }
-    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override {
+    DialResult Dial(const std::string& entryName, std::uint32_t flags) override {
         const std::size_t dial = Dials.size();
         Dials.emplace_back(entryName, flags);
         OnDial(entryName);
-        const int result = dial < DialResults.size() ? DialResults[dial] : 0;
-        connection = result == 0 ? Connection : 0;
-        return result;
+        const int error = dial < DialResults.size() ? DialResults[dial] : 0;
+        return {error, error == 0 ? Connection : 0};
     }
 };
 
@@ -96,56 +91,44 @@ class FakeRas : public Ras {
     std::vector<Line> Lines;
     bool Throws = false;
 
-    int EnumConnections(std::vector<RasConnection>& connections, std::uint32_t& count) override {
+    std::vector<RasConnection> EnumConnections() override {
         if (Throws) throw std::runtime_error("the remote access service is gone");
-        count = static_cast<std::uint32_t>(Lines.size());
-        if (Lines.size() > connections.size()) return ErrorBufferTooSmall;
-        for (std::size_t i = 0; i < Lines.size(); ++i)
-            connections[i] = Lines[i].Connection;
-        return 0;
+        std::vector<RasConnection> connections;
+        for (const Line& line : Lines)
+            connections.push_back(line.Connection);
+        return connections;
     }
-    int GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) override {
-        statistics = Find(handle).Statistics;
-        return 0;
-    }
-    int GetConnectStatus(std::int32_t handle, std::uint32_t& state) override {
-        state = Find(handle).State;
-        return 0;
-    }
+    RasStatistics GetConnectionStatistics(std::int32_t handle) override { return Find(handle).Statistics; }
+    std::uint32_t GetConnectStatus(std::int32_t handle) override { return Find(handle).State; }
     struct Entry {
         std::string Name;
         PhoneEntry Properties;
     };
     std::vector<Entry> Entries;
-    /// The result of the sizing call when it is neither 0 nor ErrorBufferTooSmall.
-    int EnumEntriesResult = 0;
-    int FillEntriesResult = 0;
+    /// Errors of the coming looks at the entries, in order; 0 once they are used up.
+    std::vector<int> EntriesErrors;
     std::vector<std::int32_t> HungUp;
     bool Stubborn = false; ///< connections stay up although they are hung up
 
-    int EnumEntries(std::vector<std::string>& names, std::uint32_t& count) override {
-        if (EnumEntriesResult != 0) return EnumEntriesResult;
-        count = static_cast<std::uint32_t>(Entries.size());
-        if (Entries.size() > names.size()) return ErrorBufferTooSmall;
-        if (FillEntriesResult != 0) return FillEntriesResult;
-        for (std::size_t i = 0; i < Entries.size(); ++i)
-            names[i] = Entries[i].Name;
-        return 0;
-    }
-    int GetEntryProperties(const std::string& entryName, PhoneEntry& entry) override {
-        entry = {};
-        for (const Entry& known : Entries) {
-            if (known.Name != entryName) continue;
-            entry = known.Properties;
-            return 0;
+    PhoneBookNames EnumEntries() override {
+        PhoneBookNames names;
+        if (!EntriesErrors.empty()) {
+            names.Error = EntriesErrors.front();
+            EntriesErrors.erase(EntriesErrors.begin());
         }
-        return ErrorCannotFindPhonebookEntry;
+        for (const Entry& entry : Entries)
+            if (names.Error == 0) names.Names.push_back(entry.Name);
+        return names;
     }
-    int HangUp(std::int32_t handle) override {
+    std::optional<PhoneEntry> GetEntryProperties(const std::string& entryName) override {
+        for (const Entry& known : Entries)
+            if (known.Name == entryName) return known.Properties;
+        return std::nullopt;
+    }
+    void HangUp(std::int32_t handle) override {
         HungUp.push_back(handle);
         if (!Stubborn)
             std::erase_if(Lines, [&](const Line& line) { return line.Connection.Handle == handle; });
-        return 0;
     }
 
   private:

@@ -1,75 +1,59 @@
 #pragma once
 
-#include "base/Text.h"
 #include "platform/Registry.h"
 
 #include <map>
 
 namespace korvalin {
 
-/// A registry in memory. `OpenResult` and `CreateResult` make the next calls fail.
 class FakeRegistry : public Registry {
   public:
-    int OpenResult = ErrorSuccess;
-    int CreateResult = ErrorSuccess;
-    int OpenKeys = 0;
+    bool IsLost = false; ///< every call fails
+    int Misses = 0;      ///< how often a write finds that somebody has deleted its key
     int Writes = 0;
 
-    int CreateKeyEx(RegistryHive, std::string_view keyPath, RegistryAccess, RegistryKey& key,
-                    RegistryDisposition& disposition) override {
-        if (CreateResult != ErrorSuccess) return CreateResult;
-        const bool isNew = keys_.try_emplace(ToLower(keyPath)).second;
-        disposition = isNew ? RegistryDisposition::CreatedNewKey : RegistryDisposition::OpenedExistingKey;
-        return Hand(keyPath, key);
+    int RegEnsureKey(std::string_view keyPath) override {
+        if (IsLost) return 0;
+        return keys_.try_emplace(ToLower(keyPath)).second ? 1 : 2;
     }
-    int OpenKeyEx(RegistryHive, std::string_view keyPath, RegistryAccess, RegistryKey& key) override {
-        if (OpenResult != ErrorSuccess) return OpenResult;
-        return keys_.contains(ToLower(keyPath)) ? Hand(keyPath, key) : ErrorFileNotFound;
+    std::vector<std::string> RegValueNames(std::string_view keyPath) override {
+        std::vector<std::string> names;
+        for (const auto& [lower, value] : ValuesOf(keyPath))
+            names.push_back(value.Name);
+        return names;
     }
-    int QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize,
-                     std::string& text) override {
-        if (!opened_.contains(key)) return ErrorInvalidHandle;
-        const auto& values = keys_[opened_.at(key)];
+
+  protected:
+    std::optional<std::string> ReadValue(std::string_view keyPath, std::string_view valueName) override {
+        const Values values = ValuesOf(keyPath);
         const auto found = values.find(ToLower(valueName));
-        if (found == values.end()) return ErrorFileNotFound;
-        if (found->second.Text.size() + 1 > bufferSize) return ErrorMoreData;
-        text = found->second.Text;
-        return ErrorSuccess;
+        return IsLost || found == values.end() ? std::nullopt : std::optional(found->second.Text);
     }
-    int SetValueEx(RegistryKey key, std::string_view valueName, std::string_view text) override {
-        if (!opened_.contains(key)) return ErrorInvalidHandle;
+    Written WriteValue(std::string_view keyPath, std::string_view valueName, std::string_view text) override {
+        if (IsLost) return Written::No;
+        const auto key = keys_.find(ToLower(keyPath));
+        if (--Misses >= 0 || key == keys_.end()) return Written::KeyIsMissing;
         ++Writes;
-        auto& value = keys_[opened_.at(key)][ToLower(valueName)];
+        auto& value = key->second[ToLower(valueName)];
         if (value.Name.empty()) value.Name = valueName;
         value.Text = text;
-        return ErrorSuccess;
+        return Written::Yes;
     }
-    int DeleteValue(RegistryKey key, std::string_view valueName) override {
-        if (!opened_.contains(key)) return ErrorInvalidHandle;
-        return keys_[opened_.at(key)].erase(ToLower(valueName)) == 1 ? ErrorSuccess : ErrorFileNotFound;
+    bool DeleteValue(std::string_view keyPath, std::string_view valueName) override {
+        const auto key = keys_.find(ToLower(keyPath));
+        return !IsLost && key != keys_.end() && key->second.erase(ToLower(valueName)) == 1;
     }
-    int EnumValues(RegistryKey key, std::vector<std::string>& valueNames) override {
-        if (!opened_.contains(key)) return ErrorInvalidHandle;
-        valueNames.clear();
-        for (const auto& [lower, value] : keys_[opened_.at(key)])
-            valueNames.push_back(value.Name);
-        return ErrorSuccess;
-    }
-    void CloseKey(RegistryKey key) override { OpenKeys -= static_cast<int>(opened_.erase(key)); }
 
   private:
     struct Value {
         std::string Name, Text;
     };
-    int Hand(std::string_view keyPath, RegistryKey& key) {
-        key = ++lastKey_;
-        opened_[key] = ToLower(keyPath);
-        ++OpenKeys;
-        return ErrorSuccess;
+    using Values = std::map<std::string, Value>;
+    Values ValuesOf(std::string_view keyPath) const {
+        const auto key = keys_.find(ToLower(keyPath));
+        return key == keys_.end() ? Values() : key->second;
     }
-    std::map<std::string, std::map<std::string, Value>> keys_;
-    std::map<RegistryKey, std::string> opened_;
-    RegistryKey lastKey_ = 0;
+    std::map<std::string, Values> keys_;
 };
 
 } // namespace korvalin

@@ -8,7 +8,6 @@
 #include "platform/User.h"
 
 #include <functional>
-#include <map>
 #include <vector>
 
 namespace korvalin {
@@ -48,24 +47,23 @@ class FakeEvents : public Events {
 
 class FakeShell : public Shell {
   public:
-    std::map<int, std::filesystem::path> Folders;
+    std::filesystem::path AppData;
     std::filesystem::path Executable;
     std::vector<std::filesystem::path> Started;
     bool Starts = true;
     std::vector<std::string> Pages, Addresses;
     std::vector<std::string> MissingComponents;
     std::string Language = "de";
-    int Platform = PlatformSupported;
+    bool Supported = true;
 
-    std::filesystem::path SpecialFolder(int id) override { return Folders[id]; }
+    std::filesystem::path CommonAppData() override { return AppData; }
     std::filesystem::path SettingsFolder() override { return Executable.parent_path() / "settings"; }
-    std::filesystem::path SystemDirectory() override { return "/usr/lib/"; }
     bool ComponentPresent(const std::string& fileName) override {
         return std::find(MissingComponents.begin(), MissingComponents.end(), fileName) ==
                MissingComponents.end();
     }
     std::filesystem::path ExecutablePath() override { return Executable; }
-    int PlatformId() override { return Platform; }
+    bool IsSupported() override { return Supported; }
     std::string UserLanguage() override { return Language; }
     bool StartProgram(const std::filesystem::path& program) override {
         if (Starts) Started.push_back(program);

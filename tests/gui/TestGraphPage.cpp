@@ -54,9 +54,7 @@ class GraphPageTest : public CoreFixture, protected Driver {
     QWidget* Driven() const override { return page; }
     PictureBox* Picture() { return Find<PictureBox>("PicChart"); }
     QComboBox* Combo(const char* name) { return Find<QComboBox>(name); }
-    std::string Stored(const char* name) {
-        return settings.Primitives().RegReadString(SettingsKeyPath, name);
-    }
+    std::string Stored(const char* name) { return registry.RegReadString(SettingsKeyPath, name); }
 
     // In device pixels.
     int Device(double logical) { return static_cast<int>(std::lround(logical * page->devicePixelRatioF())); }

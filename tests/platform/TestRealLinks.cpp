@@ -43,8 +43,7 @@ void InOwnNetwork(const std::function<void()>& test) {
 }
 
 bool IsUp(NetlinkNetworkTables& tables, const std::string& link) {
-    std::vector<InterfaceRow> rows;
-    EXPECT_EQ(tables.GetIfTable(rows, true), 0);
+    const std::vector<InterfaceRow> rows = tables.GetIfTable().value();
     return std::any_of(rows.begin(), rows.end(), [&](const InterfaceRow& row) {
         return row.Description == link && row.OperStatus == OperationalStatus::Operational;
     });
@@ -126,15 +125,14 @@ TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
         };
         for (const auto& row : rows) {
             NetlinkNetworkTables tables;
-            std::vector<InterfaceRow> links;
-            ASSERT_EQ(tables.GetIfTable(links, true), 0);
+            ASSERT_TRUE(tables.GetIfTable());
             ASSERT_TRUE(Shell(row.Before)) << row.Before;
             Send(tables, row.Sender);
-            ASSERT_EQ(tables.GetIfTable(links, true), 0);
+            ASSERT_TRUE(tables.GetIfTable());
             EXPECT_TRUE(tables.TakeRemoved().empty());
             Send(tables, row.Sender);
             ASSERT_TRUE(Shell(row.Then)) << row.Then;
-            ASSERT_EQ(tables.GetIfTable(links, true), 0);
+            const std::vector<InterfaceRow> links = tables.GetIfTable().value();
             Names removed;
             for (const InterfaceRow& link : tables.TakeRemoved())
                 removed.insert(Told(link));
@@ -161,11 +159,9 @@ TEST(RealLinks, NeverGoUnnoticed) {
                               "ip link delete v$i; done"));
             done = true;
         });
-        std::vector<InterfaceRow> links;
         Names before;
         while (!done) {
-            EXPECT_EQ(tables.GetIfTable(links, true), 0);
-            const Names now = NamesOf(links);
+            const Names now = NamesOf(tables.GetIfTable().value());
             for (const InterfaceRow& link : tables.TakeRemoved()) {
                 EXPECT_FALSE(now.contains(link.Description)) << link.Description;
                 if (before.erase(link.Description) > 0) {
@@ -187,10 +183,8 @@ TEST(RealLinks, AreKnownByTheirDevicesUntilTheyAreGone) {
         ASSERT_TRUE(Shell("ip link add card0 type veth peer name v1; ip link add br0 type bridge; "
                           "ip link set card0 master br0"));
         NetlinkNetworkTables tables("/proc/net", net.Path());
-        std::vector<InterfaceRow> links;
-        std::vector<InterfaceEntry> entries;
-        ASSERT_EQ(tables.GetIfTable(links, true), 0);
-        ASSERT_EQ(tables.GetIfTable2(entries), 0);
+        const std::vector<InterfaceRow> links = tables.GetIfTable().value();
+        const std::vector<InterfaceEntry> entries = tables.GetIfTable2().value();
         EXPECT_EQ(links.size(), 4U);
         for (const InterfaceRow& link : links) {
             EXPECT_EQ(link.HasHardware, link.Description == "card0") << link.Description;
@@ -201,7 +195,7 @@ TEST(RealLinks, AreKnownByTheirDevicesUntilTheyAreGone) {
 
         ASSERT_TRUE(Shell("ip link delete card0"));
         std::filesystem::remove_all(net.Path() / "card0");
-        ASSERT_EQ(tables.GetIfTable(links, true), 0);
+        ASSERT_TRUE(tables.GetIfTable());
         const std::vector<InterfaceRow> removed = tables.TakeRemoved();
         EXPECT_EQ(NamesOf(removed), (Names{"card0", "v1"}));
         for (const InterfaceRow& link : removed)

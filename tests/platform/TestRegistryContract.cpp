@@ -2,12 +2,13 @@
 #include "fakes/FakeRegistry.h"
 #include "fakes/FakeSystem.h"
 #include "fakes/TemporaryFolder.h"
-#include "platform/linux/store/AutostartRegistry.h"
 #include "platform/linux/store/SqliteRegistry.h"
 
 using namespace korvalin;
 
 namespace {
+
+constexpr const char* path = "Software\\Größe";
 
 struct Fake {
     FakeRegistry Tested;
@@ -15,95 +16,63 @@ struct Fake {
 struct Sqlite {
     TemporaryFolder Folder;
     FakeClock Clock;
-    SqliteRegistry Tested{Folder / "registry.db", Clock};
-};
-struct BehindAutostart {
-    TemporaryFolder Folder;
     FakeFiles Files;
-    FakeRegistry Inner;
-    AutostartRegistry Tested{Inner, Files, Folder / "autostart"};
+    SqliteRegistry Tested{Folder / "registry.db", {Files, Folder / "autostart"}, Clock};
 };
 
 /// What every registry must do, whatever stands behind it.
 template <typename BackEnd>
 class RegistryContract : public testing::Test {
   protected:
-    RegistryContract() { key = Create("Software\\Größe", RegistryDisposition::CreatedNewKey); }
-    RegistryKey Create(std::string_view path, RegistryDisposition expected) {
-        RegistryKey created = 0;
-        auto disposition = RegistryDisposition::None;
-        EXPECT_EQ(registry.CreateKeyEx(RegistryHive::CurrentUser, path, RegistryAccess::Write, created,
-                                       disposition),
-                  0);
-        EXPECT_EQ(disposition, expected) << path;
-        return created;
-    }
-    int Open(std::string_view path) {
-        return registry.OpenKeyEx(RegistryHive::CurrentUser, path, RegistryAccess::Read, key);
-    }
-    std::string Read(std::string_view name) {
-        std::string text = "(unread)";
-        EXPECT_EQ(registry.QueryValueEx(key, name, 4096, text), ErrorSuccess) << name;
-        return text;
-    }
-
     BackEnd backEnd;
     Registry& registry = backEnd.Tested;
-    RegistryKey key = 0;
 };
 
-using BackEnds = testing::Types<Fake, Sqlite, BehindAutostart>;
+using BackEnds = testing::Types<Fake, Sqlite>;
 TYPED_TEST_SUITE(RegistryContract, BackEnds);
 
-TYPED_TEST(RegistryContract, KeysAreFoundWithoutRegardToCase) {
-    this->Create("SOFTWARE\\GRÖßE", RegistryDisposition::OpenedExistingKey);
-    EXPECT_EQ(this->Open("software\\grÖßE"), ErrorSuccess);
-    EXPECT_EQ(this->Open("Software"), ErrorFileNotFound);
+TYPED_TEST(RegistryContract, KeysAreMadeOnce) {
+    EXPECT_EQ(this->registry.RegReadString(path, "name"), "");
+    EXPECT_EQ(this->registry.RegEnsureKey(path), 1) << "created";
+    EXPECT_EQ(this->registry.RegEnsureKey("software\\grÖßE"), 2) << "found";
+    EXPECT_TRUE(this->registry.RegWriteString("Software", "name", "1"));
+    EXPECT_EQ(this->registry.RegEnsureKey("Software"), 2) << "made by the write";
+    EXPECT_TRUE(this->registry.RegValueNames(path).empty());
 }
 
 TYPED_TEST(RegistryContract, ValuesComeBackAsTheyWereWritten) {
-    const std::string_view rows[][2] = {{"", "the nameless value"},
-                                        {"Empty", ""},
-                                        {"Äpfel", "grün\r\n\t\"'%_;--"},
-                                        {"a'b\"c;%_\\", "x"},
-                                        {"Bytes", "\x80\xff\xc3"}};
+    const std::string fits(RegistryBufferBytes - 1, 'x');
+    const std::pair<std::string_view, std::string> rows[] = {{"", "the nameless value"},
+                                                             {"Äpfel", " grün\r\n\t\"'%_;-- "},
+                                                             {"äPFEL", "red"},
+                                                             {"a'b\"c;%_\\", fits},
+                                                             {"Bytes", "\x80\xff\xc3"}};
     for (const auto& [name, text] : rows) {
-        EXPECT_EQ(this->registry.SetValueEx(this->key, name, text), ErrorSuccess) << name;
-        EXPECT_EQ(this->Read(name), text) << name;
+        EXPECT_TRUE(this->registry.RegWriteString(path, name, text)) << name;
+        EXPECT_EQ(this->registry.RegReadString("SOFTWARE\\GRÖßE", name), text) << name;
     }
-    EXPECT_EQ(this->registry.SetValueEx(this->key, "äPFEL", "red"), ErrorSuccess);
-    EXPECT_EQ(this->Read("Äpfel"), "red");
-    const RegistryKey other = this->Create("Software\\Other", RegistryDisposition::CreatedNewKey);
-    std::string text;
-    EXPECT_EQ(this->registry.QueryValueEx(other, "Äpfel", 100, text), ErrorFileNotFound);
+    EXPECT_EQ(this->registry.RegReadString(path, "Äpfel"), "red");
+    EXPECT_TRUE(this->registry.RegWriteString(path, "Bytes", fits + "x"));
+    EXPECT_EQ(this->registry.RegReadString(path, "Bytes"), "") << "no room for the terminating zero";
 }
 
-TYPED_TEST(RegistryContract, TheBufferHoldsTheTextAndItsTerminator) {
-    ASSERT_EQ(this->registry.SetValueEx(this->key, "Five", "12345"), ErrorSuccess);
-    struct {
-        const char* Name;
-        std::size_t Room;
-        int Code;
-    } const rows[] = {{"Five", 6, ErrorSuccess},
-                      {"Five", 5, ErrorMoreData},
-                      {"Five", 0, ErrorMoreData},
-                      {"None", 6, ErrorFileNotFound}};
-    for (const auto& row : rows) {
-        std::string text = "before";
-        EXPECT_EQ(this->registry.QueryValueEx(this->key, row.Name, row.Room, text), row.Code)
-            << row.Name << row.Room;
-        EXPECT_EQ(text == "before", row.Code != ErrorSuccess) << row.Name << row.Room;
-    }
-}
-
-TYPED_TEST(RegistryContract, NamesAreListedInOrderAsFirstWritten) {
+TYPED_TEST(RegistryContract, NamesAreListedInOrderAsFirstWrittenUnlessABlankTextDeletes) {
     for (const char* name : {"beta", "Alpha", "BETA", "gamma"})
-        ASSERT_EQ(this->registry.SetValueEx(this->key, name, "1"), ErrorSuccess);
-    EXPECT_EQ(this->registry.DeleteValue(this->key, "GAMMA"), ErrorSuccess);
-    EXPECT_EQ(this->registry.DeleteValue(this->key, "gamma"), ErrorFileNotFound);
-    std::vector<std::string> names{"left over"};
-    EXPECT_EQ(this->registry.EnumValues(this->key, names), ErrorSuccess);
-    EXPECT_EQ(names, (std::vector<std::string>{"Alpha", "beta"}));
+        ASSERT_TRUE(this->registry.RegWriteString(path, name, "1"));
+    EXPECT_TRUE(this->registry.RegWriteString(path, "GAMMA", "  "));
+    EXPECT_FALSE(this->registry.RegWriteString(path, "gamma", ""));
+    EXPECT_EQ(this->registry.RegValueNames(path), (std::vector<std::string>{"Alpha", "beta"}));
+}
+
+TEST(Registry, WriteCreatesTheKeyAsLongAsThatHelps) {
+    FakeRegistry registry;
+    for (const auto& [misses, written] : {std::pair(3, true), std::pair(1000, false)}) {
+        registry.Misses = misses;
+        EXPECT_EQ(registry.RegWriteString(path, "name", std::to_string(misses)), written);
+        EXPECT_EQ(registry.RegReadString(path, "name"), "3");
+    }
+    registry.IsLost = true;
+    EXPECT_FALSE(registry.RegWriteString(path, "name", "lost"));
 }
 
 } // namespace

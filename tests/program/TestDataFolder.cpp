@@ -21,9 +21,9 @@ constexpr const char* texts = "GER\tmodAllgemein\t29\tCreate it?\nGER\tmodAllgem
 class WatchedShell : public FakeShell {
   public:
     std::function<void()> OnFolder = [] {};
-    fs::path SpecialFolder(int id) override {
+    fs::path CommonAppData() override {
         OnFolder();
-        return FakeShell::SpecialFolder(id);
+        return AppData;
     }
 };
 class ReadOnlyFiles : public FakeFiles {
@@ -41,7 +41,7 @@ class DataFolderTest : public CoreFixture {
         WriteTexts(texts);
         settings.SetReg("Language", "GER");
         language.InitProgramTexts();
-        places.Folders[SpecialFolderCommonAppData] = folder / "share";
+        places.AppData = folder / "share";
     }
 
     static void Put(const fs::path& file, std::string_view content) {

@@ -59,7 +59,7 @@ TEST_F(StartupTest, RefusesASecondInstanceSilently) {
 }
 
 TEST_F(StartupTest, EndsForANewerProgramAndWhereItCannotRun) {
-    shell.Platform = 1;
+    shell.Supported = false;
     EXPECT_FALSE(Main());
     EXPECT_EQ(TakeBoxes(), Lines{"Wrong system"});
     folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));

@@ -7,11 +7,9 @@ namespace {
 class SettingsTest : public CoreFixture {
   protected:
     void Put(std::string_view name, std::string_view text) {
-        settings.Primitives().RegWriteString(SettingsKeyPath, name, text);
+        registry.RegWriteString(SettingsKeyPath, name, text);
     }
-    std::string Stored(std::string_view name) {
-        return settings.Primitives().RegReadString(SettingsKeyPath, name);
-    }
+    std::string Stored(std::string_view name) { return registry.RegReadString(SettingsKeyPath, name); }
 
     /// Kind and text of a value, as in "number 60".
     static std::string Show(const SettingValue& value) {

@@ -149,7 +149,7 @@ TEST_F(NetworkTexts, ATableThatCannotBeReadHasItsCaptionsAlone) {
     Adapter("wire0");
     network.Addresses.resize(2);
     network.Addresses6.resize(2);
-    network.Result = 5;
+    network.IsUnreadable = true;
     const TextTable adapters = BuildAdapterTable(network, language, locale);
     EXPECT_EQ(adapters.Columns.size(), 1U);
     EXPECT_EQ(adapters.RowCount(), 22U);
@@ -157,7 +157,7 @@ TEST_F(NetworkTexts, ATableThatCannotBeReadHasItsCaptionsAlone) {
     EXPECT_EQ(addresses.Columns.size(), 7U);
     EXPECT_EQ(addresses.RowCount(), 0U);
     EXPECT_EQ(Log(), "");
-    network.Result = 0;
+    network.IsUnreadable = false;
     EXPECT_EQ(BuildAddressTable(network).RowCount(), 4U);
 }
 

@@ -77,15 +77,6 @@ struct BackEnd {
     NetworkManagerNetworks Networks{Client};
 };
 
-std::vector<RasConnection> Connections(Ras& ras) {
-    std::vector<RasConnection> connections;
-    std::uint32_t count = 0;
-    while (ras.EnumConnections(connections, count) == ErrorBufferTooSmall)
-        connections.resize(count);
-    connections.resize(count);
-    return connections;
-}
-
 // Every change of the connected state, until somebody ends it.
 void FollowState(Internet& internet) {
     for (std::uint32_t last = ~0U;; std::this_thread::sleep_for(std::chrono::microseconds(300))) {
@@ -107,24 +98,17 @@ void FollowNetworks(Networks& networks, const std::vector<std::string>& adapters
 }
 
 void PrintEntries(Ras& ras) {
-    std::vector<std::string> names;
-    std::uint32_t count = 0;
-    while (ras.EnumEntries(names, count) == ErrorBufferTooSmall)
-        names.resize(count);
-    for (const std::string& name : names) {
-        PhoneEntry entry;
-        const int error = ras.GetEntryProperties(name, entry);
-        fmt::print("{}|{}|{}|{}\n", name, entry.DeviceType, entry.LocalPhoneNumber, error);
+    for (const std::string& name : ras.EnumEntries().Names) {
+        const PhoneEntry entry = ras.GetEntryProperties(name).value();
+        fmt::print("{}|{}|{}\n", name, entry.DeviceType, entry.LocalPhoneNumber);
     }
 }
 
 // As a pass of the reader: everything about every line.
 void ReadLines(Ras& ras, bool print) {
-    for (const RasConnection& connection : Connections(ras)) {
-        RasStatistics statistics;
-        std::uint32_t state = 0;
-        static_cast<void>(ras.GetConnectionStatistics(connection.Handle, statistics));
-        static_cast<void>(ras.GetConnectStatus(connection.Handle, state));
+    for (const RasConnection& connection : ras.EnumConnections()) {
+        const RasStatistics statistics = ras.GetConnectionStatistics(connection.Handle);
+        static_cast<void>(ras.GetConnectStatus(connection.Handle));
         if (print) {
             fmt::print("{}|{}|{}|{}|{}|{}|{}\n", connection.Handle, connection.EntryName,
                        connection.DeviceName, statistics.BytesReceived, statistics.BytesTransmitted,
@@ -145,9 +129,10 @@ void Measure(Ras& ras, int passes) {
 // As the program does it: one line a pass, until none is up.
 void HangUpAll(BackEnd& system) {
     for (int pass = 1; pass <= 11; ++pass) {
-        const std::vector<RasConnection> connections = Connections(system.Ras);
+        const std::vector<RasConnection> connections = system.Ras.EnumConnections();
         if (connections.empty()) return;
-        fmt::print("hang up {}: {}\n", connections[0].EntryName, system.Ras.HangUp(connections[0].Handle));
+        fmt::print("hang up {}\n", connections[0].EntryName);
+        system.Ras.HangUp(connections[0].Handle);
         system.Events.Sleep(100);
     }
 }
@@ -155,12 +140,12 @@ void HangUpAll(BackEnd& system) {
 // Runs a command that changes an entry, and waits until the change is seen.
 void ChangeEntry(BackEnd& system, const std::string& entryName, const std::string& command) {
     constexpr int looks = 200;
-    const auto look = [&](PhoneEntry& entry) { return system.Ras.GetEntryProperties(entryName, entry); };
-    PhoneEntry before, now;
-    const int found = look(before);
+    const auto before = system.Ras.GetEntryProperties(entryName);
     if (std::system(command.c_str()) != 0) fmt::print("cannot run {}\n", command);
     for (int i = 0; i < looks; ++i) {
-        if (look(now) != found || now.LocalPhoneNumber != before.LocalPhoneNumber) return;
+        const auto now = system.Ras.GetEntryProperties(entryName);
+        if (now.has_value() != before.has_value()) return;
+        if (now && now->LocalPhoneNumber != before->LocalPhoneNumber) return;
         system.Events.Sleep(20);
     }
 }
@@ -211,9 +196,8 @@ int main(int argc, char** argv) {
     if (app.got_subcommand("hangup")) HangUpAll(system);
     if (app.got_subcommand("measure")) Measure(system.Ras, passes);
     if (!dial->parsed()) return 0;
-    std::int32_t handle = -1;
-    const int result = system.Internet.Dial(name, flags, handle);
-    fmt::print("result {} {}\n", result, handle > 0 ? "line" : "none");
+    const DialResult result = system.Internet.Dial(name, flags);
+    fmt::print("result {} {}\n", result.Error, result.Connection > 0 ? "line" : "none");
     if (system.Events.Pumped > 0) fmt::print("windows alive\n");
     return 0;
 }

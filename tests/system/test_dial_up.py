@@ -54,8 +54,8 @@ class DialUpLines(LineCase):
         self.nm.add("gsm", "Neu", "ifname", "*", "apn", "net.example")
         numbers = [self.nm.nmcli("-g", "gsm.number", "connection", "show", uuid) for uuid in uuids]
         self.assertCountEqual(self.drive("entries").splitlines(), [
-            "T-DSL|PPPoE||0", "Umts (2)|vpn||0", "Firma|vpn||0", "Neu|modem|net.example|0",
-            f"Umts|modem|{numbers[0]} (internet)|0", f"Umts (3)|modem|{numbers[1]} (internet)|0"])
+            "T-DSL|PPPoE|", "Umts (2)|vpn|", "Firma|vpn|", "Neu|modem|net.example",
+            f"Umts|modem|{numbers[0]} (internet)", f"Umts (3)|modem|{numbers[1]} (internet)"])
 
     def test_a_line_is_followed_and_recorded_when_the_far_side_hangs_up(self):
         self.nm.add_pppoe("T-DSL")

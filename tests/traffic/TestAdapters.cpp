@@ -109,7 +109,7 @@ TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastCounters) {
          },
          "a5000c5000", "b"},
         {"one becomes a port of a bond", [](Rows& r) { r[0].IsPort = true; }, "a5000", "bc"},
-        {"the table cannot be read", [&](Rows&) { network.Result = 5; }, "a5000b5000c5000", ""},
+        {"the table cannot be read", [&](Rows&) { network.IsUnreadable = true; }, "a5000b5000c5000", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Case);
@@ -131,7 +131,7 @@ TEST_F(Adapters, OnlyTheOneThatHasEndedIsRecordedWithItsLastCounters) {
             open += line.EntryName;
         EXPECT_EQ(open, row.Open);
         network.Rows.clear();
-        network.Result = 0;
+        network.IsUnreadable = false;
         Pass();
         EXPECT_FALSE(lines.AnyLineConnected);
     }

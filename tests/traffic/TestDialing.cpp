@@ -58,12 +58,12 @@ TEST_F(DialingTest, ListsThePhoneBookByThePlainOrderOfItsNames) {
 TEST_F(DialingTest, APhoneBookThatCannotBeReadIsLoggedOrShown) {
     Add("One");
     Add("Two");
-    ras.FillEntriesResult = 608;
+    ras.EntriesErrors = {0, 608};
     EXPECT_EQ(Entries(), (Lines{"", ""}));
     const auto box = boxes.Take();
     EXPECT_EQ(box.Text + "|" + box.Title, "RasEnumEntries failed: 608|Korvalin");
     EXPECT_EQ(Log(), "");
-    ras.EnumEntriesResult = 621;
+    ras.EntriesErrors = {621, 621};
     EXPECT_EQ(Entries(), Lines());
     EXPECT_EQ(book.RASGetEntriesCount(), 0U);
     const std::string log = Log();
@@ -187,7 +187,7 @@ TEST_F(DialingTest, ANumberThatChangesWhileTheQuestionStandsIsAskedAboutToo) {
     boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
     boxes.OnShow = [&] { // and with a store that is lost meanwhile
         Number() = "444";
-        registry.OpenResult = ErrorAccessDenied;
+        registry.IsLost = true;
     };
     EXPECT_FALSE(Passes());
     EXPECT_EQ(TakeBoxes().size(), 2U);
@@ -197,21 +197,21 @@ TEST_F(DialingTest, DialsUnattendedAndOnceMoreWithThePromptAfterAWrongPassword) 
     using Flags = std::vector<std::uint32_t>;
     constexpr std::uint32_t prompt = 0x2000, unattended = 0xFFFF8000;
     struct {
-        const char* Type;
+        LineType Type;
         bool Connected;
         std::vector<int> Results;
         Flags Expected;
         const char* Last;
-    } const rows[] = {{"", false, {0}, {unattended}, "Office"},
-                      {"LAN", true, {0}, {unattended}, "Office"},
-                      {"RAS", false, {0}, {unattended}, "Office"},
-                      {"RAS", true, {0}, {prompt}, "Office"},
-                      {"RAS", true, {691, 0}, {prompt, prompt}, "Office"},
-                      {"", false, {691, 0}, {unattended, prompt}, "Office"},
-                      {"", false, {691, 691, 0}, {unattended, prompt}, "before"},
-                      {"", false, {691, 678, 0}, {unattended, prompt}, "before"},
-                      {"", false, {ErrorNoCarrier, 0}, {unattended}, "before"},
-                      {"", false, {ErrorCancelled, 0}, {unattended}, "before"}};
+    } const rows[] = {{LineType::Undecided, false, {0}, {unattended}, "Office"},
+                      {LineType::Lan, true, {0}, {unattended}, "Office"},
+                      {LineType::Ras, false, {0}, {unattended}, "Office"},
+                      {LineType::Ras, true, {0}, {prompt}, "Office"},
+                      {LineType::Ras, true, {691, 0}, {prompt, prompt}, "Office"},
+                      {LineType::Undecided, false, {691, 0}, {unattended, prompt}, "Office"},
+                      {LineType::Undecided, false, {691, 691, 0}, {unattended, prompt}, "before"},
+                      {LineType::Undecided, false, {691, 678, 0}, {unattended, prompt}, "before"},
+                      {LineType::Undecided, false, {ErrorNoCarrier, 0}, {unattended}, "before"},
+                      {LineType::Undecided, false, {ErrorCancelled, 0}, {unattended}, "before"}};
     Add("Office");
     for (const auto& row : rows) {
         settings.SetReg("LineLast", std::string("before"));
@@ -323,16 +323,16 @@ TEST_F(DialingTest, OffersTheEntriesOrToHangUp) {
     settings.SetReg("LineLast", std::string("Work"));
     EXPECT_EQ(dialing.Choices().Quick, "Work");
     struct {
-        const char* Type;
+        LineType Type;
         bool AnyLineConnected;
         std::uint32_t State; // of a dial-up connection; 0 for none
         bool HangUp;
-    } const rows[] = {{"RAS", true, RascsConnected, true},
-                      {"RAS", false, RascsConnected, false},
-                      {"LAN", true, RascsConnected, true},
-                      {"LAN", true, 3, false},
-                      {"LAN", true, 0, false},
-                      {"", false, RascsConnected, true}};
+    } const rows[] = {{LineType::Ras, true, RascsConnected, true},
+                      {LineType::Ras, false, RascsConnected, false},
+                      {LineType::Lan, true, RascsConnected, true},
+                      {LineType::Lan, true, 3, false},
+                      {LineType::Lan, true, 0, false},
+                      {LineType::Undecided, false, RascsConnected, true}};
     for (const auto& row : rows) {
         lines.MonitoredLineType = row.Type;
         lines.AnyLineConnected = row.AnyLineConnected;
@@ -342,7 +342,7 @@ TEST_F(DialingTest, OffersTheEntriesOrToHangUp) {
         EXPECT_EQ(choices.HangUp, row.HangUp) << &row - rows;
         EXPECT_EQ(choices.Entries.empty() && choices.Quick.empty(), row.HangUp) << &row - rows;
     }
-    ras.FillEntriesResult = 608;
+    ras.EntriesErrors = {0, 608};
     ras.Lines.clear();
     EXPECT_EQ(dialing.Choices().Entries, Lines()) << "names that could not be read";
     TakeBoxes();

@@ -24,11 +24,11 @@ class RasLines : public TrafficFixture {
 TEST_F(RasLines, TheTypeFollowsTheFlags) {
     struct {
         std::uint32_t Flags;
-        const char* Expected;
-    } const rows[] = {{InternetConnectionModem | InternetRasInstalled, "RAS"},
-                      {InternetConnectionModem, "unknown"},
-                      {InternetConnectionLan, "LAN"},
-                      {0, ""}};
+        LineType Expected;
+    } const rows[] = {{InternetConnectionModem | InternetRasInstalled, LineType::Ras},
+                      {InternetConnectionModem, LineType::Unknown},
+                      {InternetConnectionLan, LineType::Lan},
+                      {0, LineType::Undecided}};
     for (const auto& row : rows) {
         internet.State = {row.Flags != 0, row.Flags};
         LineState state;

@@ -3,7 +3,6 @@
 #include "platform/Clock.h"
 #include "platform/Events.h"
 #include "platform/Internet.h" // ErrorCancelled, ErrorRetry
-#include "platform/Registry.h" // ErrorSuccess
 #include "platform/linux/dialup/DialProfiles.h"
 #include "platform/linux/dialup/DialResults.h"
 #include "platform/linux/dialup/ProfileLogin.h"
@@ -145,15 +144,15 @@ int DialAttempt::SendProfile(NMConnection* changed) {
     return ErrorSuccess;
 }
 
-int DialAttempt::Run(std::int32_t& handle) {
+DialResult DialAttempt::Run() {
     NMClient* client = parts_.Client.Running();
-    if (client == nullptr) return ErrorConnectionDropped;
+    if (client == nullptr) return {ErrorConnectionDropped};
     WatchDevices(client);
     connection_ = ActiveConnection();
     if (!connection_) {
-        if (const int error = Activate(); error != ErrorSuccess) return error;
+        if (const int error = Activate(); error != ErrorSuccess) return {error};
     }
-    return Follow(handle);
+    return Follow();
 }
 
 // The profile's connection that is up or coming up; null when it has to be started.
@@ -194,7 +193,7 @@ int DialAttempt::Activate() {
     return connection_ ? ErrorSuccess : ResultOfRefusal(*error);
 }
 
-int DialAttempt::Follow(std::int32_t& handle) {
+DialResult DialAttempt::Follow() {
     for (;;) {
         const GPtrArray* devices = nm_active_connection_get_devices(connection_.get());
         if (devices->len > 0) {
@@ -204,14 +203,14 @@ int DialAttempt::Follow(std::int32_t& handle) {
         const NMActiveConnectionState state = nm_active_connection_get_state(connection_.get());
         if (state == NM_ACTIVE_CONNECTION_STATE_ACTIVATED) {
             parts_.Lines.Refresh();
-            handle = parts_.Lines.HandleOf(connection_.get());
-            if (handle != 0) return ErrorSuccess;
+            const std::int32_t handle = parts_.Lines.HandleOf(connection_.get());
+            if (handle != 0) return {ErrorSuccess, handle};
         }
-        if (state >= NM_ACTIVE_CONNECTION_STATE_DEACTIVATING || !IsListed()) return ReasonOfEnd();
+        if (state >= NM_ACTIVE_CONNECTION_STATE_DEACTIVATING || !IsListed()) return {ReasonOfEnd()};
         ShowStage();
         if (const auto interrupted = Wait()) {
             parts_.Client.Deactivate(connection_.get());
-            return *interrupted;
+            return {*interrupted};
         }
     }
 }

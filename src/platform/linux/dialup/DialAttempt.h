@@ -26,9 +26,8 @@ class DialAttempt {
     /// nothing stored, when the profile no longer has this telephone number.
     [[nodiscard]] int StoreLogin(const Login& login, const std::string& number);
 
-    /// Starts the profile, or joins the start that somebody else has made, and waits. 0 with `handle` that of
-    /// the line, or an error number.
-    [[nodiscard]] int Run(std::int32_t& handle);
+    /// Starts the profile, or joins the start that somebody else has made, and waits.
+    [[nodiscard]] DialResult Run();
 
   private:
     struct Call;
@@ -42,7 +41,7 @@ class DialAttempt {
     [[nodiscard]] std::optional<int> Wait();
     [[nodiscard]] bool ComesAtOnce(const Call& call);
     [[nodiscard]] int Activate();
-    [[nodiscard]] int Follow(std::int32_t& handle);
+    [[nodiscard]] DialResult Follow();
     [[nodiscard]] int ReasonOfEnd();
     [[nodiscard]] double SecondsAwake() const;
     [[nodiscard]] int FetchSecrets(NMConnection* changed);

@@ -1,7 +1,7 @@
 #include "platform/linux/dialup/DialResults.h"
 
+#include "platform/Internet.h"
 #include "platform/Ras.h"
-#include "platform/Registry.h" // ErrorAccessDenied
 #include "platform/linux/dialup/RasErrors.h"
 
 namespace korvalin {

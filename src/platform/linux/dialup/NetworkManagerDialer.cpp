@@ -1,8 +1,6 @@
 #include "platform/linux/dialup/NetworkManagerDialer.h"
 
 #include "base/FlagGuard.h"
-#include "platform/Internet.h"
-#include "platform/Registry.h" // ErrorSuccess
 #include "platform/linux/dialup/DialAttempt.h"
 #include "platform/linux/dialup/DialProfiles.h"
 #include "platform/linux/dialup/ProfileLogin.h"
@@ -46,44 +44,41 @@ class ShortLivedLogin {
 
 } // namespace
 
-int NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) {
-    connection = 0;
+DialResult NetworkManagerDialer::Dial(const std::string& entryName, std::uint32_t flags) {
     // Windows are alive during a dial: their menu can ask for one more.
-    if (dialing_ || events_ == nullptr) return ErrorDialAlreadyInProgress;
+    if (dialing_ || events_ == nullptr) return {ErrorDialAlreadyInProgress};
     const FlagGuard dialing(dialing_);
-    const int error = DialProfile(entryName, flags, connection);
+    const DialResult result = DialProfile(entryName, flags);
+    const int error = result.Error;
     const bool goesOn = error == ErrorRetry ||
                         (error == ErrorAuthenticationFailure && (flags & InternetDialForcePrompt) == 0);
     if (error != ErrorSuccess && error != ErrorCancelled && !goesOn && dialog_ != nullptr)
         dialog_->ShowFailure(entryName, error);
-    return error;
+    return result;
 }
 
-int NetworkManagerDialer::DialProfile(const std::string& entryName, std::uint32_t flags,
-                                      std::int32_t& connection) {
+DialResult NetworkManagerDialer::DialProfile(const std::string& entryName, std::uint32_t flags) {
     const auto profile = ShareGObject(FindProfile(parts_.Client.Running(), entryName));
-    if (!profile) return ErrorCannotFindPhonebookEntry;
-    if (const std::int32_t handle = parts_.Lines.HandleOfProfile(profile.get()); handle != 0) {
-        connection = handle;
-        return ErrorSuccess;
-    }
+    if (!profile) return {ErrorCannotFindPhonebookEntry};
+    if (const std::int32_t handle = parts_.Lines.HandleOfProfile(profile.get()); handle != 0)
+        return {ErrorSuccess, handle};
 
     NMConnection* settings = NM_CONNECTION(profile.get());
     const bool asks = (flags & InternetDialForcePrompt) != 0 && (flags & InternetDialUnattended) == 0 &&
                       dialog_ != nullptr && TakesLogin(settings);
     const std::string number = DescribeProfile(settings).LocalPhoneNumber;
     const ShortLivedLogin login(asks ? dialog_->AskLogin(entryName, StoredUserName(settings)) : std::nullopt);
-    if (asks && !login.Get()) return ErrorCancelled;
+    if (asks && !login.Get()) return {ErrorCancelled};
     // Gone, or renamed, while the question stood.
     if (asks && FindProfile(parts_.Client.Running(), entryName) != profile.get())
-        return ErrorCannotFindPhonebookEntry;
+        return {ErrorCannotFindPhonebookEntry};
 
     const ShownDial shown(dialog_, entryName);
     DialAttempt attempt(parts_, *events_, dialog_, profile.get());
     if (login.Get()) {
-        if (const int error = attempt.StoreLogin(*login.Get(), number); error != ErrorSuccess) return error;
+        if (const int error = attempt.StoreLogin(*login.Get(), number); error != ErrorSuccess) return {error};
     }
-    return attempt.Run(connection);
+    return attempt.Run();
 }
 
 } // namespace korvalin

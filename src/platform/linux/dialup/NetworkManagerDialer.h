@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Internet.h"
+
 #include <cstdint>
 #include <string>
 
@@ -30,11 +32,10 @@ class NetworkManagerDialer {
     void PlugDialog(DialDialog* dialog) { dialog_ = dialog; }
 
     /// See Internet::Dial. A dial is given up after 90 seconds that the system was awake.
-    [[nodiscard]] int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection);
+    [[nodiscard]] DialResult Dial(const std::string& entryName, std::uint32_t flags);
 
   private:
-    [[nodiscard]] int DialProfile(const std::string& entryName, std::uint32_t flags,
-                                  std::int32_t& connection);
+    [[nodiscard]] DialResult DialProfile(const std::string& entryName, std::uint32_t flags);
 
     DialerParts parts_;
     Events* events_ = nullptr;

@@ -41,9 +41,8 @@ ConnectedState NetworkManagerInternet::GetConnectedState() {
     return state;
 }
 
-int NetworkManagerInternet::Dial(const std::string& entryName, std::uint32_t flags,
-                                 std::int32_t& connection) {
-    return dialer_.Dial(entryName, flags, connection);
+DialResult NetworkManagerInternet::Dial(const std::string& entryName, std::uint32_t flags) {
+    return dialer_.Dial(entryName, flags);
 }
 
 } // namespace korvalin

@@ -17,7 +17,7 @@ class NetworkManagerInternet : public Internet {
 
     /// Remote access counts as installed where NetworkManager answers, or may do so later.
     ConnectedState GetConnectedState() override;
-    int Dial(const std::string& entryName, std::uint32_t flags, std::int32_t& connection) override;
+    DialResult Dial(const std::string& entryName, std::uint32_t flags) override;
 
   private:
     DialerParts parts_;

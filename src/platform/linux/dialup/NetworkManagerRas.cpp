@@ -1,6 +1,5 @@
 #include "platform/linux/dialup/NetworkManagerRas.h"
 
-#include "platform/Registry.h" // ErrorSuccess, ErrorInvalidHandle
 #include "platform/linux/dialup/DialProfiles.h"
 #include "platform/linux/dialup/NetworkManagerLines.h"
 
@@ -11,51 +10,39 @@ namespace korvalin {
 NetworkManagerRas::NetworkManagerRas(NetworkManagerClient& client, NetworkManagerLines& lines)
     : client_(client), lines_(lines) {}
 
-int NetworkManagerRas::EnumConnections(std::vector<RasConnection>& connections, std::uint32_t& count) {
+std::vector<RasConnection> NetworkManagerRas::EnumConnections() {
     lines_.Refresh();
-    const std::vector<const NetworkManagerLine*> up = lines_.Up();
-    count = static_cast<std::uint32_t>(up.size());
-    if (up.size() > connections.size()) return ErrorBufferTooSmall;
-    for (std::size_t i = 0; i < up.size(); ++i)
-        connections[i] = up[i]->Told;
-    return ErrorSuccess;
+    std::vector<RasConnection> connections;
+    for (const NetworkManagerLine* line : lines_.Up())
+        connections.push_back(line->Told);
+    return connections;
 }
 
-int NetworkManagerRas::GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) {
-    statistics = {};
+RasStatistics NetworkManagerRas::GetConnectionStatistics(std::int32_t handle) {
     const NetworkManagerLine* line = lines_.Find(handle);
-    if (line == nullptr || !line->IsThere) return ErrorInvalidHandle;
-    statistics = line->Statistics;
-    return ErrorSuccess;
+    return line != nullptr && line->IsThere ? line->Statistics : RasStatistics();
 }
 
-int NetworkManagerRas::GetConnectStatus(std::int32_t handle, std::uint32_t& state) {
-    state = 0;
+std::uint32_t NetworkManagerRas::GetConnectStatus(std::int32_t handle) {
     const NetworkManagerLine* line = lines_.Find(handle);
-    if (line == nullptr || !line->IsThere) return ErrorInvalidHandle;
-    state = RascsConnected;
-    return ErrorSuccess;
+    return line != nullptr && line->IsThere ? RascsConnected : 0;
 }
 
-int NetworkManagerRas::EnumEntries(std::vector<std::string>& names, std::uint32_t& count) {
-    std::vector<DialProfile> entries = ReadDialProfiles(client_.Running());
-    count = static_cast<std::uint32_t>(entries.size());
-    if (entries.size() > names.size()) return ErrorBufferTooSmall;
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        names[i] = std::move(entries[i].Name);
-    return ErrorSuccess;
+PhoneBookNames NetworkManagerRas::EnumEntries() {
+    PhoneBookNames names;
+    for (DialProfile& profile : ReadDialProfiles(client_.Running()))
+        names.Names.push_back(std::move(profile.Name));
+    return names;
 }
 
-int NetworkManagerRas::GetEntryProperties(const std::string& entryName, PhoneEntry& entry) {
-    entry = {};
+std::optional<PhoneEntry> NetworkManagerRas::GetEntryProperties(const std::string& entryName) {
     NMRemoteConnection* profile = FindProfile(client_.Running(), entryName);
-    if (profile == nullptr) return ErrorCannotFindPhonebookEntry;
-    entry = DescribeProfile(NM_CONNECTION(profile));
-    return ErrorSuccess;
+    if (profile == nullptr) return std::nullopt;
+    return DescribeProfile(NM_CONNECTION(profile));
 }
 
-int NetworkManagerRas::HangUp(std::int32_t handle) {
-    return client_.Running() != nullptr && lines_.HangUp(handle) ? ErrorSuccess : ErrorInvalidHandle;
+void NetworkManagerRas::HangUp(std::int32_t handle) {
+    if (client_.Running() != nullptr) lines_.HangUp(handle);
 }
 
 } // namespace korvalin

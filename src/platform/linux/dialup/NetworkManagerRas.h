@@ -13,13 +13,13 @@ class NetworkManagerRas : public Ras {
   public:
     NetworkManagerRas(NetworkManagerClient& client, NetworkManagerLines& lines);
 
-    int EnumConnections(std::vector<RasConnection>& connections, std::uint32_t& count) override;
+    std::vector<RasConnection> EnumConnections() override;
     /// As of the last EnumConnections.
-    int GetConnectionStatistics(std::int32_t handle, RasStatistics& statistics) override;
-    int GetConnectStatus(std::int32_t handle, std::uint32_t& state) override;
-    int EnumEntries(std::vector<std::string>& names, std::uint32_t& count) override;
-    int GetEntryProperties(const std::string& entryName, PhoneEntry& entry) override;
-    int HangUp(std::int32_t handle) override;
+    RasStatistics GetConnectionStatistics(std::int32_t handle) override;
+    std::uint32_t GetConnectStatus(std::int32_t handle) override;
+    PhoneBookNames EnumEntries() override;
+    std::optional<PhoneEntry> GetEntryProperties(const std::string& entryName) override;
+    void HangUp(std::int32_t handle) override;
 
   private:
     NetworkManagerClient& client_;

@@ -156,7 +156,7 @@ void NetlinkNetworkTables::NoteRemoved(InterfaceRow removed) {
     removed_.push_back(std::move(removed));
 }
 
-int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
+std::optional<std::vector<InterfaceRow>> NetlinkNetworkTables::GetIfTable() {
     Listen();
     const bool known = !std::exchange(changed_, false) && !links_.empty();
     int error = 0;
@@ -165,8 +165,8 @@ int NetlinkNetworkTables::GetIfTable(std::vector<InterfaceRow>& rows, bool) {
         // The kernel has announced by now that those have gone which it no longer shows.
         Listen();
     }
-    rows = links_;
-    return error;
+    if (error != 0) return std::nullopt;
+    return links_;
 }
 
 std::vector<InterfaceRow> NetlinkNetworkTables::TakeRemoved() {
@@ -203,12 +203,9 @@ void NetlinkNetworkTables::ReadQueues(std::vector<InterfaceEntry>& entries) {
         }));
 }
 
-int NetlinkNetworkTables::GetIfTable2(std::vector<InterfaceEntry>& entries) {
-    const int error = ReadEntries(entries);
-    if (error != 0) {
-        entries.clear();
-        return error;
-    }
+std::optional<std::vector<InterfaceEntry>> NetlinkNetworkTables::GetIfTable2() {
+    std::vector<InterfaceEntry> entries;
+    if (ReadEntries(entries) != 0) return std::nullopt;
     SortByIndex(entries);
     hardware_.Complete(entries);
     ReadAddresses(entries);
@@ -217,12 +214,13 @@ int NetlinkNetworkTables::GetIfTable2(std::vector<InterfaceEntry>& entries) {
         entry.LastChange = history_.LastChange(entry.Index);
         entry.Speed = speeds_.BitsPerSecond(entry.Description);
     }
-    return 0;
+    return entries;
 }
 
 // The addresses of one version in the order of their octets.
 template <typename Row>
-int NetlinkNetworkTables::ReadAddressTable(std::uint8_t family, std::vector<Row>& rows) {
+std::optional<std::vector<Row>> NetlinkNetworkTables::ReadAddressTable(std::uint8_t family) {
+    std::vector<Row> rows;
     ifaddrmsg wanted{};
     wanted.ifa_family = family;
     Request request(RTM_GETADDR, wanted);
@@ -232,21 +230,21 @@ int NetlinkNetworkTables::ReadAddressTable(std::uint8_t family, std::vector<Row>
             Row row;
             if (ReadAddressRow(message, row)) rows.push_back(std::move(row));
         });
-    if (error != 0) rows.clear();
+    if (error != 0) return std::nullopt;
     std::sort(rows.begin(), rows.end(), AddressBefore<Row>);
-    return error;
+    return rows;
 }
 
-int NetlinkNetworkTables::GetIpAddrTable(std::vector<IpAddressRow>& rows) {
-    return ReadAddressTable(AF_INET, rows);
+std::optional<std::vector<IpAddressRow>> NetlinkNetworkTables::GetIpAddrTable() {
+    return ReadAddressTable<IpAddressRow>(AF_INET);
 }
 
-int NetlinkNetworkTables::GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) {
-    return ReadAddressTable(AF_INET6, rows);
+std::optional<std::vector<UnicastIpAddressRow>> NetlinkNetworkTables::GetUnicastIpAddressTable() {
+    return ReadAddressTable<UnicastIpAddressRow>(AF_INET6);
 }
 
-int NetlinkNetworkTables::GetTcpStatistics(TcpStatistics& statistics) {
-    return tcp_.Read(statistics);
+TcpStatistics NetlinkNetworkTables::GetTcpStatistics() {
+    return tcp_.Read();
 }
 
 } // namespace korvalin

@@ -23,12 +23,12 @@ class NetlinkNetworkTables : public NetworkTables {
     explicit NetlinkNetworkTables(const std::filesystem::path& procNet = "/proc/net",
                                   std::filesystem::path netFolder = "/sys/class/net");
 
-    int GetIfTable(std::vector<InterfaceRow>& rows, bool sorted) override;
+    std::optional<std::vector<InterfaceRow>> GetIfTable() override;
     std::vector<InterfaceRow> TakeRemoved() override;
-    int GetIfTable2(std::vector<InterfaceEntry>& entries) override;
-    int GetIpAddrTable(std::vector<IpAddressRow>& rows) override;
-    int GetUnicastIpAddressTable(std::vector<UnicastIpAddressRow>& rows) override;
-    int GetTcpStatistics(TcpStatistics& statistics) override;
+    std::optional<std::vector<InterfaceEntry>> GetIfTable2() override;
+    std::optional<std::vector<IpAddressRow>> GetIpAddrTable() override;
+    std::optional<std::vector<UnicastIpAddressRow>> GetUnicastIpAddressTable() override;
+    TcpStatistics GetTcpStatistics() override;
 
   private:
     void Listen();
@@ -41,7 +41,7 @@ class NetlinkNetworkTables : public NetworkTables {
     bool ReadCounters();
     int ReadEntries(std::vector<InterfaceEntry>& entries);
     template <typename Row>
-    int ReadAddressTable(std::uint8_t family, std::vector<Row>& rows);
+    std::optional<std::vector<Row>> ReadAddressTable(std::uint8_t family);
     void ReadQueues(std::vector<InterfaceEntry>& entries);
 
     NetlinkSocket socket_;

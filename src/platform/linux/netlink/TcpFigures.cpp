@@ -1,7 +1,6 @@
 #include "platform/linux/netlink/TcpFigures.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <optional>
 #include <string_view>
@@ -44,15 +43,13 @@ std::uint32_t SocketsInUse(KernelFile& file, std::string_view label) {
 TcpFigures::TcpFigures(const std::filesystem::path& procNet)
     : snmp_(procNet / "snmp"), sockets_(procNet / "sockstat"), socketsVersion6_(procNet / "sockstat6") {}
 
-int TcpFigures::Read(TcpStatistics& statistics) {
-    statistics = {};
-    const std::optional<std::string_view> content = snmp_.Read();
-    if (!content) return errno;
+TcpStatistics TcpFigures::Read() {
+    TcpStatistics statistics;
     // A line of names and a line of figures; the order differs from kernel to kernel.
-    std::string_view text = *content;
+    std::string_view text = snmp_.Read().value_or("");
     std::optional<std::string_view> names = TakeLine(text, "Tcp: ");
     std::optional<std::string_view> figures = TakeLine(text, "Tcp: ");
-    if (!names || !figures) return ENOTSUP;
+    if (!names || !figures) return statistics;
     while (!names->empty() && !figures->empty()) {
         const std::string_view name = TakeUntil(*names, ' ');
         const std::uint32_t figure = Figure(TakeUntil(*figures, ' '));
@@ -61,7 +58,7 @@ int TcpFigures::Read(TcpStatistics& statistics) {
         if (name == "OutSegs") statistics.OutSegs = figure;
     }
     statistics.NumConns = SocketsInUse(sockets_, "TCP: ") + SocketsInUse(socketsVersion6_, "TCP6: ");
-    return 0;
+    return statistics;
 }
 
 } // namespace korvalin

@@ -13,8 +13,8 @@ class TcpFigures {
   public:
     explicit TcpFigures(const std::filesystem::path& procNet);
 
-    /// 0, or the system's error number with `statistics` zeroed when snmp cannot be read.
-    [[nodiscard]] int Read(TcpStatistics& statistics);
+    /// All zero when snmp cannot be read.
+    [[nodiscard]] TcpStatistics Read();
 
   private:
     KernelFile snmp_;

@@ -1,217 +1,215 @@
 #include "platform/linux/store/SqliteRegistry.h"
 
-#include "base/Text.h"
+#include "base/ProgramTitle.h"
 #include "platform/Clock.h"
+#include "platform/linux/files/Descriptor.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/store/DatabaseFiles.h"
 
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <cstring>
-#include <exception>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <utility>
 
 namespace korvalin {
 namespace {
 
-using Source = RegistryDatabase::Source;
+namespace fs = std::filesystem;
 
-// What cannot be read is not there, for a reader; the defaults serve.
-int ReadCode(int code) {
-    switch (code) {
-    case SQLITE_OK: return ErrorSuccess;
-    case SQLITE_TOOBIG: return ErrorMoreData;
-    default: return ErrorFileNotFound;
-    }
+// How long a call waits for another instance's write.
+constexpr int busyMilliseconds = 3000;
+
+// In the file's header ("KrvR"): tells a settings store from any other database.
+constexpr std::int64_t applicationId = 0x4B727652;
+
+constexpr const char* fileSettings = "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL";
+
+// Paths and names are looked up by their lower-case form. No key is ever deleted.
+constexpr const char* tables = R"(
+    CREATE TABLE RegistryKeys (LowerPath TEXT NOT NULL PRIMARY KEY, Path TEXT NOT NULL) WITHOUT ROWID;
+    CREATE TABLE RegistryValues (LowerPath TEXT NOT NULL, LowerName TEXT NOT NULL, Name TEXT NOT NULL,
+                                 Content TEXT NOT NULL, PRIMARY KEY (LowerPath, LowerName)) WITHOUT ROWID)";
+
+bool IsRunKey(std::string_view keyPath) {
+    return EqualsNoCase(keyPath, RunKeyPath);
 }
 
-int WriteCode(int code) {
-    switch (code) {
-    case SQLITE_OK: return ErrorSuccess;
-    case SQLITE_NOTFOUND: return ErrorFileNotFound;
-    case SQLITE_READONLY:
-    case SQLITE_PERM: return ErrorAccessDenied;
-    default: return ErrorWriteFault;
+bool IsProgramValue(std::string_view valueName) {
+    return EqualsNoCase(valueName, ProgramTitle);
+}
+
+void MakePrivate(const std::string& path) {
+    constexpr mode_t privateFile = 0600;
+    constexpr mode_t permissionsOfOthers = 0077;
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && (status.st_mode & permissionsOfOthers) != 0)
+        static_cast<void>(!chmod(path.c_str(), privateFile));
+}
+
+// Creates what is missing, the folders for the user alone (0700) and an empty file (0600), and takes other
+// users' permissions from what is there. 0 or the system's error number.
+int MakeFile(const fs::path& file) {
+    if (const int error = PosixFiles().CreateFolders(file.parent_path()); error != 0) return error;
+    if (const int error = CreateDatabaseFile(file); error != 0) return error;
+    for (const char* part : DatabaseParts)
+        MakePrivate(file.string() + part);
+    return 0;
+}
+
+// While it is held no other instance opens the store or moves it aside. Where folders cannot be locked (some
+// network file systems) it holds nothing.
+Descriptor LockFolderOf(const fs::path& file) {
+    Descriptor folder(open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    while (folder && flock(folder.Get(), LOCK_EX) != 0) {
+        if (errno != EINTR) return {};
     }
+    return folder;
 }
 
 } // namespace
 
-SqliteRegistry::SqliteRegistry(const std::filesystem::path& file, Clock& clock) : file_(file), clock_(clock) {
-    try {
-        OpenAny();
-    } catch (const std::exception& error) {
-        Note(std::string("The settings store could not be opened: ") + error.what());
+/// One open database with its prepared statements.
+struct SqliteRegistry::Store {
+    enum class Source { File, ReadOnlyFile, Memory };
+
+    /// Makes the tables when the database is empty, and checks its structure; SQLite's primary result code.
+    [[nodiscard]] int Open(const fs::path& file, Source source);
+
+    // The connection comes first, so that it is closed after its statements.
+    SqliteDatabase Database;
+    SqliteDatabase::Statement AddKey, FindValue, PutValue, RemoveValue, ListNames;
+    Source From = Source::Memory;
+    std::optional<FileIdentity> Identity; ///< of the file to be written
+
+  private:
+    int Connect(const fs::path& file);
+    int Prepare();
+};
+
+int SqliteRegistry::Store::Connect(const fs::path& file) {
+    switch (From) {
+    case Source::Memory: return Database.Open(":memory:", SQLITE_OPEN_READWRITE, busyMilliseconds);
+    case Source::ReadOnlyFile:
+        // immutable: a folder that takes no files has no room for the locks' shared memory either
+        return Database.Open(SqliteDatabase::Address(file, "immutable=1"),
+                             SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, busyMilliseconds);
+    case Source::File: break;
     }
+    const int code = Database.Open(file.string(), SQLITE_OPEN_READWRITE, busyMilliseconds);
+    return code == SQLITE_OK ? Database.Execute(fileSettings) : code;
 }
+
+int SqliteRegistry::Store::Prepare() {
+    return Database.Prepare(
+        {{"INSERT INTO RegistryKeys VALUES (?1, ?2) ON CONFLICT DO NOTHING", AddKey},
+         {"SELECT Content FROM RegistryValues WHERE LowerPath = ?1 AND LowerName = ?2", FindValue},
+         // only below a key that is there; the name stays as it was first written
+         {"INSERT INTO RegistryValues SELECT LowerPath, ?2, ?3, ?4 FROM RegistryKeys WHERE LowerPath = ?1 "
+          "ON CONFLICT (LowerPath, LowerName) DO UPDATE SET Content = excluded.Content",
+          PutValue},
+         {"DELETE FROM RegistryValues WHERE LowerPath = ?1 AND LowerName = ?2", RemoveValue},
+         {"SELECT Name FROM RegistryValues WHERE LowerPath = ?1 ORDER BY LowerName", ListNames}});
+}
+
+int SqliteRegistry::Store::Open(const fs::path& file, Source source) {
+    using Access = SqliteDatabase::Access;
+    From = source;
+    int code = Connect(file);
+    const Access access = source == Source::ReadOnlyFile ? Access::Read : Access::Write;
+    if (code == SQLITE_OK) code = Database.EnsureTables(applicationId, tables, access);
+    if (code == SQLITE_OK) code = Database.CheckStructure();
+    if (code == SQLITE_OK) code = Prepare();
+    if (code == SQLITE_OK && source == Source::File) Identity = IdentityOf(file);
+    return code;
+}
+
+SqliteRegistry::SqliteRegistry(fs::path file, AutostartFile autostart, Clock& clock)
+    : file_(std::move(file)), autostart_(std::move(autostart)), clock_(clock) {
+    OpenAny();
+}
+
+SqliteRegistry::~SqliteRegistry() = default;
+
+// ---- which file
 
 void SqliteRegistry::OpenAny() {
     if (OpenFile()) return;
-    auto database = std::make_unique<RegistryDatabase>();
-    if (database->Open(file_.Path(), Source::ReadOnlyFile) == SQLITE_OK) {
-        Note("The settings store can only be read");
-        return Use(std::move(database), Source::ReadOnlyFile);
+    const std::pair<Store::Source, const char*> others[] = {
+        {Store::Source::ReadOnlyFile, "The settings store can only be read"},
+        {Store::Source::Memory, "Settings are kept in memory for this run"}};
+    for (const auto& [source, note] : others) {
+        auto store = std::make_unique<Store>();
+        if (store->Open(file_, source) != SQLITE_OK) continue;
+        store_ = std::move(store);
+        return Note(note);
     }
-    database = std::make_unique<RegistryDatabase>();
-    if (database->Open({}, Source::Memory) != SQLITE_OK) return;
-    Note("Settings are kept in memory for this run");
-    Use(std::move(database), Source::Memory);
 }
 
-// Opens the file of the store's name, a new one if need be. False leaves the present database in use.
+// Opens the file of the store's name, a new one if need be. False leaves the present store in use.
 bool SqliteRegistry::OpenFile() {
-    int error = file_.Prepare();
-    const Descriptor lock = file_.LockFolder();
-    if (error == 0) error = file_.Prepare(); // the file may have been moved aside before the lock was given
+    int error = MakeFile(file_);
+    const Descriptor lock = LockFolderOf(file_);
+    if (error == 0) error = MakeFile(file_); // it may have been moved aside before the lock was given
     if (error != 0) {
-        Note("The settings store " + file_.Path().string() + " could not be made: " + std::strerror(error));
+        Note("The settings store " + file_.string() + " could not be made: " + std::strerror(error));
         return false;
     }
-    auto database = std::make_unique<RegistryDatabase>();
-    const int code = OpenOrMoveAside(*database);
+    std::unique_ptr<Store> store;
+    const int code = OpenOrMoveAside(store);
     if (code != SQLITE_OK) {
-        Note("The settings store " + file_.Path().string() + " could not be opened: " + sqlite3_errstr(code));
+        Note("The settings store " + file_.string() + " could not be opened: " + sqlite3_errstr(code));
         return false;
     }
-    Use(std::move(database), Source::File);
+    store_ = std::move(store);
+    fileLost_ = false;
     return true;
 }
 
-int SqliteRegistry::OpenOrMoveAside(RegistryDatabase& database) {
-    const int code = database.Open(file_.Path(), Source::File);
-    if (!SqliteDatabase::IsDamage(code)) return code;
+int SqliteRegistry::OpenOrMoveAside(std::unique_ptr<Store>& store) {
+    store = std::make_unique<Store>();
+    const int code = store->Open(file_, Store::Source::File);
     // Moved before it is closed: closing would write its log into it.
-    const std::optional<std::filesystem::path> aside = file_.MoveAside(clock_.Now());
-    if (!aside) return code;
-    Note("The settings store was damaged and moved aside: " + aside->string());
-    if (file_.Prepare() != 0) return SQLITE_CANTOPEN;
-    database = RegistryDatabase();
-    return database.Open(file_.Path(), Source::File);
+    if (!SqliteDatabase::IsDamage(code) || !MoveAside()) return code;
+    if (MakeFile(file_) != 0) return SQLITE_CANTOPEN;
+    store = std::make_unique<Store>();
+    return store->Open(file_, Store::Source::File);
 }
 
-void SqliteRegistry::Use(std::unique_ptr<RegistryDatabase> database, Source source) {
-    database_ = std::move(database);
-    source_ = source;
-    fileLost_ = false;
-    knownKeys_.clear();
-    identity_ = source == Source::File ? file_.CurrentIdentity() : std::nullopt;
-    // Handles stay good: a key that was open in the old store exists in the new one.
-    if (source == Source::ReadOnlyFile) return;
-    for (const auto& [handle, key] : opened_) {
-        if (database_->FindKey(key.LowerPath) == SQLITE_NOTFOUND) {
-            static_cast<void>(database_->AddKey(key.LowerPath, key.Path));
-        }
-    }
+// Renames the file and its log to "<name>.damaged_yyyymmdd-hhmmss"; false when the folder does not allow it.
+bool SqliteRegistry::MoveAside() {
+    const std::string first = file_.string() + ".damaged" + FormatDateSuffix(clock_.Now());
+    std::string aside = first;
+    struct stat status {};
+    for (int number = 2; lstat(aside.c_str(), &status) == 0; ++number)
+        aside = first + "-" + std::to_string(number);
+    if (!RenameDatabase(file_, aside)) return false;
+    Note("The settings store was damaged and moved aside: " + aside);
+    return true;
 }
 
 // SQLite goes on with a file that was renamed or removed; this one is then nobody else's any more.
 void SqliteRegistry::FollowFile(Purpose purpose) {
-    if (source_ == Source::File) {
-        const auto present = file_.CurrentIdentity();
-        fileLost_ = !(present && present == identity_) && !OpenFile();
-    } else if (source_ == Source::ReadOnlyFile && purpose == Purpose::Write) {
+    if (!store_) return;
+    if (store_->From == Store::Source::File) {
+        const auto present = IdentityOf(file_);
+        fileLost_ = !(present && present == store_->Identity) && !OpenFile();
+    } else if (store_->From == Store::Source::ReadOnlyFile && purpose == Purpose::Write) {
         OpenFile(); // the disk may have room again
     }
 }
 
 void SqliteRegistry::ReplaceDamaged() {
-    if (source_ != Source::File) return;
+    if (store_->From != Store::Source::File) return;
     {
-        const Descriptor lock = file_.LockFolder();
-        if (file_.CurrentIdentity() == identity_) {
-            const std::optional<std::filesystem::path> aside = file_.MoveAside(clock_.Now());
-            if (!aside) return;
-            Note("The settings store was damaged and moved aside: " + aside->string());
-        } // else another instance has moved it already
+        const Descriptor lock = LockFolderOf(file_);
+        // Unless another instance has moved it already.
+        if (IdentityOf(file_) == store_->Identity && !MoveAside()) return;
     }
     OpenFile();
-}
-
-// Runs one operation. Damage that comes to light is moved aside, and the operation runs once more on the new
-// store.
-template <typename Operation>
-int SqliteRegistry::Run(Purpose purpose, Operation&& operation) {
-    try {
-        FollowFile(purpose);
-        if (!database_) return SQLITE_NOMEM;
-        if (fileLost_ && purpose == Purpose::Write) return SQLITE_IOERR;
-        const int code = operation(*database_);
-        if (!SqliteDatabase::IsDamage(code)) return code;
-        ReplaceDamaged();
-        return operation(*database_);
-    } catch (const std::exception&) {
-        return SQLITE_NOMEM;
-    }
-}
-
-template <typename Operation>
-int SqliteRegistry::RunOnKey(RegistryKey key, Purpose purpose, Operation&& operation) {
-    const auto found = opened_.find(key);
-    if (found == opened_.end()) return ErrorInvalidHandle;
-    const std::string_view lowerPath = found->second.LowerPath;
-    const int code = Run(purpose, [&](RegistryDatabase& database) { return operation(database, lowerPath); });
-    return purpose == Purpose::Read ? ReadCode(code) : WriteCode(code);
-}
-
-RegistryKey SqliteRegistry::Hand(std::string_view keyPath, std::string lowerPath) {
-    opened_.emplace(++lastKey_, OpenedKey{std::string(keyPath), std::move(lowerPath)});
-    return lastKey_;
-}
-
-int SqliteRegistry::CreateKeyEx(RegistryHive, std::string_view keyPath, RegistryAccess, RegistryKey& key,
-                                RegistryDisposition& disposition) {
-    const int code = Run(Purpose::Write, [&](RegistryDatabase& database) {
-        std::string lowerPath = ToLower(keyPath);
-        int result = database.FindKey(lowerPath);
-        disposition = RegistryDisposition::OpenedExistingKey;
-        if (result == SQLITE_NOTFOUND) {
-            disposition = RegistryDisposition::CreatedNewKey;
-            result = database.AddKey(lowerPath, keyPath);
-        }
-        if (result == SQLITE_OK) key = Hand(keyPath, std::move(lowerPath));
-        return result;
-    });
-    if (code != SQLITE_OK) disposition = RegistryDisposition::None;
-    return WriteCode(code);
-}
-
-int SqliteRegistry::OpenKeyEx(RegistryHive, std::string_view keyPath, RegistryAccess, RegistryKey& key) {
-    return ReadCode(Run(Purpose::Read, [&](RegistryDatabase& database) {
-        std::string lowerPath = ToLower(keyPath);
-        const int result = knownKeys_.contains(lowerPath) ? SQLITE_OK : database.FindKey(lowerPath);
-        if (result != SQLITE_OK) return result;
-        knownKeys_.insert(lowerPath);
-        key = Hand(keyPath, std::move(lowerPath));
-        return result;
-    }));
-}
-
-int SqliteRegistry::QueryValueEx(RegistryKey key, std::string_view valueName, std::size_t bufferSize,
-                                 std::string& text) {
-    if (bufferSize == 0) return ErrorMoreData; // no room for the terminating zero
-    return RunOnKey(key, Purpose::Read, [&](RegistryDatabase& database, std::string_view lowerPath) {
-        return database.FindValue(lowerPath, ToLower(valueName), bufferSize - 1, text);
-    });
-}
-
-int SqliteRegistry::SetValueEx(RegistryKey key, std::string_view valueName, std::string_view text) {
-    return RunOnKey(key, Purpose::Write, [&](RegistryDatabase& database, std::string_view lowerPath) {
-        return database.PutValue(lowerPath, ToLower(valueName), valueName, text);
-    });
-}
-
-int SqliteRegistry::DeleteValue(RegistryKey key, std::string_view valueName) {
-    return RunOnKey(key, Purpose::Write, [&](RegistryDatabase& database, std::string_view lowerPath) {
-        return database.RemoveValue(lowerPath, ToLower(valueName));
-    });
-}
-
-int SqliteRegistry::EnumValues(RegistryKey key, std::vector<std::string>& valueNames) {
-    return RunOnKey(key, Purpose::Read, [&](RegistryDatabase& database, std::string_view lowerPath) {
-        return database.ListValues(lowerPath, valueNames);
-    });
-}
-
-void SqliteRegistry::CloseKey(RegistryKey key) {
-    opened_.erase(key);
 }
 
 // The same failure again and again, at every call, is told once.
@@ -223,6 +221,65 @@ void SqliteRegistry::Note(std::string text) {
 
 std::vector<std::string> SqliteRegistry::TakeNotes() {
     return std::exchange(notes_, {});
+}
+
+// ---- what it holds
+
+// Damage that comes to light is moved aside, and the statement runs once more on the new store.
+SqliteRegistry::Outcome SqliteRegistry::Run(Purpose purpose, SqliteDatabase::Statement Store::*statement,
+                                            std::initializer_list<SqliteDatabase::Value> values) {
+    FollowFile(purpose);
+    if (!store_ || (fileLost_ && purpose == Purpose::Write)) return {};
+    Outcome outcome;
+    const auto run = [&] {
+        outcome.Texts.clear();
+        return SqliteDatabase::Run((*store_).*statement, values, [&outcome](const SqliteDatabase::Row& row) {
+            outcome.Texts.emplace_back(row.Text(0));
+        });
+    };
+    int code = run();
+    if (SqliteDatabase::IsDamage(code)) {
+        ReplaceDamaged();
+        code = run();
+    }
+    if (code != SQLITE_OK) return {};
+    outcome.Succeeded = true;
+    outcome.Changes = store_->Database.Changes();
+    return outcome;
+}
+
+int SqliteRegistry::RegEnsureKey(std::string_view keyPath) {
+    if (IsRunKey(keyPath)) return 2;
+    const Outcome outcome = Run(Purpose::Write, &Store::AddKey, {ToLower(keyPath), keyPath});
+    if (!outcome.Succeeded) return 0;
+    return outcome.Changes == 1 ? 1 : 2;
+}
+
+std::vector<std::string> SqliteRegistry::RegValueNames(std::string_view keyPath) {
+    if (!IsRunKey(keyPath)) return Run(Purpose::Read, &Store::ListNames, {ToLower(keyPath)}).Texts;
+    return autostart_.Read() ? std::vector{std::string(ProgramTitle)} : std::vector<std::string>();
+}
+
+std::optional<std::string> SqliteRegistry::ReadValue(std::string_view keyPath, std::string_view valueName) {
+    if (IsRunKey(keyPath)) return IsProgramValue(valueName) ? autostart_.Read() : std::nullopt;
+    Outcome outcome = Run(Purpose::Read, &Store::FindValue, {ToLower(keyPath), ToLower(valueName)});
+    if (outcome.Texts.empty()) return std::nullopt;
+    return std::move(outcome.Texts.front());
+}
+
+Registry::Written SqliteRegistry::WriteValue(std::string_view keyPath, std::string_view valueName,
+                                             std::string_view text) {
+    if (IsRunKey(keyPath))
+        return IsProgramValue(valueName) && autostart_.Write(text) ? Written::Yes : Written::No;
+    const Outcome outcome =
+        Run(Purpose::Write, &Store::PutValue, {ToLower(keyPath), ToLower(valueName), valueName, text});
+    if (!outcome.Succeeded) return Written::No;
+    return outcome.Changes == 1 ? Written::Yes : Written::KeyIsMissing;
+}
+
+bool SqliteRegistry::DeleteValue(std::string_view keyPath, std::string_view valueName) {
+    if (IsRunKey(keyPath)) return IsProgramValue(valueName) && autostart_.Remove();
+    return Run(Purpose::Write, &Store::RemoveValue, {ToLower(keyPath), ToLower(valueName)}).Changes == 1;
 }
 
 } // namespace korvalin

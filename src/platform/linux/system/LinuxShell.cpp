@@ -41,12 +41,8 @@ std::filesystem::path LinuxShell::SettingsFolder() {
     return ConfigFolder();
 }
 
-std::filesystem::path LinuxShell::SpecialFolder(int id) {
-    return id == SpecialFolderCommonAppData ? XdgDataHome() : std::filesystem::path();
-}
-
-std::filesystem::path LinuxShell::SystemDirectory() {
-    return "/usr/lib/";
+std::filesystem::path LinuxShell::CommonAppData() {
+    return XdgDataHome();
 }
 
 bool LinuxShell::ComponentPresent(const std::string&) {
@@ -61,8 +57,8 @@ std::filesystem::path LinuxShell::ExecutablePath() {
     return path.ends_with(mark) ? path.substr(0, path.size() - mark.size()) : path;
 }
 
-int LinuxShell::PlatformId() {
-    return PlatformSupported;
+bool LinuxShell::IsSupported() {
+    return true;
 }
 
 std::string LinuxShell::UserLanguage() {

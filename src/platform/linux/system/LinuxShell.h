@@ -9,12 +9,11 @@ class LinuxShell : public Shell {
     /// `opener` is the program that finds the user's program for an address.
     explicit LinuxShell(std::string opener = "xdg-open");
 
-    std::filesystem::path SpecialFolder(int id) override;
+    std::filesystem::path CommonAppData() override;
     std::filesystem::path SettingsFolder() override;
-    std::filesystem::path SystemDirectory() override;
     bool ComponentPresent(const std::string& fileName) override;
     std::filesystem::path ExecutablePath() override;
-    int PlatformId() override;
+    bool IsSupported() override;
     std::string UserLanguage() override;
     /// The program runs in a session of its own and outlives this one.
     bool StartProgram(const std::filesystem::path& program) override;

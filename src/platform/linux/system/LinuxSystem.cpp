@@ -8,7 +8,6 @@
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/files/WholeFile.h"
 #include "platform/linux/netlink/NetlinkNetworkTables.h"
-#include "platform/linux/store/AutostartRegistry.h"
 #include "platform/linux/store/SqliteJournal.h"
 #include "platform/linux/store/SqliteRegistry.h"
 #include "platform/linux/system/LinuxShell.h"
@@ -41,8 +40,7 @@ struct LinuxSystem::BackEnds {
     SystemClock Clock;
     LinuxShell Shell;
     PosixFiles Files;
-    SqliteRegistry Store{ConfigFolder() / "registry.db", Clock};
-    AutostartRegistry Registry{Store, Files, AutostartFolder()};
+    SqliteRegistry Registry{ConfigFolder() / "registry.db", {Files, AutostartFolder()}, Clock};
     NetlinkNetworkTables NetworkTables;
     NetworkManagerClient NetworkManager{Clock};
     NetworkManagerLines Lines{NetworkManager, Clock};
@@ -82,7 +80,7 @@ Shell& LinuxSystem::UserShell() {
 }
 
 std::vector<std::string> LinuxSystem::TakeNotes() {
-    return backEnds_->Store.TakeNotes();
+    return backEnds_->Registry.TakeNotes();
 }
 
 } // namespace korvalin

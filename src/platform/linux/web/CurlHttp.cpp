@@ -1,7 +1,5 @@
 #include "platform/linux/web/CurlHttp.h"
 
-#include <algorithm>
-
 namespace korvalin {
 namespace {
 
@@ -10,7 +8,7 @@ constexpr int pollMilliseconds = 1000;
 /// Stands for a transfer that cannot even begin.
 class NoStream : public HttpStream {
   public:
-    std::optional<std::size_t> Read(std::span<char>) override { return std::nullopt; }
+    std::optional<std::string> Read(std::size_t) override { return std::nullopt; }
     HttpHead Head() override { return {}; }
     HttpFailure Failure() override { return {CURLE_FAILED_INIT, "libcurl is not installed"}; }
 };
@@ -29,13 +27,12 @@ class CurlStream : public HttpStream {
     CurlStream(const CurlStream&) = delete;
     CurlStream& operator=(const CurlStream&) = delete;
 
-    std::optional<std::size_t> Read(std::span<char> buffer) override {
+    std::optional<std::string> Read(std::size_t bytes) override {
         while (transfer_.BytesWaiting() == 0 && !transfer_.Ended())
             Drive();
-        const std::string part = transfer_.Take(buffer.size());
-        std::copy(part.begin(), part.end(), buffer.begin());
+        std::string part = transfer_.Take(bytes);
         if (part.empty() && transfer_.Failure().Code != 0) return std::nullopt;
-        return part.size();
+        return part;
     }
     HttpHead Head() override { return transfer_.Head(); }
     HttpFailure Failure() override { return transfer_.Failure(); }
