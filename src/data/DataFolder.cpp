@@ -1,6 +1,7 @@
 #include "data/DataFolder.h"
 
 #include "base/Date.h"
+#include "base/FlagGuard.h"
 #include "base/Paths.h"
 #include "base/ProgramTitle.h"
 #include "base/Text.h"
@@ -42,28 +43,15 @@ bool SameFolder(const fs::path& left, const fs::path& right) {
 
 } // namespace
 
-DataFolder::DataFolder(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
-                       Files& files, Shell& shell, Clock& clock, const fs::path& programFolder)
-    : settings_(settings),
-      language_(language),
-      errors_(errors),
-      messageBoxes_(messageBoxes),
-      files_(files),
-      shell_(shell),
-      clock_(clock),
-      programFolder_(programFolder),
-      runFolder_(programFolder) {}
-
 // ---- which folder
 
 fs::path DataFolder::GetDataPath() {
-    const fs::path stored = settings_.Get(Keys::DataPath);
+    const fs::path stored = parts_.Settings.Get(Keys::DataPath);
     if (IsFolder(stored)) return WithSeparator(stored);
     // The decision shows messages, and what they set off (a log line, a timer) may ask for the folder again.
     if (!deciding_ && (!decided_ || !IsFolder(runFolder_))) {
-        deciding_ = true;
-        errors_.Step("GetDataPath", [&] { DecideFolder(stored); });
-        deciding_ = false;
+        const FlagGuard deciding(deciding_);
+        parts_.Errors.Step("GetDataPath", [&] { DecideFolder(stored); });
         decided_ = true;
     }
     return WithSeparator(runFolder_);
@@ -76,20 +64,21 @@ void DataFolder::DecideFolder(const fs::path& stored) {
     runFolder_ = folder;
     // Stored only after the move: killed or failed in between, the next start finds the old statistics again.
     if (!stored.empty() || ChangeDataPath(programFolder_, folder, false)) {
-        settings_.Set(Keys::DataPath, folder.string());
+        parts_.Settings.Set(Keys::DataPath, folder.string());
     } else if (CanCreateFileIn(programFolder_)) {
         runFolder_ = programFolder_;
     }
 }
 
 fs::path DataFolder::CommonFolder() const {
-    return shell_.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle;
+    return parts_.Shell.SpecialFolder(SpecialFolderCommonAppData) / ProgramTitle;
 }
 
 fs::path DataFolder::DefaultFolder() {
     const fs::path folder = CommonFolder();
     if (folder.is_absolute() && CreateFolderPath(folder)) return folder;
-    if (HasTexts()) ShowPieces(messageBoxes_, language_, {43, folder.string(), 44}, MessageIcon::Warning);
+    if (HasTexts())
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {43, folder.string(), 44}, MessageIcon::Warning);
     return programFolder_;
 }
 
@@ -98,34 +87,36 @@ void DataFolder::UseAnyWritable() {
     runFolder_ = programFolder_;
     if (CanCreateFileIn(programFolder_)) return;
     // A place that the next start finds again, should it need one too.
-    if (const fs::path folder = shell_.SettingsFolder(); CreateFolderPath(folder)) runFolder_ = folder;
+    if (const fs::path folder = parts_.Shell.SettingsFolder(); CreateFolderPath(folder)) runFolder_ = folder;
 }
 
 // A log line may need the folder before the texts are there; a message without words would tell nothing.
 bool DataFolder::HasTexts() {
-    return !language_.Lng("modAllgemein", 29).empty();
+    return !parts_.Language.Lng("modAllgemein", 29).empty();
 }
 
 bool DataFolder::CreateFolderPath(const fs::path& folder) {
-    return files_.CreateFolders(folder) == 0 && IsFolder(folder);
+    return parts_.Files.CreateFolders(folder) == 0 && IsFolder(folder);
 }
 
 bool DataFolder::CheckDataFolder(const fs::path& folder) {
     if (folder.empty()) return false;
     if (!FileExists(folder)) {
         if (!HasTexts()) return CreateFolderPath(folder) && CanCreateFileIn(folder);
-        const std::string question = folder.string() + "\n\n" + language_.Lng("modAllgemein", 29);
-        const auto answer = messageBoxes_.Show(question, std::string(ProgramTitle), MessageIcon::Question,
-                                               MessageButtons::YesNo);
+        const std::string question = folder.string() + "\n\n" + parts_.Language.Lng("modAllgemein", 29);
+        const auto answer = parts_.MessageBoxes.Show(question, std::string(ProgramTitle),
+                                                     MessageIcon::Question, MessageButtons::YesNo);
         if (answer != MessageAnswer::Yes) return false;
         static_cast<void>(CreateFolderPath(folder));
     }
     if (!IsFolder(folder)) {
-        if (HasTexts()) ShowPieces(messageBoxes_, language_, {32, folder.string(), 33}, MessageIcon::Warning);
+        if (HasTexts())
+            ShowPieces(parts_.MessageBoxes, parts_.Language, {32, folder.string(), 33}, MessageIcon::Warning);
         return false;
     }
     if (CanCreateFileIn(folder)) return true;
-    if (HasTexts()) ShowPieces(messageBoxes_, language_, {30, folder.string(), 31}, MessageIcon::Warning);
+    if (HasTexts())
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {30, folder.string(), 31}, MessageIcon::Warning);
     return false;
 }
 
@@ -135,7 +126,7 @@ bool DataFolder::CanCreateFileIn(const fs::path& folder) {
     for (int number = 1; FileExists(file); ++number)
         file = folder / fmt::format("Test{}.txt", number);
     // Not looked for afterwards: another program that tries at the same moment may have removed it.
-    const bool created = files_.Replace(file, "");
+    const bool created = parts_.Files.Replace(file, "");
     std::error_code ignored;
     if (created) fs::remove(file, ignored);
     return created;
@@ -145,7 +136,7 @@ bool DataFolder::CanCreateFileIn(const fs::path& folder) {
 
 bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFolder, bool ask) {
     bool refused = false;
-    const bool done = errors_.Step("ChangeDataPath", [&] {
+    const bool done = parts_.Errors.Step("ChangeDataPath", [&] {
         refused = oldFolder.empty() || newFolder.empty() || !CheckDataFolder(newFolder);
         if (refused) return;
         if (SameFolder(oldFolder, newFolder)) return;
@@ -159,33 +150,34 @@ bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFo
 }
 
 bool DataFolder::UserKeepsNewStatistics() {
-    return ShowPieces(messageBoxes_, language_, {34, 35}, MessageIcon::Question, MessageButtons::YesNo) ==
-           MessageAnswer::Yes;
+    return ShowPieces(parts_.MessageBoxes, parts_.Language, {34, 35}, MessageIcon::Question,
+                      MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
 bool DataFolder::UserMovesStatistics() {
-    return ShowPieces(messageBoxes_, language_, {36, 37, 35, 38}, MessageIcon::Question,
+    return ShowPieces(parts_.MessageBoxes, parts_.Language, {36, 37, 35, 38}, MessageIcon::Question,
                       MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
 void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile) {
     const bool replaces = FileExists(newFile);
-    const fs::path aside = FreeBackupName(newFile, clock_.Now());
+    const fs::path aside = FreeBackupName(newFile, parts_.Clock.Now());
     if (replaces) fs::rename(newFile, aside);
-    if (!files_.Copy(oldFile, newFile)) {
+    if (!parts_.Files.Copy(oldFile, newFile)) {
         std::error_code ignored;
         if (replaces) fs::rename(aside, newFile, ignored);
         throw fs::filesystem_error("The statistics file could not be copied", oldFile, newFile,
                                    std::make_error_code(std::errc::io_error));
     }
     // The statistics have arrived; an old file that cannot be renamed does no harm where it is.
-    errors_.Step("ChangeDataPath", [&] { fs::rename(oldFile, FreeBackupName(oldFile, clock_.Now())); });
+    parts_.Errors.Step("ChangeDataPath",
+                       [&] { fs::rename(oldFile, FreeBackupName(oldFile, parts_.Clock.Now())); });
 }
 
 void DataFolder::DeleteStatistics() {
-    const int days = settings_.Get(Keys::DeleteStatistics);
+    const int days = parts_.Settings.Get(Keys::DeleteStatistics);
     if (days <= 0) return;
-    const Date oldest = DayOf(clock_.Now()) - days;
+    const Date oldest = DayOf(parts_.Clock.Now()) - days;
     const std::string prefix = fmt::format("{}_", StatFileName);
     std::error_code ignored;
     for (fs::directory_iterator entry(GetDataPath(), ignored), end; entry != end; entry.increment(ignored)) {

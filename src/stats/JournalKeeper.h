@@ -11,6 +11,7 @@ namespace korvalin {
 
 class Clock;
 class CounterLedger;
+class DataFolder;
 class Errors;
 class LineBook;
 class LineMonitor;
@@ -26,17 +27,21 @@ class JournalKeeper {
     struct Parts {
         korvalin::Journal& Journal;
         korvalin::Recorder& Recorder;
-        CounterLedger& Ledger;
-        const LineState& Lines;
-        LineBook& Book;
-        LineMonitor& Monitor;
+        korvalin::CounterLedger& CounterLedger;
+        const korvalin::LineState& LineState;
+        korvalin::LineBook& LineBook;
+        korvalin::LineMonitor& LineMonitor;
         korvalin::Clock& Clock;
         korvalin::Errors& Errors;
-        std::function<std::filesystem::path()> DataFolder;
+        korvalin::DataFolder& DataFolder;
+    };
+    struct Hooks {
         /// The program records now in place of another, whose records are in the file.
         std::function<void()> TookOver = [] {};
     };
-    explicit JournalKeeper(Parts parts) : parts_(std::move(parts)) {}
+    explicit JournalKeeper(const Parts& parts) : parts_(parts) {}
+
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Takes up what the last run has left, before the first pass: records what it could not. False while
     /// another program records; its accounts are then only looked at.
@@ -60,6 +65,7 @@ class JournalKeeper {
     JournalEntry EntryOf(const LineRecord& line) const;
 
     Parts parts_;
+    Hooks hooks_;
     bool begun_ = false;
     bool records_ = false;
     bool started_ = false;         // at least one pass has been made

@@ -26,7 +26,7 @@ void Dialing::DialEntry(const std::string& entryName) {
     if (busy_) return;
     const FlagGuard busy(busy_);
     parts_.Errors.Step("DialEntry", [&] {
-        const bool anotherIsUp = parts_.Lines.MonitoredLineType == "RAS" && parts_.Lines.AnyLineConnected;
+        const bool anotherIsUp = parts_.LineState.OnDialUp();
         std::int32_t connection = 0;
         int result = Dial(entryName, anotherIsUp ? InternetDialForcePrompt : unattended, connection);
         if (result == ErrorAuthenticationFailure)
@@ -73,7 +73,7 @@ void Dialing::MONHangUp() {
 
 // While adapters are monitored nobody else reads the dial-up connections.
 bool Dialing::ConnectionUp() {
-    if (parts_.Lines.MonitoredLineType == "RAS") return parts_.Lines.AnyLineConnected;
+    if (parts_.LineState.MonitoredLineType == "RAS") return parts_.LineState.AnyLineConnected;
     const std::vector<RasConnection> connections = Connections();
     return std::any_of(connections.begin(), connections.end(), [&](const RasConnection& connection) {
         std::uint32_t state = 0;

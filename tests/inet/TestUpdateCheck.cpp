@@ -9,8 +9,17 @@ namespace fs = std::filesystem;
 
 class FakeWeb : public CoreFixture {
   protected:
-    WebFetch fetch{{http, settings, errors, files, events, clock, ProgramVersion{2, 3, 12},
-                    [] { return std::string("ENG"); }, [this] { return folder.Path(); }}};
+    FakeWeb() { KeepDataInFolder(); }
+
+    WebFetch fetch{{.Http = http,
+                    .Settings = settings,
+                    .Errors = errors,
+                    .Files = files,
+                    .Events = events,
+                    .Clock = clock,
+                    .Language = language,
+                    .DataFolder = dataFolder,
+                    .Version = {2, 3, 12}}};
 };
 
 const std::string siteAddress = "https://maker.example/update/";

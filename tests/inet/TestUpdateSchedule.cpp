@@ -8,8 +8,17 @@ namespace {
 
 class FakeWeb : public CoreFixture {
   protected:
-    WebFetch fetch{{http, settings, errors, files, events, clock, ProgramVersion{2, 3, 12},
-                    [] { return std::string("ENG"); }, [this] { return folder.Path(); }}};
+    FakeWeb() { KeepDataInFolder(); }
+
+    WebFetch fetch{{.Http = http,
+                    .Settings = settings,
+                    .Errors = errors,
+                    .Files = files,
+                    .Events = events,
+                    .Clock = clock,
+                    .Language = language,
+                    .DataFolder = dataFolder,
+                    .Version = {2, 3, 12}}};
 };
 
 class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
@@ -18,7 +27,7 @@ class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
         aboutIsOpen = false;
         UseSite("https://maker.example/", files, signatures);
         schedule.emplace(*check, settings, errors, clock);
-        schedule->Plug([this](double seconds) { callAgain = seconds; });
+        schedule->Plug({.CallAgain = [this](double seconds) { callAgain = seconds; }});
         Offer("2.3.12");
     }
     void Offer(const std::string& version) {
@@ -31,7 +40,7 @@ class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
     // As the timer does: after the time that it was told.
     bool Call() {
         clock.Advance(std::exchange(callAgain, 0));
-        return schedule->AutoUpdateCheck();
+        return schedule->AutoUpdateCheck(true);
     }
     bool Asked() { return !http.TakeAddresses().empty(); }
 

@@ -68,7 +68,16 @@ class DataFolderTest : public CoreFixture {
     WatchedShell places;
     ReadOnlyFiles disk;
     fs::path share = folder / "share/Korvalin";
-    DataFolder data{settings, language, errors, boxes, disk, places, clock, programFolder};
+    DataFolder::Parts Parts() {
+        return {.Settings = settings,
+                .Language = language,
+                .Errors = errors,
+                .MessageBoxes = boxes,
+                .Files = disk,
+                .Shell = places,
+                .Clock = clock};
+    }
+    DataFolder data{Parts(), programFolder};
 };
 
 TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
@@ -81,7 +90,7 @@ TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
     EXPECT_EQ(Contents(share), "db=new ");
     EXPECT_EQ(settings.Get(Keys::DataPath), "");
     disk.CopyFails = false;
-    DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
+    DataFolder next(Parts(), programFolder);
     EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
     EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
     EXPECT_TRUE(Contents(share).starts_with("db=old "));
@@ -107,7 +116,7 @@ TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
         settings.SetReg("DataPath", "");
         disk.CreateFoldersResult = row.CreateResult;
         disk.Folders = row.ReadOnly;
-        DataFolder fresh(settings, language, errors, boxes, disk, places, clock, programFolder);
+        DataFolder fresh(Parts(), programFolder);
         const fs::path found = fresh.GetDataPath();
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(fresh.GetDataPath(), found);
