@@ -86,12 +86,31 @@ BENCHMARK(GetRegPeer);
 struct ManyAdaptersBench {
     explicit ManyAdaptersBench(const benchmark::State& state)
         : adapters(static_cast<std::size_t>(state.range(0))),
-          reader(adapters, program.lines, program.lineBook, program.counterLedger, program.lineNames,
-                 program.trafficOptions, program.errors, clock),
-          monitor(program.lines, program.lineBook, program.rasReader, reader, program.trafficOptions,
-                  internet, user, clock, program.errors),
-          loop(clock, screen, program.settings, program.lines, monitor, program.rateHistory,
-               program.infoTexts, program.errors) {
+          reader({.NetworkTables = adapters,
+                  .LineState = program.lines,
+                  .LineBook = program.lineBook,
+                  .CounterLedger = program.counterLedger,
+                  .LineNames = program.lineNames,
+                  .TrafficOptions = program.trafficOptions,
+                  .Errors = program.errors,
+                  .Clock = clock}),
+          monitor({.LineState = program.lines,
+                   .LineBook = program.lineBook,
+                   .RasReader = program.rasReader,
+                   .LanReader = reader,
+                   .TrafficOptions = program.trafficOptions,
+                   .Internet = internet,
+                   .User = user,
+                   .Clock = clock,
+                   .Errors = program.errors}),
+          loop({.Clock = clock,
+                .Screen = screen,
+                .Settings = program.settings,
+                .LineState = program.lines,
+                .LineMonitor = monitor,
+                .RateHistory = program.rateHistory,
+                .InfoTexts = program.infoTexts,
+                .Errors = program.errors}) {
         program.lineBook.Plug({[](const std::string& name) { return name; }, [](CloseReason, std::size_t) {},
                                [this] { loop.ResizeRateHistory(); }, [] {}});
         program.LoadRecords();

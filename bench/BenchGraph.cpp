@@ -4,6 +4,7 @@
 #include "cli/Windowless.h"
 #include "errors/Errors.h"
 #include "forms/PictureBox.h"
+#include "lang/UnitFormat.h"
 #include "platform/linux/system/LinuxSystem.h"
 #include "settings/Settings.h"
 #include "stats/Aliases.h"
@@ -71,7 +72,8 @@ class Statistics {
     Locale locale_;
     Errors errors_{ports_.Clock, ports_.Files, boxes_, locale_, "bench"};
     Settings settings_{ports_.Registry, errors_, screen_, ports_.Clock, locale_};
-    Aliases aliases_{settings_, errors_, ports_.Clock, [] { return 1e6; }};
+    UnitFormat units_{errors_, locale_, ports_.Clock};
+    Aliases aliases_{settings_, errors_, ports_.Clock, units_};
 };
 
 void CalcGraphOf1000000Records(benchmark::State& state) {

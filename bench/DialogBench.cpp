@@ -35,8 +35,8 @@ class DialogBench {
     explicit DialogBench(const std::filesystem::path& folder) : program_(folder, events_, boxes_) {
         window_ = std::make_unique<frmMain>(frmMain::Parts{
             program_->settings, program_->language, screen_, program_->samplingLoop, program_->lines,
-            program_->rateHistory, program_->infoTexts, program_->liveTexts, program_->errors,
-            program_.SystemTime(), program_->locale, tray_, boxes_, program_->dialing});
+            program_->rateHistory, program_->infoTexts, program_->liveTexts, program_->monthSums,
+            program_->errors, program_.SystemTime(), program_->locale, tray_, boxes_, program_->dialing});
         window_->Form_Load();
         QCoreApplication::processEvents();
     }

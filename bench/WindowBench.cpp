@@ -79,7 +79,7 @@ class WindowBench {
           savePath_(QString::fromStdString((folder / "export").string())),
           window_({program_->settings, program_->language, program_->errors, boxes_, program_->statFile,
                    program_->aliases, program_->monthSums, program_->periodSums, program_.SystemTime(),
-                   program_->locale, [this] { return program_->RecordsInFile(); }}),
+                   program_->locale, program_->recorder}),
           list_(Find<QTableView>("ListStats")),
           painted_(*list_.viewport(), QEvent::Paint) {
         window_.Plug([this](QWidget*, const QString&, const QString&) { return savePath_; });

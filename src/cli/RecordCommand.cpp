@@ -33,7 +33,7 @@ int RecordUntilSignal(Program& program, const TerminationSignals& signals) {
     }
     program.journalKeeper.RecordOpenLines(signal == SIGTERM ? CloseReason::SystemEnd
                                                             : CloseReason::TaskManager);
-    return program.recorder.Unwritten() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    return program.recorder.HasPending() ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
 } // namespace korvalin

@@ -134,7 +134,8 @@ void LoadTexts(Program& program) {
 
 int Run(const CommandLine& line, const Ports& ports, Program& program, const TerminationSignals* signals) {
     const Arguments& arguments = line.Arguments;
-    program.ShowOpenConnectionsOfRecorder(arguments.Closed);
+    program.openConnections.UseThoseOf(arguments.Closed ? OpenConnections::Source::Nobody
+                                                        : OpenConnections::Source::Recorder);
     if (line.List->parsed()) ListSettings(program.settings);
     if (line.Get->parsed()) PrintSetting(program.settings, arguments.Name);
     if (line.Set->parsed()) StoreSetting(program.settings, arguments.Name, arguments.Value);

@@ -1,6 +1,7 @@
 #include "data/DataFolder.h"
 
 #include "base/Date.h"
+#include "base/FlagGuard.h"
 #include "base/Paths.h"
 #include "base/ProgramTitle.h"
 #include "base/Text.h"
@@ -59,28 +60,15 @@ std::vector<std::string> LinesOf(const fs::path& path) {
 
 } // namespace
 
-DataFolder::DataFolder(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
-                       Files& files, Shell& shell, Clock& clock, const fs::path& programFolder)
-    : settings_(settings),
-      language_(language),
-      errors_(errors),
-      messageBoxes_(messageBoxes),
-      files_(files),
-      shell_(shell),
-      clock_(clock),
-      programFolder_(programFolder),
-      runFolder_(programFolder) {}
-
 // ---- which folder
 
 fs::path DataFolder::GetDataPath() {
-    const fs::path stored = settings_.Get(Keys::DataPath);
+    const fs::path stored = parts_.Settings.Get(Keys::DataPath);
     if (IsFolder(stored)) return WithSeparator(stored);
     // The decision shows messages, and what they set off (a log line, a timer) may ask for the folder again.
     if (!deciding_ && (!decided_ || !IsFolder(runFolder_))) {
-        deciding_ = true;
-        errors_.Step("GetDataPath", [&] { DecideFolder(stored); });
-        deciding_ = false;
+        const FlagGuard deciding(deciding_);
+        parts_.Errors.Step("GetDataPath", [&] { DecideFolder(stored); });
         decided_ = true;
     }
     return WithSeparator(runFolder_);
@@ -93,20 +81,21 @@ void DataFolder::DecideFolder(const fs::path& stored) {
     runFolder_ = folder;
     // Stored only after the move: killed or failed in between, the next start finds the old statistics again.
     if (!stored.empty() || ChangeDataPath(programFolder_, folder, false)) {
-        settings_.Set(Keys::DataPath, folder.string());
+        parts_.Settings.Set(Keys::DataPath, folder.string());
     } else if (CanCreateFileIn(programFolder_)) {
         runFolder_ = programFolder_;
     }
 }
 
 fs::path DataFolder::CommonFolder() const {
-    return shell_.CommonAppData() / ProgramTitle;
+    return parts_.Shell.CommonAppData() / ProgramTitle;
 }
 
 fs::path DataFolder::DefaultFolder() {
     const fs::path folder = CommonFolder();
     if (folder.is_absolute() && CreateFolderPath(folder)) return folder;
-    if (HasTexts()) ShowPieces(messageBoxes_, language_, {43, folder.string(), 44}, MessageIcon::Warning);
+    if (HasTexts())
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {43, folder.string(), 44}, MessageIcon::Warning);
     return programFolder_;
 }
 
@@ -115,34 +104,36 @@ void DataFolder::UseAnyWritable() {
     runFolder_ = programFolder_;
     if (CanCreateFileIn(programFolder_)) return;
     // A place that the next start finds again, should it need one too.
-    if (const fs::path folder = shell_.SettingsFolder(); CreateFolderPath(folder)) runFolder_ = folder;
+    if (const fs::path folder = parts_.Shell.SettingsFolder(); CreateFolderPath(folder)) runFolder_ = folder;
 }
 
 // A log line may need the folder before the texts are there; a message without words would tell nothing.
 bool DataFolder::HasTexts() {
-    return !language_.Lng("modAllgemein", 29).empty();
+    return !parts_.Language.Lng("modAllgemein", 29).empty();
 }
 
 bool DataFolder::CreateFolderPath(const fs::path& folder) {
-    return files_.CreateFolders(folder) == 0 && IsFolder(folder);
+    return parts_.Files.CreateFolders(folder) == 0 && IsFolder(folder);
 }
 
 bool DataFolder::CheckDataFolder(const fs::path& folder) {
     if (folder.empty()) return false;
     if (!FileExists(folder)) {
         if (!HasTexts()) return CreateFolderPath(folder) && CanCreateFileIn(folder);
-        const std::string question = folder.string() + "\n\n" + language_.Lng("modAllgemein", 29);
-        const auto answer = messageBoxes_.Show(question, std::string(ProgramTitle), MessageIcon::Question,
-                                               MessageButtons::YesNo);
+        const std::string question = folder.string() + "\n\n" + parts_.Language.Lng("modAllgemein", 29);
+        const auto answer = parts_.MessageBoxes.Show(question, std::string(ProgramTitle),
+                                                     MessageIcon::Question, MessageButtons::YesNo);
         if (answer != MessageAnswer::Yes) return false;
         static_cast<void>(CreateFolderPath(folder));
     }
     if (!IsFolder(folder)) {
-        if (HasTexts()) ShowPieces(messageBoxes_, language_, {32, folder.string(), 33}, MessageIcon::Warning);
+        if (HasTexts())
+            ShowPieces(parts_.MessageBoxes, parts_.Language, {32, folder.string(), 33}, MessageIcon::Warning);
         return false;
     }
     if (CanCreateFileIn(folder)) return true;
-    if (HasTexts()) ShowPieces(messageBoxes_, language_, {30, folder.string(), 31}, MessageIcon::Warning);
+    if (HasTexts())
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {30, folder.string(), 31}, MessageIcon::Warning);
     return false;
 }
 
@@ -152,7 +143,7 @@ bool DataFolder::CanCreateFileIn(const fs::path& folder) {
     for (int number = 1; FileExists(file); ++number)
         file = folder / fmt::format("Test{}.txt", number);
     // Not looked for afterwards: another program that tries at the same moment may have removed it.
-    const bool created = files_.Replace(file, "");
+    const bool created = parts_.Files.Replace(file, "");
     std::error_code ignored;
     if (created) fs::remove(file, ignored);
     return created;
@@ -162,7 +153,7 @@ bool DataFolder::CanCreateFileIn(const fs::path& folder) {
 
 bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFolder, bool ask) {
     bool refused = false;
-    const bool done = errors_.Step("ChangeDataPath", [&] {
+    const bool done = parts_.Errors.Step("ChangeDataPath", [&] {
         refused = oldFolder.empty() || newFolder.empty() || !CheckDataFolder(newFolder);
         if (refused) return;
         if (SameFolder(oldFolder, newFolder)) return;
@@ -180,20 +171,20 @@ bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFo
 }
 
 bool DataFolder::UserKeepsNewStatistics() {
-    return ShowPieces(messageBoxes_, language_, {34, 35}, MessageIcon::Question, MessageButtons::YesNo) ==
-           MessageAnswer::Yes;
+    return ShowPieces(parts_.MessageBoxes, parts_.Language, {34, 35}, MessageIcon::Question,
+                      MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
 bool DataFolder::UserMovesStatistics() {
-    return ShowPieces(messageBoxes_, language_, {36, 37, 35, 38}, MessageIcon::Question,
+    return ShowPieces(parts_.MessageBoxes, parts_.Language, {36, 37, 35, 38}, MessageIcon::Question,
                       MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
 void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile) {
     const bool replaces = FileExists(newFile);
-    const fs::path aside = FreeBackupName(newFile, clock_.Now());
+    const fs::path aside = FreeBackupName(newFile, parts_.Clock.Now());
     if (replaces) fs::rename(newFile, aside);
-    if (!files_.Copy(oldFile, newFile)) {
+    if (!parts_.Files.Copy(oldFile, newFile)) {
         std::error_code ignored;
         if (replaces) fs::rename(aside, newFile, ignored);
         throw fs::filesystem_error("The statistics file could not be copied", oldFile, newFile,
@@ -211,7 +202,7 @@ void DataFolder::JoinStatistics(const fs::path& oldFile, const fs::path& newFile
         if (!known.contains(line)) missing += line + std::string(lineEnd);
     }
     if (!missing.empty()) {
-        const int error = files_.AppendLines(newFile, "", missing, lineEnd, Files::Flush::Yes);
+        const int error = parts_.Files.AppendLines(newFile, "", missing, lineEnd, Files::Flush::Yes);
         if (error != 0) throw std::system_error(error, std::generic_category(), newFile.string());
     }
     PutAside(oldFile);
@@ -219,13 +210,14 @@ void DataFolder::JoinStatistics(const fs::path& oldFile, const fs::path& newFile
 
 // The statistics have arrived; an old file that cannot be renamed does no harm where it is.
 void DataFolder::PutAside(const fs::path& oldFile) {
-    errors_.Step("ChangeDataPath", [&] { fs::rename(oldFile, FreeBackupName(oldFile, clock_.Now())); });
+    parts_.Errors.Step("ChangeDataPath",
+                       [&] { fs::rename(oldFile, FreeBackupName(oldFile, parts_.Clock.Now())); });
 }
 
 void DataFolder::DeleteStatistics() {
-    const int days = settings_.Get(Keys::DeleteStatistics);
+    const int days = parts_.Settings.Get(Keys::DeleteStatistics);
     if (days <= 0) return;
-    const Date oldest = DayOf(clock_.Now()) - days;
+    const Date oldest = DayOf(parts_.Clock.Now()) - days;
     const std::string prefix = fmt::format("{}_", StatFileName);
     std::error_code ignored;
     for (fs::directory_iterator entry(GetDataPath(), ignored), end; entry != end; entry.increment(ignored)) {

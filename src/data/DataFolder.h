@@ -23,8 +23,17 @@ inline constexpr std::string_view StatExportName = "Korvalin_Stats.csv";
 /// The folder of the statistics, their backups and the error log.
 class DataFolder {
   public:
-    DataFolder(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
-               Files& files, Shell& shell, Clock& clock, const std::filesystem::path& programFolder);
+    struct Parts {
+        korvalin::Settings& Settings;
+        korvalin::Language& Language;
+        korvalin::Errors& Errors;
+        korvalin::MessageBoxes& MessageBoxes;
+        korvalin::Files& Files;
+        korvalin::Shell& Shell;
+        korvalin::Clock& Clock;
+    };
+    DataFolder(const Parts& parts, const std::filesystem::path& programFolder)
+        : parts_(parts), programFolder_(programFolder), runFolder_(programFolder) {}
 
     /// The data folder, ending with a separator. Created when it is missing; where that fails, another folder
     /// serves for the rest of this run. Cheap while the folder is there; may be called from inside itself (a
@@ -63,13 +72,7 @@ class DataFolder {
     void PutAside(const std::filesystem::path& oldFile);
     void MoveStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
 
-    Settings& settings_;
-    Language& language_;
-    Errors& errors_;
-    MessageBoxes& messageBoxes_;
-    Files& files_;
-    Shell& shell_;
-    Clock& clock_;
+    Parts parts_;
     std::filesystem::path programFolder_;
     /// Where this run's data go while the setting names no folder that exists.
     std::filesystem::path runFolder_;

@@ -1,6 +1,7 @@
 #include "desktop/AboutBox.h"
 
 #include "dialogs/frmAbout.h"
+#include "display/frmMain.h"
 #include "program/Program.h"
 
 #include <QClipboard>
@@ -14,13 +15,14 @@ const CurlRules rules{.SilenceSeconds = 180};
 
 } // namespace
 
-AboutBox::AboutBox(Program& program, Shell& shell, std::function<void()> endProgram)
-    : program_(program), shell_(shell), endProgram_(std::move(endProgram)), control_(rules) {
+AboutBox::AboutBox(Program& program, Shell& shell, frmMain& window)
+    : program_(program), shell_(shell), window_(window), control_(rules) {
     PlugFetch();
     PlugCheck();
     check_.setSingleShot(true);
     QObject::connect(&check_, &QTimer::timeout, &check_, [this] {
-        if (program_.updateSchedule.AutoUpdateCheck()) endProgram_();
+        const bool preCheck = !program_.lines.OnDialUp();
+        if (program_.updateSchedule.AutoUpdateCheck(preCheck)) window_.Quit();
     });
 }
 
@@ -57,8 +59,10 @@ void AboutBox::Open() {
     if (!box_) {
         box_ = new frmAbout({program_.language, shell_, Program::Version().Numbers()});
         box_->setAttribute(Qt::WA_DeleteOnClose);
-        box_->Plug({[this] { return static_cast<int>(program_.updateCheck.CheckUpdate(false, false)); },
-                    [this] { program_.updateCheck.Cancel(); }, endProgram_});
+        box_->Plug({.CheckUpdate =
+                        [this] { return static_cast<int>(program_.updateCheck.CheckUpdate(false, false)); },
+                    .CancelUpdate = [this] { program_.updateCheck.Cancel(); },
+                    .EndProgram = [this] { window_.Quit(); }});
         box_->ShowRunning(program_.updateCheck.IsRunning());
     }
     box_->Open();

@@ -4,19 +4,18 @@
 
 #include <QPointer>
 
-#include <functional>
-
 namespace korvalin {
 
 class Program;
 class Shell;
 class frmAbout;
+class frmMain;
 
 /// The about box, and the update check that shows itself in it.
 class AboutBox {
   public:
-    /// `endProgram` lets a new version take over.
-    AboutBox(Program& program, Shell& shell, std::function<void()> endProgram);
+    /// `window` is closed for a new version to take over.
+    AboutBox(Program& program, Shell& shell, frmMain& window);
     ~AboutBox();
     AboutBox(const AboutBox&) = delete;
     AboutBox& operator=(const AboutBox&) = delete;
@@ -34,7 +33,7 @@ class AboutBox {
 
     Program& program_;
     Shell& shell_;
-    std::function<void()> endProgram_;
+    frmMain& window_;
     CurlTransferControl control_;
     QTimer check_;
     QPointer<frmAbout> box_; ///< exists only while it is shown

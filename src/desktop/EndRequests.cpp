@@ -17,17 +17,17 @@ CloseReason ReasonOf(int signal) {
 
 } // namespace
 
-EndRequests::EndRequests(const TerminationSignals& termination, std::function<void(CloseReason reason)> end)
-    : end_(std::move(end)), signalled_(termination.Get(), QSocketNotifier::Read) {
+EndRequests::EndRequests(const TerminationSignals& termination)
+    : signalled_(termination.Get(), QSocketNotifier::Read) {
     connect(&signalled_, &QSocketNotifier::activated, this, [this, &termination] {
-        if (const int signal = termination.Take()) end_(ReasonOf(signal));
+        if (const int signal = termination.Take()) emit EndRequested(ReasonOf(signal));
     });
     qApp->installEventFilter(this);
 }
 
 // The toolkit would only try to close the windows, and one that stays in the tray would refuse.
 bool EndRequests::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == qApp && event->type() == QEvent::Quit) end_(CloseReason::SystemEnd);
+    if (watched == qApp && event->type() == QEvent::Quit) emit EndRequested(CloseReason::SystemEnd);
     return QObject::eventFilter(watched, event);
 }
 

@@ -5,8 +5,6 @@
 #include <QObject>
 #include <QSocketNotifier>
 
-#include <functional>
-
 namespace korvalin {
 
 class TerminationSignals;
@@ -16,14 +14,17 @@ class EndRequests : public QObject {
     Q_OBJECT
 
   public:
-    /// `end` may be called more than once. `termination` outlives this.
-    EndRequests(const TerminationSignals& termination, std::function<void(CloseReason reason)> end);
+    /// `termination` outlives this.
+    explicit EndRequests(const TerminationSignals& termination);
+
+  signals:
+    /// May come more than once.
+    void EndRequested(CloseReason reason);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    std::function<void(CloseReason)> end_;
     QSocketNotifier signalled_;
 };
 

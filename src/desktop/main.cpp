@@ -6,7 +6,6 @@
 #include "display/frmMain.h"
 #include "forms/Loaded.h"
 #include "forms/ProgramIcon.h"
-#include "lang/ApplyFormTexts.h"
 #include "lang/ToolkitTexts.h"
 #include "lang/frmLanguage.h"
 #include "platform/linux/system/ExitWatch.h"
@@ -38,12 +37,6 @@ void ChoosePlatform() {
         setenv("QT_QPA_PLATFORM", "xcb", 0);
 }
 
-PeriodUse UseOfChartLine(Program& program) {
-    const auto line = static_cast<std::size_t>(program.infoTexts.ChartLineNo);
-    if (line < 1 || line > program.lines.LineTable.Size()) return {};
-    return program.monthSums.UseOf(program.lines.LineTable(line).EntryName);
-}
-
 // Runs the program with its windows on this system's back ends until it ends; returns the exit code.
 int RunDesktop(int argc, char** argv) {
     const TerminationSignals termination;
@@ -67,7 +60,7 @@ int RunDesktop(int argc, char** argv) {
     dialDialog.Plug(program.language);
     system.PlugDialDialog(&dialDialog);
     program.language.PlugAskLanguage([&] {
-        frmLanguage dialog(program.language, [&] { ApplyTextsToLoadedForms(program.language); });
+        frmLanguage dialog(program.language);
         dialog.exec();
     });
     if (!program.Main()) return EXIT_SUCCESS;
@@ -77,19 +70,38 @@ int RunDesktop(int argc, char** argv) {
     std::unique_ptr<frmStatistik> statistics; // made when it is first wanted
     const auto openStatistics = [&] {
         if (!statistics) {
-            statistics = std::make_unique<frmStatistik>(frmStatistik::Parts{
-                program.settings, program.language, program.errors, messageBoxes, program.statFile,
-                program.aliases, program.monthSums, program.periodSums, system.SystemTime(), program.locale,
-                [&program] { return program.RecordsInFile(); }});
+            statistics = std::make_unique<frmStatistik>(frmStatistik::Parts{.Settings = program.settings,
+                                                                            .Language = program.language,
+                                                                            .Errors = program.errors,
+                                                                            .MessageBoxes = messageBoxes,
+                                                                            .StatFile = program.statFile,
+                                                                            .Aliases = program.aliases,
+                                                                            .MonthSums = program.monthSums,
+                                                                            .PeriodSums = program.periodSums,
+                                                                            .Clock = system.SystemTime(),
+                                                                            .Locale = program.locale,
+                                                                            .Recorder = program.recorder});
         }
         statistics->Open();
     };
     QtNotificationArea tray;
     QPointer<frmEinstellungen> settings; // exists only while it is shown
-    frmMain window({program.settings, program.language, screen, program.samplingLoop, program.lines,
-                    program.rateHistory, program.infoTexts, program.liveTexts, program.errors,
-                    system.SystemTime(), program.locale, tray, messageBoxes, program.dialing});
-    AboutBox about(program, system.UserShell(), [&] { window.Quit(); });
+    frmMain window({.Settings = program.settings,
+                    .Language = program.language,
+                    .Screen = screen,
+                    .SamplingLoop = program.samplingLoop,
+                    .LineState = program.lines,
+                    .RateHistory = program.rateHistory,
+                    .InfoTexts = program.infoTexts,
+                    .LiveTexts = program.liveTexts,
+                    .MonthSums = program.monthSums,
+                    .Errors = program.errors,
+                    .Clock = system.SystemTime(),
+                    .Locale = program.locale,
+                    .NotificationArea = tray,
+                    .MessageBoxes = messageBoxes,
+                    .Dialing = program.dialing});
+    AboutBox about(program, system.UserShell(), window);
     const auto openSettings = [&] {
         if (!settings) {
             settings = MakeSettingsDialog(program, ports, window);
@@ -102,13 +114,13 @@ int RunDesktop(int argc, char** argv) {
                          program.updateCheck.Cancel();
                          program.journalKeeper.RecordOpenLines(reason);
                      },
-                 .UseOfChartLine = [&] { return UseOfChartLine(program); },
                  .StaysShown = [] { return IsFormLoaded("frmEinstellungen"); },
                  .OpenStatistics = openStatistics,
                  .OpenSettings = openSettings,
                  .OpenAbout = [&] { about.Open(); }});
     program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); }, [&] { about.ScheduleCheck(); }});
-    const EndRequests endRequests(termination, [&](CloseReason reason) { window.Quit(reason); });
+    const EndRequests endRequests(termination);
+    QObject::connect(&endRequests, &EndRequests::EndRequested, &window, &frmMain::Quit);
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
     const ExitWatch exitWatch([&] {
         messageBoxes.DisplayLost();

@@ -35,7 +35,8 @@ std::string ChartPainter::Text(int number) const {
     return parts_.Language.Lng("modAllgemein", number);
 }
 
-void ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable) {
+bool ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable) {
+    bool isHighEnough = true;
     // The blank at the end belongs to the name by which this routine reports.
     parts_.Errors.Step("DrawChart ", [&] {
         if (!force && !picture.isVisible()) return;
@@ -47,15 +48,17 @@ void ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool f
         DrawTimeLines(picture, texts);
         DrawTopRow(picture, texts);
         DrawBottomRow(picture, texts);
-        if (parts_.Lines.LineCount > 0) DrawLine(picture, texts, 1);
+        if (parts_.LineState.LineCount > 0) DrawLine(picture, texts, 1);
         picture.Refresh();
+        isHighEnough = picture.HeightTwips() >= smallestPictureTwips;
     });
+    return isHighEnough;
 }
 
 void ChartPainter::FindScale(const InfoTexts& texts) {
     double rounded = 0;
-    if (parts_.Lines.LineCount > 0) {
-        rounded = RoundUpToStep(LargestRate(parts_.History, texts.LineIndex, texts, visibleSamples_),
+    if (parts_.LineState.LineCount > 0) {
+        rounded = RoundUpToStep(LargestRate(parts_.RateHistory, texts.LineIndex, texts, visibleSamples_),
                                 texts.KBFactor);
     }
     chartScale_[0] = korvalin::ScaleMaximum(rounded, texts);
@@ -67,7 +70,6 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
     picture.SetDrawStyle(DrawStyle::Solid);
     const double scale = chartScale_[0];
     const double pictureHeight = picture.HeightTwips();
-    if (pictureHeight < smallestPictureTwips) parts_.PictureTooLow();
     const double textHeight = picture.TextHeightTwips();
     // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale
     // finite.
@@ -113,8 +115,7 @@ void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
         picture.Print(text);
     };
     const double scaleUnits = chartScale_[0] / texts.KBFactor;
-    const std::string scaleText =
-        FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.UserLocale);
+    const std::string scaleText = FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.Locale);
 
     picture.SetCurrentX(2);
     // The digits stand on the rule, with a gap; the band is too low for a whole text cell.
@@ -150,7 +151,7 @@ void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
 
     const std::string label =
-        LineLabel(parts_.Lines, texts, parts_.Language.Lng("modAllgemein", 10, {.TrimIt = true}));
+        LineLabel(parts_.LineState, texts, parts_.Language.Lng("modAllgemein", 10, {.TrimIt = true}));
     picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
     print(black, label);
 }
@@ -160,7 +161,7 @@ void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::si
         // A value beyond the scale is drawn one pixel above the top rule.
         chartScale_.at(slot) = chartScale_[0] + std::abs(picture.ScaleY(1));
         const auto draw = [&](std::size_t rateSlot, Direction direction, std::int32_t color) {
-            CurvePoints(parts_.History, texts.LineIndex, rateSlot, direction, visibleSamples_,
+            CurvePoints(parts_.RateHistory, texts.LineIndex, rateSlot, direction, visibleSamples_,
                         chartScale_.at(slot), points_);
             picture.Polyline(points_, color);
         };

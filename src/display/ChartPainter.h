@@ -4,7 +4,6 @@
 #include "display/ChartModel.h"
 
 #include <array>
-#include <functional>
 #include <string>
 
 namespace korvalin {
@@ -18,20 +17,19 @@ class PictureBox;
 class ChartPainter {
   public:
     struct Parts {
-        const LineState& Lines;
-        const RateHistory& History;
+        const korvalin::LineState& LineState;
+        const korvalin::RateHistory& RateHistory;
         korvalin::Language& Language;
         korvalin::Errors& Errors;
         korvalin::Clock& Clock;
-        const Locale& UserLocale;
-        /// The picture is too low for its texts: makes the main window higher.
-        std::function<void()> PictureTooLow;
+        const korvalin::Locale& Locale;
     };
     explicit ChartPainter(const Parts& parts);
 
     /// Draws the whole chart, with its texts. Nothing is drawn while the picture is not visible, unless
-    /// forced, nor while the main window does not show its chart (`drawable` false).
-    void DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable);
+    /// forced, nor while the main window does not show its chart (`drawable` false). False when the picture
+    /// was too low for its texts.
+    bool DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable);
 
     std::size_t VisibleSamples() const { return visibleSamples_; }
 

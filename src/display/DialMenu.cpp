@@ -7,13 +7,12 @@
 
 namespace korvalin {
 
-DialMenu::DialMenu(const Items& items, std::function<void(const std::string& entryName)> dial)
-    : items_(items), dial_(std::move(dial)) {
+DialMenu::DialMenu(const Items& items) : items_(items) {
     auto* style = new LongMenuStyle;
     style->setParent(&items_.LogIn);
     items_.LogIn.setStyle(style);
     items_.LogIn.setToolTipsVisible(true);
-    QObject::connect(&items_.Quick, &QAction::triggered, &items_.LogIn, [this] { dial_(quick_); });
+    QObject::connect(&items_.Quick, &QAction::triggered, &items_.LogIn, [this] { emit Chosen(quick_); });
 }
 
 void DialMenu::Show(const DialChoices& choices) {
@@ -45,7 +44,7 @@ QAction* DialMenu::NewItem(std::size_t number, const std::string& name) {
     auto* item = new QAction(MenuName(name, items_.LogIn.fontMetrics()), &items_.LogIn);
     item->setObjectName(QStringLiteral("mnuLogInLine%1").arg(number));
     item->setToolTip(ToolTipName(name));
-    QObject::connect(item, &QAction::triggered, &items_.LogIn, [this, name] { dial_(name); });
+    QObject::connect(item, &QAction::triggered, &items_.LogIn, [this, name] { emit Chosen(name); });
     return item;
 }
 

@@ -2,7 +2,8 @@
 
 #include "traffic/Dialing.h"
 
-#include <functional>
+#include <QObject>
+
 #include <string>
 #include <vector>
 
@@ -13,7 +14,9 @@ namespace korvalin {
 
 /// The menu entries for dialing: the submenu mnuLogIn with the array mnuLogInLine, an entry for what was
 /// dialed last, and one to hang up.
-class DialMenu {
+class DialMenu : public QObject {
+    Q_OBJECT
+
   public:
     struct Items {
         QMenu& LogIn;
@@ -21,8 +24,7 @@ class DialMenu {
         QAction& LogOut;
         QAction& Separator; // behind the three
     };
-    /// `dial` gets the name of the entry that was chosen.
-    DialMenu(const Items& items, std::function<void(const std::string& entryName)> dial);
+    explicit DialMenu(const Items& items);
 
     /// Fits the entries to what can be done.
     void Show(const DialChoices& choices);
@@ -30,12 +32,14 @@ class DialMenu {
     /// Whether anything can be chosen.
     void SetEnabled(bool enabled);
 
+  signals:
+    void Chosen(const std::string& entryName);
+
   private:
     void ShowEntries(const std::vector<std::string>& names);
     QAction* NewItem(std::size_t number, const std::string& name);
 
     Items items_;
-    std::function<void(const std::string&)> dial_;
     std::vector<std::string> names_;
     std::string quick_;
 };

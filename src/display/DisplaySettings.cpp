@@ -64,12 +64,8 @@ void LoadDisplaySettings(Settings& settings, UnitFormat& units, DisplaySettings&
     display.MBFactor = 0;
 }
 
-void StoreDisplaySettings(Settings& settings, const DisplaySettings& display,
-                          const std::function<void(std::string_view name)>& stored) {
-    VisitStoredTogether(display, [&](const auto& key, const auto& member) {
-        settings.Set(key, member);
-        stored(key.Name);
-    });
+void StoreDisplaySettings(Settings& settings, const DisplaySettings& display) {
+    VisitStoredTogether(display, [&](const auto& key, const auto& member) { settings.Set(key, member); });
 }
 
 } // namespace korvalin

@@ -8,9 +8,6 @@
 
 namespace korvalin {
 
-LinesMenu::LinesMenu(QMenu& menu, QAction& separator, std::function<void(std::size_t line)> chosen)
-    : menu_(menu), separator_(separator), chosen_(std::move(chosen)) {}
-
 void LinesMenu::Refresh(const LineState& lines, const InfoTexts& texts) {
     if (lines.LineCount <= 1) return Clear();
     separator_.setVisible(true);
@@ -38,7 +35,7 @@ LinesMenu::Item& LinesMenu::Load(std::size_t line) {
         item->setObjectName(QStringLiteral("mnuLines%1").arg(number));
         item->setCheckable(true);
         item->setVisible(false);
-        QObject::connect(item, &QAction::triggered, &menu_, [this, number] { chosen_(number); });
+        QObject::connect(item, &QAction::triggered, &menu_, [this, number] { emit Chosen(number); });
         const QList<QAction*> all = menu_.actions();
         QAction* last = items_.empty() ? &separator_ : items_.back().Action;
         menu_.insertAction(all.value(all.indexOf(last) + 1), item);

@@ -5,7 +5,6 @@
 
 #include <QAction>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,16 +14,21 @@ namespace korvalin {
 
 /// The menu array mnuLines: item 0 is a separator, item i chooses line i for the chart. Shown with several
 /// lines only.
-class LinesMenu {
+class LinesMenu : public QObject {
+    Q_OBJECT
+
   public:
     /// `separator` is item 0 and stands in `menu`; the items follow it.
-    LinesMenu(QMenu& menu, QAction& separator, std::function<void(std::size_t line)> chosen);
+    LinesMenu(QMenu& menu, QAction& separator) : menu_(menu), separator_(separator) {}
 
     /// Fits the items to the lines.
     void Refresh(const LineState& lines, const InfoTexts& texts);
 
     /// Checks item `line` and no other.
     void Check(std::size_t line);
+
+  signals:
+    void Chosen(std::size_t line);
 
   private:
     void Clear();
@@ -36,7 +40,6 @@ class LinesMenu {
 
     QMenu& menu_;
     QAction& separator_;
-    std::function<void(std::size_t line)> chosen_;
     std::vector<Item> items_; // item i at i - 1
 };
 

@@ -8,42 +8,35 @@
 #include <algorithm>
 
 namespace korvalin {
-LiveTexts::LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums,
-                     UnitFormat& units, Language& language, Errors& errors)
-    : lines_(lines),
-      history_(history),
-      monthSums_(monthSums),
-      units_(units),
-      language_(language),
-      errors_(errors) {}
 
 std::string LiveTexts::Text(int number) const {
-    return language_.Lng("modAllgemein", number, {.TrimIt = true, .ReportMissing = true});
+    return parts_.Language.Lng("modAllgemein", number, {.TrimIt = true, .ReportMissing = true});
 }
 
 void LiveTexts::Renew(InfoTexts& texts) {
-    const auto lines = static_cast<int>(lines_.LineCount);
+    const auto lines = static_cast<int>(parts_.LineState.LineCount);
     if (lines > 0) texts.ChartLineNo = std::clamp(texts.ChartLineNo, 1, lines);
     texts.LineIndex = lines > 0 ? static_cast<std::size_t>(texts.ChartLineNo) : 0;
-    texts.SampleIndex = history_.Samples();
+    texts.SampleIndex = parts_.RateHistory.Samples();
     FillInfoStrings(texts);
 }
 
 void LiveTexts::FillInfoStrings(InfoTexts& texts) {
-    errors_.Step("FillInfoStrings", [&] {
-        if (lines_.LineCount == 0) {
+    parts_.Errors.Step("FillInfoStrings", [&] {
+        if (parts_.LineState.LineCount == 0) {
             for (auto* text : {&texts.RateDLText, &texts.AvgDLText, &texts.RateULText, &texts.AvgULText,
                                &texts.VolumeDLText, &texts.VolumeULText, &texts.VolumeTotalText,
                                &texts.PeriodVolumeText}) {
-                *text = units_.FormatKB(0, texts.KBFactor, "0.0");
+                *text = parts_.UnitFormat.FormatKB(0, texts.KBFactor, "0.0");
             }
             return FillOffline(texts);
         }
         if (texts.LineIndex == 0) return;
-        const LineRecord& line = lines_.LineTable(texts.LineIndex);
-        const HistorySample& sample = history_.At(texts.SampleIndex, texts.LineIndex);
+        const LineRecord& line = parts_.LineState.LineTable(texts.LineIndex);
+        const HistorySample& sample = parts_.RateHistory.At(texts.SampleIndex, texts.LineIndex);
         const auto rate = [&](const auto& rates, int choice) {
-            return units_.FormatKB(rates.at(static_cast<std::size_t>(choice - 1)), texts.KBFactor, "0.0");
+            return parts_.UnitFormat.FormatKB(rates.at(static_cast<std::size_t>(choice - 1)), texts.KBFactor,
+                                              "0.0");
         };
         texts.RateDLText = rate(sample.RateDL, texts.DisplayChoiceDL);
         texts.RateULText = rate(sample.RateUL, texts.DisplayChoiceUL);
@@ -52,13 +45,13 @@ void LiveTexts::FillInfoStrings(InfoTexts& texts) {
 
         double freeBytes = 0;
         if (!line.LineName.empty()) {
-            const PeriodUse period = monthSums_.UseOf(line.EntryName);
+            const PeriodUse period = parts_.MonthSums.UseOf(line.EntryName);
             freeBytes = period.FreeBytes;
-            texts.PeriodVolumeText = units_.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
+            texts.PeriodVolumeText = parts_.UnitFormat.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
             texts.FreeVolumeText =
-                units_.FormatMB(period.FreeBytes - period.UsedBytes, texts.MBFactor, "#,##0");
+                parts_.UnitFormat.FormatMB(period.FreeBytes - period.UsedBytes, texts.MBFactor, "#,##0");
         }
-        if (!lines_.AnyLineConnected) return FillOffline(texts);
+        if (!parts_.LineState.AnyLineConnected) return FillOffline(texts);
         texts.CaptionText = std::string(ProgramTitle) + "  " + Text(22) + " " + texts.RateULText + " " +
                             texts.RateDLText + " " + texts.RateUnitText + "  ";
         texts.TrayTipText = TrayTip(texts, line, freeBytes);
@@ -74,17 +67,20 @@ void LiveTexts::FillAverages(InfoTexts& texts, const LineRecord& line) const {
     double received = 0;
     double transmitted = 0;
     // What an adapter had moved before it was seen took longer than its online time.
-    const double seconds = lines_.AnyLineConnected ? units_.SecondsSince(line.Duration, false) : 0;
+    const double seconds =
+        parts_.LineState.AnyLineConnected ? parts_.UnitFormat.SecondsSince(line.Duration, false) : 0;
     if (seconds > 0) {
         received = (line.BytesReceived - line.UnseenReceived) / seconds;
         transmitted = (line.BytesTransmitted - line.UnseenTransmitted) / seconds;
     }
-    texts.AvgDLText = units_.FormatKB(received, texts.KBFactor, "0.0");
-    texts.AvgULText = units_.FormatKB(transmitted, texts.KBFactor, "0.0");
+    texts.AvgDLText = parts_.UnitFormat.FormatKB(received, texts.KBFactor, "0.0");
+    texts.AvgULText = parts_.UnitFormat.FormatKB(transmitted, texts.KBFactor, "0.0");
 }
 
 void LiveTexts::FillVolumes(InfoTexts& texts, const LineRecord& line) const {
-    const auto volume = [&](double bytes) { return units_.FormatMB(bytes, texts.MBFactor, "#,##0.0"); };
+    const auto volume = [&](double bytes) {
+        return parts_.UnitFormat.FormatMB(bytes, texts.MBFactor, "#,##0.0");
+    };
     texts.VolumeDLText = volume(line.BytesReceived);
     texts.VolumeULText = volume(line.BytesTransmitted);
     texts.VolumeTotalText = volume(line.BytesReceived + line.BytesTransmitted);
@@ -108,8 +104,8 @@ std::string LiveTexts::TrayTip(const InfoTexts& texts, const LineRecord& line, d
     }
     if (shows(TrayVolumeTotal))
         tip += Text(9) + " " + texts.VolumeTotalText + " " + texts.VolumeUnitText + " ";
-    if (shows(TrayDuration) && (lines_.MonitoredLineType == LineType::Ras || texts.ShowDuration)) {
-        tip += " " + language_.Lng("frmStatistik", 14) + " " + FormatDuration(line.Duration) + "\n";
+    if (shows(TrayDuration) && (parts_.LineState.MonitoredLineType == LineType::Ras || texts.ShowDuration)) {
+        tip += " " + parts_.Language.Lng("frmStatistik", 14) + " " + FormatDuration(line.Duration) + "\n";
     }
     if (shows(TrayVolumeMonth)) {
         tip += Text(16) + " " + texts.PeriodVolumeText + " " + texts.VolumeUnitText;

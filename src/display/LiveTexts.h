@@ -13,8 +13,15 @@ class MonthSums;
 /// Builds the texts of caption, tooltip and chart from the line table and the newest sample.
 class LiveTexts {
   public:
-    LiveTexts(const LineState& lines, const RateHistory& history, MonthSums& monthSums, UnitFormat& units,
-              Language& language, Errors& errors);
+    struct Parts {
+        const korvalin::LineState& LineState;
+        const korvalin::RateHistory& RateHistory;
+        korvalin::MonthSums& MonthSums;
+        korvalin::UnitFormat& UnitFormat;
+        korvalin::Language& Language;
+        korvalin::Errors& Errors;
+    };
+    explicit LiveTexts(const Parts& parts) : parts_(parts) {}
 
     /// Chooses the newest sample of the charted line, whose number becomes that of the last line when there
     /// are fewer by now, and makes its texts.
@@ -29,12 +36,7 @@ class LiveTexts {
     void FillVolumes(InfoTexts& texts, const LineRecord& line) const;
     std::string TrayTip(const InfoTexts& texts, const LineRecord& line, double freeBytes) const;
 
-    const LineState& lines_;
-    const RateHistory& history_;
-    MonthSums& monthSums_;
-    UnitFormat& units_;
-    Language& language_;
-    Errors& errors_;
+    Parts parts_;
 };
 
 } // namespace korvalin

@@ -17,25 +17,10 @@ constexpr Date updateCheckOverdue = 60 * OneSecond;
 
 } // namespace
 
-SamplingLoop::SamplingLoop(Clock& clock, Screen& screen, Settings& settings, LineState& lines,
-                           LineMonitor& monitor, RateHistory& history, InfoTexts& texts, Errors& errors)
-    : clock_(clock),
-      screen_(screen),
-      settings_(settings),
-      lines_(lines),
-      monitor_(monitor),
-      history_(history),
-      texts_(texts),
-      errors_(errors),
-      watch_(clock) {
-    hooks_.Schedule = [] {};
-    hooks_.Check = [] {};
-}
-
 // Steps are counted in seconds awake: midnight, a wall clock that is set and a suspend neither skip one nor
 // add any.
 void SamplingLoop::TimerMain_Timer() {
-    const double t = clock_.AwakeSeconds();
+    const double t = parts_.Clock.AwakeSeconds();
     if (t - lastStep_ <= stepSeconds) return;
     lastStep_ += stepSeconds;
     if (lastStep_ + stepSeconds < t) lastStep_ = t; // fell behind: no burst of updates to catch up
@@ -47,7 +32,7 @@ void SamplingLoop::TimerMain_Timer() {
 }
 
 int SamplingLoop::MillisecondsToNextStep() const {
-    const double remaining = lastStep_ + stepSeconds - clock_.AwakeSeconds();
+    const double remaining = lastStep_ + stepSeconds - parts_.Clock.AwakeSeconds();
     return static_cast<int>(std::floor(std::clamp(remaining, 0.0, stepSeconds) * 1000)) + 1;
 }
 
@@ -58,7 +43,7 @@ void SamplingLoop::SetUpdateCheckPending(Date due) {
 
 void SamplingLoop::CheckForUpdate() {
     if (!updateCheckPending_) return;
-    const Date now = clock_.Now();
+    const Date now = parts_.Clock.Now();
     if (nextUpdateCheck_ + updateCheckOverdue < now) nextUpdateCheck_ = now + updateCheckDelay;
     if (nextUpdateCheck_ >= now) return;
     updateCheckPending_ = false;
@@ -66,7 +51,7 @@ void SamplingLoop::CheckForUpdate() {
 }
 
 void SamplingLoop::WatchScreenSize() {
-    const std::optional<ScreenSize> size = screen_.Primary();
+    const std::optional<ScreenSize> size = parts_.Screen.Primary();
     if (!size ||
         (size->WidthPixels == lastScreen_.WidthPixels && size->HeightPixels == lastScreen_.HeightPixels)) {
         return;
@@ -90,13 +75,13 @@ void SamplingLoop::Get_TransferedData() {
     if (updateBusy_) return;
     const FlagGuard busy(updateBusy_);
     FollowWallClock();
-    if (!timeBase_) timeBase_ = SecondsOfDay(clock_.Now()) - clock_.AwakeSeconds();
-    monitor_.Get_Bytes_Transmitted();
+    if (!timeBase_) timeBase_ = SecondsOfDay(parts_.Clock.Now()) - parts_.Clock.AwakeSeconds();
+    parts_.LineMonitor.Get_Bytes_Transmitted();
     FollowChartLine();
     HandleOnlineChange(RefreshMenus());
-    for (std::size_t line = 1; line <= lines_.LineCount; ++line)
+    for (std::size_t line = 1; line <= parts_.LineState.LineCount; ++line)
         AppendSample(line);
-    if (lines_.LineCount == 0 || window_ == nullptr) return;
+    if (parts_.LineState.LineCount == 0 || window_ == nullptr) return;
     // Once for all lines: the picture after the last line's sample is the one that stays.
     window_->DrawChart(false);
     window_->IconDraw();
@@ -105,23 +90,24 @@ void SamplingLoop::Get_TransferedData() {
 
 // The line in the chart is the one of that name, wherever it stands; while it is gone another one stands in.
 void SamplingLoop::FollowChartLine() {
-    if (texts_.ChartLineNo == 0) {
-        texts_.ChartLineNo = std::max(settings_.Get(Keys::ChartLineNo), 1);
-        texts_.ChartLineName = settings_.Get(Keys::ChartLineName);
+    if (parts_.InfoTexts.ChartLineNo == 0) {
+        parts_.InfoTexts.ChartLineNo = std::max(parts_.Settings.Get(Keys::ChartLineNo), 1);
+        parts_.InfoTexts.ChartLineName = parts_.Settings.Get(Keys::ChartLineName);
     }
-    for (std::size_t line = 1; line <= lines_.LineCount; ++line) {
-        const std::string& name = lines_.LineTable(line).EntryName;
+    for (std::size_t line = 1; line <= parts_.LineState.LineCount; ++line) {
+        const std::string& name = parts_.LineState.LineTable(line).EntryName;
         const auto number = static_cast<int>(line);
-        if (texts_.ChartLineName.empty() && number == texts_.ChartLineNo) texts_.ChartLineName = name;
-        if (!name.empty() && name == texts_.ChartLineName) texts_.ChartLineNo = number;
+        if (parts_.InfoTexts.ChartLineName.empty() && number == parts_.InfoTexts.ChartLineNo)
+            parts_.InfoTexts.ChartLineName = name;
+        if (!name.empty() && name == parts_.InfoTexts.ChartLineName) parts_.InfoTexts.ChartLineNo = number;
     }
 }
 
 void SamplingLoop::FollowWallClock() {
     const Date step = watch_.TakeStep();
     if (step == 0) return;
-    monitor_.ShiftMoments(step);
-    errors_.ShiftMoments(step);
+    parts_.LineMonitor.ShiftMoments(step);
+    parts_.Errors.ShiftMoments(step);
     if (updateCheckPending_) nextUpdateCheck_ += step;
 }
 
@@ -129,23 +115,23 @@ void SamplingLoop::FollowWallClock() {
 bool SamplingLoop::RefreshMenus() {
     if (window_ == nullptr) return false;
     const bool hangUpVisible = window_->HangUpItemVisible();
-    const bool hangUpNeeded = lines_.MonitoredLineType == LineType::Ras && lines_.AnyLineConnected;
-    if ((hangUpVisible && !lines_.AnyLineConnected) || (!hangUpVisible && hangUpNeeded))
+    const bool hangUpNeeded = parts_.LineState.OnDialUp();
+    if ((hangUpVisible && !parts_.LineState.AnyLineConnected) || (!hangUpVisible && hangUpNeeded))
         window_->RefreshDialMenus();
     return hangUpVisible;
 }
 
 void SamplingLoop::HandleOnlineChange(bool hangUpWasVisible) {
-    const bool online = lines_.AnyLineConnected;
+    const bool online = parts_.LineState.AnyLineConnected;
     if (online != lastOnline_ || !firstUpdateDone_) {
         if (online) {
-            if (texts_.AutoShow && window_ != nullptr) window_->ShowMainWindow(true);
+            if (parts_.InfoTexts.AutoShow && window_ != nullptr) window_->ShowMainWindow(true);
             hooks_.Schedule();
         } else if (window_ != nullptr) {
             window_->DrawChart(hangUpWasVisible);
             window_->IconDraw();
             window_->ShowCaption();
-            if (texts_.AutoShow) window_->ShowMainWindow(false);
+            if (parts_.InfoTexts.AutoShow) window_->ShowMainWindow(false);
         }
         lastOnline_ = online;
     }
@@ -154,24 +140,24 @@ void SamplingLoop::HandleOnlineChange(bool hangUpWasVisible) {
 }
 
 void SamplingLoop::AppendSample(std::size_t line) {
-    LineRecord& record = lines_.LineTable(line);
+    LineRecord& record = parts_.LineState.LineTable(line);
     record.SampleTimer = *timeBase_ + record.SampleAwake;
-    HistorySample& newest = history_.Append(line, record.SampleTimer);
+    HistorySample& newest = parts_.RateHistory.Append(line, record.SampleTimer);
     if (!record.Connected) return;
     newest.CounterSource = record.CounterSource;
     // The system's counters: a connection's own begin at 0, which no rate is measured from.
     newest.Received = record.StartReceived + record.BytesReceived;
     newest.Transmitted = record.StartTransmitted + record.BytesTransmitted;
-    history_.ComputeRates(line);
+    parts_.RateHistory.ComputeRates(line);
 }
 
 void SamplingLoop::ResizeRateHistory() {
-    history_.GrowLines(lines_.LineCount);
-    if (visibleSamples_ > static_cast<std::size_t>(texts_.ConnDataMax)) {
-        texts_.ConnDataMax = static_cast<int>(visibleSamples_);
-        settings_.Set(Keys::ConnDataMax, texts_.ConnDataMax);
+    parts_.RateHistory.GrowLines(parts_.LineState.LineCount);
+    if (visibleSamples_ > static_cast<std::size_t>(parts_.InfoTexts.ConnDataMax)) {
+        parts_.InfoTexts.ConnDataMax = static_cast<int>(visibleSamples_);
+        parts_.Settings.Set(Keys::ConnDataMax, parts_.InfoTexts.ConnDataMax);
     }
-    history_.ResizeSamples(static_cast<std::size_t>(texts_.ConnDataMax));
+    parts_.RateHistory.ResizeSamples(static_cast<std::size_t>(parts_.InfoTexts.ConnDataMax));
 }
 
 } // namespace korvalin

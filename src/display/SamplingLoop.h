@@ -21,7 +21,7 @@ struct WindowPosition {
     bool operator==(const WindowPosition&) const = default;
 };
 
-/// What the sampling loop asks of the main window.
+/// What the core asks of the main window.
 class MonitorWindow {
   public:
     virtual ~MonitorWindow() = default;
@@ -38,23 +38,40 @@ class MonitorWindow {
     virtual void RestoreGeometry() = 0;
     virtual void SaveGeometry() = 0;
     virtual WindowPosition Position() = 0;
-};
 
-/// The automatic update check, plugged in by the program.
-struct UpdateCheckHooks {
-    /// Called at every transition to online; may set the pending flag.
-    std::function<void()> Schedule;
-    /// Looks for an update; an installation ends the program by itself.
-    std::function<void()> Check;
+    // What follows a setting at once.
+
+    /// Keeps the window above all others, or no longer.
+    virtual void SetTopmost(bool topmost) = 0;
+    /// The window's layered alpha: 0 invisible, 255 opaque.
+    virtual void SetOpacity(int alpha) = 0;
+    /// Puts the program's own picture and name into the tray, for an icon that shows no values.
+    virtual void ShowFixedTrayIcon() = 0;
 };
 
 /// Runs one update a second: has the lines read, appends a sample per line to the history and redraws.
 class SamplingLoop {
   public:
-    SamplingLoop(Clock& clock, Screen& screen, Settings& settings, LineState& lines, LineMonitor& monitor,
-                 RateHistory& history, InfoTexts& texts, Errors& errors);
+    struct Parts {
+        korvalin::Clock& Clock;
+        korvalin::Screen& Screen;
+        korvalin::Settings& Settings;
+        korvalin::LineState& LineState;
+        korvalin::LineMonitor& LineMonitor;
+        korvalin::RateHistory& RateHistory;
+        korvalin::InfoTexts& InfoTexts;
+        korvalin::Errors& Errors;
+    };
+    /// The automatic update check.
+    struct Hooks {
+        /// Called at every transition to online; may set the pending flag.
+        std::function<void()> Schedule = [] {};
+        /// Looks for an update; an installation ends the program by itself.
+        std::function<void()> Check = [] {};
+    };
+    explicit SamplingLoop(const Parts& parts) : parts_(parts), watch_(parts.Clock) {}
 
-    void Plug(UpdateCheckHooks hooks) { hooks_ = std::move(hooks); }
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
     void Attach(MonitorWindow* window) { window_ = window; }
 
     /// One tick of the fast timer: runs an update when a second has passed since the last one.
@@ -89,16 +106,9 @@ class SamplingLoop {
     void HandleOnlineChange(bool hangUpWasVisible);
     void AppendSample(std::size_t line);
 
-    Clock& clock_;
-    Screen& screen_;
-    Settings& settings_;
-    LineState& lines_;
-    LineMonitor& monitor_;
-    RateHistory& history_;
-    InfoTexts& texts_;
-    Errors& errors_;
+    Parts parts_;
     MonitorWindow* window_ = nullptr;
-    UpdateCheckHooks hooks_;
+    Hooks hooks_;
     ClockWatch watch_;
 
     bool updateBusy_ = false;

@@ -39,29 +39,22 @@ QImage DrawTrayPicture(const TrayBars& bars, const QColor& background, int pixel
     return picture;
 }
 
-TrayIcon::TrayIcon(NotificationArea& area, QMenu& menu, const LineState& lines, Errors& errors,
-                   const Locale& locale)
-    : area_(area),
-      menu_(menu),
-      lines_(lines),
-      errors_(errors),
-      locale_(locale),
-      imgTrayIcon_(ProgramIcon()) {}
+TrayIcon::TrayIcon(const Parts& parts) : parts_(parts), imgTrayIcon_(ProgramIcon()) {}
 
 TrayIcon::~TrayIcon() {
-    area_.Remove();
+    parts_.NotificationArea.Remove();
 }
 
 void TrayIcon::TrayIconSet(bool add, const QIcon& picture, const std::string& tip) {
-    if (!add) return area_.Remove();
+    if (!add) return parts_.NotificationArea.Remove();
     tip_ = CutTrayTip(tip);
     staticIconShown_ = false;
     drawn_.reset();
-    area_.Add(picture, tip_, menu_);
+    parts_.NotificationArea.Add(picture, tip_, parts_.Menu);
 }
 
 void TrayIcon::TrayIconModify(const QIcon& picture, const std::string& tip) {
-    area_.SetIcon(picture);
+    parts_.NotificationArea.SetIcon(picture);
     const std::string_view trimmed = Trim(tip);
     if (!trimmed.empty()) TrayTipModify(std::string(trimmed));
 }
@@ -70,17 +63,17 @@ void TrayIcon::TrayTipModify(const std::string& tip) {
     const std::string_view cut = CutTrayTip(tip);
     if (cut == tip_) return;
     tip_ = cut;
-    area_.SetTip(tip_);
+    parts_.NotificationArea.SetTip(tip_);
 }
 
-void TrayIcon::IconDraw(const InfoTexts& texts, const std::function<PeriodUse()>& useOf) {
-    errors_.Step("IconDraw", [&] {
+void TrayIcon::IconDraw(const InfoTexts& texts) {
+    parts_.Errors.Step("IconDraw", [&] {
         if (!texts.TrayAnimated) {
             // Bars that no longer move would tell what is not true.
             if (drawn_) ShowStatic(texts.TrayTipText);
             return TrayTipModify(texts.TrayTipText);
         }
-        if (lines_.AnyLineConnected) return DrawBars(texts, useOf());
+        if (parts_.LineState.AnyLineConnected) return DrawBars(texts, UseOfChartLine(texts));
         if (!staticIconShown_) ShowStatic(texts.TrayTipText);
         staticIconShown_ = true;
     });
@@ -91,9 +84,16 @@ void TrayIcon::ShowStatic(const std::string& tip) {
     TrayIconModify(imgTrayIcon_, tip);
 }
 
+PeriodUse TrayIcon::UseOfChartLine(const InfoTexts& texts) const {
+    const auto line = static_cast<std::size_t>(texts.ChartLineNo);
+    if (line < 1 || line > parts_.LineState.LineTable.Size()) return {};
+    return parts_.MonthSums.UseOf(parts_.LineState.LineTable(line).EntryName);
+}
+
 void TrayIcon::DrawBars(const InfoTexts& texts, const PeriodUse& use) {
     staticIconShown_ = false;
-    Drawn now = {MakeTrayBars(texts, use, locale_), ToColor(texts.ChartBackgroundColor), area_.IconSizes()};
+    Drawn now = {MakeTrayBars(texts, use, parts_.Locale), ToColor(texts.ChartBackgroundColor),
+                 parts_.NotificationArea.IconSizes()};
     if (drawn_ == now) return TrayTipModify(texts.TrayTipText);
     QIcon picTrayIconChart;
     for (const int size : now.Sizes)

@@ -6,7 +6,6 @@
 #include <QIcon>
 #include <QImage>
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,8 +24,15 @@ QImage DrawTrayPicture(const TrayBars& bars, const QColor& background, int pixel
 /// The program's icon in the tray: three bars while a line is online, the program's own picture otherwise.
 class TrayIcon {
   public:
-    TrayIcon(NotificationArea& area, QMenu& menu, const LineState& lines, Errors& errors,
-             const Locale& locale);
+    struct Parts {
+        korvalin::NotificationArea& NotificationArea;
+        QMenu& Menu;
+        const korvalin::LineState& LineState;
+        korvalin::MonthSums& MonthSums;
+        korvalin::Errors& Errors;
+        const korvalin::Locale& Locale;
+    };
+    explicit TrayIcon(const Parts& parts);
     ~TrayIcon();
     TrayIcon(const TrayIcon&) = delete;
     TrayIcon& operator=(const TrayIcon&) = delete;
@@ -39,8 +45,8 @@ class TrayIcon {
 
     void TrayTipModify(const std::string& tip);
 
-    /// Shows the texts of this second; `useOf` tells the use of the charted line's period.
-    void IconDraw(const InfoTexts& texts, const std::function<PeriodUse()>& useOf);
+    /// Shows the texts of this second.
+    void IconDraw(const InfoTexts& texts);
 
     /// Shows the program's own picture instead of bars.
     void ShowStatic(const std::string& tip);
@@ -57,13 +63,10 @@ class TrayIcon {
         bool operator==(const Drawn&) const = default;
     };
 
+    PeriodUse UseOfChartLine(const InfoTexts& texts) const;
     void DrawBars(const InfoTexts& texts, const PeriodUse& use);
 
-    NotificationArea& area_;
-    QMenu& menu_;
-    const LineState& lines_;
-    Errors& errors_;
-    const Locale& locale_;
+    Parts parts_;
     QIcon imgTrayIcon_;
     bool staticIconShown_ = false;
     std::optional<Drawn> drawn_;

@@ -86,7 +86,7 @@ void WindowFrame::CheckFrame() {
     innerToKeep_.reset();
     gaveUp_ = !asWanted;
     if (!measured_) Measure(!switched);
-    if (IsSettled()) hooks_.Settled();
+    if (IsSettled()) emit Settled();
 }
 
 void WindowFrame::LookForFrame() {
@@ -97,9 +97,9 @@ void WindowFrame::Measure(bool placeAgain) {
     if (TopMargin() == 0) return;
     measured_ = true;
     captionHeight_ = PixelsToTwips(TopMargin());
-    hooks_.CaptionMeasured(captionHeight_);
+    emit CaptionMeasured(captionHeight_);
     if (!placeAgain) return;
-    hooks_.PlaceAgain();
+    emit PlaceAgain();
     // A window manager may place a window once more while it is coming to the screen.
     innerToKeep_ = window_.geometry();
     AwaitFrame();

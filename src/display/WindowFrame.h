@@ -6,7 +6,6 @@
 #include <QRect>
 #include <QTimer>
 
-#include <functional>
 #include <optional>
 
 class QWidget;
@@ -16,20 +15,11 @@ namespace korvalin {
 /// The frame that the window manager draws around a window: caption on and off, always on top, and the
 /// window's place with its caption. A window manager decorates some time after it was asked to, or after the
 /// program started, so places are put right when the caption's height becomes known.
-class WindowFrame {
+class WindowFrame : public QObject {
+    Q_OBJECT
+
   public:
-    struct Hooks {
-        /// The window manager has drawn a caption of this height (twips).
-        std::function<void(int height)> CaptionMeasured = [](int) {};
-        /// ... around a window that was placed without knowing it.
-        std::function<void()> PlaceAgain = [] {};
-        /// Place can be trusted again.
-        std::function<void()> Settled = [] {};
-    };
-
     explicit WindowFrame(QWidget& window);
-
-    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with
     /// the caption, and the place must not change with it.
@@ -66,6 +56,14 @@ class WindowFrame {
     /// Looks once, for a window manager that came late. To be called now and then.
     void LookForFrame();
 
+  signals:
+    /// The window manager has drawn a caption of this height (twips).
+    void CaptionMeasured(int height);
+    /// ... around a window that was placed without knowing it.
+    void PlaceAgain();
+    /// Place can be trusted again.
+    void Settled();
+
   private:
     int TopMargin() const;
     void SetFlag(Qt::WindowType flag, bool on);
@@ -73,7 +71,6 @@ class WindowFrame {
     void Measure(bool placeAgain);
 
     QWidget& window_;
-    Hooks hooks_;
     bool captionShown_ = true;
     int captionHeight_ = 0;
     bool measured_ = false; // since the caption is shown

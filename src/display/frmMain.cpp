@@ -36,37 +36,53 @@ constexpr double opaque = 255.0;
 frmMain::frmMain(const Parts& parts)
     : parts_(parts),
       ui_(MakeUi<Ui::frmMain>(*this)),
-      geometry_(parts.Settings, parts.Display),
+      geometry_(parts.Settings, parts.Screen),
       frame_(*this),
-      painter_({parts.Lines, parts.History, parts.Language, parts.Errors, parts.Clock, parts.UserLocale,
-                [this] { SetWindowHeight(heightForTextsTwips); }}),
-      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0, [this](std::size_t line) { mnuLines_Click(line); }),
-      dialMenu_({*ui_->mnuLogIn, *ui_->mnuLogInQuick, *ui_->mnuLogOut, *ui_->mnuTrennEinwahl},
-                [this](const std::string& entryName) { mnuLogInLine_Click(entryName); }),
-      tray_(parts.Tray, *ui_->mnuTrayIcon, parts.Lines, parts.Errors, parts.UserLocale) {
+      painter_({.LineState = parts.LineState,
+                .RateHistory = parts.RateHistory,
+                .Language = parts.Language,
+                .Errors = parts.Errors,
+                .Clock = parts.Clock,
+                .Locale = parts.Locale}),
+      linesMenu_(*ui_->mnuTrayIcon, *ui_->mnuLines0),
+      dialMenu_({.LogIn = *ui_->mnuLogIn,
+                 .Quick = *ui_->mnuLogInQuick,
+                 .LogOut = *ui_->mnuLogOut,
+                 .Separator = *ui_->mnuTrennEinwahl}),
+      tray_({.NotificationArea = parts.NotificationArea,
+             .Menu = *ui_->mnuTrayIcon,
+             .LineState = parts.LineState,
+             .MonthSums = parts.MonthSums,
+             .Errors = parts.Errors,
+             .Locale = parts.Locale}) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
     ui_->lblMove->installEventFilter(this);
     ConnectMenu();
-    parts_.Tray.Plug({[this] { TrayHostChanged(); }, [this] { ShowMainWindow(!InSight()); }});
+    parts_.NotificationArea.Plug({[this] { TrayHostChanged(); }, [this] { ShowMainWindow(!InSight()); }});
     timerMain_.setSingleShot(true);
     timerMain_.setTimerType(Qt::PreciseTimer);
     timerFade_.setInterval(Fade::StepMilliseconds);
     connect(&timerMain_, &QTimer::timeout, this, [this] { TimerMain_Timer(); });
     connect(&timerFade_, &QTimer::timeout, this, [this] { TimerFade_Timer(); });
-    frame_.Plug({[this](int height) {
-                     // A start without a caption has none to measure.
-                     parts_.Settings.Set(Keys::MON_CaptionHeight, height);
-                     SetSmallestSize();
-                 },
-                 [this] { RestoreGeometry(); }, [this] { SaveGeometry(); }});
+    ConnectFrame();
     connect(qApp, &QGuiApplication::screenRemoved, this, [this] {
         if (isVisible() && !isMinimized()) RestoreGeometry();
     });
 }
 
+void frmMain::ConnectFrame() {
+    connect(&frame_, &WindowFrame::CaptionMeasured, this, [this](int height) {
+        // A start without a caption has none to measure.
+        parts_.Settings.Set(Keys::MON_CaptionHeight, height);
+        SetSmallestSize();
+    });
+    connect(&frame_, &WindowFrame::PlaceAgain, this, &frmMain::RestoreGeometry);
+    connect(&frame_, &WindowFrame::Settled, this, &frmMain::SaveGeometry);
+}
+
 frmMain::~frmMain() {
-    parts_.Loop.Attach(nullptr);
-    parts_.Tray.Plug({});
+    parts_.SamplingLoop.Attach(nullptr);
+    parts_.NotificationArea.Plug({});
 }
 
 void frmMain::Plug(Hooks hooks) {
@@ -83,6 +99,8 @@ void frmMain::ConnectMenu() {
     connect(ui_->mnuStatistik, &QAction::triggered, this, [this] { hooks_.OpenStatistics(); });
     connect(ui_->mnuEinstellungen, &QAction::triggered, this, [this] { hooks_.OpenSettings(); });
     connect(ui_->mnuInfo, &QAction::triggered, this, [this] { hooks_.OpenAbout(); });
+    connect(&linesMenu_, &LinesMenu::Chosen, this, &frmMain::mnuLines_Click);
+    connect(&dialMenu_, &DialMenu::Chosen, this, &frmMain::mnuLogInLine_Click);
     connect(ui_->mnuTitelAnzeigen, &QAction::triggered, this, [this] { mnuTitelAnzeigen_Click(); });
     connect(ui_->mnuNurTitel, &QAction::triggered, this, [this] { mnuNurTitel_Click(); });
     connect(ui_->mnuVordergrund, &QAction::triggered, this, [this] { mnuVordergrund_Click(); });
@@ -103,10 +121,10 @@ void frmMain::Form_Load() {
     if (titleOnly_) SetTitleOnly();
     AddTrayIcon();
     RefreshDialMenus();
-    parts_.Loop.Attach(this);
-    if (parts_.Info.AutoShow) StartFade(3);
+    parts_.SamplingLoop.Attach(this);
+    if (parts_.InfoTexts.AutoShow) StartFade(3);
     loaded_ = true;
-    if (!parts_.Info.AutoShow) ShowMainWindow(false);
+    if (!parts_.InfoTexts.AutoShow) ShowMainWindow(false);
     // The first update shows the window, or puts it aside when the machine is offline: a window manager that
     // was just asked to map a window would not iconify it.
     TimerMain_Timer();
@@ -117,21 +135,22 @@ void frmMain::ApplyTexts() {
 }
 
 void frmMain::TimerMain_Timer() {
-    parts_.Loop.TimerMain_Timer();
+    parts_.SamplingLoop.TimerMain_Timer();
     if (ui_->mnuTrayIcon->isVisible()) RefreshDialMenusIfChanged(true);
-    if (!closed_) timerMain_.start(parts_.Loop.MillisecondsToNextStep());
+    if (!closed_) timerMain_.start(parts_.SamplingLoop.MillisecondsToNextStep());
 }
 
 void frmMain::DrawChart(bool force) {
     // The toolkit counts a window in the taskbar as visible.
     const bool drawable = windowShown_ && !titleOnly_ && (force || !isMinimized());
-    parts_.Live.Renew(parts_.Info);
-    painter_.DrawChart(*ui_->PicChart, parts_.Info, force, drawable);
-    parts_.Loop.SetVisibleSamples(painter_.VisibleSamples());
+    parts_.LiveTexts.Renew(parts_.InfoTexts);
+    const bool isHighEnough = painter_.DrawChart(*ui_->PicChart, parts_.InfoTexts, force, drawable);
+    parts_.SamplingLoop.SetVisibleSamples(painter_.VisibleSamples());
+    if (!isHighEnough) SetWindowHeight(heightForTextsTwips);
 }
 
 void frmMain::IconDraw() {
-    tray_.IconDraw(parts_.Info, hooks_.UseOfChartLine);
+    tray_.IconDraw(parts_.InfoTexts);
 }
 
 void frmMain::AddTrayIcon() {
@@ -144,7 +163,7 @@ void frmMain::ShowFixedTrayIcon() {
 
 void frmMain::TrayHostChanged() {
     if (!loaded_ || closed_) return;
-    if (parts_.Tray.Host() == TrayHost::Present) {
+    if (parts_.NotificationArea.Host() == TrayHost::Present) {
         AddTrayIcon();
         IconDraw();
     }
@@ -154,7 +173,7 @@ void frmMain::TrayHostChanged() {
 // Out of sight, to where the user finds it again: behind the icon in the tray, else in the taskbar. While
 // nobody knows, a window that was not on the screen yet waits for the answer.
 void frmMain::PutAway() {
-    const TrayHost host = parts_.Tray.Host();
+    const TrayHost host = parts_.NotificationArea.Host();
     if (host == TrayHost::Present) {
         hide();
     } else if (host == TrayHost::Absent || isVisible()) {
@@ -163,7 +182,8 @@ void frmMain::PutAway() {
 }
 
 void frmMain::ShowCaption() {
-    if (ui_->mnuTitelAnzeigen->isChecked()) setWindowTitle(QString::fromStdString(parts_.Info.CaptionText));
+    if (ui_->mnuTitelAnzeigen->isChecked())
+        setWindowTitle(QString::fromStdString(parts_.InfoTexts.CaptionText));
 }
 
 void frmMain::ShowMainWindow(bool show) {
@@ -200,18 +220,18 @@ bool frmMain::HangUpItemVisible() {
 void frmMain::RefreshDialMenus() {
     if (refreshingDialMenus_) return;
     const FlagGuard refreshing(refreshingDialMenus_);
-    parts_.Errors.Step("RefreshDialMenus", [this] { dialMenu_.Show(parts_.Dial.Choices()); });
+    parts_.Errors.Step("RefreshDialMenus", [this] { dialMenu_.Show(parts_.Dialing.Choices()); });
 }
 
 void frmMain::RefreshDialMenusIfChanged(bool force) {
-    const std::size_t entries = parts_.Dial.EntriesCount();
+    const std::size_t entries = parts_.Dialing.EntriesCount();
     if (entries == phoneBookEntries_) return;
     phoneBookEntries_ = entries;
     if (force) RefreshDialMenus();
 }
 
 void frmMain::RefreshLinesMenu() {
-    linesMenu_.Refresh(parts_.Lines, parts_.Info);
+    linesMenu_.Refresh(parts_.LineState, parts_.InfoTexts);
 }
 
 void frmMain::RestoreGeometry() {
@@ -300,32 +320,33 @@ void frmMain::SetOpacity(int alpha) {
 }
 
 void frmMain::mnuLines_Click(std::size_t line) {
-    parts_.Info.ChartLineNo = static_cast<int>(line);
-    parts_.Info.ChartLineName = parts_.Lines.LineTable(line).EntryName;
+    parts_.InfoTexts.ChartLineNo = static_cast<int>(line);
+    parts_.InfoTexts.ChartLineName = parts_.LineState.LineTable(line).EntryName;
     linesMenu_.Check(line);
-    parts_.Settings.Set(Keys::ChartLineNo, parts_.Info.ChartLineNo);
-    parts_.Settings.Set(Keys::ChartLineName, parts_.Info.ChartLineName);
+    parts_.Settings.Set(Keys::ChartLineNo, parts_.InfoTexts.ChartLineNo);
+    parts_.Settings.Set(Keys::ChartLineName, parts_.InfoTexts.ChartLineName);
     DrawChart(false);
 }
 
-void frmMain::mnuLogInLine_Click(const std::string& entryName) {
-    RunDialing([this, entryName] { parts_.Dial.DialEntry(entryName); });
-}
-
-void frmMain::mnuLogOut_Click() {
-    RunDialing([this] { parts_.Dial.MONHangUp(); });
-}
-
 // Queued: updates go on meanwhile and rebuild the menu, which must be done with the click by then.
-void frmMain::RunDialing(std::function<void()> operation) {
+template <typename Operation>
+void frmMain::RunDialing(Operation operation) {
     const auto run = [this, operation = std::move(operation)] {
-        if (closed_ || parts_.Dial.Busy()) return;
+        if (closed_ || parts_.Dialing.Busy()) return;
         dialMenu_.SetEnabled(false);
         operation();
         dialMenu_.SetEnabled(true);
         if (!closed_) RefreshDialMenus();
     };
     QMetaObject::invokeMethod(this, run, Qt::QueuedConnection);
+}
+
+void frmMain::mnuLogInLine_Click(const std::string& entryName) {
+    RunDialing([this, entryName] { parts_.Dialing.DialEntry(entryName); });
+}
+
+void frmMain::mnuLogOut_Click() {
+    RunDialing([this] { parts_.Dialing.MONHangUp(); });
 }
 
 // Window managers keep the edge that is not dragged in place when they know the smallest size.
@@ -363,9 +384,9 @@ void frmMain::changeEvent(QEvent* event) {
 // From the window's close box or menu; everything else that ends the program calls Quit.
 void frmMain::closeEvent(QCloseEvent* event) {
     if (closed_) return event->accept();
-    if (!parts_.Info.CloseTrayOnly) return Quit(CloseReason::WindowMenu);
+    if (!parts_.InfoTexts.CloseTrayOnly) return Quit(CloseReason::WindowMenu);
     event->ignore();
-    if (parts_.Tray.Host() == TrayHost::Absent) TellThatNoTrayIsThere();
+    if (parts_.NotificationArea.Host() == TrayHost::Absent) TellThatNoTrayIsThere();
     ShowMainWindow(false);
 }
 
@@ -395,7 +416,7 @@ void frmMain::DisplayLost() {
 
 void frmMain::Close(CloseReason reason) {
     closed_ = true;
-    parts_.Dial.Stop();
+    parts_.Dialing.Stop();
     hooks_.Closing(reason);
 }
 
@@ -469,7 +490,7 @@ void frmMain::StartFade(int mode) {
 }
 
 void frmMain::TimerFade_Timer() {
-    const Fade::Tick tick = fade_.Next(parts_.Info.Opacity);
+    const Fade::Tick tick = fade_.Next(parts_.InfoTexts.Opacity);
     setWindowOpacity(tick.Alpha / opaque);
     if (tick.Finished) timerFade_.stop();
     if (tick.Unload) Quit();

@@ -24,6 +24,7 @@ namespace korvalin {
 class Language;
 class LiveTexts;
 class MessageBoxes;
+class MonthSums;
 
 /// The program's only permanent window: the live chart, its drag handle and the popup menu.
 class frmMain : public QWidget, public MonitorWindow {
@@ -34,25 +35,24 @@ class frmMain : public QWidget, public MonitorWindow {
     struct Parts {
         korvalin::Settings& Settings;
         korvalin::Language& Language;
-        Screen& Display;
-        SamplingLoop& Loop;
-        LineState& Lines;
-        const RateHistory& History;
-        InfoTexts& Info;
-        LiveTexts& Live;
+        korvalin::Screen& Screen;
+        korvalin::SamplingLoop& SamplingLoop;
+        korvalin::LineState& LineState;
+        const korvalin::RateHistory& RateHistory;
+        korvalin::InfoTexts& InfoTexts;
+        korvalin::LiveTexts& LiveTexts;
+        korvalin::MonthSums& MonthSums;
         korvalin::Errors& Errors;
         korvalin::Clock& Clock;
-        const Locale& UserLocale;
-        NotificationArea& Tray;
+        const korvalin::Locale& Locale;
+        korvalin::NotificationArea& NotificationArea;
         korvalin::MessageBoxes& MessageBoxes;
-        Dialing& Dial;
+        korvalin::Dialing& Dialing;
     };
     /// What the floors above plug in; each may stay as it is.
     struct Hooks {
         /// The window closes for good, its tray icon is gone: open connections are recorded. Called once.
         std::function<void(CloseReason reason)> Closing = [](CloseReason) {};
-        /// What is used of the charted line's period, for the icon's first bar.
-        std::function<PeriodUse()> UseOfChartLine = [] { return PeriodUse(); };
         /// Whether the window may not be put away now.
         std::function<bool()> StaysShown = [] { return false; };
         /// Opens the statistics window; its menu entry is hidden while nobody does.
@@ -77,15 +77,6 @@ class frmMain : public QWidget, public MonitorWindow {
     /// Fades: 0 nothing, 1 and 3 in from invisible, 2 at once fully opaque.
     void StartFade(int mode);
 
-    /// Keeps the window above all others, or no longer.
-    void SetTopmost(bool topmost);
-
-    /// The window's layered alpha: 0 invisible, 255 opaque.
-    void SetOpacity(int alpha);
-
-    /// Puts the program's own picture and name into the tray, for an icon that shows no values.
-    void ShowFixedTrayIcon();
-
     /// Closes the window for good and ends the program.
     void Quit(CloseReason reason = CloseReason::Program);
 
@@ -109,6 +100,9 @@ class frmMain : public QWidget, public MonitorWindow {
     void RestoreGeometry() override;
     void SaveGeometry() override;
     WindowPosition Position() override;
+    void SetTopmost(bool topmost) override;
+    void SetOpacity(int alpha) override;
+    void ShowFixedTrayIcon() override;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -119,6 +113,7 @@ class frmMain : public QWidget, public MonitorWindow {
 
   private:
     void ConnectMenu();
+    void ConnectFrame();
     void AddTrayIcon();
     void TrayHostChanged();
     void PutAway();
@@ -133,7 +128,8 @@ class frmMain : public QWidget, public MonitorWindow {
     void mnuLines_Click(std::size_t line);
     void mnuLogInLine_Click(const std::string& entryName);
     void mnuLogOut_Click();
-    void RunDialing(std::function<void()> operation);
+    template <typename Operation>
+    void RunDialing(Operation operation);
     void lblMove_MouseDown(const QMouseEvent& event);
     void lblMove_MouseMove(const QMouseEvent& event);
     void lblMove_DblClick();

@@ -7,15 +7,13 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace korvalin {
 
 /// Fills the list. What is typed stays as it is typed: a completion would turn "5" into "50".
-inline void FillCombo(QComboBox& combo, const std::vector<int>& values,
-                      const std::function<std::string(int)>& text) {
+inline void FillCombo(QComboBox& combo, const std::vector<int>& values, const auto& text) {
     combo.setCompleter(nullptr);
     for (const int value : values)
         combo.addItem(QString::fromStdString(text(value)));
@@ -35,7 +33,7 @@ inline std::string TextOf(const QComboBox& combo) {
 }
 
 /// Calls `check` when the user has chosen from the list or leaves the field.
-inline void WhenEntered(QComboBox& combo, QObject& owner, const std::function<void()>& check) {
+inline void WhenEntered(QComboBox& combo, QObject& owner, const auto& check) {
     QObject::connect(&combo, &QComboBox::activated, &owner, check);
     QObject::connect(combo.lineEdit(), &QLineEdit::editingFinished, &owner, check);
 }

@@ -4,7 +4,6 @@
 #include <QTableView>
 
 #include <algorithm>
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,10 +12,10 @@ namespace korvalin {
 
 /// Keeps a list's current row and scroll position while its rows are put in anew. The row is known by a key
 /// that the same record has before and after; when it has gone, the row at a given place becomes current.
+template <typename KeyOf>
 class KeepListPlace {
   public:
     using Key = std::pair<std::string, double>;
-    using KeyOf = std::function<Key(int row)>;
 
     KeepListPlace(QTableView& list, KeyOf keyOf, std::optional<int> otherwise = {})
         : list_(list),

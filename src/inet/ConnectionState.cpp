@@ -1,5 +1,7 @@
 #include "inet/ConnectionState.h"
 
+#include "lang/Language.h"
+
 #include <array>
 
 namespace korvalin {
@@ -42,7 +44,8 @@ bool IsOnline(Internet& internet) {
     return internet.GetConnectedState().Online;
 }
 
-std::string ConnectionInfoText(Internet& internet, const std::function<std::string(int number)>& text) {
+std::string ConnectionInfoText(Internet& internet, Language& language) {
+    const auto text = [&language](int number) { return language.Lng("modConnInfo", number); };
     const ConnectedState state = internet.GetConnectedState();
     if (!state.Online) return text(8);
     std::string info;

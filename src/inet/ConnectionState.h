@@ -2,10 +2,11 @@
 
 #include "platform/Internet.h"
 
-#include <functional>
 #include <string>
 
 namespace korvalin {
+
+class Language;
 
 // Each asks the system anew and returns one flag of its answer.
 bool IsInternetViaModem(Internet& internet);
@@ -14,7 +15,7 @@ bool IsInternetViaProxy(Internet& internet);
 bool IsRasInstalled(Internet& internet);
 bool IsOnline(Internet& internet);
 
-/// A description of the connection state, one line per fact; `text` looks up section "modConnInfo" by number.
-std::string ConnectionInfoText(Internet& internet, const std::function<std::string(int number)>& text);
+/// A description of the connection state, one line per fact.
+std::string ConnectionInfoText(Internet& internet, Language& language);
 
 } // namespace korvalin

@@ -6,6 +6,7 @@
 
 namespace korvalin {
 
+class DataFolder;
 class Internet;
 class MessageBoxes;
 struct Locale;
@@ -25,22 +26,19 @@ enum class UpdateResult {
 class UpdateCheck {
   public:
     struct Parts {
-        UpdateSite& Site;
-        UpdateDownload& Download;
+        korvalin::UpdateSite& UpdateSite;
+        korvalin::UpdateDownload& UpdateDownload;
         korvalin::Settings& Settings;
+        korvalin::Language& Language;
         korvalin::Errors& Errors;
         korvalin::MessageBoxes& MessageBoxes;
         korvalin::Files& Files;
         korvalin::Shell& Shell;
         korvalin::Internet& Internet;
         korvalin::Clock& Clock;
+        korvalin::DataFolder& DataFolder;
         const korvalin::Locale& Locale;
         ProgramVersion Version;
-        /// Text of section "modInternet" by number.
-        std::function<std::string(int number)> Text;
-        std::function<std::filesystem::path()> DataFolder;
-        /// Whether the machine is online through a dial-up line.
-        std::function<bool()> OnRasLine;
     };
     /// What the about box shows.
     struct Hooks {
@@ -65,6 +63,7 @@ class UpdateCheck {
 
   private:
     std::optional<std::string> Hindrance();
+    UpdateResult RunAlone(bool preCheck);
     UpdateResult Run(bool preCheck);
     UpdateResult TellToWait();
     UpdateResult JudgePage(const UpdatePage& page);
@@ -76,8 +75,8 @@ class UpdateCheck {
     bool UserWants(const UpdatePage& page);
     void OpenVersionHistory();
     void NoteThatUserWasTold();
-    void SetRunning(bool running);
     bool MustAsk();
+    std::string Text(int number);
 
     Parts parts_;
     Hooks hooks_;

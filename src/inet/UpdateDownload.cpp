@@ -5,6 +5,7 @@
 #include "errors/Errors.h"
 #include "inet/UpdateFiles.h"
 #include "inet/UpdateSite.h"
+#include "lang/Language.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Shell.h"
@@ -29,6 +30,10 @@ Date NextAttempt(int attempts, Date now) {
 
 UpdateDownload::UpdateDownload(Parts parts) : parts_(std::move(parts)) {}
 
+std::string UpdateDownload::Text(int number) {
+    return parts_.Language.Lng("modInternet", number);
+}
+
 fs::path UpdateDownload::NewProgram() const {
     return parts_.ProgramFolder / NewProgramFileName;
 }
@@ -47,12 +52,12 @@ UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const Upda
     if (parts_.Settings.Get(Keys::UpdateNext) > parts_.Clock.Now()) return Outcome::TooEarly;
     if (!HasUsefulProgram(offer)) {
         CountAttempt();
-        ShowStatus(parts_.Text(16) + NewProgramFileName);
-        if (!parts_.Site.Download(offer.FileName, NewProgram())) return Outcome::Failed;
+        hooks_.ShowStatus(Text(16) + NewProgramFileName);
+        if (!parts_.UpdateSite.Download(offer.FileName, NewProgram())) return Outcome::Failed;
     }
     if (!DownloadLanguage(page)) return Outcome::Failed;
     attempts_ = 0;
-    ShowStatus(parts_.Text(17));
+    hooks_.ShowStatus(Text(17));
     KeepRunningVersion();
     return Outcome::Ready;
 }
@@ -62,7 +67,7 @@ bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
     const fs::path program = NewProgram();
     if (!FileExists(program)) return false;
     if (IsWorthStarting(program, parts_.ProgramFolder / ProgramFileName) &&
-        parts_.Site.IsSigned(program, offer.FileName)) {
+        parts_.UpdateSite.IsSigned(program, offer.FileName)) {
         TakePermissions(program, parts_.Shell.ExecutablePath());
         return true;
     }
@@ -76,9 +81,9 @@ void UpdateDownload::CountAttempt() {
 }
 
 bool UpdateDownload::DownloadLanguage(const UpdatePage& page) {
-    const std::string about = page.LanguageInformation(parts_.LanguageCode());
-    ShowStatus(parts_.Text(16) + NewLanguageFileName + (about.empty() ? "" : " (" + about + ")"));
-    return parts_.Site.Download(LanguageFileName, parts_.ProgramFolder / NewLanguageFileName);
+    const std::string about = page.LanguageInformation(parts_.Language.LanguageCode());
+    hooks_.ShowStatus(Text(16) + NewLanguageFileName + (about.empty() ? "" : " (" + about + ")"));
+    return parts_.UpdateSite.Download(LanguageFileName, parts_.ProgramFolder / NewLanguageFileName);
 }
 
 void UpdateDownload::KeepRunningVersion() {

@@ -13,6 +13,7 @@ namespace korvalin {
 class Clock;
 class Errors;
 class Files;
+class Language;
 class Settings;
 class Shell;
 class UpdateSite;
@@ -21,24 +22,25 @@ class UpdateSite;
 class UpdateDownload {
   public:
     struct Parts {
-        UpdateSite& Site;
+        korvalin::UpdateSite& UpdateSite;
         korvalin::Settings& Settings;
+        korvalin::Language& Language;
         korvalin::Errors& Errors;
         korvalin::Files& Files;
         korvalin::Shell& Shell;
         korvalin::Clock& Clock;
         std::filesystem::path ProgramFolder;
         ProgramVersion Version;
-        /// Text of section "modInternet" by number.
-        std::function<std::string(int number)> Text;
-        std::function<std::string()> LanguageCode;
+    };
+    struct Hooks {
+        /// Takes the line of text that tells what is going on.
+        std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
     };
     enum class Outcome { Ready, Failed, TooEarly };
 
     explicit UpdateDownload(Parts parts);
 
-    /// Takes the line of text that tells what is going on.
-    std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Whether a new program can be put into the program folder.
     bool CanWrite();
@@ -49,6 +51,7 @@ class UpdateDownload {
     std::filesystem::path NewProgram() const;
 
   private:
+    std::string Text(int number);
     bool HasUsefulProgram(const UpdateOffer& offer);
     void CountAttempt();
     bool DownloadLanguage(const UpdatePage& page);
@@ -56,6 +59,7 @@ class UpdateDownload {
     void Keep(const std::filesystem::path& file, const std::string& name);
 
     Parts parts_;
+    Hooks hooks_;
     int attempts_ = 0;
 };
 

@@ -24,10 +24,10 @@ UpdateSchedule::UpdateSchedule(UpdateCheck& check, Settings& settings, Errors& e
 
 void UpdateSchedule::Arm() {
     armed_ = true;
-    if (!done_) callAgain_(settlingSeconds);
+    if (!done_) hooks_.CallAgain(settlingSeconds);
 }
 
-bool UpdateSchedule::AutoUpdateCheck() {
+bool UpdateSchedule::AutoUpdateCheck(bool preCheck) {
     if (!armed_) {
         Arm();
         return false;
@@ -35,13 +35,13 @@ bool UpdateSchedule::AutoUpdateCheck() {
     if (done_) return false;
     const double remaining = nextAttempt_ - clock_.BootSeconds();
     if (remaining > 0 || check_.IsRunning()) {
-        callAgain_(std::max(remaining, settlingSeconds));
+        hooks_.CallAgain(std::max(remaining, settlingSeconds));
         return false;
     }
     nextAttempt_ = clock_.BootSeconds() + secondsBetweenAttempts;
     done_ = settings_.Get(Keys::NoInet);
-    const bool started = !done_ && IsDue() && RunCheck();
-    if (!done_) callAgain_(secondsBetweenAttempts);
+    const bool started = !done_ && IsDue() && RunCheck(preCheck);
+    if (!done_) hooks_.CallAgain(secondsBetweenAttempts);
     return started;
 }
 
@@ -52,8 +52,8 @@ bool UpdateSchedule::IsDue() {
     return last < today - settings_.Get(Keys::UpdateInterval) * daysOfWeek || last > today;
 }
 
-bool UpdateSchedule::RunCheck() {
-    const UpdateResult result = check_.CheckUpdate(true, true);
+bool UpdateSchedule::RunCheck(bool preCheck) {
+    const UpdateResult result = check_.CheckUpdate(true, preCheck);
     if (result < UpdateResult::Newest) {
         errors_.WriteErrorLog(fmt::format("Return {}", static_cast<int>(result)), "AutoUpdate");
         return false;

@@ -1,8 +1,10 @@
 #include "inet/WebFetch.h"
 
 #include "base/Text.h"
+#include "data/DataFolder.h"
 #include "errors/Errors.h"
 #include "inet/WebAddress.h"
+#include "lang/Language.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
 #include "platform/TransferControl.h"
@@ -35,8 +37,6 @@ std::string StatusText(const HttpHead& head) {
 }
 
 } // namespace
-
-WebFetch::WebFetch(Parts parts) : parts_(std::move(parts)) {}
 
 void WebFetch::UseControl(TransferControl* control) {
     if (control_ != nullptr) control_->Plug({[](int) {}, [] {}});
@@ -75,7 +75,7 @@ std::string WebFetch::UserAgent() {
     const std::string numbers =
         fmt::format("{}{}{}", parts_.Version.Major, parts_.Version.Minor, parts_.Version.Revision);
     if (parts_.Settings.Get(Keys::Test)) return "Korvalin-Test V" + numbers;
-    return "Korvalin-V" + numbers + "; " + parts_.LanguageCode();
+    return "Korvalin-V" + numbers + "; " + parts_.Language.LanguageCode();
 }
 
 // A file is only of use when it is whole; of a page the beginning will do.
@@ -157,7 +157,8 @@ bool WebFetch::Inet_GetBgrd(const std::string& url, const std::filesystem::path&
     if (control_->StillExecuting()) return true;
     Reset(url);
     state_.ToFile = !targetFile.empty();
-    state_.TargetFile = (state_.ToFile ? targetFile : parts_.DataFolder() / "HtmReturn.htm").string();
+    state_.TargetFile =
+        (state_.ToFile ? targetFile : parts_.DataFolder.GetDataPath() / "HtmReturn.htm").string();
     HttpRequest request = RequestFor(url, state_.ToFile);
     if (parts_.Settings.Get(Keys::FirewallUse)) {
         request.UserName = parts_.Settings.Get(Keys::FirewallUser);

@@ -11,9 +11,11 @@
 namespace korvalin {
 
 class Clock;
+class DataFolder;
 class Errors;
 class Events;
 class Files;
+class Language;
 class Settings;
 class TransferControl;
 
@@ -28,16 +30,16 @@ class WebFetch {
         korvalin::Files& Files;
         korvalin::Events& Events;
         korvalin::Clock& Clock;
+        korvalin::Language& Language;
+        korvalin::DataFolder& DataFolder;
         ProgramVersion Version;
-        std::function<std::string()> LanguageCode;
-        std::function<std::filesystem::path()> DataFolder;
     };
     struct Hooks {
         std::function<void(const FetchProgress& progress)> Progress = [](const FetchProgress&) {};
         std::function<void(const std::string& text)> CopyToClipboard = [](const std::string&) {};
     };
 
-    explicit WebFetch(Parts parts);
+    explicit WebFetch(const Parts& parts) : parts_(parts) {}
 
     void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 

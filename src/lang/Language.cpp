@@ -60,15 +60,8 @@ struct Language::FileFaults {
     }
 };
 
-Language::Language(const std::filesystem::path& programFolder, Settings& settings, Errors& errors,
-                   Files& files, MessageBoxes& messageBoxes, Shell& shell)
-    : programFolder_(programFolder),
-      settings_(settings),
-      errors_(errors),
-      files_(files),
-      messageBoxes_(messageBoxes),
-      shell_(shell),
-      ask_([] {}) {}
+Language::Language(const Parts& parts, const std::filesystem::path& programFolder)
+    : parts_(parts), programFolder_(programFolder), ask_([] {}) {}
 
 void Language::PlugAskLanguage(AskLanguage ask) {
     ask_ = std::move(ask);
@@ -84,6 +77,16 @@ const std::string& Language::LanguageCode() const {
 
 const std::vector<std::string>& Language::LanguageCodes() const {
     return languageCodes_;
+}
+
+template <typename Work>
+bool Language::Guarded(std::string_view procName, const Work& work) {
+    try {
+        return work();
+    } catch (const std::exception& error) {
+        ShowLanguageError(procName, error);
+        return false;
+    }
 }
 
 // ---- looking texts up
@@ -108,8 +111,8 @@ std::string Language::MissingText(std::string_view section, std::string_view num
     if (EqualsNoCase(section, LanguageNamesSection)) return NameLanguage(number, std::move(key));
     if (!reportMissing) return {};
     if (reported_.insert(std::move(key)).second) {
-        errors_.WriteErrorLog(fmt::format("{} {} {}{}", TextNotFound, section, number, kind),
-                              "language " + languageCode_);
+        parts_.Errors.WriteErrorLog(fmt::format("{} {} {}{}", TextNotFound, section, number, kind),
+                                    "language " + languageCode_);
     }
     return std::string(TextNotFound);
 }
@@ -130,7 +133,7 @@ void Language::AppendToFile(std::string_view line) {
     if (!IsFileNotFolder(file)) return;
     const std::string lineBreak = EndsWithinLine(file) ? "\r\n" : "";
     // The program folder is often read-only for the user; the name is then made anew in every run.
-    static_cast<void>(files_.Append(file, lineBreak + std::string(line)));
+    static_cast<void>(parts_.Files.Append(file, lineBreak + std::string(line)));
 }
 
 // ---- loading
@@ -148,11 +151,11 @@ bool Language::LoadLanguageTexts() {
         AccessKeys accessKeys;
         FileFaults faults;
         std::size_t count = 0;
-        ReadLanguageLines(LanguageFilePath(), [&](std::string_view line) {
-            const auto entry = SplitLanguageLine(line);
+        LanguageLines lines(LanguageFilePath());
+        while (const auto line = lines.Next()) {
+            const auto entry = SplitLanguageLine(*line);
             if (entry && Wants(*entry)) count += StoreEntry(*entry, accessKeys, faults);
-            return true;
-        });
+        }
         WriteFaults(faults);
         return count > 0;
     });
@@ -182,8 +185,9 @@ std::size_t Language::StoreEntry(const LanguageEntry& entry, AccessKeys& accessK
 // Only after loading: the log asks for the data folder, and that may need texts.
 void Language::WriteFaults(const FileFaults& faults) {
     for (const auto& fault : faults.List)
-        errors_.WriteErrorLog(fault.Message, fault.Group);
-    if (faults.List.size() == mostLoggedFaults) errors_.WriteErrorLog("further faults not listed", fileGroup);
+        parts_.Errors.WriteErrorLog(fault.Message, fault.Group);
+    if (faults.List.size() == mostLoggedFaults)
+        parts_.Errors.WriteErrorLog("further faults not listed", fileGroup);
 }
 
 bool Language::IsKnown(std::string_view code) const {
@@ -198,11 +202,13 @@ bool Language::LoadLanguageChoices() {
     languageCodes_.clear();
     const bool loaded = Guarded("LoadLanguageChoices", [this] {
         if (!IsFileNotFolder(LanguageFilePath())) return false;
-        ReadLanguageLines(LanguageFilePath(), [this](std::string_view line) {
-            const std::string_view code = CodeOfLanguageLine(line);
+        LanguageLines lines(LanguageFilePath());
+        while (languageCodes_.size() < mostLanguages) {
+            const auto line = lines.Next();
+            if (!line) break;
+            const std::string_view code = CodeOfLanguageLine(*line);
             if (!code.empty() && !IsKnown(code)) languageCodes_.emplace_back(code);
-            return languageCodes_.size() < mostLanguages;
-        });
+        }
         return true;
     });
     if (languageCodes_.empty()) languageCodes_.emplace_back(defaultLanguage);
@@ -231,29 +237,29 @@ bool Language::ShowTextsMissing() {
                     LanguageFilePath().string(), languageCode_);
     const std::string title(ProgramTitle);
     if (languageCode_ == defaultLanguage) {
-        messageBoxes_.Show(problem + "Program can not be run. Contact software vendor.", title,
-                           MessageIcon::Critical, MessageButtons::Ok);
+        parts_.MessageBoxes.Show(problem + "Program can not be run. Contact software vendor.", title,
+                                 MessageIcon::Critical, MessageButtons::Ok);
     } else {
-        messageBoxes_.Show(problem + "Program will be set to default language GER. Try again.", title,
-                           MessageIcon::Warning, MessageButtons::Ok);
+        parts_.MessageBoxes.Show(problem + "Program will be set to default language GER. Try again.", title,
+                                 MessageIcon::Warning, MessageButtons::Ok);
         SetLanguageCode(defaultLanguage);
     }
     return false;
 }
 
 std::string Language::GetLanguageCode() {
-    const std::string stored = settings_.Get(Keys::Language);
+    const std::string stored = parts_.Settings.Get(Keys::Language);
     if (CharacterCount(stored) == codeLength) return stored;
     ask_();
     return HasLanguage() ? languageCode_ : std::string(defaultLanguage);
 }
 
 void Language::SetLanguageCode(std::string_view code) {
-    settings_.Set(Keys::Language, std::string(code));
+    parts_.Settings.Set(Keys::Language, std::string(code));
 }
 
 std::string Language::UserDefaultLanguageCode() const {
-    return shell_.UserLanguage() == "de" ? "GER" : "ENG";
+    return parts_.Shell.UserLanguage() == "de" ? "GER" : "ENG";
 }
 
 Language::Choices Language::FillLanguageChoices() {
@@ -305,19 +311,10 @@ int Language::ParseLngNo(std::string_view tag) {
 
 // ---- errors of this module
 
-bool Language::Guarded(std::string_view procName, const std::function<bool()>& work) {
-    try {
-        return work();
-    } catch (const std::exception& error) {
-        ShowLanguageError(procName, error);
-        return false;
-    }
-}
-
 // A plain box: the program's own error report needs the texts that are just failing.
 void Language::ShowLanguageError(std::string_view procName, const std::exception& error) {
-    messageBoxes_.Show(fmt::format("{}, {}, {}", procName, ErrorNumber(error), error.what()),
-                       std::string(ProgramTitle), MessageIcon::Critical, MessageButtons::Ok);
+    parts_.MessageBoxes.Show(fmt::format("{}, {}, {}", procName, ErrorNumber(error), error.what()),
+                             std::string(ProgramTitle), MessageIcon::Critical, MessageButtons::Ok);
 }
 
 } // namespace korvalin

@@ -34,8 +34,15 @@ class Language {
     /// Shows the language dialog and returns when it is closed.
     using AskLanguage = std::function<void()>;
 
-    Language(const std::filesystem::path& programFolder, Settings& settings, Errors& errors, Files& files,
-             MessageBoxes& messageBoxes, Shell& shell);
+    struct Parts {
+        korvalin::Settings& Settings;
+        korvalin::Errors& Errors;
+        korvalin::Files& Files;
+        korvalin::MessageBoxes& MessageBoxes;
+        korvalin::Shell& Shell;
+    };
+
+    Language(const Parts& parts, const std::filesystem::path& programFolder);
 
     /// Until a dialog is plugged in, nobody is asked and the default language serves.
     void PlugAskLanguage(AskLanguage ask);
@@ -87,7 +94,8 @@ class Language {
     /// First text with an access key, by section and key.
     using AccessKeys = std::unordered_map<std::string, std::string>;
 
-    bool Guarded(std::string_view procName, const std::function<bool()>& work);
+    template <typename Work>
+    bool Guarded(std::string_view procName, const Work& work);
     void ShowLanguageError(std::string_view procName, const std::exception& error);
     bool IsKnown(std::string_view code) const;
     bool HasLanguage() const;
@@ -100,12 +108,8 @@ class Language {
     void AppendToFile(std::string_view line);
     bool ShowTextsMissing();
 
+    Parts parts_;
     std::filesystem::path programFolder_;
-    Settings& settings_;
-    Errors& errors_;
-    Files& files_;
-    MessageBoxes& messageBoxes_;
-    Shell& shell_;
     AskLanguage ask_;
     std::unordered_map<std::string, std::string> texts_;
     std::unordered_set<std::string> reported_;

@@ -6,9 +6,9 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <fstream>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace korvalin {
 namespace {
@@ -25,37 +25,38 @@ std::string_view WithoutQuotes(std::string_view text) {
     return text;
 }
 
+} // namespace
+
+LanguageLines::LanguageLines(const std::filesystem::path& file)
+    : file_(file, std::ios::binary), buffer_(longestLine, '\0') {
+    if (!file_) throw std::system_error(errno, std::generic_category(), file.string());
+}
+
 // The bytes between two line feeds; a line that does not fit the buffer is skipped and comes back as nullopt.
-std::optional<std::string_view> ReadLine(std::ifstream& file, std::string& buffer, std::streamsize& bytes) {
-    file.getline(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    bytes += file.gcount();
-    auto length = static_cast<std::size_t>(file.gcount());
-    if (file.fail() && !file.eof()) {
-        if (file.bad()) throw std::runtime_error("The language file cannot be read.");
-        file.clear();
-        file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-        bytes += file.gcount();
+std::optional<std::string_view> LanguageLines::ReadLine() {
+    file_.getline(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+    bytes_ += file_.gcount();
+    auto length = static_cast<std::size_t>(file_.gcount());
+    if (file_.fail() && !file_.eof()) {
+        if (file_.bad()) throw std::runtime_error("The language file cannot be read.");
+        file_.clear();
+        file_.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+        bytes_ += file_.gcount();
         return std::nullopt;
     }
-    if (!file.eof()) --length; // gcount has the line feed in it
-    std::string_view line(buffer.data(), length);
+    if (!file_.eof()) --length; // gcount has the line feed in it
+    std::string_view line(buffer_.data(), length);
     if (line.ends_with('\r')) line.remove_suffix(1);
     return line;
 }
 
-} // namespace
-
-void ReadLanguageLines(const std::filesystem::path& path,
-                       const std::function<bool(std::string_view line)>& use) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::system_error(errno, std::generic_category(), path.string());
-    std::string buffer(longestLine, '\0');
-    std::streamsize bytes = 0;
-    for (bool header = true; file.good() && bytes < largestFile; header = false) {
-        const auto line = ReadLine(file, buffer, bytes);
-        if (header || !line || line->empty() || line->find('\0') != std::string_view::npos) continue;
-        if (!use(DecodeLine(*line))) return;
+std::optional<std::string> LanguageLines::Next() {
+    while (file_.good() && bytes_ < largestFile) {
+        const auto line = ReadLine();
+        if (std::exchange(header_, false) || !line || line->empty()) continue;
+        if (line->find('\0') == std::string_view::npos) return DecodeLine(*line);
     }
+    return std::nullopt;
 }
 
 std::optional<LanguageEntry> SplitLanguageLine(std::string_view line) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,11 +24,25 @@ inline constexpr std::string_view EveryLanguage = "LNG";
 /// Section of the languages' own names.
 inline constexpr std::string_view LanguageNamesSection = "lngDefinition";
 
-/// Gives every line after the header to `use`, as UTF-8 and without its line end, until `use` returns false.
-/// Whatever the file holds, memory stays small: lines beyond 64 KB and lines with zero bytes are no text and
-/// are left out, and reading ends after 4 MB. Throws when the file cannot be opened or read.
-void ReadLanguageLines(const std::filesystem::path& file,
-                       const std::function<bool(std::string_view line)>& use);
+/// The lines of the file. Whatever it holds, memory stays small: lines beyond 64 KB and lines with zero bytes
+/// are no text and are left out, and reading ends after 4 MB.
+class LanguageLines {
+  public:
+    /// Throws when the file cannot be opened.
+    explicit LanguageLines(const std::filesystem::path& file);
+
+    /// The next line after the header, as UTF-8 and without its line end; nullopt at the end. Throws when the
+    /// file cannot be read.
+    std::optional<std::string> Next();
+
+  private:
+    std::optional<std::string_view> ReadLine();
+
+    std::ifstream file_;
+    std::string buffer_;
+    std::streamsize bytes_ = 0;
+    bool header_ = true;
+};
 
 /// Splits a line into its fields; nullopt when the section or number is missing or the number too long.
 std::optional<LanguageEntry> SplitLanguageLine(std::string_view line);

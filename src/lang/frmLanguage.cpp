@@ -3,6 +3,7 @@
 #include "base/ProgramTitle.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"
+#include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
 #include "ui_frmLanguage.h"
 
@@ -15,8 +16,7 @@ constexpr int imagePixels = 48;
 
 } // namespace
 
-frmLanguage::frmLanguage(Language& language, TextsChanged textsChanged)
-    : language_(language), textsChanged_(std::move(textsChanged)), ui_(std::make_unique<Ui::frmLanguage>()) {
+frmLanguage::frmLanguage(Language& language) : language_(language), ui_(std::make_unique<Ui::frmLanguage>()) {
     ui_->setupUi(this);
     Form_Load();
     connect(ui_->cboLanguage, &QComboBox::currentIndexChanged, this, [this] { ApplySelection(); });
@@ -39,7 +39,7 @@ void frmLanguage::Form_Load() {
         ui_->cboLanguage->addItem(QString::fromStdString(name));
     ui_->cboLanguage->setCurrentIndex(static_cast<int>(choices.Selected));
     // Readable before anything is chosen; stored is only what the user chooses or confirms.
-    if (language_.UseLanguage(SelectedCode())) textsChanged_();
+    if (language_.UseLanguage(SelectedCode())) ApplyTextsToLoadedForms(language_);
 }
 
 std::string frmLanguage::SelectedCode() const {
@@ -47,7 +47,8 @@ std::string frmLanguage::SelectedCode() const {
 }
 
 void frmLanguage::ApplySelection() {
-    if (language_.ChooseLanguage(ui_->cboLanguage->currentText().toStdString())) textsChanged_();
+    if (language_.ChooseLanguage(ui_->cboLanguage->currentText().toStdString()))
+        ApplyTextsToLoadedForms(language_);
 }
 
 } // namespace korvalin

@@ -2,7 +2,6 @@
 
 #include <QDialog>
 
-#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -18,10 +17,7 @@ class frmLanguage : public QDialog {
     Q_OBJECT
 
   public:
-    /// Gives every loaded window, this one included, its texts again.
-    using TextsChanged = std::function<void()>;
-
-    frmLanguage(Language& language, TextsChanged textsChanged);
+    explicit frmLanguage(Language& language);
     ~frmLanguage() override;
 
   private:
@@ -30,7 +26,6 @@ class frmLanguage : public QDialog {
     std::string SelectedCode() const;
 
     Language& language_;
-    TextsChanged textsChanged_;
     std::unique_ptr<Ui::frmLanguage> ui_;
 };
 

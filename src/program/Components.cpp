@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "data/DataFolder.h"
+#include "inet/UpdateSite.h"
 #include "lang/Language.h"
 #include "lang/MessagePieces.h"
 #include "platform/Events.h"
@@ -23,51 +24,40 @@ bool IsInternetControl(std::string_view fileName) {
 
 } // namespace
 
-Components::Components(Settings& settings, Language& language, MessageBoxes& messageBoxes, Shell& shell,
-                       Events& events, DataFolder& dataFolder, Download download, std::string downloadPage)
-    : settings_(settings),
-      language_(language),
-      messageBoxes_(messageBoxes),
-      shell_(shell),
-      events_(events),
-      dataFolder_(dataFolder),
-      download_(std::move(download)),
-      downloadPage_(std::move(downloadPage)) {}
-
 bool Components::CheckVBComponent(const std::string& fileName, bool silent) {
-    if (shell_.ComponentPresent(fileName)) return true;
+    if (parts_.Shell.ComponentPresent(fileName)) return true;
     if (silent || IsUnwanted(fileName)) return false;
     if (UserWants(fileName)) {
         Install();
     } else {
-        ShowPieces(messageBoxes_, language_, {20, fileName, 21}, MessageIcon::Critical);
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {20, fileName, 21}, MessageIcon::Critical);
     }
     return false;
 }
 
 bool Components::IsUnwanted(const std::string& fileName) {
-    return IsInternetControl(fileName) && settings_.Get(Keys::msinetNotWanted);
+    return IsInternetControl(fileName) && parts_.Settings.Get(Keys::msinetNotWanted);
 }
 
 bool Components::UserWants(const std::string& fileName) {
     const int reason = IsInternetControl(fileName) ? 47 : 39;
-    const bool wanted = ShowPieces(messageBoxes_, language_, {20, fileName, reason, 40},
+    const bool wanted = ShowPieces(parts_.MessageBoxes, parts_.Language, {20, fileName, reason, 40},
                                    MessageIcon::Critical, MessageButtons::YesNo) == MessageAnswer::Yes;
-    if (!wanted && IsInternetControl(fileName)) settings_.Set(Keys::msinetNotWanted, true);
+    if (!wanted && IsInternetControl(fileName)) parts_.Settings.Set(Keys::msinetNotWanted, true);
     return wanted;
 }
 
 void Components::Install() {
-    ShowPieces(messageBoxes_, language_, {41}, MessageIcon::Information);
-    const std::filesystem::path setup = dataFolder_.GetDataPath() / setupName;
-    if (download_ && download_(std::string(setupName), setup)) {
-        static_cast<void>(shell_.StartProgram(setup));
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {41}, MessageIcon::Information);
+    const std::filesystem::path setup = parts_.DataFolder.GetDataPath() / setupName;
+    if (parts_.UpdateSite.Download(std::string(setupName), setup)) {
+        static_cast<void>(parts_.Shell.StartProgram(setup));
         return;
     }
-    if (!downloadPage_.empty()) static_cast<void>(shell_.OpenPage(downloadPage_));
-    events_.ProcessPending();
-    events_.Sleep(browserMilliseconds);
-    ShowPieces(messageBoxes_, language_, {42}, MessageIcon::Warning);
+    if (!downloadPage_.empty()) static_cast<void>(parts_.Shell.OpenPage(downloadPage_));
+    parts_.Events.ProcessPending();
+    parts_.Events.Sleep(browserMilliseconds);
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {42}, MessageIcon::Warning);
 }
 
 } // namespace korvalin

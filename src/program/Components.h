@@ -1,8 +1,7 @@
 #pragma once
 
-#include <filesystem>
-#include <functional>
 #include <string>
+#include <utility>
 
 namespace korvalin {
 
@@ -12,16 +11,23 @@ class Language;
 class MessageBoxes;
 class Settings;
 class Shell;
-
-/// Fetches a file of the maker's update folder; false when it did not arrive whole.
-using Download = std::function<bool(const std::string& name, const std::filesystem::path& target)>;
+class UpdateSite;
 
 /// Control files that the program can use when the system has them.
 class Components {
   public:
-    /// `download` may be empty where there is no web access; `downloadPage` is the maker's page for people.
-    Components(Settings& settings, Language& language, MessageBoxes& messageBoxes, Shell& shell,
-               Events& events, DataFolder& dataFolder, Download download, std::string downloadPage);
+    struct Parts {
+        korvalin::Settings& Settings;
+        korvalin::Language& Language;
+        korvalin::MessageBoxes& MessageBoxes;
+        korvalin::Shell& Shell;
+        korvalin::Events& Events;
+        korvalin::DataFolder& DataFolder;
+        korvalin::UpdateSite& UpdateSite;
+    };
+    /// `downloadPage` is the maker's page for people.
+    Components(const Parts& parts, std::string downloadPage)
+        : parts_(parts), downloadPage_(std::move(downloadPage)) {}
 
     /// Whether the system has a control file. If not, and unless `silent`, offers to install it.
     bool CheckVBComponent(const std::string& fileName, bool silent);
@@ -31,13 +37,7 @@ class Components {
     bool UserWants(const std::string& fileName);
     void Install();
 
-    Settings& settings_;
-    Language& language_;
-    MessageBoxes& messageBoxes_;
-    Shell& shell_;
-    Events& events_;
-    DataFolder& dataFolder_;
-    Download download_;
+    Parts parts_;
     std::string downloadPage_;
 };
 

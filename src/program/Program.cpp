@@ -1,7 +1,6 @@
 #include "program/Program.h"
 
 #include "display/DisplaySettings.h"
-#include "platform/RecordingLock.h"
 #include "platform/Shell.h"
 #include "program/BuiltUpdateSite.h"
 #include "program/Version.h"
@@ -23,85 +22,197 @@ Program::Program(const Ports& ports, Locale userLocale)
       locale(std::move(userLocale)),
       errors(ports.Clock, ports.Files, ports.MessageBoxes, locale, executable_.stem().string()),
       settings(ports.Registry, errors, ports.Screen, ports.Clock, locale),
-      language(programFolder_, settings, errors, ports.Files, ports.MessageBoxes, ports.Shell),
+      language({.Settings = settings,
+                .Errors = errors,
+                .Files = ports.Files,
+                .MessageBoxes = ports.MessageBoxes,
+                .Shell = ports.Shell},
+               programFolder_),
       units(errors, locale, ports.Clock),
-      dataFolder(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell, ports.Clock,
+      dataFolder({.Settings = settings,
+                  .Language = language,
+                  .Errors = errors,
+                  .MessageBoxes = ports.MessageBoxes,
+                  .Files = ports.Files,
+                  .Shell = ports.Shell,
+                  .Clock = ports.Clock},
                  programFolder_),
-      webFetch({ports.Http, settings, errors, ports.Files, ports.Events, ports.Clock, BuiltVersion,
-                [this] { return language.LanguageCode(); }, [this] { return dataFolder.GetDataPath(); }}),
+      webFetch({.Http = ports.Http,
+                .Settings = settings,
+                .Errors = errors,
+                .Files = ports.Files,
+                .Events = ports.Events,
+                .Clock = ports.Clock,
+                .Language = language,
+                .DataFolder = dataFolder,
+                .Version = BuiltVersion}),
       updateSite(BuiltUpdateSite(), executable_, webFetch, ports.Signatures, errors),
-      components(settings, language, ports.MessageBoxes, ports.Shell, ports.Events, dataFolder,
-                 FromUpdateSite(), downloadPage),
-      updateInstallation(settings, language, errors, ports.MessageBoxes, ports.Files, ports.Shell,
-                         ports.Events, ports.Clock, ports.InstanceLock, programFolder_),
+      components({.Settings = settings,
+                  .Language = language,
+                  .MessageBoxes = ports.MessageBoxes,
+                  .Shell = ports.Shell,
+                  .Events = ports.Events,
+                  .DataFolder = dataFolder,
+                  .UpdateSite = updateSite},
+                 downloadPage),
+      updateInstallation({.Settings = settings,
+                          .Language = language,
+                          .Errors = errors,
+                          .MessageBoxes = ports.MessageBoxes,
+                          .Files = ports.Files,
+                          .Shell = ports.Shell,
+                          .Events = ports.Events,
+                          .Clock = ports.Clock,
+                          .InstanceLock = ports.InstanceLock},
+                         programFolder_),
       autoStart(settings, ports.Registry, executable_),
       lineBook(lines, errors, ports.Clock),
       lineNames(ports.Networks, ports.Ras, trafficOptions),
-      lanReader(ports.NetworkTables, lines, lineBook, counterLedger, lineNames, trafficOptions, errors,
-                ports.Clock),
-      rasReader(ports.Ras, ports.NetworkTables, lines, lineBook, counterLedger, lanReader, settings, errors,
-                ports.Clock),
-      lineMonitor(lines, lineBook, rasReader, lanReader, trafficOptions, ports.Internet, ports.User,
-                  ports.Clock, errors),
+      lanReader({.NetworkTables = ports.NetworkTables,
+                 .LineState = lines,
+                 .LineBook = lineBook,
+                 .CounterLedger = counterLedger,
+                 .LineNames = lineNames,
+                 .TrafficOptions = trafficOptions,
+                 .Errors = errors,
+                 .Clock = ports.Clock}),
+      rasReader({.Ras = ports.Ras,
+                 .NetworkTables = ports.NetworkTables,
+                 .LineState = lines,
+                 .LineBook = lineBook,
+                 .CounterLedger = counterLedger,
+                 .LanReader = lanReader,
+                 .Settings = settings,
+                 .Errors = errors,
+                 .Clock = ports.Clock}),
+      lineMonitor({.LineState = lines,
+                   .LineBook = lineBook,
+                   .RasReader = rasReader,
+                   .LanReader = lanReader,
+                   .TrafficOptions = trafficOptions,
+                   .Internet = ports.Internet,
+                   .User = ports.User,
+                   .Clock = ports.Clock,
+                   .Errors = errors}),
       phoneBook(ports.Ras, ports.Internet, ports.MessageBoxes, errors),
       phoneNumberGuard(ports.Ras, settings, language, ports.MessageBoxes),
-      dialing(
-          {ports.Internet, ports.Ras, phoneBook, phoneNumberGuard, lines, settings, ports.Events, errors}),
+      dialing({.Internet = ports.Internet,
+               .Ras = ports.Ras,
+               .PhoneBook = phoneBook,
+               .PhoneNumberGuard = phoneNumberGuard,
+               .LineState = lines,
+               .Settings = settings,
+               .Events = ports.Events,
+               .Errors = errors}),
       aliases(settings, errors, ports.Clock, units),
       monthSums(aliases, lines, errors, ports.Clock),
-      statFile([this] { return dataFolder.GetDataPath(); }, ports.Files, ports.Events, ports.Clock, errors,
-               [this] { return openConnections_(); }, aliases, locale),
+      openConnections({.LineState = lines,
+                       .DataFolder = dataFolder,
+                       .RecordingLock = ports.RecordingLock,
+                       .Journal = ports.Journal}),
+      statFile({.DataFolder = dataFolder,
+                .Files = ports.Files,
+                .Events = ports.Events,
+                .Clock = ports.Clock,
+                .Errors = errors,
+                .OpenConnections = openConnections,
+                .Aliases = aliases,
+                .Locale = locale}),
       periodSums(aliases, errors, locale),
-      recorder({lines, counterLedger, ports.Files, errors, language, ports.Clock, ports.RecordingLock, locale,
-                [this] { return dataFolder.GetDataPath(); },
-                [this](const OpenConnection& record) { monthSums.Add(record); }}),
-      journalKeeper({ports.Journal, recorder, counterLedger, lines, lineBook, lineMonitor, ports.Clock,
-                     errors, [this] { return dataFolder.GetDataPath(); }, ports.Shell.SettingsFolder(),
-                     [this] { LoadSums(false); }}),
-      liveTexts(lines, rateHistory, monthSums, units, language, errors),
-      samplingLoop(ports.Clock, ports.Screen, settings, lines, lineMonitor, rateHistory, infoTexts, errors),
-      updateDownload({updateSite, settings, errors, ports.Files, ports.Shell, ports.Clock, programFolder_,
-                      BuiltVersion, UpdateText(), [this] { return language.LanguageCode(); }}),
-      updateCheck({updateSite, updateDownload, settings, errors, ports.MessageBoxes, ports.Files, ports.Shell,
-                   ports.Internet, ports.Clock, locale, BuiltVersion, UpdateText(),
-                   [this] { return dataFolder.GetDataPath(); },
-                   [this] { return lines.MonitoredLineType == LineType::Ras && lines.AnyLineConnected; }}),
+      recorder({.LineState = lines,
+                .CounterLedger = counterLedger,
+                .Files = ports.Files,
+                .Errors = errors,
+                .Language = language,
+                .Clock = ports.Clock,
+                .RecordingLock = ports.RecordingLock,
+                .Locale = locale,
+                .DataFolder = dataFolder,
+                .MonthSums = monthSums}),
+      journalKeeper({.Journal = ports.Journal,
+                     .Recorder = recorder,
+                     .CounterLedger = counterLedger,
+                     .LineState = lines,
+                     .LineBook = lineBook,
+                     .LineMonitor = lineMonitor,
+                     .Clock = ports.Clock,
+                     .Errors = errors,
+                     .DataFolder = dataFolder,
+                     .SpareFolder = ports.Shell.SettingsFolder()}),
+      liveTexts({.LineState = lines,
+                 .RateHistory = rateHistory,
+                 .MonthSums = monthSums,
+                 .UnitFormat = units,
+                 .Language = language,
+                 .Errors = errors}),
+      samplingLoop({.Clock = ports.Clock,
+                    .Screen = ports.Screen,
+                    .Settings = settings,
+                    .LineState = lines,
+                    .LineMonitor = lineMonitor,
+                    .RateHistory = rateHistory,
+                    .InfoTexts = infoTexts,
+                    .Errors = errors}),
+      updateDownload({.UpdateSite = updateSite,
+                      .Settings = settings,
+                      .Language = language,
+                      .Errors = errors,
+                      .Files = ports.Files,
+                      .Shell = ports.Shell,
+                      .Clock = ports.Clock,
+                      .ProgramFolder = programFolder_,
+                      .Version = BuiltVersion}),
+      updateCheck({.UpdateSite = updateSite,
+                   .UpdateDownload = updateDownload,
+                   .Settings = settings,
+                   .Language = language,
+                   .Errors = errors,
+                   .MessageBoxes = ports.MessageBoxes,
+                   .Files = ports.Files,
+                   .Shell = ports.Shell,
+                   .Internet = ports.Internet,
+                   .Clock = ports.Clock,
+                   .DataFolder = dataFolder,
+                   .Locale = locale,
+                   .Version = BuiltVersion}),
       updateSchedule(updateCheck, settings, errors, ports.Clock),
-      startup({settings, language, errors, ports.MessageBoxes, ports.Shell, ports.Clock, ports.InstanceLock,
-               dataFolder, updateInstallation, components, FromUpdateSite(), [this] { lines = LineState(); },
-               [this] { LoadUserVar(); }},
+      startup({.Settings = settings,
+               .Language = language,
+               .Errors = errors,
+               .MessageBoxes = ports.MessageBoxes,
+               .Shell = ports.Shell,
+               .Clock = ports.Clock,
+               .InstanceLock = ports.InstanceLock,
+               .DataFolder = dataFolder,
+               .UpdateInstallation = updateInstallation,
+               .Components = components,
+               .UpdateSite = updateSite,
+               .LineState = lines},
               BuiltVersion) {
-    PlugErrors();
-    openConnections_ = [this] {
-        return journalKeeper.LooksOn() ? OpenConnectionsOfRecorder() : OpenConnectionsOf(lines);
-    };
-    lineBook.Plug({[this](const std::string& entryName) { return aliases.GetAlias(entryName); },
-                   [this](CloseReason reason, std::size_t line) { recorder.SaveStatsLine(reason, line); },
-                   [this] { samplingLoop.ResizeRateHistory(); }, [this] { journalKeeper.PassEnded(); }});
-    updateSchedule.Plug([this](double seconds) {
+    PlugHooks();
+}
+
+void Program::PlugHooks() {
+    errors.Plug({.Text =
+                     [this](int number) {
+                         return language.Lng("modGlobal", number, {.TrimIt = true, .ReportMissing = true});
+                     },
+                 .DataFolder = [this] { return dataFolder.GetDataPath(); },
+                 .EndProgram = [] { std::_Exit(EXIT_FAILURE); }});
+    lineBook.Plug({.GetAlias = [this](const std::string& entryName) { return aliases.GetAlias(entryName); },
+                   .SaveStatsLine = [this](CloseReason reason,
+                                           std::size_t line) { recorder.SaveStatsLine(reason, line); },
+                   .ResizeRateHistory = [this] { samplingLoop.ResizeRateHistory(); },
+                   .PassEnded = [this] { journalKeeper.PassEnded(); }});
+    journalKeeper.Plug({.OthersRecorded = [this] { LoadSums(false); }});
+    updateSchedule.Plug({.CallAgain = [this](double seconds) {
         samplingLoop.SetUpdateCheckPending(ports_.Clock.Now() + seconds * OneSecond);
-    });
+    }});
+    startup.Plug({.LoadUserVar = [this] { LoadUserVar(); }});
 }
 
 ProgramVersion Program::Version() {
     return BuiltVersion;
-}
-
-Download Program::FromUpdateSite() {
-    return [this](const std::string& name, const std::filesystem::path& target) {
-        return updateSite.Download(name, target);
-    };
-}
-
-std::function<std::string(int)> Program::UpdateText() {
-    return [this](int number) { return language.Lng("modInternet", number); };
-}
-
-void Program::PlugErrors() {
-    errors.Plug({[this](int number) {
-                     return language.Lng("modGlobal", number, {.TrimIt = true, .ReportMissing = true});
-                 },
-                 [this] { return dataFolder.GetDataPath(); }, [] { std::_Exit(EXIT_FAILURE); }});
 }
 
 void Program::LogNotes(const std::vector<std::string>& notes) {
@@ -130,26 +241,13 @@ void Program::LoadStatistics() {
 
 void Program::LoadSums(bool repair) {
     StatRecords records;
-    const std::size_t known = RecordsInFile();
+    const std::size_t known = recorder.RecordsInFile();
     statFile.LoadStatFile(records, repair);
-    if (journalKeeper.LooksOn()) {
-        monthSums.SetOpenElsewhere(OpenConnectionsOfRecorder());
-    } else {
-        monthSums.SetOpenElsewhere(std::nullopt);
-    }
+    const bool looksOn = journalKeeper.LooksOn();
+    using Source = OpenConnections::Source;
+    openConnections.UseThoseOf(looksOn ? Source::Recorder : Source::Lines);
+    monthSums.SetOpenElsewhere(looksOn ? std::optional(openConnections.Now()) : std::nullopt);
     monthSums.CalcStatsThisMonth(records, known);
-}
-
-void Program::ShowOpenConnectionsOfRecorder(bool closed) {
-    openConnections_ = [this, closed] {
-        return closed ? std::vector<OpenConnection>() : OpenConnectionsOfRecorder();
-    };
-}
-
-std::vector<OpenConnection> Program::OpenConnectionsOfRecorder() {
-    const std::filesystem::path folder = dataFolder.GetDataPath();
-    if (!ports_.RecordingLock.IsTaken(folder)) return {};
-    return ports_.Journal.Look(folder).StillOpen();
 }
 
 void Program::LoadUserVar() {

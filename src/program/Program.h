@@ -11,13 +11,15 @@
 #include "inet/WebFetch.h"
 #include "lang/Language.h"
 #include "platform/Ports.h"
-#include "program/AutoStart.h"
+#include "program/Components.h"
 #include "program/Startup.h"
 #include "program/UpdateInstallation.h"
 #include "settings/Settings.h"
+#include "settingsdlg/AutoStart.h"
 #include "stats/Aliases.h"
 #include "stats/JournalKeeper.h"
 #include "stats/MonthSums.h"
+#include "stats/OpenConnections.h"
 #include "stats/PeriodSums.h"
 #include "stats/Recorder.h"
 #include "stats/StatFile.h"
@@ -56,13 +58,6 @@ class Program {
     /// periods.
     void LoadStatistics();
 
-    /// How many of the records made in this run a load of the file finds.
-    std::size_t RecordsInFile() const { return monthSums.RecordsMade() - recorder.Unwritten(); }
-
-    /// For a program that only looks at the statistics: the connections that are open are those of the
-    /// program that records, as its journal has them, or none (`closed`).
-    void ShowOpenConnectionsOfRecorder(bool closed);
-
     /// LoadRecords, and brings the entry for starting with the system in line with the settings.
     void LoadUserVar();
 
@@ -92,6 +87,7 @@ class Program {
 
     Aliases aliases;
     MonthSums monthSums;
+    OpenConnections openConnections;
     StatFile statFile;
     PeriodSums periodSums;
     Recorder recorder;
@@ -109,13 +105,8 @@ class Program {
     Startup startup;
 
   private:
-    Download FromUpdateSite();
-    std::function<std::string(int)> UpdateText();
-    void PlugErrors();
+    void PlugHooks();
     void LoadSums(bool repair);
-    std::vector<OpenConnection> OpenConnectionsOfRecorder();
-
-    std::function<std::vector<OpenConnection>()> openConnections_;
 };
 
 } // namespace korvalin

@@ -5,14 +5,17 @@
 #include "base/Text.h"
 #include "data/DataFolder.h"
 #include "errors/Errors.h"
+#include "inet/UpdateSite.h"
 #include "lang/Language.h"
 #include "lang/MessagePieces.h"
 #include "platform/Clock.h"
 #include "platform/InstanceLock.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Shell.h"
+#include "program/Components.h"
 #include "program/UpdateInstallation.h"
 #include "settings/Settings.h"
+#include "traffic/LineRecord.h"
 
 namespace korvalin {
 namespace {
@@ -22,12 +25,13 @@ constexpr int daysSinceCheck = 60;
 
 } // namespace
 
-Startup::Startup(Parts parts, const ProgramVersion& version)
-    : parts_(std::move(parts)), version_(version), versionText_(version.Text()) {}
+Startup::Startup(const Parts& parts, const ProgramVersion& version)
+    : parts_(parts), version_(version), versionText_(version.Text()) {}
 
 // An error in one step is reported and ends only that step.
-bool Startup::Step(const std::function<void()>& step) {
-    return parts_.Errors.Step("Main", step);
+template <typename F>
+bool Startup::Step(F&& step) {
+    return parts_.Errors.Step("Main", std::forward<F>(step));
 }
 
 bool Startup::Main() {
@@ -40,8 +44,8 @@ bool Startup::Main() {
     Step([this] { KeepUpdateNextInPast(); });
     Step([this] { NoteVersion(); });
     Step([this] { CheckComponents(); });
-    Step(parts_.CreateLineTable);
-    Step(parts_.LoadUserVar);
+    Step([this] { parts_.LineState = LineState(); });
+    Step(hooks_.LoadUserVar);
     Step([this] { parts_.DataFolder.DeleteStatistics(); });
     return true;
 }
@@ -68,7 +72,7 @@ bool Startup::UserWantsLanguageFile(std::string_view problem) {
 
 bool Startup::DownloadLanguageFile() {
     const std::filesystem::path file = parts_.Language.LanguageFilePath();
-    return parts_.Download && parts_.Download(file.filename().string(), file);
+    return parts_.UpdateSite.Download(file.filename().string(), file);
 }
 
 // Without it the next step fails and asks once more.

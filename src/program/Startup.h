@@ -1,9 +1,7 @@
 #pragma once
 
 #include "base/ProgramVersion.h"
-#include "program/Components.h"
 
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -11,9 +9,17 @@
 namespace korvalin {
 
 class Clock;
+class Components;
+class DataFolder;
 class Errors;
 class InstanceLock;
+class Language;
+class MessageBoxes;
+class Settings;
+class Shell;
 class UpdateInstallation;
+class UpdateSite;
+struct LineState;
 
 /// What happens before any window exists.
 class Startup {
@@ -29,13 +35,17 @@ class Startup {
         korvalin::DataFolder& DataFolder;
         korvalin::UpdateInstallation& UpdateInstallation;
         korvalin::Components& Components;
-        /// May be empty: no download is possible then.
-        korvalin::Download Download;
-        std::function<void()> CreateLineTable;
-        std::function<void()> LoadUserVar;
+        korvalin::UpdateSite& UpdateSite;
+        korvalin::LineState& LineState;
+    };
+    struct Hooks {
+        /// Brings what the settings say into the program.
+        std::function<void()> LoadUserVar = [] {};
     };
 
-    Startup(Parts parts, const ProgramVersion& version);
+    Startup(const Parts& parts, const ProgramVersion& version);
+
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Prepares everything for the main window. False when the program must end without it.
     [[nodiscard]] bool Main();
@@ -47,7 +57,8 @@ class Startup {
     const std::string& ProgramVersionText() const { return versionText_; }
 
   private:
-    bool Step(const std::function<void()>& step);
+    template <typename F>
+    bool Step(F&& step);
     bool UpdateTakesOver();
     void OfferLanguageFile();
     bool LoadTexts();
@@ -59,6 +70,7 @@ class Startup {
     void CheckComponents();
 
     Parts parts_;
+    Hooks hooks_;
     ProgramVersion version_;
     std::string versionText_;
 };

@@ -30,19 +30,8 @@ constexpr int pauseMilliseconds = 100;
 
 } // namespace
 
-UpdateInstallation::UpdateInstallation(Settings& settings, Language& language, Errors& errors,
-                                       MessageBoxes& messageBoxes, Files& files, Shell& shell, Events& events,
-                                       Clock& clock, InstanceLock& instanceLock,
-                                       const fs::path& programFolder)
-    : settings_(settings),
-      language_(language),
-      errors_(errors),
-      messageBoxes_(messageBoxes),
-      files_(files),
-      shell_(shell),
-      events_(events),
-      clock_(clock),
-      instanceLock_(instanceLock),
+UpdateInstallation::UpdateInstallation(const Parts& parts, const fs::path& programFolder)
+    : parts_(parts),
       program_(programFolder / ProgramFileName),
       programBeside_(programFolder / "Korvalin.exe.part"),
       newProgram_(programFolder / NewProgramFileName),
@@ -51,12 +40,12 @@ UpdateInstallation::UpdateInstallation(Settings& settings, Language& language, E
       newLanguageText_(programFolder / "KorvalinLng_new.txt") {}
 
 bool UpdateInstallation::Run() {
-    const bool isNew = EqualsNoCase(shell_.ExecutablePath().filename().string(), NewProgramFileName);
+    const bool isNew = EqualsNoCase(parts_.Shell.ExecutablePath().filename().string(), NewProgramFileName);
     return isNew ? Install() : HandOver();
 }
 
 bool UpdateInstallation::Delete(const fs::path& file, double seconds) {
-    return DeleteFileWait(file, seconds, events_, clock_);
+    return DeleteFileWait(file, seconds, parts_.Events, parts_.Clock);
 }
 
 // ---- as the normal program
@@ -67,10 +56,10 @@ bool UpdateInstallation::HandOver() {
         Delete(newProgram_, shortWait);
         return false;
     }
-    TakePermissions(newProgram_, shell_.ExecutablePath());
-    if (shell_.StartProgram(newProgram_)) return true;
+    TakePermissions(newProgram_, parts_.Shell.ExecutablePath());
+    if (parts_.Shell.StartProgram(newProgram_)) return true;
     // No program at all, an error page for instance: this one goes on, and does not meet it again.
-    errors_.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
+    parts_.Errors.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
     Delete(newProgram_, shortWait);
     return false;
 }
@@ -78,26 +67,26 @@ bool UpdateInstallation::HandOver() {
 // ---- as the new program
 
 bool UpdateInstallation::Install() {
-    errors_.Step("Main", [this] { TakeLanguageText(); });
+    parts_.Errors.Step("Main", [this] { TakeLanguageText(); });
     LoadTexts();
     // Before the old program goes: without a whole copy (a full disk) this one goes on as the program, the
     // old one stays, and the next start tries again.
-    if (!errors_.Step("Main", [this] { CopyProgram(); })) return false;
+    if (!parts_.Errors.Step("Main", [this] { CopyProgram(); })) return false;
     if (!RemoveOldProgram() || !RemoveOldLanguage()) {
         Delete(programBeside_, shortWait);
         return true;
     }
-    const bool inPlace = errors_.Step("Main", [this] { fs::rename(programBeside_, program_); });
-    errors_.Step("Main", [this] { TakeLanguageFile(); });
+    const bool inPlace = parts_.Errors.Step("Main", [this] { fs::rename(programBeside_, program_); });
+    parts_.Errors.Step("Main", [this] { TakeLanguageFile(); });
     if (!inPlace) return false;
-    settings_.Set(Keys::UpdateLast, clock_.Now());
-    return shell_.StartProgram(program_);
+    parts_.Settings.Set(Keys::UpdateLast, parts_.Clock.Now());
+    return parts_.Shell.StartProgram(program_);
 }
 
 void UpdateInstallation::TakeLanguageText() {
     if (FileExists(newLanguageFile_) || !FileExists(newLanguageText_)) return;
     fs::rename(newLanguageText_, newLanguageFile_);
-    if (!files_.Copy(newLanguageFile_, languageFile_)) {
+    if (!parts_.Files.Copy(newLanguageFile_, languageFile_)) {
         throw fs::filesystem_error("The language file could not be copied", newLanguageFile_, languageFile_,
                                    std::make_error_code(std::errc::io_error));
     }
@@ -105,34 +94,35 @@ void UpdateInstallation::TakeLanguageText() {
 
 // The texts are not loaded yet at this point of the start; nobody is asked for a language here.
 void UpdateInstallation::LoadTexts() {
-    if (language_.LoadLanguageChoices()) language_.ChooseLanguage(settings_.Get(Keys::Language));
+    if (parts_.Language.LoadLanguageChoices())
+        parts_.Language.ChooseLanguage(parts_.Settings.Get(Keys::Language));
 }
 
 bool UpdateInstallation::RemoveOldProgram() {
     if (WaitForOldProgram()) return true;
-    ShowPieces(messageBoxes_, language_, {18, program_.string(), 19}, MessageIcon::Warning);
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 19}, MessageIcon::Warning);
     if (AwaitEnd() && Delete(program_, longWait)) return true;
-    ShowPieces(messageBoxes_, language_, {18, program_.string(), 23, newProgram_.string(), 25},
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 23, newProgram_.string(), 25},
                MessageIcon::Warning);
     return false;
 }
 
 bool UpdateInstallation::WaitForOldProgram() {
-    const std::string text = language_.Lng("modAllgemein", 45, {.ReportMissing = true});
-    if (text != TextNotFound) messageBoxes_.ShowWaiting(text, std::string(ProgramTitle));
-    events_.ProcessPending();
+    const std::string text = parts_.Language.Lng("modAllgemein", 45, {.ReportMissing = true});
+    if (text != TextNotFound) parts_.MessageBoxes.ShowWaiting(text, std::string(ProgramTitle));
+    parts_.Events.ProcessPending();
     const bool gone = AwaitEnd() && Delete(program_, longWait);
-    messageBoxes_.CloseWaiting();
+    parts_.MessageBoxes.CloseWaiting();
     return gone;
 }
 
 // A running program's file can be deleted on some systems: only its lock tells that it has ended.
 bool UpdateInstallation::AwaitEnd() {
-    const double giveUp = clock_.AwakeSeconds() + longWait;
-    while (instanceLock_.IsRunning(ProgramFileName)) {
-        if (clock_.AwakeSeconds() >= giveUp) return false;
-        events_.ProcessPending();
-        events_.Sleep(pauseMilliseconds);
+    const double giveUp = parts_.Clock.AwakeSeconds() + longWait;
+    while (parts_.InstanceLock.IsRunning(ProgramFileName)) {
+        if (parts_.Clock.AwakeSeconds() >= giveUp) return false;
+        parts_.Events.ProcessPending();
+        parts_.Events.Sleep(pauseMilliseconds);
     }
     return true;
 }
@@ -140,13 +130,14 @@ bool UpdateInstallation::AwaitEnd() {
 // Only to make room: without a new file the old one is the only one there is.
 bool UpdateInstallation::RemoveOldLanguage() {
     if (!FileExists(newLanguageFile_) || Delete(languageFile_, longWait)) return true;
-    ShowPieces(messageBoxes_, language_, {18, languageFile_.string(), 27}, MessageIcon::Warning);
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, languageFile_.string(), 27}, MessageIcon::Warning);
     return false;
 }
 
 void UpdateInstallation::CopyProgram() {
-    const fs::path running = shell_.ExecutablePath();
-    if (!files_.Copy(running, programBeside_) || fs::file_size(programBeside_) != fs::file_size(running)) {
+    const fs::path running = parts_.Shell.ExecutablePath();
+    if (!parts_.Files.Copy(running, programBeside_) ||
+        fs::file_size(programBeside_) != fs::file_size(running)) {
         std::error_code ignored;
         fs::remove(programBeside_, ignored);
         throw fs::filesystem_error("The new program could not be copied", running, programBeside_,

@@ -19,9 +19,18 @@ class Shell;
 /// the old one.
 class UpdateInstallation {
   public:
-    UpdateInstallation(Settings& settings, Language& language, Errors& errors, MessageBoxes& messageBoxes,
-                       Files& files, Shell& shell, Events& events, Clock& clock, InstanceLock& instanceLock,
-                       const std::filesystem::path& programFolder);
+    struct Parts {
+        korvalin::Settings& Settings;
+        korvalin::Language& Language;
+        korvalin::Errors& Errors;
+        korvalin::MessageBoxes& MessageBoxes;
+        korvalin::Files& Files;
+        korvalin::Shell& Shell;
+        korvalin::Events& Events;
+        korvalin::Clock& Clock;
+        korvalin::InstanceLock& InstanceLock;
+    };
+    UpdateInstallation(const Parts& parts, const std::filesystem::path& programFolder);
 
     /// Does the part of this executable: the normal program hands over to a newer one, the new one installs
     /// itself. True when this instance must end.
@@ -40,15 +49,7 @@ class UpdateInstallation {
     void TakeLanguageFile();
     bool Delete(const std::filesystem::path& file, double seconds);
 
-    Settings& settings_;
-    Language& language_;
-    Errors& errors_;
-    MessageBoxes& messageBoxes_;
-    Files& files_;
-    Shell& shell_;
-    Events& events_;
-    Clock& clock_;
-    InstanceLock& instanceLock_;
+    Parts parts_;
     std::filesystem::path program_;
     std::filesystem::path programBeside_;
     std::filesystem::path newProgram_;

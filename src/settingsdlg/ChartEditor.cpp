@@ -4,6 +4,7 @@
 #include "forms/BoundBox.h"
 #include "forms/Colors.h"
 #include "forms/Combos.h"
+#include "forms/Enabling.h"
 #include "forms/KeptWhileAsking.h"
 #include "lang/Language.h"
 #include "lang/UnitFormat.h"
@@ -52,23 +53,19 @@ void ChartEditor::Load(int historySeconds) {
     LoadFonts();
     FillCombo(*ui_.cboFontSize, FontSizeChoices(), Plain);
     ShowText(*ui_.cboFontSize, Plain(display.FontSize));
-    Bind(*ui_.boxFett, display.FontBold, parts_.Changed);
-    Bind(*ui_.boxShowTimeLines, display.ShowTimeLines, [this] {
-        ui_.cboTimeLinesSec->setEnabled(Display().ShowTimeLines);
-        parts_.Changed();
-    });
-    ui_.cboTimeLinesSec->setEnabled(display.ShowTimeLines);
+    Bind(*ui_.boxFett, display.FontBold, [this] { emit Changed(); });
+    Bind(*ui_.boxShowTimeLines, display.ShowTimeLines, [this] { emit Changed(); });
+    EnableWith(*ui_.boxShowTimeLines, {ui_.cboTimeLinesSec});
     FillCombo(*ui_.cboTimeLinesSec, TimeLineChoices(), Plain);
     ShowText(*ui_.cboTimeLinesSec, Plain(display.TimeLinesSec));
     FillCombo(*ui_.cboConnDataMax, MinuteChoices(), Plain);
     FillCombo(*ui_.cboPicWidthMin, MinuteChoices(), Plain);
     Refresh(historySeconds);
     ui_.lblColorBackground->SetColor(display.ChartBackgroundColor);
-    ui_.boxChartUseMax->setChecked(display.ChartUseMax);
+    Bind(*ui_.boxChartUseMax, display.ChartUseMax, [this] { emit Changed(); });
+    EnableWith(*ui_.boxChartUseMax, {ui_.txtChartMax, ui_.lblMaximum});
     ui_.txtChartMax->setText(QString::number(display.ChartMax));
     ui_.txtChartMinMax->setText(QString::number(display.ChartMinMax));
-    ui_.txtChartMax->setEnabled(display.ChartUseMax);
-    ui_.lblMaximum->setEnabled(display.ChartUseMax);
     LoadCurves();
     Connect();
 }
@@ -134,12 +131,6 @@ void ChartEditor::Connect() {
 }
 
 void ChartEditor::ConnectScale() {
-    connect(ui_.boxChartUseMax, &QCheckBox::toggled, this, [this](bool use) {
-        Display().ChartUseMax = use;
-        ui_.txtChartMax->setEnabled(use);
-        ui_.lblMaximum->setEnabled(use);
-        parts_.Changed();
-    });
     connect(ui_.txtChartMax, &QLineEdit::editingFinished, this, &ChartEditor::txtChartMax_Validate);
     connect(ui_.txtChartMinMax, &QLineEdit::editingFinished, this, &ChartEditor::txtChartMinMax_Validate);
 }
@@ -147,7 +138,7 @@ void ChartEditor::ConnectScale() {
 void ChartEditor::ConnectFont() {
     connect(ui_.cboFontName, &QComboBox::currentTextChanged, this, [this](const QString& name) {
         Display().FontName = name.toStdString();
-        parts_.Changed();
+        emit Changed();
     });
     WhenEntered(*ui_.cboFontSize, *this,
                 [this] { CheckNumber(*ui_.cboFontSize, Keys::FontSize, Display().FontSize); });
@@ -165,7 +156,7 @@ void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& 
                                 SettingKey<int> choiceKey) {
     connect(&frame, &CurveFrame::ShownChanged, this, [this, &shown](std::size_t curve, bool show) {
         shown.at(curve) = show;
-        parts_.Changed();
+        emit Changed();
     });
     connect(&frame, &CurveFrame::ColorClicked, this, [this, &frame, &colors](std::size_t curve) {
         const KeptWhileAsking kept(parts_.Dialog);
@@ -173,11 +164,11 @@ void ChartEditor::ConnectCurves(CurveFrame& frame, std::array<bool, RateSlots>& 
         if (!color) return;
         colors.at(curve) = *color;
         frame.SetColor(curve, *color);
-        parts_.Changed();
+        emit Changed();
     });
     connect(&frame, &CurveFrame::ChoiceClicked, this, [this, &choice, choiceKey](int chosen) {
         choice = Checked(choiceKey, Plain(chosen)); // 0 becomes the preset one
-        parts_.Changed();
+        emit Changed();
     });
 }
 
@@ -191,8 +182,8 @@ void ChartEditor::ConnectUnits() {
         options->button(UnitOptionIndex(unit, ofRates))->setChecked(true);
         connect(options, &QButtonGroup::idClicked, this, [this, units, &unit, &factor](int index) {
             unit = units.at(static_cast<std::size_t>(index));
-            factor = parts_.Units.UnitFactor(unit);
-            parts_.Changed();
+            factor = parts_.UnitFormat.UnitFactor(unit);
+            emit Changed();
         });
     };
     DisplaySettings& display = Display();
@@ -205,7 +196,7 @@ void ChartEditor::ConnectUnits() {
 // ---- values
 
 int ChartEditor::Checked(SettingKey<int> key, const std::string& typed) {
-    return CheckedNumber(parts_.Settings, key, typed, parts_.UserLocale);
+    return CheckedNumber(parts_.Settings, key, typed, parts_.Locale);
 }
 
 void ChartEditor::CheckNumber(QComboBox& combo, SettingKey<int> key, int& value) {
@@ -213,19 +204,19 @@ void ChartEditor::CheckNumber(QComboBox& combo, SettingKey<int> key, int& value)
     ShowText(combo, Plain(checked));
     if (checked == value) return;
     value = checked;
-    parts_.Changed();
+    emit Changed();
 }
 
 void ChartEditor::txtChartMax_Validate() {
     Display().ChartMax = Checked(Keys::ChartMax, ui_.txtChartMax->text().toStdString());
     ui_.txtChartMax->setText(QString::number(Display().ChartMax));
-    parts_.Changed();
+    emit Changed();
 }
 
 void ChartEditor::txtChartMinMax_Validate() {
     Display().ChartMinMax = Checked(Keys::ChartMinMax, ui_.txtChartMinMax->text().toStdString());
     ui_.txtChartMinMax->setText(QString::number(Display().ChartMinMax));
-    parts_.Changed();
+    emit Changed();
 }
 
 // The field keeps what was chosen: applied, it makes the history longer.
@@ -234,14 +225,14 @@ void ChartEditor::cboPicWidthMin_Click() {
     ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
     const int historyMinutes = static_cast<int>(std::lround(historySeconds_ / secondsPerMinute));
     Display().picWidthMin = std::min(chartMinutes_, historyMinutes);
-    parts_.Changed();
+    emit Changed();
 }
 
 void ChartEditor::cboConnDataMax_Click() {
-    const int minutes = CheckedHistoryMinutes(parts_.Settings, TextOf(*ui_.cboConnDataMax), parts_.UserLocale,
+    const int minutes = CheckedHistoryMinutes(parts_.Settings, TextOf(*ui_.cboConnDataMax), parts_.Locale,
                                               Display().picWidthMin, historySeconds_);
     ShowText(*ui_.cboConnDataMax, Plain(minutes));
-    parts_.Changed();
+    emit Changed();
 }
 
 void ChartEditor::CheckAll() {
@@ -270,13 +261,13 @@ void ChartEditor::lblColorBackground_Click() {
     if (!color) return;
     Display().ChartBackgroundColor = *color;
     ui_.lblColorBackground->SetColor(*color);
-    parts_.Changed();
+    emit Changed();
 }
 
 void ChartEditor::cmdSwapColors_Click() {
     std::swap(Display().LineDLColor, Display().LineULColor);
     ShowColors();
-    parts_.Changed();
+    emit Changed();
 }
 
 } // namespace korvalin

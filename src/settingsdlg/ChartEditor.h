@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <array>
+#include <functional>
 #include <optional>
 
 class QComboBox;
@@ -36,11 +37,9 @@ class ChartEditor : public QObject {
         Ui::frmEinstellungen& Controls;
         korvalin::Settings& Settings;
         korvalin::Language& Language;
-        UnitFormat& Units;
-        const Locale& UserLocale;
-        SettingsRecord& Record;
-        /// The preview is to be drawn again.
-        std::function<void()> Changed;
+        korvalin::UnitFormat& UnitFormat;
+        const korvalin::Locale& Locale;
+        korvalin::SettingsRecord& SettingsRecord;
     };
     explicit ChartEditor(const Parts& parts);
 
@@ -57,6 +56,10 @@ class ChartEditor : public QObject {
 
     /// Names what has no caption of its own; to be called when the texts have changed.
     void ApplyTexts();
+
+  signals:
+    /// The preview is to be drawn again.
+    void Changed();
 
   private:
     void LoadFonts();
@@ -78,7 +81,7 @@ class ChartEditor : public QObject {
     void lblColorBackground_Click();
     void cmdSwapColors_Click();
     CustomColors StoredColors();
-    DisplaySettings& Display() { return parts_.Record.Display; }
+    DisplaySettings& Display() { return parts_.SettingsRecord.Display; }
 
     Parts parts_;
     Ui::frmEinstellungen& ui_;

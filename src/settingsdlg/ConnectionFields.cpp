@@ -9,10 +9,9 @@ std::array<std::string, 6> ConnectionFields(Internet& internet, Language& langua
     const auto word = [&language](bool value) {
         return value ? language.Lng("frmEinstellungen", 30) : language.Lng("frmEinstellungen", 31);
     };
-    const auto description = [&language](int number) { return language.Lng("modConnInfo", number); };
     return {word(IsInternetViaLan(internet)),   word(IsInternetViaModem(internet)),
             word(IsInternetViaProxy(internet)), word(IsOnline(internet)),
-            word(IsRasInstalled(internet)),     ConnectionInfoText(internet, description)};
+            word(IsRasInstalled(internet)),     ConnectionInfoText(internet, language)};
 }
 
 } // namespace korvalin

@@ -43,17 +43,25 @@ void NetworkPages::Hide() {
 }
 
 void NetworkPages::ShowAdapters() {
-    Show([this] { return BuildAdapterTable(parts_.NetworkTables, parts_.Language, parts_.UserLocale); });
+    Show(&NetworkPages::AdapterTable);
     ui_.ListView1->setColumnWidth(
         0, std::max(ui_.ListView1->columnWidth(0), TwipsToPixels(AdapterCaptionColumnTwips)));
 }
 
 void NetworkPages::ShowAddresses() {
-    Show([this] { return BuildAddressTable(parts_.NetworkTables); });
+    Show(&NetworkPages::AddressTable);
 }
 
-void NetworkPages::Show(std::function<TextTable()> build) {
-    build_ = std::move(build);
+TextTable NetworkPages::AdapterTable() const {
+    return BuildAdapterTable(parts_.NetworkTables, parts_.Language, parts_.Locale);
+}
+
+TextTable NetworkPages::AddressTable() const {
+    return BuildAddressTable(parts_.NetworkTables);
+}
+
+void NetworkPages::Show(Build build) {
+    build_ = build;
     cmdButton1_Click();
     FitColumns();
     ui_.ListView1->scrollToTop();
@@ -62,7 +70,7 @@ void NetworkPages::Show(std::function<TextTable()> build) {
 }
 
 void NetworkPages::cmdButton1_Click() {
-    model_.SetTable(build_());
+    model_.SetTable((this->*build_)());
 }
 
 void NetworkPages::FitColumns() {

@@ -5,8 +5,6 @@
 
 #include <QObject>
 
-#include <functional>
-
 namespace Ui {
 class frmEinstellungen;
 }
@@ -29,7 +27,7 @@ class NetworkPages : public QObject {
         korvalin::NetworkTables& NetworkTables;
         korvalin::Internet& Internet;
         korvalin::Language& Language;
-        const Locale& UserLocale;
+        const korvalin::Locale& Locale;
     };
     explicit NetworkPages(const Parts& parts);
 
@@ -46,7 +44,11 @@ class NetworkPages : public QObject {
     void ApplyTexts(const QString& listName);
 
   private:
-    void Show(std::function<TextTable()> build);
+    /// What the list shows, anew.
+    using Build = TextTable (NetworkPages::*)() const;
+    void Show(Build build);
+    TextTable AdapterTable() const;
+    TextTable AddressTable() const;
     void cmdButton1_Click();
     void FitColumns();
     void CopyRows();
@@ -55,7 +57,7 @@ class NetworkPages : public QObject {
     Ui::frmEinstellungen& ui_;
     RoomyStyle listStyle_;
     NetworkTableModel model_;
-    std::function<TextTable()> build_; ///< what the button does anew
+    Build build_ = &NetworkPages::AdapterTable;
 };
 
 } // namespace korvalin

@@ -1,10 +1,16 @@
 #include "settingsdlg/SettingsApplier.h"
 
+#include "base/ProgramTitle.h"
+#include "data/DataFolder.h"
 #include "display/DisplaySettings.h"
+#include "display/SamplingLoop.h"
 #include "errors/Errors.h"
+#include "lang/Language.h"
 #include "lang/UnitFormat.h"
+#include "platform/MessageBoxes.h"
 #include "settings/Password.h"
 #include "settings/Settings.h"
+#include "settingsdlg/AutoStart.h"
 #include "settingsdlg/TypedValues.h"
 #include "traffic/TrafficSettings.h"
 
@@ -20,64 +26,58 @@ constexpr int everyFourWeeks = 4;
 
 } // namespace
 
-void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen) {
-    parts_.Errors.Step("ApplyChanges", [&] {
-        const bool folderAccepted = MoveData(entered.DataPath);
-        parts_.Display = chosen.Display;
-        parts_.Traffic = chosen.Traffic;
-        ApplyWindowAndStart(entered);
-        if (folderAccepted) parts_.Settings.Set(Keys::DataPath, entered.DataPath);
-        TakeTyped(entered);
-        StoreTrafficOptions(parts_.Settings, parts_.Traffic);
-        StoreDisplaySettings(parts_.Settings, parts_.Display,
-                             [this](std::string_view setting) { Follow(setting); });
-        ApplyInternet(entered);
-        chosen.Display = parts_.Display;
-        chosen.Traffic = parts_.Traffic;
-        hooks_.RedrawChart();
-    });
-}
-
 // A folder that was not touched is not written: where the stored one cannot be reached, this run's substitute
 // would take its place for ever. Whether two names are the same folder is for the move to decide.
 bool SettingsApplier::MoveData(const std::string& folder) {
-    const std::filesystem::path current = hooks_.GetDataPath();
-    return folder != current.string() && hooks_.ChangeDataPath(current, folder);
+    const std::filesystem::path current = parts_.DataFolder.GetDataPath();
+    return folder != current.string() && parts_.DataFolder.ChangeDataPath(current, folder, true);
+}
+
+void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen) {
+    parts_.Errors.Step("ApplyChanges", [&] {
+        parts_.DisplaySettings = chosen.Display;
+        parts_.TrafficOptions = chosen.Traffic;
+        ApplyWindowAndStart(entered);
+        if (!entered.DataPath.empty()) parts_.Settings.Set(Keys::DataPath, entered.DataPath);
+        TakeTyped(entered);
+        StoreTrafficOptions(parts_.Settings, parts_.TrafficOptions);
+        StoreDisplaySettings(parts_.Settings, parts_.DisplaySettings);
+        FollowDisplaySettings();
+        ApplyInternet(entered);
+        chosen.Display = parts_.DisplaySettings;
+        chosen.Traffic = parts_.TrafficOptions;
+        parts_.MonitorWindow.DrawChart(true);
+    });
 }
 
 void SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
-    parts_.Display.CloseTrayOnly = entered.CloseTrayOnly;
+    parts_.DisplaySettings.CloseTrayOnly = entered.CloseTrayOnly;
     settings.Set(Keys::CloseTrayOnly, entered.CloseTrayOnly);
-    hooks_.AutoStart(entered.AutoStart);
+    parts_.AutoStartEntry.AutoStart(entered.AutoStart);
     settings.Set(Keys::MultiInstance, entered.MultiInstance);
-    parts_.Display.AutoShow = entered.AutoShow;
+    parts_.DisplaySettings.AutoShow = entered.AutoShow;
     settings.Set(Keys::AutoShow, entered.AutoShow);
     settings.Set(Keys::MultiScreen, entered.MultiScreen);
     settings.Set(Keys::ForeGround, entered.Foreground);
-    hooks_.SetTopmost(entered.Foreground);
+    parts_.MonitorWindow.SetTopmost(entered.Foreground);
 }
 
 void SettingsApplier::TakeTyped(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
-    DisplaySettings& live = parts_.Display;
-    parts_.Traffic.LanActive =
-        settings.Validate(Keys::LANActive, WithoutGrouping(entered.LanActive, parts_.UserLocale));
+    DisplaySettings& live = parts_.DisplaySettings;
+    parts_.TrafficOptions.LanActive =
+        settings.Validate(Keys::LANActive, WithoutGrouping(entered.LanActive, parts_.Locale));
     live.picWidthMin = settings.Validate(Keys::picWidthMin, entered.ChartMinutes);
     live.ConnDataMax = std::max(live.picWidthMin * secondsPerMinute, leastHistorySeconds);
 }
 
-void SettingsApplier::Follow(std::string_view setting) {
-    const DisplaySettings& live = parts_.Display;
-    if (setting == Keys::UnitMB.Name) {
-        parts_.Units.SetUnits(live.RateUnitText, live.VolumeUnitText);
-    } else if (setting == Keys::ConnDataMax.Name) {
-        hooks_.ResizeRateHistory();
-    } else if (setting == Keys::Opacity.Name) {
-        hooks_.SetOpacity(live.Opacity);
-    } else if (setting == Keys::TrayAnimated.Name && !live.TrayAnimated) {
-        hooks_.ShowFixedTrayIcon();
-    }
+void SettingsApplier::FollowDisplaySettings() {
+    const DisplaySettings& live = parts_.DisplaySettings;
+    parts_.UnitFormat.SetUnits(live.RateUnitText, live.VolumeUnitText);
+    parts_.SamplingLoop.ResizeRateHistory();
+    parts_.MonitorWindow.SetOpacity(live.Opacity);
+    if (!live.TrayAnimated) parts_.MonitorWindow.ShowFixedTrayIcon();
 }
 
 void SettingsApplier::ApplyInternet(const EnteredSettings& entered) {
@@ -86,7 +86,9 @@ void SettingsApplier::ApplyInternet(const EnteredSettings& entered) {
     if (ScramblePassword(entered.FirewallPassword, 0, 0)) {
         settings.SetRegPassword(Keys::FirewallPassword, entered.FirewallPassword);
     } else {
-        hooks_.PasswordRefused();
+        // It stays what it was.
+        parts_.MessageBoxes.Show(parts_.Language.Lng("frmEinstellungen", 32), std::string(ProgramTitle),
+                                 MessageIcon::Warning, MessageButtons::Ok);
     }
     settings.Set(Keys::FirewallUse, entered.FirewallUse);
     settings.Set(Keys::UpdateInterval, entered.UpdateWeekly ? weekly : everyFourWeeks);

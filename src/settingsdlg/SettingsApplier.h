@@ -3,14 +3,17 @@
 #include "display/InfoTexts.h"
 #include "traffic/LineRecord.h"
 
-#include <filesystem>
-#include <functional>
 #include <string>
-#include <string_view>
 
 namespace korvalin {
 
+class AutoStartEntry;
+class DataFolder;
 class Errors;
+class Language;
+class MessageBoxes;
+class MonitorWindow;
+class SamplingLoop;
 class Settings;
 class UnitFormat;
 struct Locale;
@@ -23,7 +26,7 @@ struct SettingsRecord {
 
 /// What the dialog's controls hold besides, as it was entered.
 struct EnteredSettings {
-    std::string DataPath;
+    std::string DataPath; ///< empty when it stays what it is
     bool CloseTrayOnly = false;
     bool AutoStart = false;
     bool MultiInstance = false;
@@ -44,45 +47,38 @@ class SettingsApplier {
   public:
     struct Parts {
         korvalin::Settings& Settings;
+        korvalin::Language& Language;
         korvalin::Errors& Errors;
-        const Locale& UserLocale;
-        UnitFormat& Units;
-        DisplaySettings& Display; ///< of the live display
-        TrafficOptions& Traffic;  ///< of the readers
-    };
-    /// What follows the settings at once.
-    struct Hooks {
-        std::function<std::filesystem::path()> GetDataPath;
-        /// Moves the statistics, after asking; false when they stay where they are.
-        std::function<bool(const std::filesystem::path& from, const std::filesystem::path& to)>
-            ChangeDataPath;
-        std::function<void(bool enable)> AutoStart;
-        std::function<void(bool topmost)> SetTopmost;
-        std::function<void(int alpha)> SetOpacity;
-        std::function<void()> ResizeRateHistory;
-        std::function<void()> ShowFixedTrayIcon;
-        std::function<void()> RedrawChart;
-        /// The password cannot be stored and stays what it was.
-        std::function<void()> PasswordRefused;
+        korvalin::MessageBoxes& MessageBoxes;
+        const korvalin::Locale& Locale;
+        korvalin::UnitFormat& UnitFormat;
+        korvalin::DataFolder& DataFolder;
+        korvalin::AutoStartEntry& AutoStartEntry;
+        korvalin::SamplingLoop& SamplingLoop;
+        korvalin::MonitorWindow& MonitorWindow;
+        korvalin::DisplaySettings& DisplaySettings; ///< of the live display
+        korvalin::TrafficOptions& TrafficOptions;   ///< of the readers
     };
 
-    SettingsApplier(const Parts& parts, Hooks hooks) : parts_(parts), hooks_(std::move(hooks)) {}
+    explicit SettingsApplier(const Parts& parts) : parts_(parts) {}
+
+    /// Moves the statistics to the folder that was entered, after asking. False when they stay where they
+    /// are.
+    bool MoveData(const std::string& folder);
 
     /// After an error, which is shown, the settings written before it stay written. Afterwards `chosen` is
     /// what the live record has become.
     void ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen);
 
   private:
-    bool MoveData(const std::string& folder);
     void ApplyWindowAndStart(const EnteredSettings& entered);
     /// What was typed as text and is a number.
     void TakeTyped(const EnteredSettings& entered);
-    /// What happens as soon as a display setting is stored.
-    void Follow(std::string_view setting);
+    /// What follows the display settings at once.
+    void FollowDisplaySettings();
     void ApplyInternet(const EnteredSettings& entered);
 
     Parts parts_;
-    Hooks hooks_;
 };
 
 } // namespace korvalin

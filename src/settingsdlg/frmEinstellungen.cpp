@@ -4,11 +4,14 @@
 #include "base/Numbers.h"
 #include "base/ProgramTitle.h"
 #include "base/Text.h"
+#include "data/DataFolder.h"
+#include "display/ChartPainter.h"
 #include "display/LiveTexts.h"
-#include "display/frmMain.h"
+#include "display/SamplingLoop.h"
 #include "errors/Errors.h"
 #include "forms/BoundBox.h"
 #include "forms/Combos.h"
+#include "forms/Enabling.h"
 #include "forms/KeptWhileAsking.h"
 #include "forms/ProgramIcon.h"
 #include "lang/ApplyFormTexts.h"
@@ -93,28 +96,54 @@ QString AskForFolder(QWidget* parent, const QString& caption, const QString& cur
 }
 
 ChartPainter::Parts PainterParts(const frmEinstellungen::Parts& parts) {
-    return {parts.Lines, parts.History, parts.Language, parts.Errors, parts.Clock, parts.UserLocale, [] {}};
+    return {.LineState = parts.LineState,
+            .RateHistory = parts.RateHistory,
+            .Language = parts.Language,
+            .Errors = parts.Errors,
+            .Clock = parts.Clock,
+            .Locale = parts.Locale};
+}
+
+SettingsApplier::Parts ApplierParts(const frmEinstellungen::Parts& parts) {
+    return {.Settings = parts.Settings,
+            .Language = parts.Language,
+            .Errors = parts.Errors,
+            .MessageBoxes = parts.MessageBoxes,
+            .Locale = parts.Locale,
+            .UnitFormat = parts.UnitFormat,
+            .DataFolder = parts.DataFolder,
+            .AutoStartEntry = parts.AutoStartEntry,
+            .SamplingLoop = parts.SamplingLoop,
+            .MonitorWindow = parts.MonitorWindow,
+            .DisplaySettings = parts.InfoTexts,
+            .TrafficOptions = parts.TrafficOptions};
 }
 
 } // namespace
 
-frmEinstellungen::frmEinstellungen(const Parts& parts, Hooks hooks)
+frmEinstellungen::frmEinstellungen(const Parts& parts)
     : parts_(parts),
-      hooks_(std::move(hooks)),
       chooseFolder_(AskForFolder),
       ui_(std::make_unique<Ui::frmEinstellungen>()),
-      record_{parts.Display, parts.Traffic},
+      record_{parts.InfoTexts, parts.TrafficOptions},
       painter_(std::make_unique<ChartPainter>(PainterParts(parts))),
-      applier_({parts.Settings, parts.Errors, parts.UserLocale, parts.Units, parts.Display, parts.Traffic},
-               ApplierHooks()) {
+      applier_(ApplierParts(parts)) {
     ui_->setupUi(this);
     setWindowIcon(ProgramIcon());
     setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
-    chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{*this, *ui_, parts_.Settings, parts_.Language,
-                                                              parts_.Units, parts_.UserLocale, record_,
-                                                              [this] { DrawPreview(); }});
-    network_ = std::make_unique<NetworkPages>(
-        NetworkPages::Parts{*ui_, parts_.NetworkTables, parts_.Internet, parts_.Language, parts_.UserLocale});
+    chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{.Dialog = *this,
+                                                              .Controls = *ui_,
+                                                              .Settings = parts_.Settings,
+                                                              .Language = parts_.Language,
+                                                              .UnitFormat = parts_.UnitFormat,
+                                                              .Locale = parts_.Locale,
+                                                              .SettingsRecord = record_});
+    connect(chart_.get(), &ChartEditor::Changed, this, &frmEinstellungen::DrawPreview);
+    network_ = std::make_unique<NetworkPages>(NetworkPages::Parts{.Controls = *ui_,
+                                                                  .NetworkTables = parts_.NetworkTables,
+                                                                  .Internet = parts_.Internet,
+                                                                  .Language = parts_.Language,
+                                                                  .Locale = parts_.Locale});
     Form_Load();
 }
 
@@ -122,18 +151,6 @@ frmEinstellungen::frmEinstellungen(const Parts& parts, Hooks hooks)
 frmEinstellungen::~frmEinstellungen() {
     folderInQuestion_ = true;
     hide();
-}
-
-SettingsApplier::Hooks frmEinstellungen::ApplierHooks() {
-    return {hooks_.GetDataPath,
-            // A question that the program's end has answered moves nothing.
-            [this](const std::filesystem::path& from, const std::filesystem::path& to) {
-                return hooks_.ChangeDataPath(from, to) && isVisible();
-            },
-            hooks_.AutoStart, [this](bool topmost) { parts_.Window.SetTopmost(topmost); },
-            [this](int alpha) { parts_.Window.SetOpacity(alpha); },
-            [this] { parts_.Loop.ResizeRateHistory(); }, [this] { parts_.Window.ShowFixedTrayIcon(); },
-            [this] { parts_.Window.DrawChart(true); }, [this] { Warn(32); }};
 }
 
 void frmEinstellungen::Warn(int textNumber) {
@@ -191,7 +208,7 @@ void frmEinstellungen::LoadSystem() {
     for (const EnteredBox& row : enteredBoxes)
         ((*ui_).*row.Box)->setChecked(parts_.Settings.Get(row.Key));
     ui_->boxCloseTrayIcon->setChecked(record_.Display.CloseTrayOnly);
-    acceptedFolder_ = hooks_.GetDataPath().string();
+    acceptedFolder_ = parts_.DataFolder.GetDataPath().string();
     ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
     const Language::Choices choices = parts_.Language.FillLanguageChoices();
     for (const std::string& name : choices.Names)
@@ -200,20 +217,13 @@ void frmEinstellungen::LoadSystem() {
 }
 
 std::string frmEinstellungen::Grouped(int value) const {
-    return FormatNumber(value, "#,##0", parts_.UserLocale);
+    return FormatNumber(value, "#,##0", parts_.Locale);
 }
 
 void frmEinstellungen::LoadConnection() {
-    const auto enable = [this](bool enabled) {
-        for (QWidget* control :
-             {static_cast<QWidget*>(ui_->boxLANByNetwork), static_cast<QWidget*>(ui_->boxLANVirtual),
-              static_cast<QWidget*>(ui_->boxProgRunTime), static_cast<QWidget*>(ui_->cboLANactive),
-              static_cast<QWidget*>(ui_->lblLANactive), static_cast<QWidget*>(ui_->lblLANByte)})
-            control->setEnabled(enabled);
-    };
-    connect(ui_->boxLANProt, &QCheckBox::toggled, this, enable);
     Bind(*ui_->boxLANProt, record_.Traffic.LanProt);
-    enable(record_.Traffic.LanProt);
+    EnableWith(*ui_->boxLANProt, {ui_->boxLANByNetwork, ui_->boxLANVirtual, ui_->boxProgRunTime,
+                                  ui_->cboLANactive, ui_->lblLANactive, ui_->lblLANByte});
     Bind(*ui_->boxLANByNetwork, record_.Traffic.LanByNetwork);
     Bind(*ui_->boxLANVirtual, record_.Traffic.LanVirtual);
     Bind(*ui_->boxProgRunTime, record_.Display.ShowDuration, [this] { DrawPreview(); });
@@ -242,14 +252,8 @@ void frmEinstellungen::LoadTray() {
 
 void frmEinstellungen::LoadInternet() {
     Settings& settings = parts_.Settings;
-    const auto enable = [this](bool enabled) {
-        for (QWidget* control :
-             {static_cast<QWidget*>(ui_->txtFirewallUser), static_cast<QWidget*>(ui_->txtFirewallPassword),
-              static_cast<QWidget*>(ui_->lblFirewallUser), static_cast<QWidget*>(ui_->lblFirewallPassword)})
-            control->setEnabled(enabled);
-    };
-    connect(ui_->boxFirewallUse, &QCheckBox::toggled, this, enable);
-    enable(ui_->boxFirewallUse->isChecked());
+    EnableWith(*ui_->boxFirewallUse, {ui_->txtFirewallUser, ui_->txtFirewallPassword, ui_->lblFirewallUser,
+                                      ui_->lblFirewallPassword});
     ui_->txtFirewallUser->setText(QString::fromStdString(settings.Get(Keys::FirewallUser)));
     ui_->txtFirewallPassword->setText(
         QString::fromStdString(settings.GetRegPassword(Keys::FirewallPassword)));
@@ -359,31 +363,31 @@ void frmEinstellungen::ConnectTray() {
 }
 
 void frmEinstellungen::cboLANactive_Validate() {
-    const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.UserLocale);
-    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, Keys::LANActive, typed, parts_.UserLocale);
+    const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.Locale);
+    record_.Traffic.LanActive = CheckedNumber(parts_.Settings, Keys::LANActive, typed, parts_.Locale);
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
 
 void frmEinstellungen::cboTrayMaxRate_Validate() {
     int& rate = record_.Display.TrayMaxRate;
-    rate = CheckedNumber(parts_.Settings, Keys::TrayMaxRate, TextOf(*ui_->cboTrayMaxRate), parts_.UserLocale);
+    rate = CheckedNumber(parts_.Settings, Keys::TrayMaxRate, TextOf(*ui_->cboTrayMaxRate), parts_.Locale);
     ShowText(*ui_->cboTrayMaxRate, std::to_string(rate));
 }
 
 void frmEinstellungen::cboTrayMaxVol_Validate() {
-    const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.UserLocale);
+    const std::string typed = WithoutGrouping(TextOf(*ui_->cboTrayMaxVol), parts_.Locale);
     int& volume = record_.Display.TrayMaxVol;
-    volume = CheckedNumber(parts_.Settings, Keys::TrayMaxVol, typed, parts_.UserLocale);
+    volume = CheckedNumber(parts_.Settings, Keys::TrayMaxVol, typed, parts_.Locale);
     ShowText(*ui_->cboTrayMaxVol, Grouped(volume));
 }
 
 void frmEinstellungen::cboOpacity_Change() {
-    record_.Display.Opacity = AlphaOf(TransparencyOf(TextOf(*ui_->cboOpacity), parts_.UserLocale));
-    parts_.Window.SetOpacity(record_.Display.Opacity);
+    record_.Display.Opacity = AlphaOf(TransparencyOf(TextOf(*ui_->cboOpacity), parts_.Locale));
+    parts_.MonitorWindow.SetOpacity(record_.Display.Opacity);
 }
 
 void frmEinstellungen::cboOpacity_Validate() {
-    ShowText(*ui_->cboOpacity, CheckedTransparency(TextOf(*ui_->cboOpacity), parts_.UserLocale));
+    ShowText(*ui_->cboOpacity, CheckedTransparency(TextOf(*ui_->cboOpacity), parts_.Locale));
     cboOpacity_Change();
 }
 
@@ -403,7 +407,7 @@ bool frmEinstellungen::txtDataPath_Validate() {
     if (folderInQuestion_) return false;
     folderInQuestion_ = true;
     const KeptWhileAsking kept(*this);
-    const std::string shown = folder.empty() ? hooks_.DefaultDataFolder().string() : folder;
+    const std::string shown = folder.empty() ? parts_.DataFolder.CommonFolder().string() : folder;
     ui_->txtDataPath->setText(QString::fromStdString(shown));
     const bool accepted = !folder.empty() && CheckDataFolder(folder);
     if (accepted) acceptedFolder_ = folder;
@@ -421,7 +425,7 @@ bool frmEinstellungen::txtDataPath_Validate() {
 
 // A name that the settings cannot hold would leave the statistics where the next start does not look.
 bool frmEinstellungen::CheckDataFolder(const std::string& folder) {
-    if (folder.size() < RegistryBufferBytes) return hooks_.CheckDataFolder(folder);
+    if (folder.size() < RegistryBufferBytes) return parts_.DataFolder.CheckDataFolder(folder);
     Warn(33);
     return false;
 }
@@ -469,8 +473,11 @@ bool frmEinstellungen::ApplyChanges() {
     const KeptWhileAsking kept(*this);
     if (!txtDataPath_Validate()) return false;
     CheckAll();
-    applier_.ApplyChanges(Entered(), record_);
-    acceptedFolder_ = hooks_.GetDataPath().string();
+    EnteredSettings entered = Entered();
+    // A question that the program's end has answered moves nothing.
+    if (!applier_.MoveData(entered.DataPath) || !isVisible()) entered.DataPath.clear();
+    applier_.ApplyChanges(entered, record_);
+    acceptedFolder_ = parts_.DataFolder.GetDataPath().string();
     ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
     chart_->Refresh(record_.Display.ConnDataMax);
     DrawPreview();
@@ -478,9 +485,9 @@ bool frmEinstellungen::ApplyChanges() {
 }
 
 void frmEinstellungen::DrawPreview() {
-    InfoTexts preview = parts_.Display;
+    InfoTexts preview = parts_.InfoTexts;
     static_cast<DisplaySettings&>(preview) = record_.Display;
-    parts_.Live.Renew(preview);
+    parts_.LiveTexts.Renew(preview);
     painter_->DrawChart(*ui_->Pic, preview, true, true);
 }
 
@@ -493,7 +500,7 @@ void frmEinstellungen::Open() {
 void frmEinstellungen::done(int result) {
     Timer1_.stop();
     folderInQuestion_ = true; // hiding the field leaves it
-    parts_.Window.SetOpacity(record_.Display.Opacity);
+    parts_.MonitorWindow.SetOpacity(record_.Display.Opacity);
     QDialog::done(result);
 }
 

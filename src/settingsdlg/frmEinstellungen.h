@@ -18,7 +18,6 @@ class LiveTexts;
 class MessageBoxes;
 class RateHistory;
 class SamplingLoop;
-class frmMain;
 struct LineState;
 
 /// The settings dialog. It edits a copy of the live display record, shows on a small chart what comes of it,
@@ -34,34 +33,25 @@ class frmEinstellungen : public QDialog {
         korvalin::Errors& Errors;
         korvalin::MessageBoxes& MessageBoxes;
         korvalin::Clock& Clock;
-        const Locale& UserLocale;
-        const LineState& Lines;
-        const RateHistory& History;
-        LiveTexts& Live;
-        UnitFormat& Units;
-        SamplingLoop& Loop;
-        InfoTexts& Display;      ///< the live record
-        TrafficOptions& Traffic; ///< of the readers
+        const korvalin::Locale& Locale;
+        const korvalin::LineState& LineState;
+        const korvalin::RateHistory& RateHistory;
+        korvalin::LiveTexts& LiveTexts;
+        korvalin::UnitFormat& UnitFormat;
+        korvalin::SamplingLoop& SamplingLoop;
+        korvalin::InfoTexts& InfoTexts;           ///< the live record
+        korvalin::TrafficOptions& TrafficOptions; ///< of the readers
         korvalin::NetworkTables& NetworkTables;
         korvalin::Internet& Internet;
-        frmMain& Window;
-    };
-    /// What the program's start owns.
-    struct Hooks {
-        std::function<std::filesystem::path()> GetDataPath;
-        /// Whether a folder can hold the data; tells the user what is wrong with it.
-        std::function<bool(const std::filesystem::path& folder)> CheckDataFolder;
-        std::function<bool(const std::filesystem::path& from, const std::filesystem::path& to)>
-            ChangeDataPath;
-        /// The folder that an emptied field is filled with.
-        std::function<std::filesystem::path()> DefaultDataFolder;
-        std::function<void(bool enable)> AutoStart;
+        korvalin::DataFolder& DataFolder;
+        korvalin::AutoStartEntry& AutoStartEntry;
+        korvalin::MonitorWindow& MonitorWindow;
     };
     /// Asks for a folder, beginning in `current`; empty when the user gives none.
     using ChooseFolder =
         std::function<QString(QWidget* parent, const QString& caption, const QString& current)>;
 
-    frmEinstellungen(const Parts& parts, Hooks hooks);
+    explicit frmEinstellungen(const Parts& parts);
     ~frmEinstellungen() override;
 
     void Plug(ChooseFolder chooseFolder) { chooseFolder_ = std::move(chooseFolder); }
@@ -96,7 +86,6 @@ class frmEinstellungen : public QDialog {
     void ConnectTransparency();
     void ConnectTray();
     EnteredSettings Entered() const;
-    SettingsApplier::Hooks ApplierHooks();
     void CheckAll();
     void DrawPreview();
     void cboLanguage_Click();
@@ -114,7 +103,6 @@ class frmEinstellungen : public QDialog {
     QString DialogText(int number) const;
 
     Parts parts_;
-    Hooks hooks_;
     ChooseFolder chooseFolder_;
     std::unique_ptr<Ui::frmEinstellungen> ui_;
     SettingsRecord record_; ///< tried out here, live once it is applied

@@ -26,8 +26,9 @@ constexpr double mostSecondsWithoutJournal = 60;
 bool JournalKeeper::Start() {
     begun_ = true;
     records_ = parts_.Recorder.TakeOver();
-    const JournalFound found = records_ ? LoadJournal() : parts_.Journal.Look(parts_.DataFolder());
-    parts_.Ledger.Begin(found);
+    const JournalFound found =
+        records_ ? LoadJournal() : parts_.Journal.Look(parts_.DataFolder.GetDataPath());
+    parts_.CounterLedger.Begin(found);
     started_ = false;
     if (!records_) return false;
     if (found.IsUnreadable && WaitsForJournal()) {
@@ -41,9 +42,9 @@ bool JournalKeeper::Start() {
     if (found.SameBoot)
         std::erase_if(ended, [](const JournalEntry& entry) { return entry.Open && entry.Open->IsRas; });
     RecordInterrupted(ended);
-    std::vector<JournalEntry> dialUps = parts_.Ledger.TakeDialUps();
-    if (parts_.Monitor.DividesDialUps()) EndForDay(dialUps);
-    parts_.Ledger.KeepDialUps(std::move(dialUps));
+    std::vector<JournalEntry> dialUps = parts_.CounterLedger.TakeDialUps();
+    if (parts_.LineMonitor.DividesDialUps()) EndForDay(dialUps);
+    parts_.CounterLedger.KeepDialUps(std::move(dialUps));
     if (parts_.Recorder.HasPending()) Write(Moment::Running);
     return true;
 }
@@ -51,7 +52,7 @@ bool JournalKeeper::Start() {
 // One that an end has left elsewhere is the newer one; the next Save brings it home.
 JournalFound JournalKeeper::LoadJournal() const {
     JournalFound spare = parts_.Journal.Load(parts_.SpareFolder);
-    return spare.KnowsMachine ? spare : parts_.Journal.Load(parts_.DataFolder());
+    return spare.KnowsMachine ? spare : parts_.Journal.Load(parts_.DataFolder.GetDataPath());
 }
 
 // Mostly somebody else is reading it. One that stays unreadable must not keep the lines from being recorded.
@@ -93,14 +94,14 @@ void JournalKeeper::PassEnded() {
         LookOn();
         return;
     }
-    RecordInterrupted(parts_.Ledger.TakeDialUps()); // the pass has not found them
+    RecordInterrupted(parts_.CounterLedger.TakeDialUps()); // the pass has not found them
     // The user may have moved the data: until the journal follows, a kill would leave it behind.
-    const bool moved = started_ && parts_.DataFolder() != folder_;
+    const bool moved = started_ && parts_.DataFolder.GetDataPath() != folder_;
     if (moved && !parts_.Recorder.TakeOver()) {
         records_ = false; // another program records there
         return;
     }
-    const bool changed = !started_ || moved || parts_.Lines.Changes != savedChanges_;
+    const bool changed = !started_ || moved || parts_.LineState.Changes != savedChanges_;
     started_ = true;
     const bool failed = failingSince_ >= 0;
     if ((changed && !failed) || parts_.Clock.AwakeSeconds() >= nextSave_) {
@@ -114,22 +115,22 @@ void JournalKeeper::LookOn() {
     const double now = parts_.Clock.AwakeSeconds();
     if (now >= nextSave_ && parts_.Recorder.TakeOver()) {
         // The journal has counted these lines up to its last entry; from there they begin anew, at once.
-        parts_.Book.ForgetLines();
+        parts_.LineBook.ForgetLines();
         if (!Start() || !records_) return;
-        parts_.OthersRecorded();
-        parts_.Monitor.Get_Bytes_Transmitted();
+        hooks_.OthersRecorded();
+        parts_.LineMonitor.Get_Bytes_Transmitted();
     } else if (LooksOn() && now >= nextLook_) {
         nextLook_ = now + secondsBetweenSaves;
-        parts_.OthersRecorded();
+        hooks_.OthersRecorded();
     }
 }
 
 void JournalKeeper::RecordOpenLines(CloseReason reason) {
-    parts_.Monitor.TakeLastReading();
+    parts_.LineMonitor.TakeLastReading();
     if (!records_) return;
-    RecordInterrupted(parts_.Ledger.TakeDialUps());
-    parts_.Ledger.KeepDialUps(RecordedDialUps(parts_.Recorder.SaveStatsLine(reason, 0)));
-    parts_.Book.ForgetLines();
+    RecordInterrupted(parts_.CounterLedger.TakeDialUps());
+    parts_.CounterLedger.KeepDialUps(RecordedDialUps(parts_.Recorder.SaveStatsLine(reason, 0)));
+    parts_.LineBook.ForgetLines();
     Write(Moment::End);
     PrintUnwritten();
 }
@@ -138,7 +139,7 @@ void JournalKeeper::RecordOpenLines(CloseReason reason) {
 // they began: in their records.
 std::vector<JournalEntry> JournalKeeper::RecordedDialUps(const std::vector<OpenConnection>& records) const {
     std::vector<JournalEntry> recorded;
-    for (const LineRecord& line : parts_.Lines.LineTable) {
+    for (const LineRecord& line : parts_.LineState.LineTable) {
         if (!line.Connected || !line.IsRas || line.Index == 0) continue;
         recorded.push_back(EntryOf(line));
         OpenConnection& open = *recorded.back().Open;
@@ -154,28 +155,28 @@ std::vector<JournalEntry> JournalKeeper::RecordedDialUps(const std::vector<OpenC
 // ---- the journal
 
 JournalEntry JournalKeeper::EntryOf(const LineRecord& line) const {
-    const CounterLedger::Account account = parts_.Ledger.Of(line.Index);
+    const CounterLedger::Account account = parts_.CounterLedger.Of(line.Index);
     return {line.Index,          account.Adapter, account.Received,
             account.Transmitted, account.ReadAt,  ConnectionOf(line)};
 }
 
 JournalPicture JournalKeeper::Picture() const {
     std::map<std::uint32_t, JournalEntry> entries;
-    for (const auto& [index, account] : parts_.Ledger.Accounts())
+    for (const auto& [index, account] : parts_.CounterLedger.Accounts())
         entries[index] = {index, account.Adapter, account.Received, account.Transmitted, account.ReadAt, {}};
-    for (const JournalEntry& entry : parts_.Ledger.DialUps())
+    for (const JournalEntry& entry : parts_.CounterLedger.DialUps())
         entries[entry.Index] = entry;
-    for (const LineRecord& line : parts_.Lines.LineTable) {
+    for (const LineRecord& line : parts_.LineState.LineTable) {
         if (line.Connected && line.Index != 0) entries[line.Index] = EntryOf(line);
     }
-    JournalPicture picture{{}, parts_.Recorder.Pending(), parts_.Ledger.LastEnds()};
+    JournalPicture picture{{}, parts_.Recorder.Pending(), parts_.CounterLedger.LastEnds()};
     for (auto& [index, entry] : entries)
         picture.Entries.push_back(std::move(entry));
     return picture;
 }
 
 bool JournalKeeper::Save(Journal::Durability durability, Moment moment) {
-    folder_ = parts_.DataFolder();
+    folder_ = parts_.DataFolder.GetDataPath();
     const JournalPicture picture = Picture();
     return parts_.Journal.Save(folder_, picture, durability) ||
            (moment == Moment::End && parts_.Journal.Save(parts_.SpareFolder, picture, durability));
@@ -186,7 +187,7 @@ void JournalKeeper::Write(Moment moment) {
     if (Save(Journal::Durability::Medium, moment)) {
         written_ = true;
         failingSince_ = -1;
-        savedChanges_ = parts_.Lines.Changes;
+        savedChanges_ = parts_.LineState.Changes;
         nextSave_ = now + secondsBetweenSaves;
     } else {
         if (failingSince_ < 0) {
@@ -214,9 +215,9 @@ void JournalKeeper::PrintUnwritten() const {
 
 void JournalKeeper::Note() const {
     std::vector<JournalNote> notes;
-    for (const LineRecord& line : parts_.Lines.LineTable) {
+    for (const LineRecord& line : parts_.LineState.LineTable) {
         if (!line.Connected || line.Index == 0) continue;
-        const CounterLedger::Account account = parts_.Ledger.Of(line.Index);
+        const CounterLedger::Account account = parts_.CounterLedger.Of(line.Index);
         const LinePart part = OpenPartOf(line);
         notes.push_back({line.Index, account.Received, account.Transmitted, account.ReadAt,
                          part.BytesReceived, part.BytesTransmitted, part.End});

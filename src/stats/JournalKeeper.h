@@ -11,6 +11,7 @@ namespace korvalin {
 
 class Clock;
 class CounterLedger;
+class DataFolder;
 class Errors;
 class LineBook;
 class LineMonitor;
@@ -26,20 +27,24 @@ class JournalKeeper {
     struct Parts {
         korvalin::Journal& Journal;
         korvalin::Recorder& Recorder;
-        CounterLedger& Ledger;
-        const LineState& Lines;
-        LineBook& Book;
-        LineMonitor& Monitor;
+        korvalin::CounterLedger& CounterLedger;
+        const korvalin::LineState& LineState;
+        korvalin::LineBook& LineBook;
+        korvalin::LineMonitor& LineMonitor;
         korvalin::Clock& Clock;
         korvalin::Errors& Errors;
-        std::function<std::filesystem::path()> DataFolder;
+        korvalin::DataFolder& DataFolder;
         /// Where the journal goes at the end when the data folder does not take it.
         std::filesystem::path SpareFolder;
+    };
+    struct Hooks {
         /// Once a minute while another program records, and when this one has taken its place: what that
         /// program has recorded is in the file.
         std::function<void()> OthersRecorded = [] {};
     };
-    explicit JournalKeeper(Parts parts) : parts_(std::move(parts)) {}
+    explicit JournalKeeper(const Parts& parts) : parts_(parts) {}
+
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Takes up what the last run has left, before the first pass: records what it could not. False while
     /// another program records; its accounts are then only looked at.
@@ -71,6 +76,7 @@ class JournalKeeper {
     JournalEntry EntryOf(const LineRecord& line) const;
 
     Parts parts_;
+    Hooks hooks_;
     bool begun_ = false;
     bool records_ = false;
     bool started_ = false;         // at least one pass has been made

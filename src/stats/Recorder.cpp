@@ -9,6 +9,7 @@
 #include "platform/Files.h"
 #include "platform/RecordingLock.h"
 #include "stats/LineReader.h"
+#include "stats/MonthSums.h"
 #include "stats/RecordPlace.h"
 #include "stats/StatLine.h"
 #include "traffic/CounterLedger.h"
@@ -55,15 +56,15 @@ std::string NumberText(double number, const Locale& locale) {
 } // namespace
 
 bool Recorder::TakeOver() {
-    const bool taken = parts_.RecordingLock.Take(parts_.DataFolder());
+    const bool taken = parts_.RecordingLock.Take(parts_.DataFolder.GetDataPath());
     tookOver_ = tookOver_ || taken;
     return taken;
 }
 
 std::vector<OpenConnection> Recorder::SaveStatsLine(CloseReason reason, std::size_t index) {
-    const TableFromOne<LineRecord>& previous = parts_.Lines.PreviousLineTable;
+    const TableFromOne<LineRecord>& previous = parts_.LineState.PreviousLineTable;
     const std::size_t first = index == 0 ? 1 : index;
-    const std::size_t last = index == 0 ? std::min(parts_.Lines.LineCount, previous.Size()) : index;
+    const std::size_t last = index == 0 ? std::min(parts_.LineState.LineCount, previous.Size()) : index;
     // What a program has seen that only looks on is for the one that records.
     std::vector<OpenConnection> made;
     if (!tookOver_ || !TakeOver()) return made;
@@ -71,7 +72,7 @@ std::vector<OpenConnection> Recorder::SaveStatsLine(CloseReason reason, std::siz
         OpenConnection record = ConnectionOf(previous(i));
         if (record.IsRas && previous(i).Duration == 0) {
             if (record.BytesReceived <= fewBytes) continue;
-            record.End = record.LogIn + (parts_.Clock.Now() - parts_.Lines.ProgramStart);
+            record.End = record.LogIn + (parts_.Clock.Now() - parts_.LineState.ProgramStart);
         }
         made.push_back(Record(std::move(record), reason));
     }
@@ -91,7 +92,7 @@ OpenConnection Recorder::Record(OpenConnection record, CloseReason reason) {
                      record.BytesReceived, info, record.User});
     parts_.Errors.Step(procName, [&] { waiting.Record.ExportLine = ExportLine(record, info); });
     waiting_.push_back(std::move(waiting));
-    parts_.Recorded(record);
+    parts_.MonthSums.Add(record);
     return record;
 }
 
@@ -101,24 +102,24 @@ void Recorder::Settle(OpenConnection& record) const {
         record.LogIn = FloorToSecond(record.LogIn);
         record.End = std::max(FloorToSecond(record.End), record.LogIn);
     }
-    const Date last = parts_.Ledger.LastEnd(record.LineName);
+    const Date last = parts_.CounterLedger.LastEnd(record.LineName);
     if (last == 0 || last >= record.LogIn) {
         const RecordTime place =
             PlaceOf({record.LogIn, record.End}, record.MayRepeat, TimesOf(record.LineName));
         record.LogIn = place.LogIn;
         record.End = place.End;
     }
-    parts_.Ledger.NoteEnd(record.LineName, record.End);
+    parts_.CounterLedger.NoteEnd(record.LineName, record.End);
 }
 
 std::vector<RecordTime> Recorder::TimesOf(std::string_view lineName) const {
     std::vector<RecordTime> times;
     const auto take = [&](std::string_view text) {
-        const auto fields = ParseStatLine(text, parts_.UserLocale);
+        const auto fields = ParseStatLine(text, parts_.Locale);
         if (!fields || !EqualsNoCase(fields->LineName, lineName)) return;
         times.push_back({fields->LogIn, RoundToSecond(fields->LogIn + fields->Duration)});
     };
-    const std::filesystem::path path = parts_.DataFolder() / StatFileName;
+    const std::filesystem::path path = parts_.DataFolder.GetDataPath() / StatFileName;
     if (std::filesystem::exists(path)) {
         ReadLines(path, [&](std::string_view line) {
             take(IsValidUtf8(line) ? std::string(line) : FromWindows1252(line));
@@ -144,12 +145,12 @@ std::string Recorder::InfoText(CloseReason reason) const {
     default: text = fmt::format("{} {}.", language.Lng("modStats", 5), static_cast<int>(reason)); break;
     }
     const Date now = parts_.Clock.Now();
-    return FormatPattern(now, parts_.UserLocale.ShortDate) + " " +
-           FormatPattern(now, parts_.UserLocale.Time) + " " + text;
+    return FormatPattern(now, parts_.Locale.ShortDate) + " " + FormatPattern(now, parts_.Locale.Time) + " " +
+           text;
 }
 
 std::string Recorder::ExportLine(const OpenConnection& record, std::string_view info) const {
-    const Locale& locale = parts_.UserLocale;
+    const Locale& locale = parts_.Locale;
     const auto date = [&](Date value) { return FormatDateGeneral(value, locale); };
     const auto number = [&](double value) { return NumberText(value, locale); };
     const auto text = [](std::string_view value) {
@@ -185,7 +186,7 @@ void Recorder::TakeUp(const std::vector<PendingRecord>& pending) {
 }
 
 void Recorder::TellOf(std::string_view statLine) const {
-    const auto fields = ParseStatLine(statLine.substr(0, statLine.find('\r')), parts_.UserLocale);
+    const auto fields = ParseStatLine(statLine.substr(0, statLine.find('\r')), parts_.Locale);
     if (!fields) return;
     OpenConnection record;
     record.LineName = fields->LineName;
@@ -194,18 +195,19 @@ void Recorder::TellOf(std::string_view statLine) const {
     record.BytesReceived = fields->BytesReceived;
     record.BytesTransmitted = fields->BytesTransmitted;
     record.IsRas = true; // perhaps, and the records of adapters are apart anyway
-    parts_.Recorded(record);
+    parts_.MonthSums.Add(record);
 }
 
-std::size_t Recorder::Unwritten() const {
-    return static_cast<std::size_t>(std::count_if(
-        waiting_.begin(), waiting_.end(), [](const Waiting& waiting) { return !waiting.InStatistics; }));
+std::size_t Recorder::RecordsInFile() const {
+    const auto unwritten = std::count_if(waiting_.begin(), waiting_.end(),
+                                         [](const Waiting& waiting) { return !waiting.InStatistics; });
+    return parts_.MonthSums.RecordsMade() - static_cast<std::size_t>(unwritten);
 }
 
 // No two records of a line are the same, so the text alone tells.
 bool Recorder::IsAtEndOf(std::string_view fileName, std::string_view line) const {
     constexpr std::streamoff searched = 1 << 18; // many times what a run leaves behind
-    std::ifstream file(parts_.DataFolder() / fileName, std::ios::binary | std::ios::ate);
+    std::ifstream file(parts_.DataFolder.GetDataPath() / fileName, std::ios::binary | std::ios::ate);
     if (!file) return false;
     const std::streamoff size = file.tellg();
     file.seekg(std::max<std::streamoff>(size - searched, 0));
@@ -237,7 +239,7 @@ void Recorder::Append(std::string_view fileName, std::string_view header, std::s
         isNews = isNews || !waiting.Told;
     }
     if (lines.empty()) return;
-    const std::filesystem::path path = parts_.DataFolder() / fileName;
+    const std::filesystem::path path = parts_.DataFolder.GetDataPath() / fileName;
     const int error = parts_.Files.AppendLines(path, header, lines, StatLineEnd, flush);
     if (error == 0) {
         for (Waiting& waiting : waiting_)

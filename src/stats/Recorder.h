@@ -4,8 +4,6 @@
 #include "platform/Journal.h"
 #include "traffic/CloseReason.h"
 
-#include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,8 +12,10 @@ namespace korvalin {
 
 class Clock;
 class CounterLedger;
+class DataFolder;
 class Errors;
 class Language;
+class MonthSums;
 class RecordingLock;
 struct LineState;
 struct Locale;
@@ -26,19 +26,18 @@ struct RecordTime;
 class Recorder {
   public:
     struct Parts {
-        const LineState& Lines;
-        CounterLedger& Ledger;
+        const korvalin::LineState& LineState;
+        korvalin::CounterLedger& CounterLedger;
         korvalin::Files& Files;
         korvalin::Errors& Errors;
         korvalin::Language& Language;
         korvalin::Clock& Clock;
         korvalin::RecordingLock& RecordingLock;
-        const Locale& UserLocale;
-        std::function<std::filesystem::path()> DataFolder;
-        /// Told of each record when it is made, for the sums.
-        std::function<void(const OpenConnection& record)> Recorded;
+        const korvalin::Locale& Locale;
+        korvalin::DataFolder& DataFolder;
+        korvalin::MonthSums& MonthSums; ///< told of each record when it is made
     };
-    explicit Recorder(Parts parts) : parts_(std::move(parts)) {}
+    explicit Recorder(const Parts& parts) : parts_(parts) {}
 
     /// Becomes the one program that records into the data folder; false while another one is.
     bool TakeOver();
@@ -55,8 +54,8 @@ class Recorder {
     /// The records that are not in both files yet.
     std::vector<PendingRecord> Pending() const;
     bool HasPending() const { return !waiting_.empty(); }
-    /// How many of them the statistics file lacks: the last ones that were made.
-    std::size_t Unwritten() const;
+    /// How many of the records made in this run a load of the statistics file finds: the last ones may wait.
+    std::size_t RecordsInFile() const;
 
     /// Takes over what an earlier run has left, unless the files have it.
     void TakeUp(const std::vector<PendingRecord>& pending);

@@ -10,6 +10,7 @@
 #include "stats/Aliases.h"
 #include "stats/LineReader.h"
 #include "stats/MergeRecords.h"
+#include "stats/OpenConnections.h"
 #include "stats/SortStats.h"
 #include "stats/StatLine.h"
 
@@ -91,45 +92,35 @@ bool LoadReport::NeedsRepair() const {
     return Dropped > 0 || Merged > toleratedMerges;
 }
 
-StatFile::StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
-                   OpenConnectionsOf openConnections, Aliases& aliases, const Locale& locale)
-    : dataFolder_(std::move(dataFolder)),
-      files_(files),
-      events_(events),
-      clock_(clock),
-      errors_(errors),
-      openConnections_(std::move(openConnections)),
-      aliases_(aliases),
-      locale_(locale) {}
-
 fs::path StatFile::StatFilePath() const {
-    return dataFolder_() / StatFileName;
+    return parts_.DataFolder.GetDataPath() / StatFileName;
 }
 
 std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Progress& progress) {
     constexpr std::string_view procName = "LoadStatFile";
     records = StatRecords();
     report_ = LoadReport();
-    const fs::path oldFile = dataFolder_() / OldStatFileName;
-    bool whole = errors_.Step(procName, [&] { CheckFolder(dataFolder_()); });
-    if (!FileExists(StatFilePath()) && FileExists(oldFile)) errors_.Step(procName, [&] { Convert(oldFile); });
+    const fs::path oldFile = parts_.DataFolder.GetDataPath() / OldStatFileName;
+    bool whole = parts_.Errors.Step(procName, [&] { CheckFolder(parts_.DataFolder.GetDataPath()); });
+    if (!FileExists(StatFilePath()) && FileExists(oldFile))
+        parts_.Errors.Step(procName, [&] { Convert(oldFile); });
     // Held from the first line to the rewrite: what another program appends in between would be lost.
     std::unique_ptr<FileLock> lock;
     try {
         if (FileExists(StatFilePath())) {
-            if (repair) lock = files_.Hold(StatFilePath());
-            whole = errors_.Step(procName, [&] { Read(records, progress); });
+            if (repair) lock = parts_.Files.Hold(StatFilePath());
+            whole = parts_.Errors.Step(procName, [&] { Read(records, progress); });
         }
     } catch (const LoadCancelled&) {
         records = StatRecords();
         return 0;
     }
     std::vector<OpenConnection> open;
-    if (!repair) errors_.Step(procName, [&] { open = openConnections_(); });
-    errors_.Step(procName, [&] { Tidy(records, open); });
+    if (!repair) parts_.Errors.Step(procName, [&] { open = parts_.OpenConnections.Now(); });
+    parts_.Errors.Step(procName, [&] { Tidy(records, open); });
     // A file without any record is probably none of ours.
     const bool worthIt = report_.NeedsRepair() && !records.List.empty();
-    if (lock && whole && worthIt) errors_.Step(procName, [&] { Repair(records); });
+    if (lock && whole && worthIt) parts_.Errors.Step(procName, [&] { Repair(records); });
     return static_cast<std::int32_t>(records.List.size());
 }
 
@@ -138,9 +129,9 @@ void StatFile::Convert(const fs::path& oldFile) {
     std::string content;
     ReadLines(oldFile, [&](std::string_view line) {
         const std::string text = DecodeLine(line);
-        if (const auto fields = ParseOldStatLine(text, locale_)) WriteStatRecord(content, *fields);
+        if (const auto fields = ParseOldStatLine(text, parts_.Locale)) WriteStatRecord(content, *fields);
     });
-    if (!files_.Replace(StatFilePath(), content))
+    if (!parts_.Files.Replace(StatFilePath(), content))
         throw NumberedError(0, "The older statistics could not be converted: " + oldFile.string());
     report_.Converted = true;
 }
@@ -159,14 +150,14 @@ void StatFile::Read(StatRecords& records, const Progress& progress) {
         seen += line.size() + StatLineEnd.size();
         if (++linesRead_ % linesPerPause == 0) Pause(progress, seen, size);
         if (records.List.size() - sorted < recordsPerSort) return;
-        SortByLine(std::span(records.List).subspan(sorted), locale_);
+        SortByLine(std::span(records.List).subspan(sorted), parts_.Locale);
         sorted = records.List.size();
     });
     records.ReadTo.LastBytes = ReadPart(path, MarkBegin(records.ReadTo.Bytes), records.ReadTo.Bytes);
 }
 
 void StatFile::Pause(const Progress& progress, std::uintmax_t seen, std::uintmax_t size) {
-    events_.ProcessPending();
+    parts_.Events.ProcessPending();
     if (!progress || size == 0) return;
     const double fraction = static_cast<double>(seen) / static_cast<double>(size);
     if (!progress(std::min(fraction, 1.0))) throw LoadCancelled();
@@ -174,7 +165,7 @@ void StatFile::Pause(const Progress& progress, std::uintmax_t seen, std::uintmax
 
 void StatFile::TakeLine(std::string_view line, StatRecords& records) {
     if (!IsValidUtf8(line)) line = decoded_ = FromWindows1252(line);
-    const auto fields = ParseStatLine(line, locale_);
+    const auto fields = ParseStatLine(line, parts_.Locale);
     if (!fields) {
         ++report_.Dropped;
         return;
@@ -196,12 +187,12 @@ void StatFile::AddRunning(StatRecords& records, const std::vector<OpenConnection
 // A dial-up line that is open may have a record from an earlier run; an adapter's open part has none.
 void StatFile::Tidy(StatRecords& records, const std::vector<OpenConnection>& open) {
     AddRunning(records, open, true);
-    SortByLine(records.List, locale_);
+    SortByLine(records.List, parts_.Locale);
     report_.Merged = MergeDuplicates(records.List);
     const std::size_t merged = records.List.size();
     AddRunning(records, open, false);
-    if (records.List.size() > merged) SortByLine(records.List, locale_);
-    aliases_.FillAlias(records);
+    if (records.List.size() > merged) SortByLine(records.List, parts_.Locale);
+    parts_.Aliases.FillAlias(records);
     for (StatRecord& record : records.List)
         record.LogOut = record.End();
 }
@@ -218,8 +209,8 @@ void StatFile::Repair(const StatRecords& records) {
 bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& leftOut,
                        std::string_view appended, FileMark& written) {
     const fs::path path = StatFilePath();
-    const fs::path backup = FreeBackupName(path, clock_.Now(), '_');
-    const bool replaced = files_.ReplaceKeeping(path, backup, [&](const Files::Sink& sink) {
+    const fs::path backup = FreeBackupName(path, parts_.Clock.Now(), '_');
+    const bool replaced = parts_.Files.ReplaceKeeping(path, backup, [&](const Files::Sink& sink) {
         std::string part;
         const auto write = [&] {
             written.Bytes += part.size();
@@ -240,7 +231,7 @@ bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& left
 }
 
 StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted) {
-    const auto lock = files_.Hold(StatFilePath());
+    const auto lock = parts_.Files.Hold(StatFilePath());
     if (!lock) return FileExists(StatFilePath()) ? Deletion::Held : Deletion::Changed;
     const auto appended = AppendedSince(records.ReadTo, StatFilePath());
     if (!appended) return Deletion::Changed;

@@ -16,8 +16,10 @@ namespace korvalin {
 
 class Aliases;
 class Clock;
+class DataFolder;
 class Errors;
 class Events;
+class OpenConnections;
 struct Locale;
 
 /// What a load met in the file.
@@ -34,14 +36,19 @@ struct LoadReport {
 /// The file with one line per ended connection.
 class StatFile {
   public:
-    using DataFolderOf = std::function<std::filesystem::path()>;
     /// Told now and then which fraction of the file was read; false cancels the load.
     using Progress = std::function<bool(double fraction)>;
-    /// The connections that are open now, as far as no record holds them.
-    using OpenConnectionsOf = std::function<std::vector<OpenConnection>()>;
-
-    StatFile(DataFolderOf dataFolder, Files& files, Events& events, Clock& clock, Errors& errors,
-             OpenConnectionsOf openConnections, Aliases& aliases, const Locale& locale);
+    struct Parts {
+        korvalin::DataFolder& DataFolder;
+        korvalin::Files& Files;
+        korvalin::Events& Events;
+        korvalin::Clock& Clock;
+        korvalin::Errors& Errors;
+        const korvalin::OpenConnections& OpenConnections;
+        korvalin::Aliases& Aliases;
+        const korvalin::Locale& Locale;
+    };
+    explicit StatFile(const Parts& parts) : parts_(parts) {}
 
     std::filesystem::path StatFilePath() const;
 
@@ -77,14 +84,7 @@ class StatFile {
     bool Rewrite(const StatRecords& records, const std::vector<bool>& leftOut, std::string_view appended,
                  FileMark& written);
 
-    DataFolderOf dataFolder_;
-    Files& files_;
-    Events& events_;
-    Clock& clock_;
-    Errors& errors_;
-    OpenConnectionsOf openConnections_;
-    Aliases& aliases_;
-    const Locale& locale_;
+    Parts parts_;
     LoadReport report_;
     // Of the load that is going on.
     std::size_t linesRead_ = 0;

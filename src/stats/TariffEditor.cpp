@@ -1,13 +1,14 @@
 #include "stats/TariffEditor.h"
 
+#include "base/FlagGuard.h"
 #include "base/Text.h"
+#include "forms/Enabling.h"
 #include "settings/Settings.h"
 #include "stats/Aliases.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QScopedValueRollback>
 
 namespace korvalin {
 namespace {
@@ -31,9 +32,8 @@ void ShowNumber(QComboBox& list, int number) {
 
 } // namespace
 
-TariffEditor::TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases,
-                           std::function<void()> changed)
-    : controls_(controls), settings_(settings), aliases_(aliases), changed_(std::move(changed)) {
+TariffEditor::TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases)
+    : controls_(controls), settings_(settings), aliases_(aliases) {
     AddNumbers(controls_.cboFreeHours, mostFreeHours);
     controls_.cboFreeHours.setCurrentIndex(firstShownFreeHours - 1);
     AddNumbers(controls_.cboMonthStartDay, daysInMonth);
@@ -79,7 +79,7 @@ std::string TariffEditor::Alias() const {
 
 void TariffEditor::ShowLines(const std::vector<AliasInfo>& lines) {
     {
-        const QScopedValueRollback guard(showing_, true);
+        const FlagGuard showing(showing_);
         const std::string shown = Line().empty() ? settings_.Get(Keys::Z_StatLineChosen) : Line();
         controls_.cboLines.clear();
         for (const AliasInfo& line : lines)
@@ -92,14 +92,12 @@ void TariffEditor::ShowLines(const std::vector<AliasInfo>& lines) {
 }
 
 void TariffEditor::ShowTariff() {
-    const QScopedValueRollback guard(showing_, true);
+    const FlagGuard showing(showing_);
     const std::string alias = Alias();
-    for (QWidget* control :
-         {static_cast<QWidget*>(&controls_.txtAlias), static_cast<QWidget*>(&controls_.cboFreeHours),
-          static_cast<QWidget*>(&controls_.cboFreeVolume), static_cast<QWidget*>(&controls_.cboMonthStartDay),
-          static_cast<QWidget*>(&controls_.cboRoundSeconds), static_cast<QWidget*>(&controls_.boxUp1MB),
-          static_cast<QWidget*>(&controls_.boxTrayVolumeLine)})
-        control->setEnabled(!alias.empty());
+    SetEnabled({&controls_.txtAlias, &controls_.cboFreeHours, &controls_.cboFreeVolume,
+                &controls_.cboMonthStartDay, &controls_.cboRoundSeconds, &controls_.boxUp1MB,
+                &controls_.boxTrayVolumeLine},
+               !alias.empty());
     controls_.txtAlias.setText(QString::fromStdString(alias));
     controls_.txtAlias.setCursorPosition(0);
     if (alias.empty()) return;
@@ -127,7 +125,7 @@ void TariffEditor::txtAlias_Validate() {
     // A line that joins an alias takes part in its tariff; a new alias begins with the old one's.
     if (aliases_.AliasIndex(alias) == 0) InheritTariff(old, alias);
     settings_.Set(Keys::Alias(line), alias);
-    changed_();
+    emit Changed();
     ShowTariff();
 }
 
@@ -150,7 +148,7 @@ void TariffEditor::StoreNumber(QComboBox& control, KeyPattern<int> setting) {
     settings_.Set(key, value);
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
     ShowTariff();
-    if (changed) changed_();
+    if (changed) emit Changed();
 }
 
 void TariffEditor::StoreFlag(QCheckBox& control, KeyPattern<bool> setting) {
@@ -158,7 +156,7 @@ void TariffEditor::StoreFlag(QCheckBox& control, KeyPattern<bool> setting) {
     if (showing_ || alias.empty()) return;
     settings_.Set(setting(alias), control.isChecked());
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
-    changed_();
+    emit Changed();
 }
 
 } // namespace korvalin

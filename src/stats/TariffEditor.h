@@ -4,7 +4,6 @@
 
 #include <QObject>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,12 +33,14 @@ class TariffEditor : public QObject {
         QCheckBox& boxUp1MB;
         QCheckBox& boxTrayVolumeLine;
     };
-    /// `changed` is called after a change of an alias or of what sums depend on.
-    TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases,
-                 std::function<void()> changed);
+    TariffEditor(const Controls& controls, Settings& settings, Aliases& aliases);
 
     /// Lists these lines and shows the tariff of the one that was shown before, or else was chosen last.
     void ShowLines(const std::vector<AliasInfo>& lines);
+
+  signals:
+    /// After a change of an alias or of what sums depend on.
+    void Changed();
 
   private:
     void ConnectControls();
@@ -55,7 +56,6 @@ class TariffEditor : public QObject {
     Controls controls_;
     Settings& settings_;
     Aliases& aliases_;
-    std::function<void()> changed_;
     bool showing_ = false; // what changes is not the user's doing
 };
 

@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "base/Units.h"
 #include "errors/Errors.h"
+#include "forms/Enabling.h"
 #include "forms/ListPlace.h"
 #include "forms/MakeUi.h"
 #include "forms/Twips.h"
@@ -17,6 +18,7 @@
 #include "stats/Aliases.h"
 #include "stats/MonthSums.h"
 #include "stats/PeriodSums.h"
+#include "stats/Recorder.h"
 #include "stats/StatExport.h"
 #include "stats/TariffEditor.h"
 #include "stats/graph/GraphPage.h"
@@ -78,17 +80,23 @@ frmStatistik::frmStatistik(const Parts& parts)
     : parts_(parts),
       chooseFile_(AskForFile),
       ui_(MakeUi<Ui::frmStatistik>(*this)),
-      recordModel_(RecordColumns(), parts.Language, parts.UserLocale),
-      sumModel_(SumColumns(), parts.Language, parts.UserLocale) {
-    graph_ = new GraphPage({parts_.Settings, parts_.Language, parts_.Errors, parts_.Aliases,
-                            parts_.MessageBoxes, parts_.Clock, parts_.UserLocale},
+      recordModel_(RecordColumns(), parts.Language, parts.Locale),
+      sumModel_(SumColumns(), parts.Language, parts.Locale) {
+    graph_ = new GraphPage({.Settings = parts_.Settings,
+                            .Language = parts_.Language,
+                            .Errors = parts_.Errors,
+                            .Aliases = parts_.Aliases,
+                            .MessageBoxes = parts_.MessageBoxes,
+                            .Clock = parts_.Clock,
+                            .Locale = parts_.Locale},
                            ui_->pageGraph);
     ui_->graphLayout->addWidget(graph_);
     tariff_ = std::make_unique<TariffEditor>(
         TariffEditor::Controls{*ui_->cboLines, *ui_->txtAlias, *ui_->cboFreeHours, *ui_->cboFreeVolume,
                                *ui_->cboMonthStartDay, *ui_->cboRoundSeconds, *ui_->boxUp1MB,
                                *ui_->boxTrayVolumeLine},
-        parts_.Settings, parts_.Aliases, [this] { RecordsChanged(); });
+        parts_.Settings, parts_.Aliases);
+    connect(tariff_.get(), &TariffEditor::Changed, this, &frmStatistik::RecordsChanged);
     SetUpControls();
     ApplyTexts();
     SetUpLists();
@@ -132,7 +140,7 @@ void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSum
     for (int column = 0; column < model.columnCount(); ++column) {
         const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
         const QString sample =
-            QStringLiteral("----") + QString::fromStdString(SampleText(field, ofSums, parts_.UserLocale));
+            QStringLiteral("----") + QString::fromStdString(SampleText(field, ofSums, parts_.Locale));
         header.resizeSection(column,
                              std::max(metrics.horizontalAdvance(sample), header.sectionSizeHint(column)));
     }
@@ -259,7 +267,7 @@ void frmStatistik::ReleaseRecords() {
 void frmStatistik::LoadRecords() {
     ShowLoading(true);
     ReleaseRecords();
-    recordsKnown_ = parts_.RecordsInFile();
+    recordsKnown_ = parts_.Recorder.RecordsInFile();
     parts_.StatFile.LoadStatFile(records_, false, [this](double fraction) {
         ui_->prgLoading->setValue(static_cast<int>(fraction * ui_->prgLoading->maximum()));
         return !cancelled_;
@@ -283,9 +291,7 @@ void frmStatistik::ShowLoading(bool loading) {
     ui_->prgLoading->setValue(0);
     ui_->prgLoading->setVisible(loading);
     ui_->cmdCancel->setVisible(loading);
-    ui_->SSTab->setEnabled(!loading);
-    ui_->cboFilter->setEnabled(!loading);
-    ui_->cboKBMB->setEnabled(!loading);
+    SetEnabled({ui_->SSTab, ui_->cboFilter, ui_->cboKBMB}, !loading);
 }
 
 // ---- filling
@@ -470,8 +476,8 @@ std::string frmStatistik::ExportCaption(const ListTexts& list) const {
         const auto [first, last] = std::minmax_element(
             records_.List.begin(), records_.List.end(),
             [](const auto& left, const auto& right) { return left.LogOut < right.LogOut; });
-        range = FormatPattern(first->LogOut, parts_.UserLocale.ShortDate) + " - " +
-                FormatPattern(last->LogOut, parts_.UserLocale.ShortDate);
+        range = FormatPattern(first->LogOut, parts_.Locale.ShortDate) + " - " +
+                FormatPattern(last->LogOut, parts_.Locale.ShortDate);
     }
     return ui_->cboFilter->currentText().toStdString() + ", " + range + ", " + list.UnitName;
 }

@@ -25,6 +25,7 @@ class Language;
 class MessageBoxes;
 class MonthSums;
 class PeriodSums;
+class Recorder;
 class Settings;
 class TariffEditor;
 struct ListTexts;
@@ -45,9 +46,8 @@ class frmStatistik : public QWidget {
         korvalin::MonthSums& MonthSums;
         korvalin::PeriodSums& PeriodSums;
         korvalin::Clock& Clock;
-        const Locale& UserLocale;
-        /// How many of the records made in this run a load of the file finds.
-        std::function<std::size_t()> RecordsInFile;
+        const korvalin::Locale& Locale;
+        const korvalin::Recorder& Recorder;
     };
     /// Asks for the name of a file to save under; empty when the user gives none.
     using ChooseFile =

@@ -25,8 +25,7 @@ void Dialing::DialEntry(const std::string& entryName) {
     if (busy_) return;
     const FlagGuard busy(busy_);
     parts_.Errors.Step("DialEntry", [&] {
-        const bool anotherIsUp =
-            parts_.Lines.MonitoredLineType == LineType::Ras && parts_.Lines.AnyLineConnected;
+        const bool anotherIsUp = parts_.LineState.OnDialUp();
         DialResult result = Dial(entryName, anotherIsUp ? InternetDialForcePrompt : unattended);
         if (result.Error == ErrorAuthenticationFailure) result = Dial(entryName, InternetDialForcePrompt);
         if (result.Error == 0 && result.Connection != 0) parts_.Settings.Set(Keys::LineLast, entryName);
@@ -68,7 +67,7 @@ void Dialing::MONHangUp() {
 
 // While adapters are monitored nobody else reads the dial-up connections.
 bool Dialing::ConnectionUp() {
-    if (parts_.Lines.MonitoredLineType == LineType::Ras) return parts_.Lines.AnyLineConnected;
+    if (parts_.LineState.MonitoredLineType == LineType::Ras) return parts_.LineState.AnyLineConnected;
     const std::vector<RasConnection> connections = Connections();
     return std::any_of(connections.begin(), connections.end(), [&](const RasConnection& connection) {
         return parts_.Ras.GetConnectStatus(connection.Handle) == RascsConnected;

@@ -30,7 +30,7 @@ class Dialing {
         korvalin::Ras& Ras;
         korvalin::PhoneBook& PhoneBook;
         korvalin::PhoneNumberGuard& PhoneNumberGuard;
-        const LineState& Lines;
+        const korvalin::LineState& LineState;
         korvalin::Settings& Settings;
         korvalin::Events& Events;
         korvalin::Errors& Errors;

@@ -16,24 +16,13 @@ bool IsUp(const InterfaceRow& row) {
 
 } // namespace
 
-LanReader::LanReader(NetworkTables& network, LineState& state, LineBook& book, CounterLedger& ledger,
-                     LineNames& names, const TrafficOptions& options, Errors& errors, Clock& clock)
-    : network_(network),
-      state_(state),
-      book_(book),
-      ledger_(ledger),
-      names_(names),
-      options_(options),
-      errors_(errors),
-      clock_(clock) {}
-
 template <typename F>
 void LanReader::Step(F&& step) {
     try {
         std::forward<F>(step)();
     } catch (const std::exception&) {
-        errors_.DisplayError(fmt::format("Get_Bytes_Transmitted_LAN - interne Fehlernummer: {}", progress_),
-                             0, "");
+        parts_.Errors.DisplayError(
+            fmt::format("Get_Bytes_Transmitted_LAN - interne Fehlernummer: {}", progress_), 0, "");
     }
 }
 
@@ -46,7 +35,7 @@ void LanReader::Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines) {
     if (read) ReadRows(lines, accepted);
     progress_ = 800;
     Step([&] {
-        if (ended_) book_.RecordClosedConnections(lines, accepted);
+        if (ended_) parts_.LineBook.RecordClosedConnections(lines, accepted);
     });
 }
 
@@ -54,34 +43,34 @@ void LanReader::Observe(Unfollowed bytes) {
     if (!std::exchange(looked_, false) && !ReadTable()) return;
     atStart_ = false;
     for (const InterfaceRow& row : removed_)
-        ledger_.Close(row);
-    if (!removed_.empty()) ledger_.Meet(rows_, reading_.Time);
+        parts_.CounterLedger.Close(row);
+    if (!removed_.empty()) parts_.CounterLedger.Meet(rows_, reading_.Time);
     for (const InterfaceRow& row : rows_) {
         if ((bytes == Unfollowed::Nobodys || IsLeftOut(row)) && !CarriesDialUp(row.Index))
-            ledger_.Count(row, reading_.Time);
+            parts_.CounterLedger.Count(row, reading_.Time);
     }
 }
 
 // The dial-up reader accounts for its own.
 bool LanReader::CarriesDialUp(std::uint32_t index) const {
-    return std::any_of(state_.LineTable.begin(), state_.LineTable.end(), [&](const LineRecord& line) {
-        return line.Connected && line.IsRas && line.Index == index;
-    });
+    return std::any_of(
+        parts_.LineState.LineTable.begin(), parts_.LineState.LineTable.end(),
+        [&](const LineRecord& line) { return line.Connected && line.IsRas && line.Index == index; });
 }
 
 // A table that cannot be read is a pass without adapters, not an error to report.
 bool LanReader::ReadTable() {
     progress_ = 1;
     removed_.clear();
-    std::optional<std::vector<InterfaceRow>> table = network_.GetIfTable();
+    std::optional<std::vector<InterfaceRow>> table = parts_.NetworkTables.GetIfTable();
     rows_ = table ? std::move(*table) : std::vector<InterfaceRow>();
-    removed_ = network_.TakeRemoved();
+    removed_ = parts_.NetworkTables.TakeRemoved();
     // One time for all rows, taken right after the dump: the rates divide by the time between two dumps.
-    reading_ = {clock_.Now(), clock_.AwakeSeconds()};
+    reading_ = {parts_.Clock.Now(), parts_.Clock.AwakeSeconds()};
     if (!table) return false;
     // The account of one that was removed is closed; another adapter may have its index by now.
-    if (removed_.empty()) ledger_.KeepOnly(rows_);
-    ledger_.Meet(rows_, reading_.Time);
+    if (removed_.empty()) parts_.CounterLedger.KeepOnly(rows_);
+    parts_.CounterLedger.Meet(rows_, reading_.Time);
     hardwareIsUp_ = std::any_of(rows_.begin(), rows_.end(), [](const InterfaceRow& row) {
         return IsUp(row) && row.HasHardware && !row.IsPort;
     });
@@ -92,12 +81,12 @@ bool LanReader::ReadTable() {
 
 bool LanReader::IsLeftOut(const InterfaceRow& row) const {
     if (row.Type == IfTypeSoftwareLoopback || row.IsPort) return true;
-    return !row.HasHardware && hardwareIsUp_ && !options_.LanVirtual;
+    return !row.HasHardware && hardwareIsUp_ && !parts_.TrafficOptions.LanVirtual;
 }
 
 // The threshold is one for the adapter, not for the connection.
 bool LanReader::PassesThreshold(const InterfaceRow& row) const {
-    return static_cast<double>(row.InOctets) > static_cast<double>(options_.LanActive);
+    return static_cast<double>(row.InOctets) > static_cast<double>(parts_.TrafficOptions.LanActive);
 }
 
 bool LanReader::IsActive(const InterfaceRow& row) const {
@@ -119,7 +108,7 @@ const InterfaceRow* LanReader::LatestOf(std::uint32_t index) const {
 
 // The connection over an adapter; mostly the one in `slot`, where its adapter stood in the pass before.
 LineRecord* LanReader::FindOpen(std::uint32_t index, std::size_t slot) {
-    TableFromOne<LineRecord>& previous = state_.PreviousLineTable;
+    TableFromOne<LineRecord>& previous = parts_.LineState.PreviousLineTable;
     const auto isIt = [&](const LineRecord& line) {
         return line.Connected && !line.IsRas && line.Index == index;
     };
@@ -134,9 +123,9 @@ LineRecord* LanReader::FindOpen(std::uint32_t index, std::size_t slot) {
 void LanReader::EndLines() {
     for (const InterfaceRow& row : removed_)
         EndRemoved(row);
-    if (!removed_.empty()) ledger_.Meet(rows_, reading_.Time); // those that are back already
-    for (std::size_t i = 1; i <= state_.PreviousLineTable.Size(); ++i) {
-        LineRecord& line = state_.PreviousLineTable(i);
+    if (!removed_.empty()) parts_.CounterLedger.Meet(rows_, reading_.Time); // those that are back already
+    for (std::size_t i = 1; i <= parts_.LineState.PreviousLineTable.Size(); ++i) {
+        LineRecord& line = parts_.LineState.PreviousLineTable(i);
         if (!line.Connected || line.IsRas) continue;
         const InterfaceRow* row = line.Index != 0 ? FindRow(line.Index) : nullptr;
         if (GoesOn(i, row)) continue;
@@ -153,22 +142,23 @@ void LanReader::EndRemoved(const InterfaceRow& row) {
         ReadCounters(row, *line);
         line->Index = 0; // the loop over all lines ends it
     } else if (!IsLeftOut(row) && PassesThreshold(row)) {
-        LineRecord unseen = BeginLine(row, names_.NameOfRemoved(row));
+        LineRecord unseen = BeginLine(row, parts_.LineNames.NameOfRemoved(row));
         ReadCounters(row, unseen);
         unseen.Index = 0;
-        if (unseen.BytesReceived + unseen.BytesTransmitted > 0) state_.PreviousLineTable.Append(unseen);
+        if (unseen.BytesReceived + unseen.BytesTransmitted > 0)
+            parts_.LineState.PreviousLineTable.Append(unseen);
     }
-    ledger_.Close(row);
+    parts_.CounterLedger.Close(row);
 }
 
 // A cable's adapter under a new name is the same connection, recorded up to here under the old one.
 bool LanReader::GoesOn(std::size_t i, const InterfaceRow* row) {
     if (row == nullptr || !IsActive(*row)) return false;
-    const LineRecord& line = state_.PreviousLineTable(i);
-    const std::string& name = names_.NameOf(*row, rows_);
+    const LineRecord& line = parts_.LineState.PreviousLineTable(i);
+    const std::string& name = parts_.LineNames.NameOf(*row, rows_);
     if (line.EntryName == name) return true;
     if (line.Adapter == row->Description) return false; // another network
-    book_.Divide(i, CloseReason::Renamed, OpenPartOf(line).End);
+    parts_.LineBook.Divide(i, CloseReason::Renamed, OpenPartOf(line).End);
     return true;
 }
 
@@ -178,16 +168,16 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         progress_ = static_cast<int>(i) + 501;
         Step([&] {
-            if (IsLeftOut(rows_[i])) ledger_.Count(rows_[i], reading_.Time);
-            if (!IsUp(rows_[i])) names_.NoteDown(rows_[i].Index);
+            if (IsLeftOut(rows_[i])) parts_.CounterLedger.Count(rows_[i], reading_.Time);
+            if (!IsUp(rows_[i])) parts_.LineNames.NoteDown(rows_[i].Index);
             if (!IsUp(rows_[i]) || IsLeftOut(rows_[i])) return;
-            const std::string& name = names_.NameOf(rows_[i], rows_);
+            const std::string& name = parts_.LineNames.NameOf(rows_[i], rows_);
             if (!PassesThreshold(rows_[i])) return;
             progress_ = static_cast<int>(i * 10 + 6000 + ++accepted);
-            if (accepted > state_.LineCount) {
-                book_.GrowTo(lines, accepted);
+            if (accepted > parts_.LineState.LineCount) {
+                parts_.LineBook.GrowTo(lines, accepted);
                 // It may be a dial-up line that nobody has announced yet.
-                state_.MonitoredLineType = LineType::Undecided;
+                parts_.LineState.MonitoredLineType = LineType::Undecided;
             }
             progress_ = static_cast<int>(i * 10 + 6100 + accepted);
             const LineRecord* open = FindOpen(rows_[i].Index, accepted);
@@ -195,7 +185,7 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
             progress_ = static_cast<int>(i * 10 + 6500 + accepted);
             NameLine(rows_[i], name, lines(accepted));
             ReadCounters(rows_[i], lines(accepted));
-            state_.AnyLineConnected = true;
+            parts_.LineState.AnyLineConnected = true;
         });
     }
     atStart_ = false;
@@ -203,23 +193,23 @@ void LanReader::ReadRows(TableFromOne<LineRecord>& lines, std::size_t& accepted)
 
 LineRecord LanReader::BeginLine(const InterfaceRow& row, const std::string& name) {
     LineRecord line;
-    line.CounterSource = ++state_.LastCounterSource;
+    line.CounterSource = ++parts_.LineState.LastCounterSource;
     line.Index = row.Index;
-    line.User = state_.User;
+    line.User = parts_.LineState.User;
     NameLine(row, name, line);
     // What was up when the program started was so at least as long; what comes later began this second.
-    line.UpSince = atStart_ ? state_.ProgramStart : reading_.Time - OneSecond;
+    line.UpSince = atStart_ ? parts_.LineState.ProgramStart : reading_.Time - OneSecond;
     line.LogIn = std::max(atStart_ ? line.UpSince - 2 * OneSecond : line.UpSince, DayOf(reading_.Time));
     // Not within the line's last record, unless the clock was set back behind that, or the day has no second
     // left.
-    const Date last = ledger_.LastEnd(line.EntryName);
+    const Date last = parts_.CounterLedger.LastEnd(line.EntryName);
     if (last >= FloorToSecond(line.LogIn) && last < reading_.Time + OneSecond &&
         last < EndOfDay(reading_.Time))
         line.LogIn = last + OneSecond;
-    const CounterLedger::Account account = ledger_.Of(row.Index);
+    const CounterLedger::Account account = parts_.CounterLedger.Of(row.Index);
     line.StartReceived = line.LastRawReceived = static_cast<double>(account.Received);
     line.StartTransmitted = line.LastRawTransmitted = static_cast<double>(account.Transmitted);
-    ++state_.Changes;
+    ++parts_.LineState.Changes;
     return line;
 }
 
@@ -227,7 +217,7 @@ void LanReader::NameLine(const InterfaceRow& row, const std::string& name, LineR
     line.Adapter = row.Description;
     line.DeviceName = Trim(row.Description);
     line.EntryName = name;
-    line.LineName = book_.GetAlias(line.EntryName);
+    line.LineName = parts_.LineBook.GetAlias(line.EntryName);
     line.IpAddress = row.Address;
 }
 
@@ -237,7 +227,7 @@ void LanReader::ReadCounters(const InterfaceRow& row, LineRecord& line) {
     line.Counts64Bits = row.Counts64Bits;
     line.BytesReceived = static_cast<double>(row.InOctets);
     line.BytesTransmitted = static_cast<double>(row.OutOctets);
-    book_.ContinueCounters(line);
+    parts_.LineBook.ContinueCounters(line);
     if (isFirst) {
         line.UnseenReceived = line.BytesReceived;
         line.UnseenTransmitted = line.BytesTransmitted;
@@ -247,7 +237,7 @@ void LanReader::ReadCounters(const InterfaceRow& row, LineRecord& line) {
     line.SampleAwake = reading_.Awake;
     line.Duration = reading_.Time - line.UpSince;
     line.Connected = true;
-    ledger_.Count(row, reading_.Time);
+    parts_.CounterLedger.Count(row, reading_.Time);
 }
 
 } // namespace korvalin

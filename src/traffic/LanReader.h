@@ -12,8 +12,17 @@ namespace korvalin {
 /// instead of its ports; at others only while there is no hardware that is up, or when the user wants them.
 class LanReader {
   public:
-    LanReader(NetworkTables& network, LineState& state, LineBook& book, CounterLedger& ledger,
-              LineNames& names, const TrafficOptions& options, Errors& errors, Clock& clock);
+    struct Parts {
+        korvalin::NetworkTables& NetworkTables;
+        korvalin::LineState& LineState;
+        korvalin::LineBook& LineBook;
+        korvalin::CounterLedger& CounterLedger;
+        korvalin::LineNames& LineNames;
+        const korvalin::TrafficOptions& TrafficOptions;
+        korvalin::Errors& Errors;
+        korvalin::Clock& Clock;
+    };
+    explicit LanReader(const Parts& parts) : parts_(parts) {}
 
     void Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines);
 
@@ -51,14 +60,7 @@ class LanReader {
     void NameLine(const InterfaceRow& row, const std::string& name, LineRecord& line);
     void ReadCounters(const InterfaceRow& row, LineRecord& line);
 
-    NetworkTables& network_;
-    LineState& state_;
-    LineBook& book_;
-    CounterLedger& ledger_;
-    LineNames& names_;
-    const TrafficOptions& options_;
-    Errors& errors_;
-    Clock& clock_;
+    Parts parts_;
     std::vector<InterfaceRow> rows_;
     std::vector<InterfaceRow> removed_; // since the pass before
     Reading reading_;

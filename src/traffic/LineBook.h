@@ -11,24 +11,24 @@ namespace korvalin {
 class Clock;
 class Errors;
 
-/// What the traffic readers need from the floors above them; the program plugs it in.
-struct TrafficHooks {
-    /// The user's name for an entry; the entry itself when it has none.
-    std::function<std::string(const std::string& entryName)> GetAlias;
-    /// Records the line's open part, as PreviousLineTable holds it.
-    std::function<void(CloseReason reason, std::size_t line)> SaveStatsLine;
-    /// The line table grew: the rate history follows.
-    std::function<void()> ResizeRateHistory;
-    /// All lines have been read; what has ended has been recorded.
-    std::function<void()> PassEnded;
-};
-
 /// Keeps the line table's books: counters that continue beyond 32 bits, lines that end, slots that grow.
 class LineBook {
   public:
+    /// What the traffic readers need from the floors above them; the program plugs it in.
+    struct Hooks {
+        /// The user's name for an entry; the entry itself when it has none.
+        std::function<std::string(const std::string& entryName)> GetAlias;
+        /// Records the line's open part, as PreviousLineTable holds it.
+        std::function<void(CloseReason reason, std::size_t line)> SaveStatsLine;
+        /// The line table grew: the rate history follows.
+        std::function<void()> ResizeRateHistory;
+        /// All lines have been read; what has ended has been recorded.
+        std::function<void()> PassEnded;
+    };
+
     LineBook(LineState& state, Errors& errors, Clock& clock);
 
-    void Plug(TrafficHooks hooks) { hooks_ = std::move(hooks); }
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Continues the counters of a dial-up line whose raw counters were just stored in BytesReceived and
     /// BytesTransmitted, and corrects an implausible log-in time.
@@ -70,7 +70,7 @@ class LineBook {
     LineState& state_;
     Errors& errors_;
     Clock& clock_;
-    TrafficHooks hooks_;
+    Hooks hooks_;
 };
 
 } // namespace korvalin

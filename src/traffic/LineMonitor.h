@@ -11,8 +11,18 @@ class User;
 /// Decides once per pass what is monitored, dial-up lines or adapters, and has the line table filled.
 class LineMonitor {
   public:
-    LineMonitor(LineState& state, LineBook& book, RasReader& ras, LanReader& lan,
-                const TrafficOptions& options, Internet& internet, User& user, Clock& clock, Errors& errors);
+    struct Parts {
+        korvalin::LineState& LineState;
+        korvalin::LineBook& LineBook;
+        korvalin::RasReader& RasReader;
+        korvalin::LanReader& LanReader;
+        const korvalin::TrafficOptions& TrafficOptions;
+        korvalin::Internet& Internet;
+        korvalin::User& User;
+        korvalin::Clock& Clock;
+        korvalin::Errors& Errors;
+    };
+    explicit LineMonitor(const Parts& parts) : parts_(parts) {}
 
     /// One pass; called at the start of every update.
     void Get_Bytes_Transmitted();
@@ -27,7 +37,7 @@ class LineMonitor {
     void ShiftMoments(Date days);
 
     /// Whether dial-up lines too are recorded in parts that end with the day.
-    bool DividesDialUps() const { return options_.Split == SplitDays::All; }
+    bool DividesDialUps() const { return parts_.TrafficOptions.Split == SplitDays::All; }
 
   private:
     void Pass();
@@ -37,15 +47,7 @@ class LineMonitor {
     void DetermineLineType();
     void CloseLines();
 
-    LineState& state_;
-    LineBook& book_;
-    RasReader& ras_;
-    LanReader& lan_;
-    const TrafficOptions& options_;
-    Internet& internet_;
-    User& user_;
-    Clock& clock_;
-    Errors& errors_;
+    Parts parts_;
     bool firstPassDone_ = false;
 };
 

@@ -97,6 +97,9 @@ struct LineState {
     std::uint32_t LastCounterSource = 0;
     /// Grows whenever a line begins, ends or is divided.
     std::uint32_t Changes = 0;
+
+    /// Whether the machine is online through a dial-up line.
+    bool OnDialUp() const { return MonitoredLineType == LineType::Ras && AnyLineConnected; }
 };
 
 /// Which connections are recorded in parts that end with the day.

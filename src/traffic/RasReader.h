@@ -4,7 +4,6 @@
 #include "traffic/CounterLedger.h"
 #include "traffic/LineBook.h"
 
-#include <functional>
 #include <set>
 
 namespace korvalin {
@@ -16,8 +15,18 @@ class Settings;
 /// Fills the line table from the active dial-up connections.
 class RasReader {
   public:
-    RasReader(Ras& ras, NetworkTables& network, LineState& state, LineBook& book, CounterLedger& ledger,
-              LanReader& adapters, Settings& settings, Errors& errors, Clock& clock);
+    struct Parts {
+        korvalin::Ras& Ras;
+        korvalin::NetworkTables& NetworkTables;
+        korvalin::LineState& LineState;
+        korvalin::LineBook& LineBook;
+        korvalin::CounterLedger& CounterLedger;
+        korvalin::LanReader& LanReader;
+        korvalin::Settings& Settings;
+        korvalin::Errors& Errors;
+        korvalin::Clock& Clock;
+    };
+    explicit RasReader(const Parts& parts) : parts_(parts) {}
 
     /// One pass. After one failure the reader stays off until the program is started again.
     void Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines);
@@ -26,7 +35,8 @@ class RasReader {
     void ReadTcpStatistics();
 
   private:
-    bool Step(const std::function<void()>& step);
+    template <typename F>
+    bool Step(F&& step);
     void EndAdapters(TableFromOne<LineRecord>& lines);
     void TakeSlot(std::int32_t handle, std::size_t i, const TableFromOne<LineRecord>& before,
                   LineRecord& line);
@@ -37,15 +47,7 @@ class RasReader {
     void KeepApart(TableFromOne<LineRecord>& lines);
     void CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t count);
 
-    Ras& ras_;
-    NetworkTables& network_;
-    LineState& state_;
-    LineBook& book_;
-    CounterLedger& ledger_;
-    LanReader& adapters_;
-    Settings& settings_;
-    Errors& errors_;
-    Clock& clock_;
+    Parts parts_;
     std::set<std::uint32_t> recordedAsAdapters_; // interfaces, not yet seen as dial-up lines
     bool atStart_ = true;                        // no connection has been looked for before
 };

@@ -40,7 +40,12 @@ class LiveTextsTest : public CoreFixture {
     UnitFormat units{errors, locale, clock};
     Aliases aliases{settings, errors, clock, units};
     MonthSums monthSums{aliases, lines, errors, clock};
-    LiveTexts live{lines, history, monthSums, units, language, errors};
+    LiveTexts live{{.LineState = lines,
+                    .RateHistory = history,
+                    .MonthSums = monthSums,
+                    .UnitFormat = units,
+                    .Language = language,
+                    .Errors = errors}};
     InfoTexts texts;
 };
 

@@ -27,6 +27,9 @@ class FakeWindow : public MonitorWindow {
     void RestoreGeometry() override { Calls.emplace_back("restore"); }
     void SaveGeometry() override { Calls.emplace_back("save"); }
     WindowPosition Position() override { return {Left, 0}; }
+    void SetTopmost(bool) override {}
+    void SetOpacity(int) override {}
+    void ShowFixedTrayIcon() override {}
 };
 
 class Sampling : public TrafficFixture {
@@ -57,7 +60,14 @@ class Sampling : public TrafficFixture {
 
     RateHistory history;
     InfoTexts texts;
-    SamplingLoop loop{clock, screen, settings, lines, monitor, history, texts, errors};
+    SamplingLoop loop{{.Clock = clock,
+                       .Screen = screen,
+                       .Settings = settings,
+                       .LineState = lines,
+                       .LineMonitor = monitor,
+                       .RateHistory = history,
+                       .InfoTexts = texts,
+                       .Errors = errors}};
     FakeWindow window;
     double received = 0;
 };
@@ -127,7 +137,7 @@ TEST_F(Sampling, AnUpdateWithinAnUpdateDoesNothing) {
 
 TEST_F(Sampling, GoingOnlineShowsAndGoingOfflineHidesTheWindow) {
     int scheduled = 0;
-    loop.Plug({[&] { ++scheduled; }, [] {}});
+    loop.Plug({.Schedule = [&] { ++scheduled; }});
     const InterfaceRow eth0 = network.Rows[0];
     struct {
         bool Online, AutoShow;
@@ -152,7 +162,7 @@ TEST_F(Sampling, GoingOnlineShowsAndGoingOfflineHidesTheWindow) {
 
 TEST_F(Sampling, TheUpdateCheckRunsOnceWhenItIsDue) {
     int checks = 0;
-    loop.Plug({[] {}, [&] { ++checks; }});
+    loop.Plug({.Check = [&] { ++checks; }});
     Run(5);
     EXPECT_EQ(checks, 0);
     loop.SetUpdateCheckPending(clock.Now() + 68 * OneSecond);

@@ -42,6 +42,8 @@ class CoreFixture : public testing::Test {
         return {registry, network, internet, ras,           clock,   events,   boxes, screen,    shell,
                 user,     lock,    files,    recordingLock, journal, networks, http,  signatures};
     }
+    /// Has the data in the fixture's folder.
+    void KeepDataInFolder() { settings.SetReg("DataPath", folder.Path().string()); }
     std::string Log() const { return folder.Read("Korvalin_ErrorLog.txt"); }
     /// The texts of the boxes shown since the last call.
     Lines TakeBoxes() {
@@ -73,7 +75,17 @@ class CoreFixture : public testing::Test {
     Locale locale;
     Errors errors{clock, files, boxes, locale, "Korvalin"};
     Settings settings{registry, errors, screen, clock, locale};
-    Language language{programFolder, settings, errors, files, boxes, shell};
+    Language language{
+        {.Settings = settings, .Errors = errors, .Files = files, .MessageBoxes = boxes, .Shell = shell},
+        programFolder};
+    DataFolder dataFolder{{.Settings = settings,
+                           .Language = language,
+                           .Errors = errors,
+                           .MessageBoxes = boxes,
+                           .Files = files,
+                           .Shell = shell,
+                           .Clock = clock},
+                          programFolder};
     std::unique_ptr<Program> program;
     bool ended = false;
 };

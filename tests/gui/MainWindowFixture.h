@@ -23,10 +23,9 @@ class MainWindow : public CoreFixture {
     void OpenWindow() {
         window = std::make_unique<frmMain>(
             frmMain::Parts{settings, program->language, screen, program->samplingLoop, program->lines,
-                           program->rateHistory, program->infoTexts, program->liveTexts, program->errors,
-                           clock, program->locale, area, boxes, program->dialing});
+                           program->rateHistory, program->infoTexts, program->liveTexts, program->monthSums,
+                           program->errors, clock, program->locale, area, boxes, program->dialing});
         window->Plug({.Closing = [this](CloseReason reason) { closings.push_back(static_cast<int>(reason)); },
-                      .UseOfChartLine = [this] { return use; },
                       .OpenStatistics = openStatistics,
                       .OpenSettings = openSettings,
                       .OpenAbout = openAbout});
@@ -58,7 +57,6 @@ class MainWindow : public CoreFixture {
     int Setting(SettingKey<int> key) { return settings.Get(key); }
 
     FakeNotificationArea area;
-    PeriodUse use;
     std::function<void()> openStatistics, openSettings, openAbout;
     std::vector<int> closings; // the reasons, as numbers
     std::unique_ptr<frmMain> window;

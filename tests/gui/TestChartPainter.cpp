@@ -61,8 +61,8 @@ class Chart : public CoreFixture {
         return -1;
     }
     bool started = StartProgram();
-    ChartPainter painter{{program->lines, program->rateHistory, program->language, program->errors, clock,
-                          program->locale, [] {}}};
+    ChartPainter painter{
+        {program->lines, program->rateHistory, program->language, program->errors, clock, program->locale}};
     PictureBox picture;
 };
 

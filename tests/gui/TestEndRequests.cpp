@@ -8,7 +8,9 @@ using namespace korvalin;
 TEST(EndRequests, TellWhoAsksTheProgramToEnd) {
     const TerminationSignals termination;
     std::vector<CloseReason> reasons;
-    const EndRequests requests(termination, [&](CloseReason reason) { reasons.push_back(reason); });
+    const EndRequests requests(termination);
+    QObject::connect(&requests, &EndRequests::EndRequested,
+                     [&](CloseReason reason) { reasons.push_back(reason); });
     const std::pair<int, CloseReason> rows[] = {{SIGTERM, CloseReason::SystemEnd},
                                                 {SIGINT, CloseReason::TaskManager},
                                                 {SIGHUP, CloseReason::TaskManager}};

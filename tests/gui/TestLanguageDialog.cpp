@@ -1,5 +1,4 @@
 #include "fakes/CoreFixture.h"
-#include "lang/ApplyFormTexts.h"
 #include "lang/frmLanguage.h"
 
 using namespace korvalin;
@@ -15,7 +14,7 @@ class LanguageDialogTest : public CoreFixture {
         shell.Language = usersLanguage;
         settings.SetReg("Language", "");
         language.PlugAskLanguage([&] {
-            frmLanguage dialog(language, [this] { ApplyTextsToLoadedForms(language); });
+            frmLanguage dialog(language);
             QTimer::singleShot(0, &dialog, [&] {
                 ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
                 action(dialog, *dialog.findChild<QComboBox*>(QStringLiteral("cboLanguage")));

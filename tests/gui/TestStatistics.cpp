@@ -31,10 +31,9 @@ class Statistics : public CoreFixture, protected Driver {
             folder.Write((program->dataFolder.GetDataPath() / "Korvalin_Stats.db").string(), content);
             program->LoadStatistics();
         }
-        window = std::make_unique<frmStatistik>(
-            frmStatistik::Parts{settings, program->language, program->errors, boxes, program->statFile,
-                                program->aliases, program->monthSums, program->periodSums, clock,
-                                program->locale, [this] { return program->RecordsInFile(); }});
+        window = std::make_unique<frmStatistik>(frmStatistik::Parts{
+            settings, program->language, program->errors, boxes, program->statFile, program->aliases,
+            program->monthSums, program->periodSums, clock, program->locale, program->recorder});
         window->Plug([this](QWidget*, const QString&, const QString&) { return savePath; });
         window->Open();
         AwaitRecords();

@@ -46,7 +46,11 @@ class Tray : public MainWindow {
 
 TEST_F(Tray, ShowsTheRatesAsBarsInThePanelsSizes) {
     Start();
-    use = {500'000'000, 0, false, 0};
+    OpenConnection earlier;
+    earlier.LineName = "eth0";
+    earlier.LogIn = earlier.End = clock.Now() - 1;
+    earlier.BytesReceived = 499'000'000; // what is open now is rounded up to the next megabyte
+    program->monthSums.Add(earlier);
     Run(30, 15'000); // of 30 kilobytes that fill the bar
     EXPECT_TRUE(ColorAt(0, 8) == blue && ColorAt(0, 7) == background) << "half of 1000 megabytes";
     EXPECT_TRUE(ColorAt(13, 8) == red && ColorAt(13, 7) == background);

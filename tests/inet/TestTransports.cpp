@@ -8,7 +8,11 @@ namespace fs = std::filesystem;
 
 class Transports : public WebFixture, public testing::WithParamInterface<Transport> {
   protected:
-    Transports() : WebFixture(WebServer::Certificates::Yes) { Use(GetParam()); }
+    Transports() : WebFixture(WebServer::Certificates::Yes) {
+        WriteTexts("ENG\tsection\t1\ttext\r\n");
+        EXPECT_TRUE(language.LoadLanguageChoices() && language.UseLanguage("ENG"));
+        Use(GetParam());
+    }
     bool IsLoop() const { return GetParam() == Transport::Loop; }
     bool Download(const std::string& url) { return fetch.HtmDownloadFile(url, folder.Path(), "file.htm"); }
     std::string Account(const std::string& url) { // of the user and the password that the server was shown
@@ -121,8 +125,7 @@ TEST_P(Transports, TrustNobodyWithoutACertificateAndSendNothingInTheClear) {
     rules.TrustedCertificates.clear();
     CurlHttp distrustful{rules};
     CurlTransferControl distrustfulControl{rules};
-    WebFetch other{{distrustful, settings, errors, realFiles, hurried, clock, ProgramVersion{},
-                    [] { return std::string(); }, [this] { return folder.Path(); }}};
+    WebFetch other(FetchParts(distrustful));
     if (!IsLoop()) other.UseControl(&distrustfulControl);
     EXPECT_EQ(other.HtmLoadPage(server.Https() + "page"), "") << "a certificate of the server's own making";
     EXPECT_TRUE(other.State().Status.starts_with("60:")) << other.State().Status;

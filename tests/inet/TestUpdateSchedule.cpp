@@ -11,7 +11,7 @@ class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
         aboutIsOpen = false;
         UseSite("https://maker.example/", files, signatures);
         schedule.emplace(*check, settings, errors, clock);
-        schedule->Plug([this](double seconds) { callAgain = seconds; });
+        schedule->Plug({.CallAgain = [this](double seconds) { callAgain = seconds; }});
         Offer("2.3.12");
     }
     void Offer(const std::string& version) {
@@ -24,7 +24,7 @@ class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
     // As the timer does: after the time that it was told.
     bool Call() {
         clock.Advance(std::exchange(callAgain, 0));
-        return schedule->AutoUpdateCheck();
+        return schedule->AutoUpdateCheck(true);
     }
     bool Asked() { return !http.TakeAddresses().empty(); }
 

@@ -30,7 +30,9 @@ class WebFixture : public CoreFixture {
     };
 
     explicit WebFixture(WebServer::Certificates certificates = WebServer::Certificates::No)
-        : server(certificates) {}
+        : server(certificates) {
+        KeepDataInFolder();
+    }
     ~WebFixture() override { fetch.UseControl(nullptr); }
 
     void Use(Transport transport) { fetch.UseControl(transport == Transport::Control ? &control : nullptr); }
@@ -42,8 +44,18 @@ class WebFixture : public CoreFixture {
     PosixFiles realFiles;
     CurlHttp curl{rules};
     CurlTransferControl control{{5, 60, rules.TrustedCertificates}};
-    WebFetch fetch{{curl, settings, errors, realFiles, hurried, clock, ProgramVersion{2, 3, 12},
-                    [] { return std::string("ENG"); }, [this] { return folder.Path(); }}};
+    WebFetch::Parts FetchParts(Http& transport) {
+        return {.Http = transport,
+                .Settings = settings,
+                .Errors = errors,
+                .Files = realFiles,
+                .Events = hurried,
+                .Clock = clock,
+                .Language = language,
+                .DataFolder = dataFolder,
+                .Version = {2, 3, 12}};
+    }
+    WebFetch fetch{FetchParts(curl)};
 };
 
 } // namespace korvalin

@@ -68,7 +68,16 @@ class DataFolderTest : public CoreFixture {
     WatchedShell places;
     ReadOnlyFiles disk;
     fs::path share = folder / "share/Korvalin";
-    DataFolder data{settings, language, errors, boxes, disk, places, clock, programFolder};
+    DataFolder::Parts Parts() {
+        return {.Settings = settings,
+                .Language = language,
+                .Errors = errors,
+                .MessageBoxes = boxes,
+                .Files = disk,
+                .Shell = places,
+                .Clock = clock};
+    }
+    DataFolder data{Parts(), programFolder};
 };
 
 TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
@@ -80,7 +89,7 @@ TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
     EXPECT_EQ(Contents(share), "");
     EXPECT_EQ(settings.Get(Keys::DataPath), "");
     disk.CopyFails = false;
-    DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
+    DataFolder next(Parts(), programFolder);
     EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
     EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
     EXPECT_EQ(Contents(share), "db=old ");
@@ -95,7 +104,7 @@ TEST_F(DataFolderTest, JoinsStatisticsOfTheProgramFolderToThoseOfTheDataFolder) 
     EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
     EXPECT_EQ(Contents(share), "db=both\r\nc\r\n ");
     disk.DurableResult = 0;
-    DataFolder next(settings, language, errors, boxes, disk, places, clock, programFolder);
+    DataFolder next(Parts(), programFolder);
     EXPECT_EQ(next.GetDataPath(), share / "");
     EXPECT_EQ(Contents(share), "db=both\r\nc\r\na\r\nb\r\n ");
     EXPECT_EQ(Contents(programFolder), "db_20240315-120000=a\r\nboth\nb ");
@@ -120,7 +129,7 @@ TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
         settings.SetReg("DataPath", "");
         disk.CreateFoldersResult = row.CreateResult;
         disk.Folders = row.ReadOnly;
-        DataFolder fresh(settings, language, errors, boxes, disk, places, clock, programFolder);
+        DataFolder fresh(Parts(), programFolder);
         const fs::path found = fresh.GetDataPath();
         EXPECT_EQ(TakeBoxes(), row.Shown);
         EXPECT_EQ(fresh.GetDataPath(), found);

@@ -14,35 +14,75 @@ class StartupTest : public CoreFixture {
     StartupTest() {
         WriteTexts(goodTexts);
         settings.SetReg("Language", "GER");
+        fs::create_directories(folder / "log");
         settings.SetReg("DataPath", (folder / "log").string());
     }
 
     bool Main(ProgramVersion version = {2, 1, 7}) {
-        const auto download = [this](const std::string& name, const fs::path& target) {
-            Downloads.push_back(name);
-            if (Download.empty()) return false;
-            std::ofstream(target) << Download;
-            return true;
-        };
-        DataFolder data(settings, language, errors, boxes, files, shell, clock, programFolder);
-        UpdateInstallation update(settings, language, errors, boxes, files, shell, events, clock, lock,
-                                  programFolder);
-        Components components(settings, language, boxes, shell, events, data, download, "page");
-        return Startup({settings, language, errors, boxes, shell, clock, lock, data, update, components,
-                        download, CreateLineTable, [this] { Calls.push_back("settings"); }},
-                       version)
-            .Main();
+        if (!Download.empty()) http.Answers["https://maker.example/Korvalin.lng"].Body = Download;
+        Startup startup({.Settings = settings,
+                         .Language = language,
+                         .Errors = errors,
+                         .MessageBoxes = boxes,
+                         .Shell = shell,
+                         .Clock = clock,
+                         .InstanceLock = lock,
+                         .DataFolder = dataFolder,
+                         .UpdateInstallation = update,
+                         .Components = components,
+                         .UpdateSite = site,
+                         .LineState = lines},
+                        version);
+        startup.Plug({.LoadUserVar = LoadUserVar});
+        lines.LineCount = 1;
+        return startup.Main();
     }
 
     static constexpr const char* goodTexts = "GER\tmodAllgemein\t1\tWrong system\n";
     std::string Download;
-    Lines Downloads, Calls;
-    std::function<void()> CreateLineTable = [this] { Calls.push_back("lines"); };
+    int loads = 0;
+    std::function<void()> LoadUserVar = [this] {
+        EXPECT_EQ(lines.LineCount, 0U) << "the line table is there";
+        ++loads;
+    };
+    LineState lines;
+    WebFetch fetch{{.Http = http,
+                    .Settings = settings,
+                    .Errors = errors,
+                    .Files = files,
+                    .Events = events,
+                    .Clock = clock,
+                    .Language = language,
+                    .DataFolder = dataFolder,
+                    .Version = {2, 1, 7}}};
+    UpdateSite site{{.Site = "https://maker.example/", .VersionHistoryPage = "", .PublicKey = ""},
+                    programFolder / "Korvalin.exe",
+                    fetch,
+                    signatures,
+                    errors};
+    UpdateInstallation update{{.Settings = settings,
+                               .Language = language,
+                               .Errors = errors,
+                               .MessageBoxes = boxes,
+                               .Files = files,
+                               .Shell = shell,
+                               .Events = events,
+                               .Clock = clock,
+                               .InstanceLock = lock},
+                              programFolder};
+    Components components{{.Settings = settings,
+                           .Language = language,
+                           .MessageBoxes = boxes,
+                           .Shell = shell,
+                           .Events = events,
+                           .DataFolder = dataFolder,
+                           .UpdateSite = site},
+                          "page"};
 };
 
 TEST_F(StartupTest, PreparesTheMainWindow) {
     EXPECT_TRUE(Main());
-    EXPECT_EQ(Calls, (Lines{"lines", "settings"}));
+    EXPECT_EQ(loads, 1);
     EXPECT_EQ(FormatDateIso(settings.Get(Keys::FirstRunDate)), "2024-03-15 12:00:00");
     clock.Advance(100);
     EXPECT_TRUE(Main());
@@ -65,14 +105,17 @@ TEST_F(StartupTest, EndsForANewerProgramAndWhereItCannotRun) {
     folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
     EXPECT_FALSE(Main());
     EXPECT_EQ(shell.Started.size(), 1U);
-    EXPECT_TRUE(Calls.empty());
+    EXPECT_EQ(loads, 0);
 }
 
 TEST_F(StartupTest, AnErrorInOneStepEndsOnlyThatStep) {
-    CreateLineTable = [] { throw NumberedError(7, "lines"); };
+    const fs::path backup = folder.Write("log/Korvalin_Stats.db_old", "records");
+    fs::last_write_time(backup, fs::file_time_type::clock::now() - std::chrono::years(50));
+    settings.SetReg("DeleteStatistics", 1);
+    LoadUserVar = [] { throw NumberedError(7, "settings"); };
     EXPECT_TRUE(Main());
     EXPECT_NE(boxes.Take().Text.find("Main"), std::string::npos);
-    EXPECT_EQ(Calls, Lines{"settings"});
+    EXPECT_FALSE(fs::exists(backup)) << "the steps behind it are done";
 }
 
 TEST_F(StartupTest, GetsALanguageFile) {
@@ -96,14 +139,13 @@ TEST_F(StartupTest, GetsALanguageFile) {
         fs::remove(file);
         if (row.Exists) folder.Write("program/Korvalin.lng", "broken");
         Download = row.Download == "good" ? "h\n" + std::string(goodTexts) : row.Download;
-        Downloads.clear();
         boxes.Answers = row.Answers;
         EXPECT_EQ(Main(), row.Starts);
         Lines shown = TakeBoxes();
         for (std::string& text : shown)
             text.resize(text.starts_with(corrupted) ? corrupted.size() : missing.size());
         EXPECT_EQ(shown, row.Shown);
-        EXPECT_EQ(Downloads, Lines(row.Downloads, "Korvalin.lng"));
+        EXPECT_EQ(http.TakeAddresses(), Lines(row.Downloads, "https://maker.example/Korvalin.lng"));
     }
 }
 

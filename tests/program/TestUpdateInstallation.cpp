@@ -24,7 +24,15 @@ class UpdateInstallationTest : public CoreFixture {
     }
     bool Run(const char* executable) {
         shell.Executable = programFolder / executable;
-        return UpdateInstallation(settings, language, errors, boxes, files, shell, events, clock, lock,
+        return UpdateInstallation({.Settings = settings,
+                                   .Language = language,
+                                   .Errors = errors,
+                                   .MessageBoxes = boxes,
+                                   .Files = files,
+                                   .Shell = shell,
+                                   .Events = events,
+                                   .Clock = clock,
+                                   .InstanceLock = lock},
                                   programFolder)
             .Run();
     }

@@ -12,6 +12,8 @@ namespace korvalin {
 /// 15 March 2024.
 class StatsFixture : public TrafficFixture {
   protected:
+    StatsFixture() { KeepDataInFolder(); }
+
     static Date At(std::string_view text) { return ParseDate(text, Locale()).value(); }
 
     /// A line of the file, of the fixture's day when `logIn` is a time only.
@@ -48,14 +50,16 @@ class StatsFixture : public TrafficFixture {
     Aliases aliases{settings, errors, clock, units};
     MonthSums monthSums{aliases, lines, errors, clock};
     PeriodSums periodSums{aliases, errors, locale};
-    StatFile statFile{[this] { return folder.Path(); },
-                      files,
-                      events,
-                      clock,
-                      errors,
-                      [this] { return OpenConnectionsOf(lines); },
-                      aliases,
-                      locale};
+    OpenConnections openConnections{
+        {.LineState = lines, .DataFolder = dataFolder, .RecordingLock = recordingLock, .Journal = journal}};
+    StatFile statFile{{.DataFolder = dataFolder,
+                       .Files = files,
+                       .Events = events,
+                       .Clock = clock,
+                       .Errors = errors,
+                       .OpenConnections = openConnections,
+                       .Aliases = aliases,
+                       .Locale = locale}};
     StatRecords records;
 };
 

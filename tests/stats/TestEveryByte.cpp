@@ -324,18 +324,12 @@ class GatedJournal : public FakeJournal {
 class EveryByte : public RunFixture {
   protected:
     struct Run : ProgramRun {
-        explicit Run(EveryByte& t)
-            : ProgramRun(
-                  t, t.gatedFiles, t.gatedJournal, [&t] { return t.folder.Path(); },
-                  [this](const OpenConnection& made) { Month.Add(made); }, [this, &t] { t.LoadSums(*this); }),
-              Tariffs(t.settings, t.errors, t.clock, t.units),
-              Month(Tariffs, State, t.errors, t.clock),
-              Watch(t.clock) {}
+        explicit Run(EveryByte& t) : ProgramRun(t, t.gatedFiles, t.gatedJournal), Watch(t.clock) {
+            Keeper.Plug({.OthersRecorded = [this, &t] { t.LoadSums(*this); }});
+        }
         void FollowClock() {
             if (const Date step = Watch.TakeStep(); step != 0) Monitor.ShiftMoments(step);
         }
-        Aliases Tariffs;
-        MonthSums Month;
         ClockWatch Watch;
         View Seen;
         Account Eyes; // of one that only looks on
@@ -481,7 +475,7 @@ class EveryByte : public RunFixture {
     }
     void LoadSums(Run& run) {
         StatRecords loaded;
-        const std::size_t known = run.Month.RecordsMade() - run.Record.Unwritten();
+        const std::size_t known = run.Record.RecordsInFile();
         statFile.LoadStatFile(loaded, true);
         if (run.Keeper.LooksOn()) {
             run.Month.SetOpenElsewhere(gatedJournal.Look(folder.Path()).StillOpen());

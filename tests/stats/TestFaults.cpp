@@ -51,14 +51,14 @@ class StatFaults : public StatsFixture {
     std::string File() const { return folder.Read("Korvalin_Stats.db"); }
 
     PosixFiles posix;
-    StatFile stats{[this] { return folder.Path(); },
-                   posix,
-                   events,
-                   clock,
-                   errors,
-                   [] { return std::vector<OpenConnection>(); },
-                   aliases,
-                   locale};
+    StatFile stats{{.DataFolder = dataFolder,
+                    .Files = posix,
+                    .Events = events,
+                    .Clock = clock,
+                    .Errors = errors,
+                    .OpenConnections = openConnections,
+                    .Aliases = aliases,
+                    .Locale = locale}};
 };
 
 TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {

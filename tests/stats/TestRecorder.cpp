@@ -61,8 +61,19 @@ class RecorderTest : public StatsFixture {
         recorder.WritePending();
     }
 
-    Recorder recorder{{lines, ledger, files, errors, language, clock, recordingLock, locale,
-                       [this] { return folder.Path(); }, [](const OpenConnection&) {}}};
+    Recorder::Parts Parts() {
+        return {.LineState = lines,
+                .CounterLedger = ledger,
+                .Files = files,
+                .Errors = errors,
+                .Language = language,
+                .Clock = clock,
+                .RecordingLock = recordingLock,
+                .Locale = locale,
+                .DataFolder = dataFolder,
+                .MonthSums = monthSums};
+    }
+    Recorder recorder{Parts()};
 };
 
 TEST_F(RecorderTest, TellsWhyARecordWasWritten) {
@@ -143,8 +154,7 @@ TEST_F(RecorderTest, WhatAFaultHasHeldUpIsWrittenOnce) {
     const std::vector<PendingRecord> left = recorder.Pending();
     ASSERT_EQ(left.size(), 1U);
     const auto next = [&] {
-        Recorder another{{lines, ledger, files, errors, language, clock, recordingLock, locale,
-                          [this] { return folder.Path(); }, [](const OpenConnection&) {}}};
+        Recorder another(Parts());
         another.TakeUp(left);
         another.WritePending();
     };

@@ -7,19 +7,12 @@ namespace {
 
 class Runs : public RunFixture {
   protected:
-    struct Run : ProgramRun {
-        explicit Run(Runs& t)
-            : ProgramRun(
-                  t, t.files, t.journal, [&t] { return t.dataFolder; }, [](const OpenConnection&) {}, [] {}) {
-        }
-    };
+    using Run = ProgramRun;
 
     void SetUp() override { journal.SpareFolder = spare.Path(); }
 
-    std::filesystem::path dataFolder = folder.Path();
-
     std::unique_ptr<Run> Start(bool anotherRecords = false) {
-        auto run = std::make_unique<Run>(*this);
+        auto run = std::make_unique<Run>(*this, files, journal);
         run->Lock.AnotherRecords = anotherRecords;
         run->Keeper.Start();
         return run;
@@ -215,11 +208,12 @@ TEST_F(Runs, TheJournalFollowsTheDataAtTheNextPass) {
     const int saves = journal.Saves;
     Pass(*run);
     EXPECT_EQ(journal.Saves, saves) << "nothing has changed";
-    dataFolder = folder / "elsewhere";
-    std::filesystem::create_directories(dataFolder);
+    const std::filesystem::path elsewhere = folder / "elsewhere/";
+    std::filesystem::create_directories(elsewhere);
+    settings.SetReg("DataPath", elsewhere.string());
     Pass(*run);
     EXPECT_EQ(journal.Saves, saves + 1);
-    EXPECT_EQ(journal.Folder, dataFolder);
+    EXPECT_EQ(journal.Folder, elsewhere);
 }
 
 TEST_F(Runs, ARecordThatOnlyItsExportLacksIsNotWrittenAgain) {

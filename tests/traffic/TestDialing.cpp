@@ -40,7 +40,14 @@ class DialingTest : public CoreFixture {
     LineState lines;
     PhoneBook book{ras, internet, boxes, errors};
     PhoneNumberGuard guard{ras, settings, language, boxes};
-    Dialing dialing{{internet, ras, book, guard, lines, settings, events, errors}};
+    Dialing dialing{{.Internet = internet,
+                     .Ras = ras,
+                     .PhoneBook = book,
+                     .PhoneNumberGuard = guard,
+                     .LineState = lines,
+                     .Settings = settings,
+                     .Events = events,
+                     .Errors = errors}};
 };
 
 TEST_F(DialingTest, ListsThePhoneBookByThePlainOrderOfItsNames) {

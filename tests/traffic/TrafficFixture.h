@@ -35,9 +35,32 @@ class TrafficFixture : public CoreFixture {
     LineBook book{lines, errors, clock};
     CounterLedger ledger;
     LineNames names{networks, ras, options};
-    LanReader lanReader{network, lines, book, ledger, names, options, errors, clock};
-    RasReader rasReader{ras, network, lines, book, ledger, lanReader, settings, errors, clock};
-    LineMonitor monitor{lines, book, rasReader, lanReader, options, internet, user, clock, errors};
+    LanReader lanReader{{.NetworkTables = network,
+                         .LineState = lines,
+                         .LineBook = book,
+                         .CounterLedger = ledger,
+                         .LineNames = names,
+                         .TrafficOptions = options,
+                         .Errors = errors,
+                         .Clock = clock}};
+    RasReader rasReader{{.Ras = ras,
+                         .NetworkTables = network,
+                         .LineState = lines,
+                         .LineBook = book,
+                         .CounterLedger = ledger,
+                         .LanReader = lanReader,
+                         .Settings = settings,
+                         .Errors = errors,
+                         .Clock = clock}};
+    LineMonitor monitor{{.LineState = lines,
+                         .LineBook = book,
+                         .RasReader = rasReader,
+                         .LanReader = lanReader,
+                         .TrafficOptions = options,
+                         .Internet = internet,
+                         .User = user,
+                         .Clock = clock,
+                         .Errors = errors}};
     std::vector<Closed> closed;
     int historyResizes = 0;
 };

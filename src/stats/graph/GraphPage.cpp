@@ -152,7 +152,7 @@ void GraphPage::ApplyTexts() {
         periods << ToQt(parts_.Language.Lng("frmStatistikObj", number));
     refill(*ui_->cboGPeriodType, periods, static_cast<int>(options_.Period));
     QStringList weekdays;
-    for (const std::string& name : parts_.UserLocale.DayNames)
+    for (const std::string& name : parts_.Locale.DayNames)
         weekdays << ToQt(name);
     refill(*ui_->cboGWeekday, weekdays, options_.FirstWeekday);
     FillTops();
@@ -160,10 +160,10 @@ void GraphPage::ApplyTexts() {
 
 void GraphPage::FillAliases() {
     std::vector<std::string> names;
-    for (std::size_t i = 1; i <= parts_.AliasTable.AliasCount(); ++i)
-        names.push_back(parts_.AliasTable.Alias(i).Alias);
+    for (std::size_t i = 1; i <= parts_.Aliases.AliasCount(); ++i)
+        names.push_back(parts_.Aliases.Alias(i).Alias);
     const auto before = [&](const std::string& left, const std::string& right) {
-        return parts_.UserLocale.Collate(left, right) < 0;
+        return parts_.Locale.Collate(left, right) < 0;
     };
     std::stable_sort(names.begin(), names.end(), before);
 
@@ -185,8 +185,8 @@ void GraphPage::FillAliases() {
 
 void GraphPage::ShowDates() {
     const Date today = parts_.Clock.Now();
-    FillDates(*ui_->cboGFrom, FirstDayChoices(today, graph_.FirstRecord), options_.From, parts_.UserLocale);
-    FillDates(*ui_->cboGTill, LastDayChoices(today, graph_.LastRecord), options_.Till, parts_.UserLocale);
+    FillDates(*ui_->cboGFrom, FirstDayChoices(today, graph_.FirstRecord), options_.From, parts_.Locale);
+    FillDates(*ui_->cboGTill, LastDayChoices(today, graph_.LastRecord), options_.Till, parts_.Locale);
 }
 
 void GraphPage::FillTops() {
@@ -199,7 +199,7 @@ void GraphPage::FillTops() {
     combo.clear();
     combo.addItem(ToQt(StatText(40)), 0.0);
     for (const double top : tops) {
-        combo.addItem(ToQt(ScaleText(top, DecimalsOf(top), parts_.UserLocale) + " " + view_.UnitName), top);
+        combo.addItem(ToQt(ScaleText(top, DecimalsOf(top), parts_.Locale) + " " + view_.UnitName), top);
         if (top == view_.FixedTop) combo.setCurrentIndex(combo.count() - 1);
     }
 }
@@ -214,11 +214,11 @@ void GraphPage::TakeAlias() {
 
 void GraphPage::TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date) {
     const std::string text = TextOf(combo);
-    if (text == FormatPattern(date, parts_.UserLocale.ShortDate)) return;
+    if (text == FormatPattern(date, parts_.Locale.ShortDate)) return;
     const int offered = combo.findText(ToQt(text));
     if (offered >= 0) {
         date = combo.itemData(offered).toDouble();
-    } else if (text.empty() || ParseDate(text, parts_.UserLocale)) {
+    } else if (text.empty() || ParseDate(text, parts_.Locale)) {
         date = DayOf(parts_.Settings.Validate(key, text));
     } // anything else is no date: the one before comes back
     CalcGraph();
@@ -268,7 +268,7 @@ void GraphPage::SetUnit(const std::string& name, double bytes) {
 void GraphPage::CalcGraph() {
     parts_.Errors.Step("CalcGraph", [this] {
         if (records_ == nullptr) return;
-        graph_ = korvalin::CalcGraph(*records_, options_, parts_.AliasTable, parts_.Clock.Now());
+        graph_ = korvalin::CalcGraph(*records_, options_, parts_.Aliases, parts_.Clock.Now());
         scaleReported_ = false;
         if (graph_.Periods.empty()) return;
         options_.From = graph_.From;
@@ -294,7 +294,7 @@ void GraphPage::DrawGraph() {
         layout_.reset();
         const std::optional<GraphScale> scale = Scale();
         PictureCanvas canvas(*ui_->PicChart);
-        if (scale) layout_ = korvalin::DrawGraph(canvas, graph_, view_, *scale, parts_.UserLocale);
+        if (scale) layout_ = korvalin::DrawGraph(canvas, graph_, view_, *scale, parts_.Locale);
         ui_->PicChart->setAccessibleName(ToQt(Title()));
     });
 }
@@ -302,22 +302,21 @@ void GraphPage::DrawGraph() {
 std::string GraphPage::Title() const {
     if (graph_.Periods.empty()) return options_.Alias;
     const PeriodVolume range{graph_.Periods.front().Begin, graph_.Periods.back().End};
-    return options_.Alias + ", " + PeriodRange(range, parts_.UserLocale) + ", " + view_.UnitName;
+    return options_.Alias + ", " + PeriodRange(range, parts_.Locale) + ", " + view_.UnitName;
 }
 
 std::string GraphPage::Svg() {
     const std::optional<GraphScale> scale = Scale();
     if (!scale) return {};
     GraphSvg svg(svgWidth, svgHeight, Title());
-    korvalin::DrawGraph(svg, graph_, view_, *scale, parts_.UserLocale);
+    korvalin::DrawGraph(svg, graph_, view_, *scale, parts_.Locale);
     return svg.Text();
 }
 
 std::string GraphPage::PeriodText(const PeriodVolume& period, const GraphScale& scale) const {
-    std::string text = PeriodRange(period, parts_.UserLocale);
+    std::string text = PeriodRange(period, parts_.Locale);
     const auto line = [&](int caption, double bytes) {
-        text +=
-            "\n" + StatText(caption) + ": " + VolumeText(bytes, view_, scale.Decimals + 1, parts_.UserLocale);
+        text += "\n" + StatText(caption) + ": " + VolumeText(bytes, view_, scale.Decimals + 1, parts_.Locale);
     };
     if (view_.Send) line(16, period.BytesTransmitted);
     if (view_.Received) line(17, period.BytesReceived);

@@ -36,10 +36,10 @@ class GraphPage : public QWidget {
         korvalin::Settings& Settings;
         korvalin::Language& Language;
         korvalin::Errors& Errors;
-        const Aliases& AliasTable;
+        const korvalin::Aliases& Aliases;
         korvalin::MessageBoxes& MessageBoxes;
         korvalin::Clock& Clock;
-        const Locale& UserLocale;
+        const korvalin::Locale& Locale;
     };
     explicit GraphPage(const Parts& parts, QWidget* parent = nullptr);
     ~GraphPage() override;

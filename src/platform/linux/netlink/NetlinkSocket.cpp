@@ -12,7 +12,6 @@ namespace {
 
 // The kernel fills at most 32 KB per message of a dump, and only when it has seen a buffer of that size.
 constexpr std::size_t bufferBytes = 65536;
-constexpr int attemptsAtSteadyTable = 3;
 constexpr timeval answerTimeout = {2, 0};
 
 int ErrorOf(const nlmsghdr& message) {
@@ -50,52 +49,43 @@ int NetlinkSocket::Open() {
     return error;
 }
 
-int NetlinkSocket::Dump(nlmsghdr& request, const std::function<void()>& restart,
-                        const std::function<void(const nlmsghdr&)>& take) {
-    int error = 0;
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        error = socket_ ? 0 : Open();
-        if (error == 0) error = DumpUntilSteady(request, restart, take);
-        if (error == 0) return 0;
-        // What is left of the answer would be taken for the next one's.
-        socket_.reset();
-    }
-    return error;
-}
-
-int NetlinkSocket::DumpUntilSteady(nlmsghdr& request, const std::function<void()>& restart,
-                                   const std::function<void(const nlmsghdr&)>& take) {
-    for (int attempt = 0; attempt < attemptsAtSteadyTable; ++attempt) {
-        restart();
-        const Answer answer = DumpOnce(request, take);
-        if (answer.Error != 0) return answer.Error;
-        if (!answer.Changed) return 0;
-    }
-    // On a host that never rests the last picture has to do.
-    return 0;
-}
-
-NetlinkSocket::Answer NetlinkSocket::DumpOnce(nlmsghdr& request,
-                                              const std::function<void(const nlmsghdr&)>& take) {
+NetlinkSocket::Answer NetlinkSocket::Send(nlmsghdr& request) {
     Answer answer;
     request.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
     request.nlmsg_seq = ++sequence_;
-    if (mnl_socket_sendto(socket_.get(), &request, request.nlmsg_len) < 0) return {errno, false};
-    for (;;) {
-        const ssize_t count = mnl_socket_recvfrom(socket_.get(), buffer_.data(), buffer_.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return {errno, false};
-        if (count == 0) return {ECONNRESET, false};
-        int left = static_cast<int>(count);
-        const auto* message = reinterpret_cast<const nlmsghdr*>(buffer_.data());
-        for (; mnl_nlmsg_ok(message, left); message = mnl_nlmsg_next(message, &left)) {
-            if (message->nlmsg_seq != sequence_) continue;
-            if ((message->nlmsg_flags & NLM_F_DUMP_INTR) != 0) answer.Changed = true;
-            if (message->nlmsg_type == NLMSG_ERROR) return {ErrorOf(*message), false};
-            if (message->nlmsg_type == NLMSG_DONE) return {ErrorOfEnd(*message), answer.Changed};
-            if (message->nlmsg_type >= NLMSG_MIN_TYPE) take(*message);
+    if (mnl_socket_sendto(socket_.get(), &request, request.nlmsg_len) < 0) answer.Error = errno;
+    answer.Ended = answer.Error != 0;
+    return answer;
+}
+
+int NetlinkSocket::Receive(Answer& answer) {
+    ssize_t count = 0;
+    do {
+        count = mnl_socket_recvfrom(socket_.get(), buffer_.data(), buffer_.size());
+    } while (count < 0 && errno == EINTR);
+    if (count <= 0) return count < 0 ? errno : ECONNRESET;
+    answer.Message = reinterpret_cast<const nlmsghdr*>(buffer_.data());
+    answer.Left = static_cast<int>(count);
+    return 0;
+}
+
+const nlmsghdr* NetlinkSocket::Next(Answer& answer) {
+    while (!answer.Ended) {
+        if (!mnl_nlmsg_ok(answer.Message, answer.Left)) {
+            answer.Error = Receive(answer);
+            answer.Ended = answer.Error != 0;
+            continue;
         }
+        const nlmsghdr& message = *answer.Message;
+        answer.Message = mnl_nlmsg_next(&message, &answer.Left);
+        if (message.nlmsg_seq != sequence_) continue;
+        if ((message.nlmsg_flags & NLM_F_DUMP_INTR) != 0) answer.Changed = true;
+        answer.Ended = message.nlmsg_type == NLMSG_ERROR || message.nlmsg_type == NLMSG_DONE;
+        if (message.nlmsg_type == NLMSG_ERROR) answer.Error = ErrorOf(message);
+        if (message.nlmsg_type == NLMSG_DONE) answer.Error = ErrorOfEnd(message);
+        if (message.nlmsg_type >= NLMSG_MIN_TYPE) return &message;
     }
+    return nullptr;
 }
 
 } // namespace korvalin

@@ -1,4 +1,4 @@
-#include "program/AutoStart.h"
+#include "settingsdlg/AutoStart.h"
 
 #include "base/ProgramTitle.h"
 #include "errors/Errors.h"
