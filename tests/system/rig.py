@@ -57,7 +57,9 @@ def with_hardware(folder, *adapters):
 
 
 class Home:
-    """A user's folders for one test."""
+    """A user's folders for one test; `prefix` is what starts a command as that user."""
+
+    prefix = ()
 
     def __init__(self):
         self.folder = tempfile.TemporaryDirectory(prefix="korvalin-")
@@ -78,7 +80,7 @@ class Home:
         return self.path / "config/korvalin/registry.db"
 
     def cli(self, *arguments, check=True):
-        return subprocess.run([BIN / "korvalin-cli", *arguments], env=self.env, check=check, text=True,
+        return subprocess.run([*self.prefix, BIN / "korvalin-cli", *arguments], env=self.env, check=check, text=True,
                               capture_output=True, timeout=30).stdout.strip()
 
     def set(self, **settings):
