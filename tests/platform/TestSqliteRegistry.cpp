@@ -156,6 +156,20 @@ TEST_F(TestSqliteRegistry, AVanishedFolderIsMadeAgainOrWritesFail) {
     EXPECT_FALSE(store.registry.TakeNotes().empty());
 }
 
+TEST_F(TestSqliteRegistry, FollowsALinkToItsFolderAndNoneInTheFilesPlace) {
+    const fs::path link = folder / "link";
+    fs::create_directory_symlink(file.parent_path(), link);
+    Fill(1);
+    EXPECT_TRUE(Store(link / "registry.db").Write("Name", "by the link"));
+    EXPECT_EQ(Store(file).Read("Name"), "by the link");
+    const fs::path planted = folder / "planted.db";
+    fs::create_symlink(file, planted);
+    fs::permissions(file, fs::perms(0644));
+    static_cast<void>(Store(planted).Write("Name", "over the link"));
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms(0644));
+    EXPECT_EQ(Store(file).Read("Name"), "by the link");
+}
+
 TEST_F(TestSqliteRegistry, AReadOnlyFolderCanBeReadAndRefusesWrites) {
     const WithoutRoot somebody;
     const TemporaryFolder own;

@@ -23,6 +23,15 @@ int CreateDatabaseFile(const std::filesystem::path& file) {
     return !created && errno != EEXIST ? errno : 0;
 }
 
+void MakePrivate(const std::filesystem::path& file) {
+    constexpr mode_t privateFile = 0600;
+    constexpr mode_t permissionsOfOthers = 0077;
+    struct stat status {};
+    if (lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+        (status.st_mode & permissionsOfOthers) != 0)
+        static_cast<void>(fchmodat(AT_FDCWD, file.c_str(), privateFile, AT_SYMLINK_NOFOLLOW));
+}
+
 bool RenameDatabase(const std::filesystem::path& from, const std::filesystem::path& to) {
     for (const char* part : DatabaseParts) {
         const int result = std::rename((from.string() + part).c_str(), (to.string() + part).c_str());

@@ -24,6 +24,9 @@ struct FileIdentity {
 /// Makes an empty file for the user alone (0600) unless there is one. 0 or the system's error number.
 [[nodiscard]] int CreateDatabaseFile(const std::filesystem::path& file);
 
+/// Takes other users' permissions from a file, never from what a link leads to.
+void MakePrivate(const std::filesystem::path& file);
+
 /// Renames a database with all its parts; false when the folder does not allow it.
 [[nodiscard]] bool RenameDatabase(const std::filesystem::path& from, const std::filesystem::path& to);
 

@@ -71,17 +71,14 @@ JournalEntry ReadEntry(const Row& row) {
 } // namespace
 
 int JournalDatabase::Connect(const std::filesystem::path& file, Source source) {
-    constexpr int look = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOFOLLOW;
     switch (source) {
-    case Source::SharedFile: return database_.Open(file.string(), look, busyMilliseconds);
+    case Source::SharedFile: return database_.OpenFile(file, SQLITE_OPEN_READONLY, busyMilliseconds);
     case Source::ClosedFile:
         // immutable: SQLite would make its other files, and leave them behind
-        return database_.Open(SqliteDatabase::Address(file, "immutable=1"), look | SQLITE_OPEN_URI,
-                              busyMilliseconds);
+        return database_.OpenFile(file, SQLITE_OPEN_READONLY, busyMilliseconds, "immutable=1");
     case Source::File: break;
     }
-    const int code =
-        database_.Open(file.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW, busyMilliseconds);
+    const int code = database_.OpenFile(file, SQLITE_OPEN_READWRITE, busyMilliseconds);
     return code == SQLITE_OK ? database_.Execute(fileSettings) : code;
 }
 

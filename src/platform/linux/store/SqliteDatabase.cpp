@@ -41,8 +41,10 @@ std::string_view SqliteDatabase::Row::Text(int column) const {
     return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
 
+namespace {
+
 // '?', '#' and '%' have a meaning of their own in an address.
-std::string SqliteDatabase::Address(const std::filesystem::path& file, std::string_view options) {
+std::string Address(const std::filesystem::path& file, std::string_view options) {
     std::string address = "file:";
     for (const char c : file.string()) {
         switch (c) {
@@ -53,6 +55,25 @@ std::string SqliteDatabase::Address(const std::filesystem::path& file, std::stri
         }
     }
     return address.append("?").append(options);
+}
+
+// SQLite would refuse links on the way to the folder too, which are the user's or the system's.
+std::filesystem::path WithRealFolder(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::canonical(file.parent_path(), error);
+    return error ? file : folder / file.filename();
+}
+
+} // namespace
+
+int SqliteDatabase::OpenFile(const std::filesystem::path& file, int flags, int busyMilliseconds,
+                             std::string_view options) {
+    return Open(Address(WithRealFolder(file), options), flags | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_URI,
+                busyMilliseconds);
+}
+
+int SqliteDatabase::OpenInMemory() {
+    return Open(":memory:", SQLITE_OPEN_READWRITE, 0);
 }
 
 bool SqliteDatabase::IsDamage(int code) {

@@ -41,14 +41,15 @@ class SqliteDatabase {
         Statement& Target;
     };
 
-    /// "file:" address of a path with options of SQLite's, such as "immutable=1".
-    static std::string Address(const std::filesystem::path& file, std::string_view options);
-
     /// Whether a result tells of a database that holds something else than it should.
     static bool IsDamage(int code);
 
-    /// Opens for this thread alone without a look at the content; `flags` are SQLite's.
-    [[nodiscard]] int Open(const std::string& address, int flags, int busyMilliseconds);
+    /// Opens a file for this thread alone without a look at the content; `flags` are SQLite's, and so are the
+    /// `options` ("immutable=1"). A link in the file's place is refused, one to its folder is followed.
+    [[nodiscard]] int OpenFile(const std::filesystem::path& file, int flags, int busyMilliseconds,
+                               std::string_view options = "");
+    /// One that lives as long as this object.
+    [[nodiscard]] int OpenInMemory();
 
     enum class Access { Read, Write };
     /// Runs calls that end with a result code in one step; what they did is undone when one fails.
@@ -68,6 +69,7 @@ class SqliteDatabase {
     int Changes() const;
 
   private:
+    int Open(const std::string& address, int flags, int busyMilliseconds);
     struct ConnectionCloser {
         void operator()(sqlite3* connection) const;
     };

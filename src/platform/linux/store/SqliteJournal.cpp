@@ -54,8 +54,8 @@ bool MakeFile(const fs::path& file) {
         if (lstat(path.c_str(), &status) != 0) continue;
         if (!S_ISREG(status.st_mode)) {
             if (std::rename(path.c_str(), NameAside(path).c_str()) != 0) return false;
-        } else if ((status.st_mode & 0077) != 0) {
-            static_cast<void>(fchmodat(AT_FDCWD, path.c_str(), 0600, AT_SYMLINK_NOFOLLOW));
+        } else {
+            MakePrivate(path);
         }
     }
     return CreateDatabaseFile(file) == 0;

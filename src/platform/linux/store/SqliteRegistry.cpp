@@ -42,14 +42,6 @@ bool IsProgramValue(std::string_view valueName) {
     return EqualsNoCase(valueName, ProgramTitle);
 }
 
-void MakePrivate(const std::string& path) {
-    constexpr mode_t privateFile = 0600;
-    constexpr mode_t permissionsOfOthers = 0077;
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0 && (status.st_mode & permissionsOfOthers) != 0)
-        static_cast<void>(!chmod(path.c_str(), privateFile));
-}
-
 // Creates what is missing, the folders for the user alone (0700) and an empty file (0600), and takes other
 // users' permissions from what is there. 0 or the system's error number.
 int MakeFile(const fs::path& file) {
@@ -92,14 +84,13 @@ struct SqliteRegistry::Store {
 
 int SqliteRegistry::Store::Connect(const fs::path& file) {
     switch (From) {
-    case Source::Memory: return Database.Open(":memory:", SQLITE_OPEN_READWRITE, busyMilliseconds);
+    case Source::Memory: return Database.OpenInMemory();
     case Source::ReadOnlyFile:
         // immutable: a folder that takes no files has no room for the locks' shared memory either
-        return Database.Open(SqliteDatabase::Address(file, "immutable=1"),
-                             SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, busyMilliseconds);
+        return Database.OpenFile(file, SQLITE_OPEN_READONLY, busyMilliseconds, "immutable=1");
     case Source::File: break;
     }
-    const int code = Database.Open(file.string(), SQLITE_OPEN_READWRITE, busyMilliseconds);
+    const int code = Database.OpenFile(file, SQLITE_OPEN_READWRITE, busyMilliseconds);
     return code == SQLITE_OK ? Database.Execute(fileSettings) : code;
 }
 
