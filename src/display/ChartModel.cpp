@@ -33,7 +33,9 @@ std::size_t VisibleSamplesFor(int widthMinutes) {
 
 double RoundUpToStep(double maximum, std::int32_t unitFactor) {
     const double units = maximum / unitFactor;
-    const double step = units <= 1000 ? 5 : units <= 10000 ? 50 : 500;
+    double step = 500;
+    if (units <= 10000) step = 50;
+    if (units <= 1000) step = 5;
     return (std::floor(units / step) * step + step) * unitFactor;
 }
 

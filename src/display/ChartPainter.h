@@ -31,6 +31,7 @@ class ChartPainter {
     /// was too low for its texts.
     bool DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable);
 
+    /// How many samples the chart's width holds.
     std::size_t VisibleSamples() const { return visibleSamples_; }
 
     /// Scale maximum of the last drawing in bytes per second.

@@ -47,7 +47,6 @@ void VisitOthers(DisplaySettings& display, const Visit& visit) {
     visit(Keys::AutoShow, display.AutoShow);
     visit(Keys::CloseTrayOnly, display.CloseTrayOnly);
     visit(Keys::ShowLineName, display.ShowLineName);
-    visit(Keys::UpdateIntervalChart, display.UpdateIntervalChart);
     visit(Keys::DisplayChoiceDL, display.DisplayChoiceDL);
     visit(Keys::DisplayChoiceUL, display.DisplayChoiceUL);
 }

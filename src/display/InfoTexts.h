@@ -32,7 +32,6 @@ struct DisplaySettings {
     std::string FontName = "Arial";
     int FontSize = 9; ///< points
     int TimeLinesSec = 60;
-    int UpdateIntervalChart = 0; ///< chart redraw interval in seconds
     int picWidthMin = 4;         ///< width of the chart in minutes
     int ConnDataMax = 240;       ///< samples of history
     int Opacity = 255;

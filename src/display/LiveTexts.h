@@ -27,6 +27,7 @@ class LiveTexts {
     /// are fewer by now, and makes its texts.
     void Renew(InfoTexts& texts);
 
+    /// Fills the output texts of the chosen line and sample; settings and choice stay.
     void FillInfoStrings(InfoTexts& texts);
 
   private:

@@ -28,15 +28,21 @@ class MonitorWindow {
 
     /// Redraws the chart; `force` also when its picture is not visible.
     virtual void DrawChart(bool force) = 0;
+    /// Draws the tray icon of the newest sample.
     virtual void IconDraw() = 0;
     /// Puts the caption text on the window if its caption is shown.
     virtual void ShowCaption() = 0;
     virtual void ShowMainWindow(bool show) = 0;
     virtual bool HangUpItemVisible() = 0;
+    /// Rebuilds the menus for dialing and hanging up.
     virtual void RefreshDialMenus() = 0;
+    /// Rebuilds the menu of the lines.
     virtual void RefreshLinesMenu() = 0;
+    /// Puts the window to its stored place.
     virtual void RestoreGeometry() = 0;
+    /// Stores the window's place.
     virtual void SaveGeometry() = 0;
+    /// The window's place now, in twips.
     virtual WindowPosition Position() = 0;
 
     // What follows a setting at once.

@@ -24,6 +24,7 @@ class WindowFrame : public QObject {
     /// The window's inner area plus its caption. Side and bottom borders are left out: they come and go with
     /// the caption, and the place must not change with it.
     TwipsRect Place() const;
+    /// Puts the window, its frame included, to a place in twips.
     void MoveTo(const TwipsRect& place);
 
     /// The user moves the window: it is no longer put back to where it was while its frame settles.
@@ -44,6 +45,7 @@ class WindowFrame : public QObject {
     /// Whether Place can be trusted: the window manager is done, and the caption is measured if there is one.
     bool IsSettled() const { return !settle_.isActive() && (!captionShown_ || measured_ || gaveUp_); }
 
+    /// Whether the window stays above those of others.
     void SetTopmost(bool topmost);
 
     /// Brings the window to the front, without keeping it there.

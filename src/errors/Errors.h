@@ -19,6 +19,7 @@ namespace korvalin {
 class NumberedError : public std::runtime_error {
   public:
     NumberedError(int number, const std::string& text) : std::runtime_error(text), number_(number) {}
+    /// The number that the user is told.
     int Number() const { return number_; }
 
   private:

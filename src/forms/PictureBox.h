@@ -46,6 +46,7 @@ class PictureBox : public QWidget {
     double CurrentX() const { return currentX_; }
     double CurrentY() const { return currentY_; }
 
+    /// The font of what is printed from now on.
     void SetFont(const std::string& name, double points, bool bold);
     void SetForeColor(std::int32_t color) { foreColor_ = color; }
     /// Also clears the picture.
@@ -54,6 +55,8 @@ class PictureBox : public QWidget {
     void SetDrawWidth(int pixels) { drawWidth_ = pixels; }
     void SetDrawStyle(DrawStyle style) { drawStyle_ = style; }
 
+    /// A line in scale units, ends included, in the current style; color as red + 256 * green + 65536
+    /// * blue.
     void Line(double x1, double y1, double x2, double y2, std::int32_t color);
 
     /// Fills the box between two corners; the pixels of both corners belong to it.
@@ -90,8 +93,10 @@ class PictureBox : public QWidget {
     double AscentPixels() const { return metrics_.ascent(); }
     double CapitalPixels() const { return metrics_.capHeight(); }
 
+    /// Of the whole box.
     int WidthTwips() const;
     int HeightTwips() const;
+    /// The height of the text's lines, of one line without a text.
     double TextHeightTwips(std::string_view text = {}) const;
 
     /// Clears the picture; the next text starts at 0, 0.

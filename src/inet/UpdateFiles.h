@@ -19,6 +19,7 @@ inline constexpr const char* NewLanguageFileName = "KorvalinLng_new.lng";
 
 /// "Korvalin_V2_3_12.exe": what is kept of the running version.
 std::string KeptProgramName(const ProgramVersion& version);
+/// The name under which the language file of that version is kept.
 std::string KeptLanguageName(const ProgramVersion& version);
 
 /// Whether a new program is later than the current one and long enough to be one. What cannot be found out

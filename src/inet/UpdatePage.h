@@ -24,7 +24,9 @@ class UpdatePage {
     explicit UpdatePage(std::string text);
 
     const std::string& Text() const { return text_; }
+    /// Whether the page is one of versions at all.
     bool HasNewestRelease() const { return Find("Newest Release") != std::string_view::npos; }
+    /// Whether the page says which programs can be replaced.
     bool IsUpgradable() const { return Find("Upgradable") != std::string_view::npos; }
 
     /// The release in the maker's words, as one line of at most 100 characters; empty when there is none.

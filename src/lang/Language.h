@@ -64,7 +64,9 @@ class Language {
 
     /// The stored code, or the one that the user chooses now.
     std::string GetLanguageCode();
+    /// Stores the code of the language ("ENG") that the user has chosen.
     void SetLanguageCode(std::string_view code);
+    /// The code of the language that the system speaks, "ENG" for those without texts.
     std::string UserDefaultLanguageCode() const;
 
     /// The language names in the file's order and the index (from 0) of the one to preselect.
@@ -83,6 +85,7 @@ class Language {
 
     /// Three letters; "LNG" while only the language names are loaded, empty before that.
     const std::string& LanguageCode() const;
+    /// The codes of the languages that the file has texts of, in its order.
     const std::vector<std::string>& LanguageCodes() const;
 
     /// Number after "#LngNo:" in a window element's mark; -1 for "-", 0 when there is none.

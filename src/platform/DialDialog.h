@@ -19,6 +19,7 @@ class DialDialog {
 
     /// Dialing begins; the window stays until End.
     virtual void Begin(const std::string& entryName) = 0;
+    /// Says how far the dial has come.
     virtual void ShowStage(DialStage stage) = 0;
     /// The user has pressed the cancel button or closed the window since Begin.
     [[nodiscard]] virtual bool Cancelled() const = 0;

@@ -10,6 +10,7 @@ class Events {
     /// Handles what is pending and returns at once.
     virtual void ProcessPending() = 0;
 
+    /// Waits without handling any events.
     virtual void Sleep(int milliseconds) = 0;
 
     /// Lets so much time pass in which everything is handled as it comes.

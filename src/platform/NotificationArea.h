@@ -30,6 +30,7 @@ class NotificationArea {
 
     virtual void Plug(Hooks hooks) = 0;
 
+    /// Which kind of panel shows the icon now.
     virtual TrayHost Host() const = 0;
 
     /// Shows the icon; a right click on it opens `menu`. Nothing happens while there is no host.
@@ -40,6 +41,7 @@ class NotificationArea {
 
     // Nothing happens without an icon.
     virtual void SetIcon(const QIcon& icon) = 0;
+    /// The text under the mouse; lines end with a line feed.
     virtual void SetTip(const std::string& tip) = 0;
 
     /// The edge lengths, in device pixels, in which the icon is shown without being scaled.

@@ -52,6 +52,7 @@ class Settings {
 
     /// `defaultOnly` reads nothing: the result is the default, which is stored as well.
     SettingValue GetReg(std::string_view name, bool defaultOnly = false);
+    /// Stores a value in its text form; an empty text deletes it.
     void SetReg(std::string_view name, const SettingValue& value);
     /// The corrected form of a value as the user typed it or the store holds it. "" stands for a missing
     /// setting: its default is returned and stored. Nothing else is stored, so a damaged text stays as it is.

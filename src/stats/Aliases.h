@@ -70,6 +70,7 @@ class Aliases {
 
     /// The billing period of an alias that holds `date`.
     Date PeriodBeginOf(Date date, std::size_t aliasIndex) const;
+    /// The last day of the alias's billing period that a date lies in.
     Date PeriodEndOf(Date date, std::size_t aliasIndex) const;
 
     /// A connection's duration and volume (bytes) by the rules of an alias.

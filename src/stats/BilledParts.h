@@ -47,6 +47,7 @@ bool IsPartOfDay(const BilledRecord& record);
 BilledShare Bill(const BilledRecord& record, BilledConnection& connection, Date periodBegin,
                  const Aliases& aliases, std::size_t aliasIndex);
 
+/// Adds what one record is billed to the sum of its period.
 void AddShare(StatRecord& sum, const BilledShare& share);
 
 } // namespace korvalin

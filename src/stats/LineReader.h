@@ -15,6 +15,7 @@ class LineSplitter {
     using Use = std::function<void(std::string_view line)>;
     explicit LineSplitter(Use use) : use_(std::move(use)) {}
 
+    /// Takes the next bytes; each line that they end goes to the use at once.
     void Feed(std::string_view block);
     /// The input has ended.
     void Finish();

@@ -29,6 +29,7 @@ class OpenConnections {
     /// Whose they are; at first this program's.
     void UseThoseOf(Source source) { source_ = source; }
 
+    /// As they are at this moment; none when there is nobody to tell.
     std::vector<OpenConnection> Now() const;
 
   private:

@@ -96,7 +96,7 @@ void SortByRank(const Ranks& ranks, Index& index) {
 // Sorts index[low, high) by the keys it points at. Keys and positions are moved together: looking the keys
 // up while sorting would miss the cache at every step. The library's sort never goes quadratic nor deep.
 template <typename Key>
-void QuickSortIndexedArray(const std::vector<Key>& keys, Index& index, std::size_t low, std::size_t high) {
+void SortIndexedArray(const std::vector<Key>& keys, Index& index, std::size_t low, std::size_t high) {
     const auto first = index.begin() + static_cast<std::ptrdiff_t>(low);
     const auto last = index.begin() + static_cast<std::ptrdiff_t>(high);
     if (std::is_sorted(first, last, [&](auto left, auto right) { return keys[left] < keys[right]; })) return;
@@ -123,7 +123,7 @@ void SortRuns(const std::vector<Key1>& keys1, const std::vector<Key2>& keys2, bo
         while (end < index.size() && keys1[index[end]] == keys1[index[begin]])
             ++end;
         if (end - begin > 1) {
-            QuickSortIndexedArray(keys2, index, begin, end);
+            SortIndexedArray(keys2, index, begin, end);
             if (!ascending) {
                 std::reverse(index.begin() + static_cast<std::ptrdiff_t>(begin),
                              index.begin() + static_cast<std::ptrdiff_t>(end));
@@ -147,7 +147,7 @@ void SortByKey(const Ranks& ranks, Index& index) {
     SortByRank(ranks, index);
 }
 void SortByKey(const Dates& dates, Index& index) {
-    QuickSortIndexedArray(dates, index, 0, index.size());
+    SortIndexedArray(dates, index, 0, index.size());
 }
 
 // Swaps every record into its place: no second array of records. What stood there goes to where the right one

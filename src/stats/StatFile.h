@@ -50,6 +50,7 @@ class StatFile {
     };
     explicit StatFile(const Parts& parts) : parts_(parts) {}
 
+    /// The file in the data folder that is in force.
     std::filesystem::path StatFilePath() const;
 
     /// Replaces `records` by those of the file, sorted by line and log-in, duplicates merged, aliases set.

@@ -30,6 +30,7 @@ struct alignas(64) StatRecord {
     Date StatPeriodEnd = 0;     ///< sums: last day
     PooledText User;
 
+    /// When the connection ended, to the second.
     Date End() const { return RoundToSecond(LogIn + Duration); }
     double Volume() const { return BytesReceived + BytesTransmitted; }
 };

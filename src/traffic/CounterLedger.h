@@ -55,6 +55,7 @@ class CounterLedger {
     /// When the latest record of a line ends, or that of its connection which may still be up; 0 when none is
     /// known.
     Date LastEnd(std::string_view lineName) const;
+    /// A record of the line ends then: the next one begins no earlier.
     void NoteEnd(std::string_view lineName, Date end);
     const std::map<std::string, Date>& LastEnds() const { return lastEnds_; }
 

@@ -51,6 +51,7 @@ class Dialing {
     /// The program ends: nothing is dialed any more.
     void Stop() { stopped_ = true; }
 
+    /// What the menus offer now.
     DialChoices Choices();
 
     /// Number of entries in the phone book.

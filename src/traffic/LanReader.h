@@ -24,6 +24,7 @@ class LanReader {
     };
     explicit LanReader(const Parts& parts) : parts_(parts) {}
 
+    /// Reads all adapters into the lines, and records those that have ended.
     void Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines);
 
     /// Reads the table in a pass that is not over adapters, before Observe: up to where ended connections

@@ -65,6 +65,7 @@ struct LinePart {
 
     Date Duration() const { return End - LogIn; }
 };
+/// What no record holds of a connected line.
 LinePart OpenPartOf(const LineRecord& line);
 
 /// The same with all that a record of it needs.

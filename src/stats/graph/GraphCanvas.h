@@ -15,6 +15,7 @@ class GraphCanvas {
   public:
     virtual ~GraphCanvas() = default;
 
+    /// In pixels, as all lengths here.
     virtual double Width() const = 0;
     virtual double Height() const = 0;
 

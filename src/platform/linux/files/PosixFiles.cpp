@@ -119,7 +119,9 @@ int PosixFiles::AppendLines(const std::filesystem::path& path, std::string_view 
     if (fstat(file, &status) != 0) return errno;
     char last = '\n';
     if (status.st_size > 0 && pread(file, &last, 1, status.st_size - 1) < 0) return errno;
-    std::string text(status.st_size == 0 ? header : last == '\n' ? std::string_view() : lineEnd);
+    std::string text;
+    if (status.st_size == 0) text = header;
+    if (last != '\n') text = lineEnd;
     text += lines;
     const ssize_t written = WriteOnce(file, text);
     if (written == static_cast<ssize_t>(text.size()))
