@@ -8,6 +8,7 @@ import pwd
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import unittest
 
@@ -44,7 +45,7 @@ def files(folder):
 class Package(rig.DesktopCase):
     @classmethod
     def setUpClass(cls):
-        for tool in ("cpack", "dpkg", "dpkg-deb", "dpkg-shlibdeps", "strip"):
+        for tool in ("cpack", "dpkg", "dpkg-deb", "dpkg-shlibdeps", "file", "strip"):
             if not shutil.which(tool):
                 raise unittest.SkipTest(f"{tool} is not installed")
         super().setUpClass()
@@ -63,11 +64,11 @@ class Package(rig.DesktopCase):
 
     def check_with(self, *command):
         """A checker of the system's, where it is installed."""
-        with self.subTest(command[0]):
-            if not shutil.which(command[0]):
-                self.skipTest(f"{command[0]} is not installed")
-            run = subprocess.run(command, capture_output=True, text=True, check=False)
-            self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        if not shutil.which(command[0]):
+            print(f"{command[0]} is not installed, so it checks nothing", file=sys.stderr)
+            return
+        run = subprocess.run(command, capture_output=True, text=True, check=False)
+        self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
 
     def test_it_holds_what_a_desktop_expects(self):
         content = self.folder / "content"
