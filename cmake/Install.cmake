@@ -64,7 +64,8 @@ message(STATUS "Installing: ${unit}")
 file(READ ${template} text)
 string(REPLACE "/usr/bin/" "${CMAKE_INSTALL_PREFIX}/${programs}/" text "${text}")
 file(WRITE ${unit} "${text}")
-file(CHMOD ${unit} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)]])
+file(CHMOD ${unit} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+list(APPEND CMAKE_INSTALL_MANIFEST_FILES "${CMAKE_INSTALL_PREFIX}/lib/systemd/user/korvalin-record.service")]])
 
 # ---- the desktop
 
