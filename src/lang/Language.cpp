@@ -21,6 +21,7 @@
 namespace korvalin {
 namespace {
 
+constexpr const char* fileName = "Korvalin.lng";
 constexpr std::string_view defaultLanguage = "GER";
 constexpr std::string_view fileGroup = "language file";
 constexpr std::size_t codeLength = 3;
@@ -68,7 +69,9 @@ void Language::PlugAskLanguage(AskLanguage ask) {
 }
 
 std::filesystem::path Language::LanguageFilePath() const {
-    return programFolder_ / "Korvalin.lng";
+    const std::filesystem::path beside = programFolder_ / fileName;
+    const std::filesystem::path shared = programFolder_.parent_path() / "share" / "korvalin" / fileName;
+    return !IsFileNotFolder(beside) && IsFileNotFolder(shared) ? shared : beside;
 }
 
 const std::string& Language::LanguageCode() const {

@@ -47,6 +47,8 @@ class Language {
     /// Until a dialog is plugged in, nobody is asked and the default language serves.
     void PlugAskLanguage(AskLanguage ask);
 
+    /// The file beside the program, where updates put it; where there is none but the program is installed on
+    /// a system, that of its data folder, ../share/korvalin.
     std::filesystem::path LanguageFilePath() const;
 
     /// Text of a section by number (or, in "lngDefinition", by language code); a missing one is "".

@@ -130,6 +130,20 @@ TEST_F(LanguageTest, StartsWithTheStoredLanguageOrSaysWhyNot) {
     }
 }
 
+TEST_F(LanguageTest, AnInstalledProgramFindsItsTextsInTheDataFolder) {
+    settings.SetReg("Language", "GER");
+    const auto beside = language.LanguageFilePath();
+    EXPECT_EQ(beside, programFolder / "Korvalin.lng") << "where an update would put it";
+    std::filesystem::create_directories(folder / "share/korvalin");
+    folder.Write("share/korvalin/Korvalin.lng", "h\nGER\ts\t1\tinstalled\n");
+    EXPECT_TRUE(language.InitProgramTexts());
+    EXPECT_EQ(language.Lng("s", 1), "installed");
+    folder.Write("program/Korvalin.lng", "h\nGER\ts\t1\tupdated\n");
+    EXPECT_TRUE(language.InitProgramTexts());
+    EXPECT_EQ(language.Lng("s", 1), "updated");
+    EXPECT_EQ(language.LanguageFilePath(), beside);
+}
+
 TEST_F(LanguageTest, TellsAboutAFileThatCannotBeRead) {
     // Opens, but gives an error for its first byte, also to the superuser.
     const std::filesystem::path unreadable = "/proc/self/mem";

@@ -1,0 +1,19 @@
+# Completion of korvalin-cli for bash.
+_korvalin_cli() {
+    local words=
+    case "${COMP_WORDS[*]:1:COMP_CWORD-1}" in
+        "") words="settings lines network records sums repair record -h --help" ;;
+        settings) words="list get set -h --help" ;;
+        *--period) words="day week month" ;;
+        lines*--format) words="table json" ;;
+        *--format) words="table json csv" ;;
+        *--alias | *--from | *--till) ;;
+        lines*) words="--watch --format -h --help" ;;
+        network*) words="--json -h --help" ;;
+        records*) words="--alias --closed --format --from --till -h --help" ;;
+        sums*) words="--period --alias --closed --format -h --help" ;;
+        *) words="-h --help" ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "${COMP_WORDS[COMP_CWORD]}")
+}
+complete -F _korvalin_cli korvalin-cli

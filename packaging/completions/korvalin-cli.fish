@@ -1,0 +1,37 @@
+# Completion of korvalin-cli for fish.
+function __korvalin_cli_first
+    test (count (commandline -opc)) -eq 1
+end
+
+function __korvalin_cli_at
+    set -l words (commandline -opc)
+    test (count $words) -gt 1; and contains -- $words[2] $argv
+end
+
+function __korvalin_cli_settings
+    test (commandline -opc | string join ' ') = 'korvalin-cli settings'
+end
+
+complete -c korvalin-cli -f
+complete -c korvalin-cli -s h -l help -d 'Print help'
+complete -c korvalin-cli -n __korvalin_cli_first -a settings -d 'Read and change settings'
+complete -c korvalin-cli -n __korvalin_cli_first -a lines -d 'Monitored lines with bytes and rates'
+complete -c korvalin-cli -n __korvalin_cli_first -a network -d 'Network adapters and addresses'
+complete -c korvalin-cli -n __korvalin_cli_first -a records -d 'Recorded connections'
+complete -c korvalin-cli -n __korvalin_cli_first -a sums -d 'Sums per alias and period'
+complete -c korvalin-cli -n __korvalin_cli_first -a repair -d 'Load and repair the statistics'
+complete -c korvalin-cli -n __korvalin_cli_first -a record -d 'Record without a window'
+
+complete -c korvalin-cli -n __korvalin_cli_settings -a list -d 'All settings'
+complete -c korvalin-cli -n __korvalin_cli_settings -a get -d 'One setting'
+complete -c korvalin-cli -n __korvalin_cli_settings -a set -d 'Store a setting'
+
+complete -c korvalin-cli -n '__korvalin_cli_at lines' -l watch -d 'Every second'
+complete -c korvalin-cli -n '__korvalin_cli_at lines' -l format -x -a 'table json' -d 'How it is printed'
+complete -c korvalin-cli -n '__korvalin_cli_at network' -l json -d 'As one JSON document'
+complete -c korvalin-cli -n '__korvalin_cli_at sums' -l period -x -a 'day week month' -d 'Length of a period'
+complete -c korvalin-cli -n '__korvalin_cli_at records sums' -l alias -x -d 'Only this alias'
+complete -c korvalin-cli -n '__korvalin_cli_at records sums' -l closed -d 'Without open connections'
+complete -c korvalin-cli -n '__korvalin_cli_at records sums' -l format -x -a 'table json csv' -d 'How it is printed'
+complete -c korvalin-cli -n '__korvalin_cli_at records' -l from -x -d 'First day on which a connection ended'
+complete -c korvalin-cli -n '__korvalin_cli_at records' -l till -x -d 'Last day on which a connection ended'

@@ -1,0 +1,174 @@
+#!/usr/bin/env python3
+"""The Debian package of the tested build: what it holds, and its life on a system of its own."""
+
+import json
+import os
+import pathlib
+import pwd
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import rig
+
+USER = "nobody"
+CONTENTS = {
+    "bin/korvalin", "bin/korvalin-cli",
+    "lib/systemd/user/korvalin-record.service",
+    "share/applications/korvalin.desktop",
+    "share/bash-completion/completions/korvalin-cli",
+    "share/doc/korvalin/changelog.gz", "share/doc/korvalin/copyright",
+    "share/fish/vendor_completions.d/korvalin-cli.fish",
+    *(f"share/icons/hicolor/{size}x{size}/apps/korvalin.png" for size in (16, 32, 48, 256)),
+    "share/icons/hicolor/scalable/apps/korvalin.svg", "share/icons/hicolor/symbolic/apps/korvalin-symbolic.svg",
+    "share/korvalin/Korvalin.lng",
+    "share/man/man1/korvalin-cli.1.gz", "share/man/man1/korvalin.1.gz",
+    "share/metainfo/org.example.korvalin.metainfo.xml",
+    "share/zsh/vendor-completions/_korvalin-cli",
+}
+
+
+def pack(folder, *options):
+    """The package of the tested build."""
+    subprocess.run(["cpack", "--config", rig.BIN.parent / "CPackConfig.cmake", "-B", folder, *options], cwd=folder,
+                   check=True, capture_output=True)
+    return next(folder.glob("*.deb"))
+
+
+def files(folder):
+    return {str(file.relative_to(folder)) for file in folder.rglob("*") if not file.is_dir()}
+
+
+class Package(rig.DesktopCase):
+    @classmethod
+    def setUpClass(cls):
+        for tool in ("cpack", "dpkg", "dpkg-deb", "dpkg-shlibdeps", "file", "strip"):
+            if not shutil.which(tool):
+                raise unittest.SkipTest(f"{tool} is not installed")
+        super().setUpClass()
+        folder = tempfile.TemporaryDirectory(prefix="korvalin-package-")
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        cls.folder.chmod(0o755)  # the programs in it are for everybody
+        cls.package = pack(cls.made("new"))
+
+    @classmethod
+    def made(cls, name):
+        (cls.folder / name).mkdir()
+        return cls.folder / name
+
+    # ---- what it holds
+
+    def check_with(self, *command):
+        """A checker of the system's, where it is installed."""
+        if not shutil.which(command[0]):
+            print(f"{command[0]} is not installed, so it checks nothing", file=sys.stderr)
+            return
+        run = subprocess.run(command, capture_output=True, text=True, check=False)
+        self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+
+    def test_it_holds_what_a_desktop_expects(self):
+        content = self.folder / "content"
+        subprocess.run(["dpkg-deb", "-x", self.package, content], check=True)
+        self.assertEqual(files(content / "usr"), CONTENTS)
+        self.assertEqual(os.listdir(content), ["usr"])
+        service = (content / "usr/lib/systemd/user/korvalin-record.service").read_text()
+        self.assertIn("\nExecStart=/usr/bin/korvalin-cli record\n", service)
+        shared = content / "usr/share"
+        self.check_with("desktop-file-validate", shared / "applications/korvalin.desktop")
+        self.check_with("appstreamcli", "validate", "--no-net", shared / "metainfo/org.example.korvalin.metainfo.xml")
+        self.check_with("lintian", "--allow-root", "--fail-on", "error,warning", self.package)
+
+    def test_the_same_build_gives_the_same_package(self):
+        self.assertEqual(pack(self.made("again")).read_bytes(), self.package.read_bytes())
+
+    # ---- its life
+
+    def dpkg(self, *arguments):
+        return subprocess.run(["dpkg", f"--root={self.root}", "--log=/dev/null", "--force-depends", *arguments], check=True,
+                              capture_output=True, text=True).stdout
+
+    def new_system(self):
+        """A root without anything but dpkg's own records."""
+        self.root = self.made("root")
+        database = self.root / "var/lib/dpkg"
+        for name in ("info", "updates"):
+            (database / name).mkdir(parents=True)
+        (database / "status").touch()
+
+    def installed(self):
+        """What lies on that system beside dpkg's records, folders too."""
+        return {path for path in self.root.rglob("*") if not path.is_relative_to(self.root / "var")}
+
+    def version(self):
+        shown = subprocess.run(["dpkg-query", f"--admindir={self.root}/var/lib/dpkg", "-W", "-f", "${Version}", "korvalin"],
+                               check=True, capture_output=True, text=True)
+        return shown.stdout
+
+    def as_user(self, program, *arguments):
+        return ["setpriv", f"--reuid={USER}", f"--regid={pwd.getpwnam(USER).pw_gid}", "--clear-groups", "--no-new-privs",
+                self.root / "usr/bin" / program, *arguments]
+
+    def cli(self, *arguments):
+        return subprocess.run(self.as_user("korvalin-cli", *arguments), env=self.home.env, cwd="/", check=True,
+                              capture_output=True, text=True, timeout=30).stdout.strip()
+
+    def received(self):
+        """Of the wire, by session."""
+        records = json.loads(self.cli("records", "--closed", "--format", "json"))
+        return [record["bytes_received"] for record in records if record["line_name"] == "wire0"]
+
+    def session(self, packets, meanwhile=lambda: None):
+        """Starts the window, moves packets, and ends it."""
+        process = self.launch(self.as_user("korvalin"), self.network.here, cwd="/", stderr=subprocess.PIPE)
+        self.main_window()
+        self.picture(f"installed {self.version()}")
+        self.network.send("wire0", packets)
+        meanwhile()
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=20), 0)
+
+    def data(self):
+        return {name: (self.home.path / name).read_bytes() for name in files(self.home.path)}
+
+    def test_an_ordinary_user_lives_with_it_from_installation_to_removal(self):
+        if not shutil.which("setpriv"):
+            self.skipTest("setpriv is not installed")
+        self.network = self.enter(rig.Network())
+        self.network.await_carrier("wire0", "wire1")
+        self.network.send("wire0", 2)
+        os.chown(self.home.path, pwd.getpwnam(USER).pw_uid, pwd.getpwnam(USER).pw_gid)
+        self.new_system()
+        older = pack(self.made("old"), "-D", "CPACK_PACKAGE_VERSION=0.9.0")
+
+        self.dpkg("-i", older)
+        self.assertEqual(self.version(), "0.9.0")
+        for setting in (("Language", "ENG"), ("ChartLineNo", "1"), ("picWidthMin", "7")):
+            self.cli("settings", "set", *setting)
+        earlier = self.network.counted("wire0")[0]
+        # The system replaces the program while it runs.
+        self.session(50, meanwhile=lambda: self.dpkg("-i", self.package))
+        self.assertNotEqual(self.version(), "0.9.0")
+        before = self.received()
+        self.assertEqual(len(before), 1)
+        self.assertGreater(before[0], 50 * 1000)
+
+        self.session(20)
+        self.assertEqual(self.cli("settings", "get", "picWidthMin"), "7")
+        self.assertEqual(self.received()[:1], before)
+        self.assertEqual(sum(self.received()), self.network.counted("wire0")[0] - earlier)
+
+        entry = (self.home.path / "config/autostart/korvalin.desktop").read_text()
+        self.assertIn(f'"{self.root}/usr/bin/korvalin"', entry)
+        kept = self.data()
+        self.assertIn("data/Korvalin/Korvalin_Stats.db", kept)
+        self.dpkg("--purge", "korvalin")
+        self.assertEqual(self.installed(), set())
+        self.assertEqual(self.data(), kept)
+
+
+if __name__ == "__main__":
+    rig.main()
