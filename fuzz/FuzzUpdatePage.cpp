@@ -1,17 +1,12 @@
 // Pages of the update site as nobody would write them.
+#include "Require.h"
 #include "base/Text.h"
 #include "inet/UpdatePage.h"
 #include "inet/WebAddress.h"
 
-#include <cstdlib>
-
 using namespace korvalin;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void CheckLine(const std::string& line) {
     Require(CharacterCount(line) <= 100 && IsValidUtf8(line));
