@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cstdint>
 #include <cstring>
-#include <locale.h>
-#include <wctype.h>
+#include <cwctype>
 
 namespace korvalin {
 namespace {
