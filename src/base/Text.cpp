@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cstdint>
 #include <cstring>
+#include <cwctype>
 
 namespace korvalin {
 namespace {
@@ -55,17 +57,47 @@ std::size_t SkipAscii(std::string_view bytes, std::size_t from) {
     return from;
 }
 
-void AppendUtf8(std::string& text, char16_t code) {
+void AppendUtf8(std::string& text, char32_t code) {
     if (code < 0x80) {
         text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | (code >> 6));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        text += static_cast<char>(0xE0 | (code >> 12));
-        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
+        return;
     }
+    if (code < 0x800) {
+        text += static_cast<char>(0xC0 | (code >> 6));
+    } else {
+        if (code < 0x10000) {
+            text += static_cast<char>(0xE0 | (code >> 12));
+        } else {
+            text += static_cast<char>(0xF0 | (code >> 18));
+            text += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
+        }
+        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+    }
+    text += static_cast<char>(0x80 | (code & 0x3F));
+}
+
+// Of one well-formed sequence.
+char32_t CodeOf(std::string_view sequence) {
+    const unsigned lead = Byte(sequence.front());
+    char32_t code = sequence.size() == 2 ? lead & 0x1FU : sequence.size() == 3 ? lead & 0x0FU : lead & 0x07U;
+    for (const char c : sequence.substr(1))
+        code = code << 6U | (Byte(c) & 0x3FU);
+    return code;
+}
+
+char LowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c;
+}
+
+// The way over the upper case makes one of letters that have two lower ones, as the Greek sigma. What becomes
+// of the Turkish i depends on the language: it stays.
+char32_t FoldCase(char32_t code) {
+    constexpr char32_t capitalDottedI = 0x130;
+    constexpr char32_t smallDotlessI = 0x131;
+    static const locale_t allAlphabets = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (allAlphabets == nullptr || code == capitalDottedI || code == smallDotlessI) return code;
+    return static_cast<char32_t>(
+        towlower_l(towupper_l(static_cast<wint_t>(code), allAlphabets), allAlphabets));
 }
 
 } // namespace
@@ -105,23 +137,29 @@ std::string_view Trim(std::string_view text) {
 }
 
 std::string ToLower(std::string_view text) {
-    std::string lower(text);
-    for (std::size_t i = 0; i < lower.size(); ++i) {
-        const std::uint8_t code = Byte(lower[i]);
-        if (code >= 'A' && code <= 'Z') {
-            lower[i] = static_cast<char>(code + 0x20);
-        } else if (code == 0xC3 && i + 1 < lower.size()) {
-            // U+00C0..U+00DE without the multiplication sign U+00D7
-            const std::uint8_t second = Byte(lower[++i]);
-            if (second >= 0x80 && second <= 0x9E && second != 0x97)
-                lower[i] = static_cast<char>(second + 0x20);
+    std::string lower;
+    lower.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = SequenceLength(Byte(text[i]));
+        const std::string_view character = text.substr(i, std::max<std::size_t>(length, 1));
+        if (length <= 1 || !IsValidUtf8(character)) {
+            lower += LowerAscii(text[i++]);
+            continue;
         }
+        AppendUtf8(lower, FoldCase(CodeOf(character)));
+        i += length;
     }
     return lower;
 }
 
 bool EqualsNoCase(std::string_view left, std::string_view right) {
-    return left.size() == right.size() && (left == right || ToLower(left) == ToLower(right));
+    // Most texts are ASCII, and most that differ do so early.
+    std::size_t i = 0;
+    for (const std::size_t end = std::min(left.size(), right.size()); i < end; ++i) {
+        if (((Byte(left[i]) | Byte(right[i])) & 0x80) != 0) break;
+        if (LowerAscii(left[i]) != LowerAscii(right[i])) return false;
+    }
+    return left.substr(i) == right.substr(i) || ToLower(left.substr(i)) == ToLower(right.substr(i));
 }
 
 bool ContainsNoCase(std::string_view text, std::string_view part) {

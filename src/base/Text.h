@@ -20,7 +20,7 @@ std::string DecodeLine(std::string_view bytes);
 /// The text without leading and trailing blanks (space only; tabs are field separators here).
 std::string_view Trim(std::string_view text);
 
-/// Lower case for comparing keys: ASCII and the Latin-1 letters (U+00C0 to U+00DE).
+/// The form in which texts that differ in letter case only are equal, in every alphabet: lower case, nearly.
 std::string ToLower(std::string_view text);
 
 /// Equality without regard to letter case, by the folding of ToLower.

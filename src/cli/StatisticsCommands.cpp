@@ -13,6 +13,22 @@ bool Matches(const StatRecord& record, const RecordFilter& filter) {
            (!filter.From || day >= *filter.From) && (!filter.Till || day <= *filter.Till);
 }
 
+const char* TextOf(LoadReport::Hindrance hindrance) {
+    using Hindrance = LoadReport::Hindrance;
+    switch (hindrance) {
+    case Hindrance::Held: return "another program holds the file";
+    case Hindrance::NotOpened: return "the file may not be written";
+    case Hindrance::Unreadable: return "the file could not be read to its end";
+    case Hindrance::NoRecords:
+        return "the file has not a single record, so it is probably none of statistics";
+    case Hindrance::Changed: return "another program has written to the file meanwhile";
+    case Hindrance::DiskFull: return "the disk has no room for a second copy";
+    case Hindrance::NotWritable: return "its folder cannot be written";
+    case Hindrance::None: break;
+    }
+    return "";
+}
+
 } // namespace
 
 void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format) {
@@ -73,7 +89,7 @@ void RepairStatistics(Program& program) {
     if (!report.Backup.empty()) {
         fmt::print("rewritten; the old file is {}\n", report.Backup.string());
     } else if (report.NeedsRepair()) {
-        fmt::print("not rewritten: another program holds the file, or it cannot be written\n");
+        fmt::print("not rewritten: {}\n", TextOf(report.NotRewritten));
     }
 }
 

@@ -156,11 +156,11 @@ std::string Recorder::ExportLine(const OpenConnection& record, std::string_view 
     const auto text = [](std::string_view value) {
         return WithoutFormula(ReplaceAll(DecodeLine(value), ",", ";"));
     };
-    const std::string row =
-        fmt::format("{},{},{},{},{},{},{},{},{},{}", text(record.LineName), date(record.LogIn),
-                    date(record.End), date(record.End - record.LogIn), number(record.BytesTransmitted),
-                    number(record.BytesReceived), number(record.BytesTransmitted + record.BytesReceived),
-                    text(record.User), text(record.IpAddress), text(info));
+    const std::string row = fmt::format(
+        "{},{},{},{},{},{},{},{},{},{}", text(record.LineName), date(record.LogIn), date(record.End),
+        FormatDuration(record.End - record.LogIn), number(record.BytesTransmitted),
+        number(record.BytesReceived), number(record.BytesTransmitted + record.BytesReceived),
+        text(record.User), text(record.IpAddress), text(info));
     return OneLine(row).append(StatLineEnd);
 }
 

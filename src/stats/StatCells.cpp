@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 
 namespace korvalin {
 namespace {
@@ -167,6 +168,29 @@ std::string SampleText(Field field, bool ofSums, const Locale& locale) {
     case Field::FileIndex: return "1000000";
     default: return FormatNumber(12345.67, "#,##0.00", locale) + " Mbit";
     }
+}
+
+std::vector<std::string> WidestTexts(const std::vector<StatRecord>& records, Field field,
+                                     const VolumeUnit& unit, const Locale& locale) {
+    if (records.empty() || field == Field::Info) return {}; // a note may be of any length
+    const auto text = [&](const StatRecord& record) { return CellText(record, field, unit, locale); };
+    if (IsFigure(field)) {
+        const auto largest = std::max_element(records.begin(), records.end(),
+                                              [field](const StatRecord& left, const StatRecord& right) {
+                                                  return SortValue(left, field) < SortValue(right, field);
+                                              });
+        return {text(*largest)};
+    }
+    if (field != Field::Alias && field != Field::PeriodLabel) return {text(records.front())};
+    std::vector<std::string> texts;
+    std::unordered_set<const void*> seen;
+    const void* last = nullptr;
+    for (const StatRecord& record : records) {
+        const PooledText name = field == Field::Alias ? record.Alias : record.PeriodLabel;
+        if (std::exchange(last, name.Identity()) == name.Identity()) continue;
+        if (seen.insert(last).second) texts.emplace_back(name.View());
+    }
+    return texts;
 }
 
 std::vector<std::uint32_t> FilterRows(std::vector<StatRecord>& records, const std::string& alias) {

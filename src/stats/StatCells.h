@@ -61,6 +61,10 @@ bool IsFigure(StatColumn::Field field);
 /// The longest text that the column is likely to show; its width follows from it.
 std::string SampleText(StatColumn::Field field, bool ofSums, const Locale& locale);
 
+/// The texts of a column among which the widest is: of figures the largest one's, each name once.
+std::vector<std::string> WidestTexts(const std::vector<StatRecord>& records, StatColumn::Field field,
+                                     const VolumeUnit& unit, const Locale& locale);
+
 /// The rows of a list: the records of an alias (all of them when it is empty; letter case ignored), as
 /// indices into the records. Numbers the records' ListRow from 1, 0 for those left out.
 std::vector<std::uint32_t> FilterRows(std::vector<StatRecord>& records, const std::string& alias);

@@ -14,6 +14,7 @@
 #include "stats/SortStats.h"
 #include "stats/StatLine.h"
 
+#include <cerrno>
 #include <fstream>
 #include <span>
 
@@ -118,10 +119,22 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Pro
     std::vector<OpenConnection> open;
     if (!repair) parts_.Errors.Step(procName, [&] { open = parts_.OpenConnections.Now(); });
     parts_.Errors.Step(procName, [&] { Tidy(records, open); });
-    // A file without any record is probably none of ours.
-    const bool worthIt = report_.NeedsRepair() && !records.List.empty();
-    if (lock && whole && worthIt) parts_.Errors.Step(procName, [&] { Repair(records); });
+    if (repair && report_.NeedsRepair()) {
+        using Hindrance = LoadReport::Hindrance;
+        // A file without any record is probably none of ours.
+        report_.NotRewritten = records.List.empty() ? Hindrance::NoRecords
+                               : !whole             ? Hindrance::Unreadable
+                               : !lock              ? WhyNotHeld()
+                                                    : Hindrance::None;
+        if (report_.NotRewritten == Hindrance::None) parts_.Errors.Step(procName, [&] { Repair(records); });
+    }
     return static_cast<std::int32_t>(records.List.size());
+}
+
+// Nothing is appended: only the system's answer counts.
+LoadReport::Hindrance StatFile::WhyNotHeld() {
+    const int error = parts_.Files.AppendLines(StatFilePath(), {}, {}, {}, Files::Flush::No);
+    return error == EAGAIN ? LoadReport::Hindrance::Held : LoadReport::Hindrance::NotOpened;
 }
 
 // The older file stays where it is.
@@ -199,15 +212,22 @@ void StatFile::Tidy(StatRecords& records, const std::vector<OpenConnection>& ope
 
 void StatFile::Repair(const StatRecords& records) {
     // A program that knows nothing of the lock has written: the next start may repair.
-    if (fs::file_size(StatFilePath()) != records.ReadTo.Bytes) return;
+    if (fs::file_size(StatFilePath()) != records.ReadTo.Bytes) {
+        report_.NotRewritten = LoadReport::Hindrance::Changed;
+        return;
+    }
     FileMark written;
-    if (!Rewrite(records, std::vector<bool>(records.List.size()), {}, written))
-        throw NumberedError(0, "The statistics file could not be repaired: " + StatFilePath().string());
+    if (Rewrite(records, std::vector<bool>(records.List.size()), {}, written)) return;
+    std::error_code error;
+    const bool full = fs::space(StatFilePath().parent_path(), error).available < records.ReadTo.Bytes;
+    report_.NotRewritten =
+        full && !error ? LoadReport::Hindrance::DiskFull : LoadReport::Hindrance::NotWritable;
+    throw NumberedError(0, "The statistics file could not be repaired: " + StatFilePath().string());
 }
 
 // Writes the records, all but those left out, and what another load has not seen yet behind them.
 bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& leftOut,
-                       std::string_view appended, FileMark& written) {
+                       std::string_view appended, FileMark& written, const Progress& progress) {
     const fs::path path = StatFilePath();
     const fs::path backup = FreeBackupName(path, parts_.Clock.Now(), '_');
     const bool replaced = parts_.Files.ReplaceKeeping(path, backup, [&](const Files::Sink& sink) {
@@ -222,7 +242,11 @@ bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& left
         for (std::size_t i = 0; i < records.List.size(); ++i) {
             if (leftOut[i]) continue;
             WriteStatRecord(part, FieldsOf(records.List[i]));
-            if (part.size() >= writeBytes && !write()) return false;
+            if (part.size() < writeBytes) continue;
+            if (!write()) return false;
+            parts_.Events.ProcessPending();
+            if (progress && !progress(static_cast<double>(i) / static_cast<double>(records.List.size())))
+                return false;
         }
         return write() && sink(appended);
     });
@@ -230,7 +254,8 @@ bool StatFile::Rewrite(const StatRecords& records, const std::vector<bool>& left
     return replaced;
 }
 
-StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted) {
+StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted,
+                                           const Progress& progress) {
     const auto lock = parts_.Files.Hold(StatFilePath());
     if (!lock) return FileExists(StatFilePath()) ? Deletion::Held : Deletion::Changed;
     const auto appended = AppendedSince(records.ReadTo, StatFilePath());
@@ -241,7 +266,13 @@ StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vect
     for (const std::uint32_t i : deleted)
         leftOut.at(i) = true;
     FileMark written;
-    if (!Rewrite(records, leftOut, *appended, written)) return Deletion::Failed;
+    bool cancelled = false;
+    const Progress watched = [&](double fraction) {
+        cancelled = progress && !progress(fraction);
+        return !cancelled;
+    };
+    if (!Rewrite(records, leftOut, *appended, written, watched))
+        return cancelled ? Deletion::Cancelled : Deletion::Failed;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < records.List.size(); ++i) {
         if (!leftOut[i]) records.List[kept++] = records.List[i];
@@ -249,6 +280,16 @@ StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vect
     records.List.resize(kept);
     records.ReadTo = std::move(written);
     return Deletion::Done;
+}
+
+std::string StatFile::Fingerprint() const {
+    const fs::path path = StatFilePath();
+    std::error_code error;
+    const auto time = fs::last_write_time(path, error);
+    std::string print = fmt::format("{} {}", SizeOf(path), error ? 0 : time.time_since_epoch().count());
+    for (const OpenConnection& connection : parts_.OpenConnections.Now())
+        print += fmt::format("\n{} {}", connection.LineName, connection.LogIn);
+    return print;
 }
 
 } // namespace korvalin

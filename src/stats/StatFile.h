@@ -29,6 +29,10 @@ struct LoadReport {
     /// Whether the file is to be rewritten: it is damaged or has many duplicates.
     bool NeedsRepair() const;
 
+    /// What kept a file that needs it from being rewritten.
+    enum class Hindrance { None, Held, NotOpened, Unreadable, NoRecords, Changed, DiskFull, NotWritable };
+    Hindrance NotRewritten = Hindrance::None;
+
     bool Converted = false;       ///< the file was made from that of an older release
     std::filesystem::path Backup; ///< where the old file went when it was rewritten; empty: it was not
 };
@@ -64,17 +68,23 @@ class StatFile {
         Done,
         Held,    ///< another program holds the file
         Changed, ///< the file is not the one that the records come from
-        Failed   ///< the new file could not be written
+        Failed,  ///< the new file could not be written
+        Cancelled
     };
     /// Deletes records (by their index in the list) from the file, which is kept as a backup, and from the
     /// list. What was appended to the file since it was loaded stays. Open connections leave the list, too.
-    /// Unless it is Done, file and list are as they were.
-    [[nodiscard]] Deletion DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted);
+    /// Unless it is Done, file and list are as they were. Windows stay alive meanwhile.
+    [[nodiscard]] Deletion DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted,
+                                         const Progress& progress = {});
+
+    /// Changes when a load would find other connections: the file's size and time, and what is open.
+    std::string Fingerprint() const;
 
     /// About the last LoadStatFile.
     const LoadReport& Report() const { return report_; }
 
   private:
+    LoadReport::Hindrance WhyNotHeld();
     void Convert(const std::filesystem::path& oldFile);
     void Read(StatRecords& records, const Progress& progress);
     void Pause(const Progress& progress, std::uintmax_t seen, std::uintmax_t size);
@@ -83,7 +93,7 @@ class StatFile {
     void Tidy(StatRecords& records, const std::vector<OpenConnection>& open);
     void Repair(const StatRecords& records);
     bool Rewrite(const StatRecords& records, const std::vector<bool>& leftOut, std::string_view appended,
-                 FileMark& written);
+                 FileMark& written, const Progress& progress = {});
 
     Parts parts_;
     LoadReport report_;

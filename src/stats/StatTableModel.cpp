@@ -13,8 +13,8 @@ StatTableModel::StatTableModel(std::vector<StatColumn> columns, Language& langua
 void StatTableModel::SetRows(std::vector<StatRecord>& records, std::vector<std::uint32_t> rows) {
     beginResetModel();
     records_ = &records;
-    rows_ = std::move(rows);
-    Arrange();
+    rows_ = Sorted(order_, std::move(rows));
+    NumberRows();
     endResetModel();
 }
 
@@ -58,23 +58,26 @@ QVariant StatTableModel::headerData(int section, Qt::Orientation orientation, in
     return {};
 }
 
-void StatTableModel::sort(int column, Qt::SortOrder order) {
-    sortColumn_ = column;
-    ascending_ = order == Qt::AscendingOrder;
-    if (records_ == nullptr) return;
+std::vector<std::uint32_t> StatTableModel::Sorted(const Order& order, std::vector<std::uint32_t> rows) const {
+    if (order.Column < 0) {
+        // The records' own order, which a new selection has already.
+        if (!std::is_sorted(rows.begin(), rows.end())) std::sort(rows.begin(), rows.end());
+    } else if (records_ != nullptr) {
+        SortRows(*records_, columns_[static_cast<std::size_t>(order.Column)].Shows,
+                 order.Direction == Qt::AscendingOrder, locale_, rows);
+    }
+    return rows;
+}
+
+void StatTableModel::SetOrder(const Order& order, std::vector<std::uint32_t> rows) {
     beginResetModel();
-    Arrange();
+    order_ = order;
+    rows_ = std::move(rows);
+    NumberRows();
     endResetModel();
 }
 
-void StatTableModel::Arrange() {
-    if (sortColumn_ < 0) {
-        // The records' own order, which a new selection has already.
-        if (!std::is_sorted(rows_.begin(), rows_.end())) std::sort(rows_.begin(), rows_.end());
-    } else {
-        SortRows(*records_, columns_[static_cast<std::size_t>(sortColumn_)].Shows, ascending_, locale_,
-                 rows_);
-    }
+void StatTableModel::NumberRows() {
     std::int32_t number = 0;
     for (const std::uint32_t row : rows_)
         (*records_)[row].ListRow = ++number;

@@ -21,8 +21,8 @@ class StatTableModel : public QAbstractTableModel {
     StatTableModel(std::vector<StatColumn> columns, Language& language, const Locale& locale,
                    QObject* parent = nullptr);
 
-    /// Shows these records, which must stay as they are until the next call, in the order that was chosen by
-    /// sort. Numbers their ListRow by the row that shows them.
+    /// Shows these records, which must stay as they are until the next call, in the order that was chosen.
+    /// Numbers their ListRow by the row that shows them.
     void SetRows(std::vector<StatRecord>& records, std::vector<std::uint32_t> rows);
     void SetUnit(const VolumeUnit& unit);
 
@@ -37,11 +37,20 @@ class StatTableModel : public QAbstractTableModel {
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    /// A negative column restores the records' own order.
-    void sort(int column, Qt::SortOrder order) override;
+
+    /// An order by what a column shows; a negative one is the records' own order.
+    struct Order {
+        int Column = -1;
+        Qt::SortOrder Direction = Qt::AscendingOrder;
+    };
+    const Order& ChosenOrder() const { return order_; }
+    /// The rows in another order, for SetOrder: may take its time in a thread of its own.
+    std::vector<std::uint32_t> Sorted(const Order& order) const { return Sorted(order, rows_); }
+    void SetOrder(const Order& order, std::vector<std::uint32_t> rows);
 
   private:
-    void Arrange();
+    std::vector<std::uint32_t> Sorted(const Order& order, std::vector<std::uint32_t> rows) const;
+    void NumberRows();
     QVariant Alignment(int column) const;
 
     std::vector<StatColumn> columns_;
@@ -50,8 +59,7 @@ class StatTableModel : public QAbstractTableModel {
     VolumeUnit unit_;
     std::vector<StatRecord>* records_ = nullptr;
     std::vector<std::uint32_t> rows_;
-    int sortColumn_ = -1;
-    bool ascending_ = true;
+    Order order_;
 };
 
 } // namespace korvalin

@@ -125,7 +125,7 @@ void TariffEditor::txtAlias_Validate() {
     // A line that joins an alias takes part in its tariff; a new alias begins with the old one's.
     if (aliases_.AliasIndex(alias) == 0) InheritTariff(old, alias);
     settings_.Set(Keys::Alias(line), alias);
-    emit Changed();
+    emit AliasChanged(old, alias);
     ShowTariff();
 }
 
@@ -148,7 +148,7 @@ void TariffEditor::StoreNumber(QComboBox& control, KeyPattern<int> setting) {
     settings_.Set(key, value);
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
     ShowTariff();
-    if (changed) emit Changed();
+    if (changed) emit TariffChanged();
 }
 
 void TariffEditor::StoreFlag(QCheckBox& control, KeyPattern<bool> setting) {
@@ -156,7 +156,7 @@ void TariffEditor::StoreFlag(QCheckBox& control, KeyPattern<bool> setting) {
     if (showing_ || alias.empty()) return;
     settings_.Set(setting(alias), control.isChecked());
     aliases_.FillAliasInfo(aliases_.AliasIndex(alias));
-    emit Changed();
+    emit TariffChanged();
 }
 
 } // namespace korvalin

@@ -39,8 +39,10 @@ class TariffEditor : public QObject {
     void ShowLines(const std::vector<AliasInfo>& lines);
 
   signals:
-    /// After a change of an alias or of what sums depend on.
-    void Changed();
+    /// After a change of what sums depend on.
+    void TariffChanged();
+    /// After the chosen line's change from one alias to another.
+    void AliasChanged(const std::string& from, const std::string& to);
 
   private:
     void ConnectControls();

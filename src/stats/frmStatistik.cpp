@@ -1,5 +1,6 @@
 #include "stats/frmStatistik.h"
 
+#include "base/FlagGuard.h"
 #include "base/Locale.h"
 #include "base/Numbers.h"
 #include "base/ProgramTitle.h"
@@ -7,6 +8,8 @@
 #include "base/Units.h"
 #include "errors/Errors.h"
 #include "forms/Enabling.h"
+#include "forms/FocusedWheel.h"
+#include "forms/KeepListView.h"
 #include "forms/ListPlace.h"
 #include "forms/MakeUi.h"
 #include "forms/Twips.h"
@@ -28,50 +31,28 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QSaveFile>
-#include <QTimer>
+#include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
 
 namespace korvalin {
 namespace {
 
-constexpr int maximised = 2; // of the setting Keys::STATS_State; 0 is normal
+constexpr int followMilliseconds = 1000;
+constexpr int mostNameCharacters = 40; // of an alias in a column that fits what it shows
+constexpr int maximised = 2;           // of the setting Keys::STATS_State; 0 is normal
 
 QString AskForFile(QWidget* parent, const QString& suggestion, const QString& filter) {
     return QFileDialog::getSaveFileName(parent, QString(), suggestion, filter);
-}
-
-std::vector<int> SelectedRows(const QTableView& list) {
-    std::vector<int> rows;
-    for (const QItemSelectionRange& range : list.selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(row);
-    }
-    std::sort(rows.begin(), rows.end());
-    return rows;
 }
 
 std::vector<int> AllRows(int count) {
     std::vector<int> rows(static_cast<std::size_t>(count));
     std::iota(rows.begin(), rows.end(), 0);
     return rows;
-}
-
-// Selects exactly the rows that are wanted, run by run.
-template <typename Wanted>
-void SelectRows(QTableView& list, const Wanted& wanted) {
-    QItemSelection selection;
-    const QAbstractItemModel& model = *list.model();
-    const int rows = model.rowCount();
-    const int lastColumn = model.columnCount() - 1;
-    for (int first = 0; first < rows; ++first) {
-        int end = first;
-        while (end < rows && wanted(end))
-            ++end;
-        if (end > first) selection.append({model.index(first, 0), model.index(end - 1, lastColumn)});
-        first = end;
-    }
-    list.selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 } // namespace
@@ -96,12 +77,15 @@ frmStatistik::frmStatistik(const Parts& parts)
                                *ui_->cboMonthStartDay, *ui_->cboRoundSeconds, *ui_->boxUp1MB,
                                *ui_->boxTrayVolumeLine},
         parts_.Settings, parts_.Aliases);
-    connect(tariff_.get(), &TariffEditor::Changed, this, &frmStatistik::RecordsChanged);
+    connect(tariff_.get(), &TariffEditor::TariffChanged, this, &frmStatistik::TariffChanged);
+    connect(tariff_.get(), &TariffEditor::AliasChanged, this, &frmStatistik::AliasChanged);
     SetUpControls();
     ApplyTexts();
     SetUpLists();
     ConnectControls();
     ConnectMenu();
+    ConnectKeys();
+    new FocusedWheel(*this); // owned by the window
 }
 
 frmStatistik::~frmStatistik() = default;
@@ -125,6 +109,7 @@ void frmStatistik::SetUpLists() {
     SetUpList(*ui_->ListStats, recordModel_, false);
     SetUpList(*ui_->ListStatsSum, sumModel_, true);
     ui_->ListStats->setColumnHidden(recordModel_.columnCount() - 1, true);
+    FitColumns(true);
 }
 
 void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSums) {
@@ -137,17 +122,66 @@ void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSum
     QHeaderView& header = *list.horizontalHeader();
     header.setSectionsClickable(true);
     header.setStretchLastSection(!ofSums); // a note may be long, a figure would only be far away
-    for (int column = 0; column < model.columnCount(); ++column) {
-        const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
-        const QString sample =
-            QStringLiteral("----") + QString::fromStdString(SampleText(field, ofSums, parts_.Locale));
-        header.resizeSection(column,
-                             std::max(metrics.horizontalAdvance(sample), header.sectionSizeHint(column)));
+    StatTableModel::Order stored;
+    if (!ofSums) {
+        stored.Column = parts_.Settings.Get(Keys::STATS_SortColumn);
+        if (parts_.Settings.Get(Keys::STATS_SortDown)) stored.Direction = Qt::DescendingOrder;
     }
-    header.setSortIndicator(-1, Qt::AscendingOrder); // the records' own order
+    model.SetOrder(stored, {});
+    header.setSortIndicator(stored.Column, stored.Direction);
     header.setSortIndicatorShown(true);
     connect(&header, &QHeaderView::sortIndicatorChanged, this,
             [this, &list](int column, Qt::SortOrder order) { SortByColumn(list, column, order); });
+    connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ShowCounts(); });
+    auto* note = new QLabel(list.viewport());
+    note->setObjectName(QStringLiteral("lblEmpty"));
+    note->setAlignment(Qt::AlignCenter);
+    note->setWordWrap(true);
+    note->setAttribute(Qt::WA_TransparentForMouseEvents);
+    (new QVBoxLayout(list.viewport()))->addWidget(note);
+}
+
+// ---- columns
+
+void frmStatistik::FitColumns(bool mayShrink) {
+    FitColumns(*ui_->ListStats, records_, mayShrink);
+    FitColumns(*ui_->ListStatsSum, sums_, mayShrink);
+}
+
+// As wide as what they show and as what they are likely to show.
+void frmStatistik::FitColumns(QTableView& list, const StatRecords& records, bool mayShrink) {
+    const StatTableModel& model = ModelOf(list);
+    const QFontMetrics metrics = list.fontMetrics();
+    const int widest = metrics.averageCharWidth() * mostNameCharacters;
+    QHeaderView& header = *list.horizontalHeader();
+    for (int column = 0; column < model.columnCount(); ++column) {
+        const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
+        std::vector<std::string> texts = WidestTexts(records.List, field, unit_, parts_.Locale);
+        texts.push_back(SampleText(field, &list == ui_->ListStatsSum, parts_.Locale));
+        int width = 0;
+        for (const std::string& text : texts)
+            width = std::max(width, metrics.horizontalAdvance(QString::fromStdString(text)));
+        if (field == StatColumn::Field::Alias) width = std::min(width, widest);
+        width = std::max(width + metrics.horizontalAdvance(QStringLiteral("----")),
+                         header.sectionSizeHint(column));
+        header.resizeSection(column, mayShrink ? width : std::max(width, header.sectionSize(column)));
+    }
+}
+
+// At the first opening nobody has chosen a width yet.
+void frmStatistik::WidenForColumns() {
+    if (!std::exchange(firstOpening_, false) || isMaximized()) return;
+    const QTableView& list = *ui_->ListStats;
+    const int note = recordModel_.columnCount() - 2; // stretched, so its width says nothing
+    const QString sample = QString::fromStdString(SampleText(StatColumn::Field::Info, false, parts_.Locale));
+    int needed = list.fontMetrics().horizontalAdvance(QStringLiteral("----") + sample);
+    for (int column = 0; column < note; ++column)
+        needed += list.columnWidth(column);
+    const QRect free = screen()->availableGeometry();
+    const int frame = frameGeometry().width() - width();
+    resize(std::min(std::max(width() + needed - list.viewport()->width(), width()), free.width() - frame),
+           height());
+    if (frameGeometry().right() > free.right()) move(free.right() + 1 - width() - frame, y());
 }
 
 void frmStatistik::ConnectControls() {
@@ -156,8 +190,13 @@ void frmStatistik::ConnectControls() {
     connect(ui_->cboKBMB, &QComboBox::activated, this, [this] {
         parts_.Settings.Set(Keys::Stat_Dimension, ui_->cboKBMB->currentText().toStdString());
         cboKBMB_Click();
+        FitColumns(true);
+        ShowCounts();
     });
-    connect(ui_->cmdCancel, &QPushButton::clicked, this, &QWidget::close);
+    connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmStatistik::CancelWork);
+    connect(&job_, &LongJob::Progress, this, &frmStatistik::ShowProgress);
+    connect(ui_->SSTab, &QTabWidget::currentChanged, this, [this] { ShowCounts(); });
+    connect(&follow_, &QTimer::timeout, this, &frmStatistik::FollowFile);
     for (QTableView* list : {ui_->ListStats, ui_->ListStatsSum}) {
         connect(list, &QWidget::customContextMenuRequested, this,
                 [this, list](const QPoint& at) { OpenContextMenu(*list, at); });
@@ -179,7 +218,23 @@ void frmStatistik::ConnectMenu() {
     connectItem(ui_->mnuExportTXT, &frmStatistik::mnuExportTXT_Click);
     connectItem(ui_->mnuExportHTML, &frmStatistik::mnuExportHTML_Click);
     graph_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    graph_->addAction(ui_->mnuExportTXT);
     graph_->addAction(ui_->mnuExportHTML);
+}
+
+void frmStatistik::ConnectKeys() {
+    const auto onKey = [this](const QKeySequence& key, const auto& act) {
+        connect(new QShortcut(key, this), &QShortcut::activated, this, act);
+    };
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_W})
+        onKey(key == Qt::Key_W ? QKeySequence(Qt::CTRL | key) : QKeySequence(key), [this] {
+            if (busy_) return CancelWork();
+            close();
+        });
+    connect(ui_->mnuReload, &QAction::triggered, this, [this] {
+        if (MayReload()) Reload();
+    });
+    addAction(ui_->mnuReload); // its key works in the whole window
 }
 
 void frmStatistik::ApplyTexts() {
@@ -195,7 +250,7 @@ void frmStatistik::ApplyTexts() {
     };
     nameAsTab(ui_->ListStats, 0);
     nameAsTab(ui_->ListStatsSum, 2);
-    ui_->prgLoading->setFormat(text("frmStatistikObj", 37));
+    ui_->SSTab->setTabToolTip(2, text("frmStatistik", 47));
     for (StatTableModel* model : {&recordModel_, &sumModel_})
         emit model->headerDataChanged(Qt::Horizontal, 0, model->columnCount() - 1);
 }
@@ -205,19 +260,30 @@ void frmStatistik::changeEvent(QEvent* event) {
     if (event->type() != QEvent::LanguageChange) return;
     ApplyTexts();
     FillFilter();
+    FitColumns(false);
+    ShowEmptyNotes();
+    ShowCounts();
+}
+
+std::string frmStatistik::Text(int number) const {
+    return parts_.Language.Lng("frmStatistik", number);
 }
 
 // ---- opening and closing
 
 void frmStatistik::Open() {
     const bool wasOpen = isVisible();
-    if (!wasOpen) RestoreGeometry();
+    if (!wasOpen) {
+        RestoreGeometry();
+        graph_->LoadSettings();
+    }
     show();
     setWindowState(windowState() & ~Qt::WindowMinimized);
     raise();
     activateWindow();
-    cancelled_ = false; // a load that the close box has just cancelled goes on
-    if (wasOpen || loading_) return;
+    cancelled_ = false; // what the close box has just cancelled goes on
+    follow_.start(followMilliseconds);
+    if (wasOpen || loading_ || busy_) return;
     loading_ = true;
     QTimer::singleShot(0, this, [this] { LoadRecords(); });
 }
@@ -226,6 +292,8 @@ void frmStatistik::RestoreGeometry() {
     const auto pixels = [&](SettingKey<int> key) { return TwipsToPixels(parts_.Settings.Get(key)); };
     const QRect place(pixels(Keys::STATS_Left), pixels(Keys::STATS_Top), pixels(Keys::STATS_Width),
                       pixels(Keys::STATS_Height));
+    firstOpening_ = std::to_string(parts_.Settings.Get(Keys::STATS_Width)) ==
+                    parts_.Settings.DefaultText(Keys::STATS_Width.Name);
     resize(place.size());
     // The screen it lay on may be gone.
     if (QGuiApplication::screenAt(place.center()) != nullptr) move(place.topLeft());
@@ -251,8 +319,10 @@ void frmStatistik::closeEvent(QCloseEvent* event) {
     // What is being typed is stored while the records are still there for the sums that follow from it.
     if (QWidget* edited = focusWidget()) edited->clearFocus();
     cancelled_ = true;
-    // While they are loaded the records are in use.
-    if (!loading_) ReleaseRecords();
+    follow_.stop();
+    job_.Cancel();
+    // While they are loaded or worked on the records are in use.
+    if (!loading_ && !busy_) ReleaseRecords();
 }
 
 // Nothing of a million records is needed while the window is closed.
@@ -268,8 +338,10 @@ void frmStatistik::LoadRecords() {
     ShowLoading(true);
     ReleaseRecords();
     recordsKnown_ = parts_.Recorder.RecordsInFile();
+    shown_ = parts_.StatFile.Fingerprint();
+    shownDay_ = DayOf(parts_.Clock.Now());
     parts_.StatFile.LoadStatFile(records_, false, [this](double fraction) {
-        ui_->prgLoading->setValue(static_cast<int>(fraction * ui_->prgLoading->maximum()));
+        ShowProgress(fraction);
         return !cancelled_;
     });
     loading_ = false;
@@ -281,6 +353,8 @@ void frmStatistik::LoadRecords() {
     FillFilter();
     FillStats();
     graph_->ShowRecords(records_);
+    FitColumns(true);
+    WidenForColumns();
     if (OnGraph())
         ui_->SSTab->setFocus();
     else
@@ -288,10 +362,102 @@ void frmStatistik::LoadRecords() {
 }
 
 void frmStatistik::ShowLoading(bool loading) {
+    ui_->prgLoading->setFormat(QString::fromStdString(parts_.Language.Lng("frmStatistikObj", 37)));
+    ui_->prgLoading->setRange(0, 100);
     ui_->prgLoading->setValue(0);
     ui_->prgLoading->setVisible(loading);
     ui_->cmdCancel->setVisible(loading);
     SetEnabled({ui_->SSTab, ui_->cboFilter, ui_->cboKBMB}, !loading);
+}
+
+// ---- following the file
+
+bool frmStatistik::MayReload() const {
+    const bool atWork = loading_ || busy_ || !isVisible();
+    return !atWork && QApplication::activePopupWidget() == nullptr &&
+           QApplication::activeModalWidget() == nullptr;
+}
+
+void frmStatistik::FollowFile() {
+    if (!MayReload() || isMinimized()) return;
+    parts_.Errors.Step("FollowFile", [this] {
+        if (shownDay_ != DayOf(parts_.Clock.Now()) || shown_ != parts_.StatFile.Fingerprint()) Reload();
+    });
+}
+
+// The window is used meanwhile: what the user has changed by then is newer than what was read.
+void frmStatistik::Reload() {
+    const std::size_t known = parts_.Recorder.RecordsInFile();
+    const std::size_t changes = changes_;
+    const std::string found = parts_.StatFile.Fingerprint();
+    StatRecords fresh;
+    {
+        const FlagGuard loading(loading_);
+        parts_.StatFile.LoadStatFile(fresh, false,
+                                     [&](double) { return !cancelled_ && changes == changes_; });
+    }
+    if (cancelled_) return ReleaseRecords();
+    if (changes != changes_ || busy_) return; // the next look reads it again
+    shown_ = found;
+    shownDay_ = DayOf(parts_.Clock.Now());
+    TakeRecords(std::move(fresh), known);
+}
+
+void frmStatistik::TakeRecords(StatRecords fresh, std::size_t known) {
+    {
+        const KeepListView place(*ui_->ListStats, [this](int row) { return KeyOfRecord(row); });
+        recordModel_.SetRows(records_.List, {});
+        records_ = std::move(fresh);
+        recordsKnown_ = known;
+        sumsNeedRecalculation_ = true;
+        FillFilter();
+        FillLists();
+    }
+    if (static_cast<std::size_t>(ui_->cboLines->count()) != parts_.Aliases.Lines().size() &&
+        !records_.List.empty())
+        tariff_->ShowLines(parts_.Aliases.Lines());
+    graph_->ShowRecords(records_);
+    FitColumns(false);
+    ShowCounts();
+}
+
+// ---- long work
+
+void frmStatistik::ShowProgress(double fraction) {
+    if (!loading_ && !ui_->prgLoading->isVisible()) {
+        ShowLoading(true);
+        ui_->prgLoading->setFormat(QString::fromStdString(Text(51)));
+    }
+    // What cannot tell how far it is shows that it is alive.
+    ui_->prgLoading->setMaximum(fraction > 0 || loading_ ? 100 : 0);
+    ui_->prgLoading->setValue(static_cast<int>(fraction * 100));
+}
+
+void frmStatistik::EndProgress() {
+    if (ui_->prgLoading->isVisible()) ShowLoading(false);
+    if (cancelled_) ReleaseRecords(); // the window was closed meanwhile
+}
+
+// False when the user has cancelled the work.
+bool frmStatistik::RunJob(const std::function<void()>& work) {
+    const QPointer<QWidget> focus = focusWidget();
+    bool done = false;
+    {
+        const FlagGuard busy(busy_);
+        done = job_.Run(work);
+    }
+    EndProgress();
+    if (focus) focus->setFocus();
+    return done && !cancelled_;
+}
+
+void frmStatistik::CancelWork() {
+    if (!busy_) {
+        close();
+        return;
+    }
+    job_.Cancel();
+    deletionCancelled_ = true;
 }
 
 // ---- filling
@@ -308,36 +474,118 @@ void frmStatistik::FillFilter() {
     ui_->cboFilter->setCurrentIndex(std::max(stored.isEmpty() ? 0 : index, 0));
 }
 
+// What is open has no place in the file.
 std::pair<std::string, double> frmStatistik::KeyOfRecord(int row) const {
-    return {std::string(), static_cast<double>(recordModel_.Record(row).FileIndex)};
+    const StatRecord& record = recordModel_.Record(row);
+    return {record.FileIndex == 0 ? std::string(record.LineName) : std::string(),
+            static_cast<double>(record.FileIndex)};
+}
+
+std::pair<std::string, double> frmStatistik::KeyOfSum(int row) const {
+    return {std::string(sumModel_.Record(row).Alias), sumModel_.Record(row).StatPeriodBegin};
 }
 
 void frmStatistik::FillStats() {
-    parts_.Errors.Step("FillStats", [&] {
-        const std::string filter = ui_->cboFilter->currentData().toString().toStdString();
-        const KeepListPlace recordPlace(*ui_->ListStats, [this](int row) { return KeyOfRecord(row); });
-        const KeepListPlace sumPlace(*ui_->ListStatsSum, [this](int row) {
-            return std::pair(std::string(sumModel_.Record(row).Alias), sumModel_.Record(row).StatPeriodBegin);
-        });
-        recordModel_.SetRows(records_.List, FilterRows(records_.List, filter));
-        if (sumsNeedRecalculation_) {
-            sumModel_.SetRows(sums_.List, {});
-            parts_.PeriodSums.CalcStatSums(records_, static_cast<SumPeriod>(ui_->optStatSum->checkedId()),
-                                           sums_);
-            sumsNeedRecalculation_ = false;
-        }
-        sumModel_.SetRows(sums_.List, FilterRows(sums_.List, filter));
-    });
+    {
+        const KeepListView place(*ui_->ListStats, [this](int row) { return KeyOfRecord(row); });
+        FillLists();
+    }
+    ShowCounts();
 }
 
-// Tariffs, aliases or the records themselves have changed: everything made of them follows.
-void frmStatistik::RecordsChanged() {
+void frmStatistik::FillLists() {
+    parts_.Errors.Step("FillStats", [&] {
+        const std::string filter = ui_->cboFilter->currentData().toString().toStdString();
+        recordModel_.SetRows(records_.List, FilterRows(records_.List, filter));
+        FillSums();
+    });
+    ShowEmptyNotes();
+}
+
+void frmStatistik::FillSums() {
+    const std::string filter = ui_->cboFilter->currentData().toString().toStdString();
+    const KeepListView place(*ui_->ListStatsSum, [this](int row) { return KeyOfSum(row); });
+    if (sumsNeedRecalculation_) {
+        sumModel_.SetRows(sums_.List, {});
+        parts_.PeriodSums.CalcStatSums(records_, static_cast<SumPeriod>(ui_->optStatSum->checkedId()), sums_);
+        sumsNeedRecalculation_ = false;
+    }
+    sumModel_.SetRows(sums_.List, FilterRows(sums_.List, filter));
+}
+
+void frmStatistik::ShowEmptyNotes() {
+    for (QTableView* list : {ui_->ListStats, ui_->ListStatsSum}) {
+        auto* note = list->findChild<QLabel*>(QStringLiteral("lblEmpty"));
+        note->setText(QString::fromStdString(Text(records_.List.empty() ? 45 : 46)));
+        note->setVisible(!loading_ && ModelOf(*list).rowCount() == 0);
+    }
+}
+
+// ---- the line below the lists
+
+// Of the selected rows.
+std::string frmStatistik::SumOf(const QTableView& list) const {
+    const StatTableModel& model = ModelOf(list);
+    StatRecord sum;
+    for (const QItemSelectionRange& range : list.selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            sum.Duration += model.Record(row).Duration;
+            sum.BytesTransmitted += model.Record(row).BytesTransmitted;
+            sum.BytesReceived += model.Record(row).BytesReceived;
+        }
+    }
+    using Field = StatColumn::Field;
+    std::string text;
+    for (const auto& [caption, field] : {std::pair(14, Field::Duration),
+                                         {16, Field::BytesTransmitted},
+                                         {17, Field::BytesReceived},
+                                         {9, Field::Total}})
+        text += "   " + Text(caption) + ": " + CellText(sum, field, unit_, parts_.Locale);
+    return text;
+}
+
+void frmStatistik::ShowCounts() {
+    std::string text;
+    if (!OnGraph()) {
+        const auto number = [this](int count) { return FormatNumber(count, "#,##0", parts_.Locale); };
+        const QTableView& list = List();
+        int selected = 0;
+        for (const QItemSelectionRange& range : list.selectionModel()->selection())
+            selected += range.height();
+        text = Text(42) + " " + number(ModelOf(list).rowCount());
+        if (selected > 0) text += "   " + Text(43) + " " + number(selected) + SumOf(list);
+    }
+    ui_->lblRows->setText(QString::fromStdString(text));
+}
+
+// ---- changes of tariffs and aliases
+
+// The records are the same ones in the same order: only what is made of them follows.
+void frmStatistik::TariffChanged() {
+    ++changes_;
     parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
+    if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
+    sumsNeedRecalculation_ = true;
+    parts_.Errors.Step("FillStats", [this] { FillSums(); });
+    graph_->ShowRecords(records_);
+    ShowCounts();
+}
+
+void frmStatistik::AliasChanged(const std::string& from, const std::string& to) {
+    ++changes_;
+    parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
+    // An alias that no line has any more has been renamed.
+    if (parts_.Aliases.AliasIndex(from) == 0) {
+        if (EqualsNoCase(parts_.Settings.Get(Keys::Z_StatFilter), from))
+            parts_.Settings.Set(Keys::Z_StatFilter, to);
+        graph_->AliasRenamed(from, to);
+    }
     FillFilter();
     if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
     sumsNeedRecalculation_ = true;
     FillStats();
     graph_->ShowRecords(records_);
+    FitColumns(false);
 }
 
 void frmStatistik::optStatSum_Click(int period) {
@@ -347,8 +595,10 @@ void frmStatistik::optStatSum_Click(int period) {
 }
 
 void frmStatistik::cboFilter_Click() {
-    parts_.Settings.Set(Keys::Z_StatFilter, ui_->cboFilter->currentData().toString().toStdString());
+    const std::string alias = ui_->cboFilter->currentData().toString().toStdString();
+    parts_.Settings.Set(Keys::Z_StatFilter, alias);
     FillStats();
+    if (!alias.empty()) graph_->ChooseAlias(alias);
 }
 
 void frmStatistik::cboKBMB_Click() {
@@ -359,18 +609,34 @@ void frmStatistik::cboKBMB_Click() {
     graph_->SetUnit(unit_.Name, unit_.Bytes);
 }
 
-void frmStatistik::SortByColumn(QTableView& list, int column, Qt::SortOrder order) {
+void frmStatistik::SortByColumn(QTableView& list, int column, Qt::SortOrder direction) {
     StatTableModel& model = ModelOf(list);
-    const KeepListPlace place(list,
-                              [&](int row) { return std::pair(std::string(), double(model.RecordOf(row))); });
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    model.sort(column, order);
-    QGuiApplication::restoreOverrideCursor();
+    const StatTableModel::Order order{column, direction};
+    std::vector<std::uint32_t> rows;
+    if (!RunJob([&] { rows = model.Sorted(order); })) {
+        const QSignalBlocker quiet(list.horizontalHeader());
+        return list.horizontalHeader()->setSortIndicator(model.ChosenOrder().Column,
+                                                         model.ChosenOrder().Direction);
+    }
+    const auto recordOf = [&](int row) { return model.RecordOf(row); };
+    using Keeper = KeepListView<decltype(recordOf)>;
+    {
+        const Keeper place(list, recordOf, Keeper::Top::Stay);
+        model.SetOrder(order, std::move(rows));
+    }
+    ShowCounts();
+    if (&list != ui_->ListStats) return;
+    parts_.Settings.Set(Keys::STATS_SortColumn, column);
+    parts_.Settings.Set(Keys::STATS_SortDown, direction == Qt::DescendingOrder);
 }
 
 // ---- the context menu
 
 StatTableModel& frmStatistik::ModelOf(const QTableView& list) {
+    return &list == ui_->ListStats ? recordModel_ : sumModel_;
+}
+
+const StatTableModel& frmStatistik::ModelOf(const QTableView& list) const {
     return &list == ui_->ListStats ? recordModel_ : sumModel_;
 }
 
@@ -404,7 +670,8 @@ ListTexts frmStatistik::TextsOf(const QTableView& list, std::vector<int> rows) {
     }
     texts.RowCount = rows.size();
     texts.UnitName = unit_.Name;
-    texts.Cell = [&model, rows = std::move(rows)](std::size_t row, std::size_t column) {
+    texts.Cell = [this, &model, rows = std::move(rows)](std::size_t row, std::size_t column) {
+        if (column == 0) job_.At(static_cast<double>(row) / static_cast<double>(rows.size()));
         return model.Text(rows[row], static_cast<int>(column));
     };
     return texts;
@@ -412,8 +679,11 @@ ListTexts frmStatistik::TextsOf(const QTableView& list, std::vector<int> rows) {
 
 void frmStatistik::mnuCopy_Click() {
     const QTableView& list = List();
-    const std::string text = CopiedText(TextsOf(list, SelectedRows(list)));
-    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+    if (OnGraph() || !list.selectionModel()->hasSelection()) return;
+    const ListTexts texts = TextsOf(list, SelectedRows(list));
+    QString text;
+    if (RunJob([&] { text = QString::fromStdString(CopiedText(texts)); }))
+        QGuiApplication::clipboard()->setText(text);
 }
 
 void frmStatistik::mnuSelectAll_Click() {
@@ -447,30 +717,50 @@ bool frmStatistik::UserDeletes(std::size_t count) {
 }
 
 void frmStatistik::mnuDelete_Click() {
-    if (&List() != ui_->ListStats) return;
+    if (&List() != ui_->ListStats || OnGraph()) return;
     const std::vector<int> rows = SelectedRows(*ui_->ListStats);
-    if (rows.empty() || !UserDeletes(rows.size())) return;
+    if (rows.empty()) return;
+    {
+        const FlagGuard busy(busy_); // the rows are those that the question is about
+        if (!UserDeletes(rows.size())) return;
+        deletionCancelled_ = false;
+        DeleteRows(rows);
+    }
+    EndProgress();
+    ShowCounts();
+}
+
+void frmStatistik::DeleteRows(const std::vector<int>& rows) {
     std::vector<std::uint32_t> deleted;
     for (const int row : rows)
         deleted.push_back(recordModel_.RecordOf(row));
     const KeepListPlace place(
         *ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
-    const StatFile::Deletion deletion = parts_.StatFile.DeleteRecords(records_, deleted);
+    const StatFile::Deletion deletion =
+        parts_.StatFile.DeleteRecords(records_, deleted, [this](double fraction) {
+            ShowProgress(fraction);
+            return !deletionCancelled_ && !cancelled_;
+        });
     if (deletion == StatFile::Deletion::Done) {
+        ++changes_;
         recordModel_.SetRows(records_.List, {}); // its rows are numbers of records that have moved
-        return RecordsChanged();
+        parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
+        FillFilter();
+        if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
+        sumsNeedRecalculation_ = true;
+        FillStats();
+        graph_->ShowRecords(records_);
     }
+    if (deletion == StatFile::Deletion::Done || deletion == StatFile::Deletion::Cancelled) return;
     const int reason = deletion == StatFile::Deletion::Held      ? 27
                        : deletion == StatFile::Deletion::Changed ? 28
                                                                  : 29;
-    parts_.Errors.DisplayError("mnuDelete", 0,
-                               parts_.Language.Lng("frmStatistik", reason) + "\n" +
-                                   parts_.StatFile.StatFilePath().string());
+    parts_.Errors.DisplayError("mnuDelete", 0, Text(reason) + "\n" + parts_.StatFile.StatFilePath().string());
 }
 
 // ---- export
 
-std::string frmStatistik::ExportCaption(const ListTexts& list) const {
+std::string frmStatistik::ExportCaption() const {
     std::string range;
     if (!records_.List.empty()) {
         const auto [first, last] = std::minmax_element(
@@ -479,9 +769,10 @@ std::string frmStatistik::ExportCaption(const ListTexts& list) const {
         range = FormatPattern(first->LogOut, parts_.Locale.ShortDate) + " - " +
                 FormatPattern(last->LogOut, parts_.Locale.ShortDate);
     }
-    return ui_->cboFilter->currentText().toStdString() + ", " + range + ", " + list.UnitName;
+    return ui_->cboFilter->currentText().toStdString() + ", " + range + ", " + unit_.Name;
 }
 
+// All rows, unless several are selected: a right click selects one only to open the menu.
 template <typename Make>
 void frmStatistik::Export(const QString& suffix, const Make& make) {
     const QString path =
@@ -489,13 +780,19 @@ void frmStatistik::Export(const QString& suffix, const Make& make) {
     if (path.isEmpty()) return;
     QTableView& list = List();
     std::vector<int> rows = SelectedRows(list);
-    if (rows.empty()) rows = AllRows(ModelOf(list).rowCount());
-    parts_.Errors.Step("Export", [&] {
+    if (rows.size() < 2) rows = AllRows(ModelOf(list).rowCount());
+    const ListTexts texts = OnGraph() ? graph_->Texts() : TextsOf(list, std::move(rows));
+    const auto write = [&] {
         QSaveFile file(path);
-        const std::string content = make(TextsOf(list, std::move(rows)));
+        const std::string content = make(texts);
         const auto size = static_cast<qint64>(content.size());
         if (!file.open(QIODevice::WriteOnly) || file.write(content.data(), size) != size || !file.commit())
             throw NumberedError(0, path.toStdString() + ": " + file.errorString().toStdString());
+    };
+    parts_.Errors.Step("Export", [&] {
+        if (!RunJob(write)) return;
+        const std::string count = FormatNumber(static_cast<double>(texts.RowCount), "#,##0", parts_.Locale);
+        ui_->lblRows->setText(QString::fromStdString(Text(44) + " " + count + "   ") + path);
     });
 }
 
@@ -504,10 +801,11 @@ void frmStatistik::mnuExportTXT_Click() {
 }
 
 void frmStatistik::mnuExportHTML_Click() {
-    Export(QStringLiteral("html"), [this](const ListTexts& list) {
-        const std::string title = std::string(ProgramTitle) + " - " + windowTitle().toStdString();
-        return HtmlPage(list, title, ExportCaption(list), OnGraph() ? graph_->Svg() : std::string());
-    });
+    const std::string title = std::string(ProgramTitle) + " - " + windowTitle().toStdString();
+    const std::string caption = OnGraph() ? graph_->Title() : ExportCaption();
+    const std::string drawing = OnGraph() ? graph_->Svg() : std::string();
+    Export(QStringLiteral("html"),
+           [&](const ListTexts& list) { return HtmlPage(list, title, caption, drawing); });
 }
 
 } // namespace korvalin

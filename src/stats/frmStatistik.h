@@ -1,14 +1,17 @@
 #pragma once
 
 #include "forms/Styles.h"
+#include "stats/LongJob.h"
 #include "stats/StatFile.h"
 #include "stats/StatTableModel.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
 #include <memory>
 
+class QLabel;
 class QTableView;
 
 namespace Ui {
@@ -77,15 +80,35 @@ class frmStatistik : public QWidget {
     void SetUpControls();
     void ConnectControls();
     void ConnectMenu();
+    void ConnectKeys();
     void ApplyTexts();
     void RestoreGeometry();
     void SaveGeometry();
     void LoadRecords();
     void ReleaseRecords();
     void ShowLoading(bool loading);
-    void RecordsChanged();
+    void ShowProgress(double fraction);
+    void EndProgress();
+    bool RunJob(const std::function<void()>& work);
+    void CancelWork();
+    bool MayReload() const;
+    void FollowFile();
+    void Reload();
+    void TakeRecords(StatRecords fresh, std::size_t known);
+    void TariffChanged();
+    void AliasChanged(const std::string& from, const std::string& to);
     void FillFilter();
+    void FillLists();
+    void FillSums();
+    void FitColumns(bool mayShrink);
+    void FitColumns(QTableView& list, const StatRecords& records, bool mayShrink);
+    void WidenForColumns();
+    void ShowEmptyNotes();
+    void ShowCounts();
+    std::string SumOf(const QTableView& list) const;
+    std::string Text(int number) const;
     std::pair<std::string, double> KeyOfRecord(int row) const;
+    std::pair<std::string, double> KeyOfSum(int row) const;
     void optStatSum_Click(int period);
     void cboFilter_Click();
     void cboKBMB_Click();
@@ -98,13 +121,15 @@ class frmStatistik : public QWidget {
     void mnuSelectNone_Click();
     template <typename Make>
     void Export(const QString& suffix, const Make& make);
+    void DeleteRows(const std::vector<int>& rows);
     void mnuExportTXT_Click();
     void mnuExportHTML_Click();
     bool UserDeletes(std::size_t count);
-    std::string ExportCaption(const ListTexts& list) const;
+    std::string ExportCaption() const;
     bool OnGraph() const;
     QTableView& List() const;
     StatTableModel& ModelOf(const QTableView& list);
+    const StatTableModel& ModelOf(const QTableView& list) const;
     ListTexts TextsOf(const QTableView& list, std::vector<int> rows);
 
     Parts parts_;
@@ -119,9 +144,17 @@ class frmStatistik : public QWidget {
     StatTableModel sumModel_;
     std::unique_ptr<TariffEditor> tariff_;
     GraphPage* graph_ = nullptr; // owned by its tab
+    LongJob job_;
+    QTimer follow_;           // looks for new connections while the window is open
+    std::string shown_;       // fingerprint of the file that is shown
+    Date shownDay_ = 0;       // the day that the graph takes for today
+    std::size_t changes_ = 0; // of the records by the user
     bool sumsNeedRecalculation_ = true;
     bool loading_ = false;
+    bool busy_ = false; // what is shown must not be exchanged
     bool cancelled_ = false;
+    bool deletionCancelled_ = false;
+    bool firstOpening_ = false;
 };
 
 } // namespace korvalin

@@ -13,9 +13,18 @@ TEST(Text, TellsUtf8FromTheRest) {
     }
 }
 
-TEST(Text, ComparesWithoutCaseAlsoUmlauts) {
-    EXPECT_TRUE(EqualsNoCase("ÄÖÜ-Leitung", "äöü-leitung"));
-    EXPECT_FALSE(EqualsNoCase("×", "÷"));
+TEST(Text, ComparesWithoutCaseInEveryAlphabet) {
+    for (const auto& [left, right] : {std::pair("ÄÖÜ-Leitung", "äöü-leitung"),
+                                      {"ЖАБА", "жаба"},
+                                      {"ŽABA", "žaba"},
+                                      {"ΟΔΟΣ", "οδος"},
+                                      {"ẞ", "ß"},
+                                      {"Ⱥ", "ⱥ"},
+                                      {"𐐀", "𐐨"}})
+        EXPECT_TRUE(EqualsNoCase(left, right)) << left;
+    for (const auto& [left, right] :
+         {std::pair("×", "÷"), {"I", "ı"}, {"жаба", "жабa"}, {"\xD0", "\xF0"}, {"a", "aÄ"}})
+        EXPECT_FALSE(EqualsNoCase(left, right)) << left;
     EXPECT_TRUE(ContainsNoCase("LineDL3SHOW", "show"));
     EXPECT_TRUE(StartsWithNoCase("mon_left_1280", "MON_Left"));
     EXPECT_TRUE(EndsWithNoCase("eth0_ALIAS", "_Alias"));

@@ -114,6 +114,7 @@ TEST_F(GraphPageTest, EveryControlRedraws) {
         {"till", [&] { Type("cboGTill", "1.3.2024"); }},
         {"top", [&] { Pick("cboGMax", "20 MB"); }},
         {"values", [&] { Click("boxShowValue"); }},
+        {"colors", [&] { Pick("cboGPalette", "Blue and orange"); }},
         {"unit", [&] { page->SetUnit("KB", 1000); }},
         {"sent", [&] { Click("boxGSend"); }},
         {"week", [&] { Combo("cboGPeriodType")->setCurrentIndex(1); }},
@@ -178,6 +179,23 @@ TEST_F(GraphPageTest, RemembersItsSettings) {
     EXPECT_EQ(Shown("cboGWeekday"), "Sunday");
 }
 
+TEST_F(GraphPageTest, ReachesUpToTodayOnEveryDay) {
+    Open();
+    EXPECT_EQ(Shown("cboGTill"), "15.03.2024");
+    clock.Advance(SecondsPerDay);
+    page->ShowRecords(records);
+    EXPECT_EQ(Shown("cboGTill"), "16.03.2024");
+    EXPECT_EQ(Shown("lblGTitle"), "dsl, 06.03.2024 - 16.03.2024, MB");
+    EXPECT_FALSE(Find("lblGNote")->isVisible());
+    Type("cboGMaxPeriods", "3");
+    EXPECT_EQ(Shown("lblGNote"), "Only the newest periods (see Maximum periods): 3 / 11");
+    Type("cboGTill", "10.03.2024");
+    clock.Advance(SecondsPerDay);
+    page->LoadSettings();
+    page->ShowRecords(records);
+    EXPECT_EQ(Shown("cboGTill"), "10.03.2024") << "unless the user wants another day";
+}
+
 TEST_F(GraphPageTest, TellsThePeriodUnderTheMouse) {
     Open();
     EXPECT_EQ(TipAt(CentreOf(0, 10)), "06.03.2024\nSent: 0.4 MB\nReceived: 1.6 MB\nTotal: 2.0 MB");
@@ -221,6 +239,11 @@ TEST_F(GraphPageTest, ExportsTheSameBars) {
     }
     EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
     // The drawing area is 400 - 60 - 10 pixels high.
+    EXPECT_NE(svg.find("<span style=\"color:#ff0000\">\u25A0</span> Received"), std::string::npos);
+    const ListTexts list = page->Texts();
+    EXPECT_EQ(list.RowCount, 10U);
+    EXPECT_EQ(list.Cell(9, 0) + "|" + list.Cell(9, 1) + "|" + list.Cell(9, 2) + "|" + list.Cell(9, 3),
+              "15.03.2024|0.40 <&\"|1.60 <&\"|2.00 <&\"");
     EXPECT_EQ(bars["#00ff00 44.00"], 10);
     EXPECT_EQ(bars["#ff0000 176.00"], 10);
     EXPECT_EQ(texts.count(QStringLiteral("2 <&\"")), 10);

@@ -93,20 +93,21 @@ class Statistics : public CoreFixture, protected Driver {
 
 TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
     Open();
-    EXPECT_EQ(Rows(), (Lines{"one", "2 KB", "three", "four"})) << "the damaged line is none";
-    EXPECT_EQ(Cell(0, 0) + "|" + Cell(0, 1) + "|" + Cell(0, 2) + "|" + Cell(0, 3),
+    EXPECT_EQ(Rows(), (Lines{"three", "four", "2 KB", "one"})) << "newest first; the damaged line is none";
+    EXPECT_EQ(Cell(3, 0) + "|" + Cell(3, 1) + "|" + Cell(3, 2) + "|" + Cell(3, 3),
               "Home|2004-12-31 22:22:22|1:23:45|2004-12-31 23:46:07");
-    EXPECT_EQ(Cell(0, 4) + "|" + Cell(0, 5) + "|" + Cell(0, 6), "1,000.00 KB|2,500.00 KB|3,500.00 KB");
+    EXPECT_EQ(Cell(3, 4) + "|" + Cell(3, 5) + "|" + Cell(3, 6), "1,000.00 KB|2,500.00 KB|3,500.00 KB");
     EXPECT_TRUE(List()->isColumnHidden(8)) << "the position in the file is not for display";
     EXPECT_EQ(Rows(1, "ListStatsSum"),
               (Lines{"2004-12-31 Fri", "2005-02-01 Tue", "2005-01-31 Mon", "2005-01-10 Mon"}));
 
     Pick("cboFilter", "Mobile");
-    EXPECT_EQ(Rows(), (Lines{"2 KB", "three", "four"}));
+    EXPECT_EQ(Rows(), (Lines{"three", "four", "2 KB"}));
+    EXPECT_EQ(Shown("cboGAlias"), "Mobile") << "the graph's, too";
     EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile", "Mobile", "Mobile"}));
     EXPECT_EQ(settings.Get(Keys::Z_StatFilter), "Mobile");
     Pick("cboKBMB", "MB");
-    EXPECT_EQ(Cell(1, 5), "5.00 MB");
+    EXPECT_EQ(Cell(0, 5), "5.00 MB");
     EXPECT_EQ(settings.Get(Keys::Stat_Dimension), "MB");
     Page(2);
     Click("optStatSum2");
@@ -117,7 +118,7 @@ TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
     QEvent changed(QEvent::LanguageChange);
     QCoreApplication::sendEvent(window.get(), &changed);
     EXPECT_EQ(List()->model()->headerData(5, Qt::Horizontal).toString(), QStringLiteral("Empfangen"));
-    EXPECT_EQ(Rows(), (Lines{"2 KB", "three", "four"})) << "the filter stays";
+    EXPECT_EQ(Rows(), (Lines{"three", "four", "2 KB"})) << "the filter stays";
 }
 
 TEST_F(Statistics, TheKeyboardReachesEverything) {
@@ -140,9 +141,10 @@ TEST_F(Statistics, TheKeyboardReachesEverything) {
         EXPECT_FALSE(List(name)->accessibleName().isEmpty());
 }
 
-TEST_F(Statistics, AHeaderSortsAndTheCurrentRowStays) {
+TEST_F(Statistics, AHeaderSortsWhileSelectionAndCurrentRowStay) {
     Open();
-    List()->setCurrentIndex(List()->model()->index(2, 0)); // "three"
+    List()->setCurrentIndex(List()->model()->index(0, 0)); // "three"
+    Select({0, 3});
     auto* header = List()->horizontalHeader();
     const auto clickHeader = [&](int column) {
         const QPoint at(header->sectionViewportPosition(column) + 10, header->height() / 2);
@@ -151,11 +153,18 @@ TEST_F(Statistics, AHeaderSortsAndTheCurrentRowStays) {
     clickHeader(5);
     EXPECT_EQ(Rows(), (Lines{"four", "2 KB", "one", "three"}));
     EXPECT_EQ(List()->currentIndex().row(), 3);
+    EXPECT_EQ(Selected(), (std::vector<int>{2, 3}));
+    EXPECT_EQ(Shown("lblRows"), "Rows: 4   Selected: 2   Duration: 1:24:15   Sent: 1,000.00 KB   "
+                                "Received: 7,500.00 KB   Total: 8,500.00 KB");
     clickHeader(5);
     EXPECT_EQ(Rows(), (Lines{"three", "one", "2 KB", "four"}));
     Pick("cboFilter", "Mobile");
     EXPECT_EQ(Rows(), (Lines{"three", "2 KB", "four"})) << "sorted as before";
     EXPECT_EQ(Cell(List()->currentIndex().row(), 7), "three");
+    EXPECT_EQ(Selected(), std::vector<int>{0});
+    window.reset();
+    Open();
+    EXPECT_EQ(Rows(), (Lines{"three", "2 KB", "four"})) << "the order is kept";
 }
 
 TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
@@ -166,14 +175,14 @@ TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
     EXPECT_TRUE(Selected().empty());
     List()->setCurrentIndex(List()->model()->index(1, 0));
     Item("mnuSelectMonth")->trigger();
-    EXPECT_EQ(Selected(), (std::vector<int>{1, 3})) << "January 2005, its end not counted";
-    Select({1, 0});
+    EXPECT_EQ(Selected(), (std::vector<int>{1, 2})) << "January 2005, its end not counted";
+    Select({3, 2});
     Item("mnuCopy")->trigger();
     EXPECT_EQ(
         QGuiApplication::clipboard()->text().toStdString(),
         "Alias\tConnected\tDuration\tDisconnected\tSent\tReceived\tTotal\tNote\t\r\n"
-        "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n"
-        "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\t2 KB\t\r\n");
+        "Mobile\t2005-01-10 10:00:00\t00:05:07\t2005-01-10 10:05:07\t0.00\t1.23\t1.23\t2 KB\t\r\n"
+        "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n");
 }
 
 TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
@@ -189,7 +198,7 @@ TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
     // A connection that ended after the window was opened must not be lost.
     const std::string appended = "\"Line9\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n";
     Append(appended);
-    Select({0, 2, 3});
+    Select({0, 1, 3});
     boxes.Answers = {MessageAnswer::Yes};
     Item("mnuDelete")->trigger();
     EXPECT_EQ(boxes.Take().Text.substr(0, 17), "Total 3 records a");
@@ -252,21 +261,25 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     Type("txtAlias", "  Travel ");
     EXPECT_EQ(settings.Get(Keys::Alias("Line2")), "Travel");
     EXPECT_EQ(settings.Get(Keys::FreeVolume("Travel")), 10000) << "inherited";
-    EXPECT_EQ(Rows(0), (Lines{"Home", "Travel", "Travel", "Mobile"}));
+    EXPECT_EQ(Rows(0), (Lines{"Travel", "Mobile", "Travel", "Home"}));
     Pick("cboLines", "Line3");
     Type("txtAlias", "Home");
     EXPECT_EQ(settings.Get(Keys::FreeVolume("Home")), 0) << "a line that joins an alias takes its tariff";
 }
 
-TEST_F(Statistics, AnAliasThatIsRenamedWhileItIsTheFilterLeavesNoEmptyList) {
+TEST_F(Statistics, AnAliasThatIsRenamedStaysChosen) {
     Open();
     Pick("cboFilter", "Home");
     Page(2);
     Pick("cboLines", "Line1");
     Type("txtAlias", "Office");
-    EXPECT_EQ(Shown("cboFilter"), "All aliases");
-    EXPECT_EQ(Rows(0), (Lines{"Office", "Mobile", "Mobile", "Mobile"}));
-    EXPECT_EQ(Rows(0, "ListStatsSum").size(), 4U);
+    EXPECT_EQ(Shown("cboFilter") + Shown("cboGAlias"), "OfficeOffice");
+    EXPECT_EQ(settings.Get(Keys::Z_StatFilter) + settings.Get(Keys::GAlias), "OfficeOffice");
+    EXPECT_EQ(Rows(0), (Lines{"Office"}));
+    Pick("cboFilter", "Mobile");
+    Pick("cboLines", "Line3");
+    Type("txtAlias", "Office");
+    EXPECT_EQ(Shown("cboFilter"), "Mobile") << "another line has it still";
 }
 
 TEST_F(Statistics, ALongAliasFitsTheSettingsAndTheWindow) {
@@ -275,7 +288,7 @@ TEST_F(Statistics, ALongAliasFitsTheSettingsAndTheWindow) {
     const int width = window->minimumSizeHint().width();
     Type("txtAlias", std::string(2000, 'x'));
     EXPECT_EQ(settings.Get(Keys::Alias("Line1")).size(), 255U);
-    EXPECT_EQ(Cell(0, 0), settings.Get(Keys::Alias("Line1")));
+    EXPECT_EQ(Cell(3, 0), settings.Get(Keys::Alias("Line1")));
     QCoreApplication::processEvents();
     EXPECT_LE(window->minimumSizeHint().width(), width + 200);
 }
@@ -312,8 +325,11 @@ TEST_F(Statistics, AFileWithoutRecordsLeavesListsAndLinesEmpty) {
     EXPECT_EQ(Find<QComboBox>("cboLines")->count(), 0);
     EXPECT_FALSE(Find<QLineEdit>("txtAlias")->isEnabled());
     EXPECT_EQ(Shown("cboFreeHours"), "10");
+    EXPECT_EQ(List()->findChild<QLabel*>()->text(), QStringLiteral("Nothing has been recorded yet."));
+    QGuiApplication::clipboard()->setText(QStringLiteral("kept"));
     for (const char* item : {"mnuSelectAll", "mnuSelectMonth", "mnuDelete", "mnuCopy"})
         Item(item)->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("kept"));
     EXPECT_TRUE(StatFileText().empty());
 }
 
@@ -326,7 +342,7 @@ TEST_F(Statistics, ADeletionLeavesTheUserWhereHeWas) {
     Open(content);
     List()->verticalScrollBar()->setValue(300);
     List()->setCurrentIndex(List()->model()->index(302, 0));
-    for (const char* shown : {"303", "304"}) {
+    for (const char* shown : {"196", "195"}) {
         boxes.Answers = {MessageAnswer::Yes};
         Item("mnuDelete")->trigger();
         boxes.Take();
@@ -352,7 +368,11 @@ TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     const std::string text = folder.Read("out");
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5) << "a header and all rows";
     Select({1});
+    Item("mnuExportTXT")->trigger();
+    EXPECT_EQ(Shown("lblRows").substr(0, 16), "Exported rows: 4") << "one is selected by a right click, too";
+    Select({1, 2});
     Item("mnuExportHTML")->trigger();
+    EXPECT_EQ(Shown("lblRows").substr(0, 16), "Exported rows: 2");
     const std::string page = folder.Read("out");
     EXPECT_NE(page.find("<td>2 KB</td>"), std::string::npos);
     EXPECT_EQ(page.find("<td>one</td>"), std::string::npos);
@@ -364,6 +384,81 @@ TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     savePath = QString::fromStdString((folder / "missing/out").string());
     Item("mnuExportTXT")->trigger();
     EXPECT_NE(boxes.Take().Text.find("missing/out"), std::string::npos);
+}
+
+TEST_F(Statistics, NewConnectionsAppearBelowTheUsersHands) {
+    std::string content;
+    for (int i = 0; i < 300; ++i) {
+        content += "\"Line1\",#" + FormatDateIso(DateSerial(2005, 1, 1) + (i + 0.5) / 24) +
+                   "#,#00:00:10#,0,0,\"" + std::to_string(i) + "\",\"\"\r\n";
+    }
+    Open(content);
+    List()->verticalScrollBar()->setValue(100);
+    Select({101, 103});
+    Append("\"Line1\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 301; }));
+    EXPECT_EQ(Cell(0, 7), "new");
+    EXPECT_EQ(List()->verticalScrollBar()->value(), 101);
+    EXPECT_EQ(Selected(), (std::vector<int>{102, 104}));
+    clock.Advance(20 * SecondsPerDay);
+    Page(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Shown("cboGTill") == "2005-03-31"; })) << Shown("cboGTill");
+}
+
+TEST_F(Statistics, KeysReloadAndClose) {
+    Open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == window.get(); }));
+    Append("\"Line1\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n");
+    QTest::keyClick(List(), Qt::Key_F5);
+    EXPECT_EQ(Rows().size(), 5U);
+    for (const QKeyCombination key : {QKeyCombination(Qt::Key_Escape), Qt::CTRL | Qt::Key_W}) {
+        window->Open();
+        AwaitRecords();
+        QTest::keyClick(List(), key.key(), key.keyboardModifiers());
+        EXPECT_FALSE(window->isVisible());
+    }
+}
+
+TEST_F(Statistics, TheWheelIsForTheBoxWithTheFocus) {
+    Open();
+    Page(2);
+    auto* box = Find<QComboBox>("cboMonthStartDay");
+    const auto turn = [&] {
+        const QPointF at = box->rect().center();
+        QWheelEvent wheel(at, box->mapToGlobal(at), {}, QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(box, &wheel);
+        return Shown("cboMonthStartDay");
+    };
+    EXPECT_EQ(turn(), "1");
+    box->setFocus();
+    EXPECT_EQ(turn(), "2");
+}
+
+TEST_F(Statistics, ColumnsFitWhatTheyShow) {
+    Open("\"Line1\",#2004-12-31 22:22:22#,#23:23:45#,1234567890123,2500000,\"one\",\"user1\"\r\n");
+    Page(2);
+    Type("txtAlias", "An alias of some length");
+    Page(0);
+    Pick("cboKBMB", "Byte");
+    for (int column = 0; column < 7; ++column) {
+        const QString text = QString::fromStdString(Cell(0, column));
+        EXPECT_GT(List()->columnWidth(column), List()->fontMetrics().horizontalAdvance(text) + 14) << column;
+    }
+}
+
+TEST(LongJob, RunsBesideTheWindowAndEndsWhenCancelled) {
+    LongJob job;
+    int told = 0;
+    QObject::connect(&job, &LongJob::Progress, [&](double fraction) { told += fraction > 0.4 ? 1 : 0; });
+    QTimer::singleShot(200, [&] { job.Cancel(); });
+    EXPECT_FALSE(job.Run([&] {
+        for (;;)
+            job.At(0.5);
+    }));
+    EXPECT_GT(told, 0);
+    EXPECT_TRUE(job.Run([] {}));
+    EXPECT_THROW(job.Run([] { throw std::runtime_error("full"); }), std::runtime_error);
 }
 
 TEST_F(Statistics, ComesBackWhereItWasLeft) {

@@ -4,6 +4,8 @@
 #include "fakes/TemporaryFolder.h"
 #include "platform/linux/store/SqliteRegistry.h"
 
+#include <sqlite3.h>
+
 #include <memory>
 
 using namespace korvalin;
@@ -67,6 +69,14 @@ TEST_F(TestSqliteRegistry, AKilledWriterLosesNothingItWasToldIsWritten) {
     for (int i = 1; i <= acknowledged; ++i)
         ASSERT_EQ(store.Read(std::to_string(i)), "1") << i;
     EXPECT_TRUE(store.registry.TakeNotes().empty());
+}
+
+TEST_F(TestSqliteRegistry, FindsNamesThatAnEarlierReleaseFoldedOtherwise) {
+    ASSERT_TRUE(Store(file).Write("ЖАБА_Alias", "kept"));
+    SqliteDatabase database;
+    ASSERT_EQ(database.Open(file.string(), SQLITE_OPEN_READWRITE, 1000), SQLITE_OK);
+    ASSERT_EQ(database.Execute("UPDATE RegistryValues SET LowerName = 'ЖАБА_alias'"), SQLITE_OK);
+    EXPECT_EQ(Store(file).Read("жаба_Alias"), "kept");
 }
 
 TEST_F(TestSqliteRegistry, MovesADamagedFileAsideAndBeginsANewOne) {

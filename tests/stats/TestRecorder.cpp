@@ -104,14 +104,14 @@ TEST_F(RecorderTest, WritesBothFilesInTheirForms) {
         std::string(header) +
         "Büro,15.03.2024 11:48:00,15.03.2024 12:00:00,00:12:00,700,5000000,5000700,alice,192.0.2.7,"
         "15.03.2024 12:00:00 abgemeldet\r\n"
-        "'=a;\"b\",14.03.2024,15.03.2024 01:00:00,31.12.1899 01:00:00,700,10000000000000,"
+        "'=a;\"b\",14.03.2024,15.03.2024 01:00:00,25:00:00,700,10000000000000,"
         "10000000000700,alice,,15.03.2024 12:00:00 abgemeldet\r\n";
     EXPECT_EQ(Export(), german);
     locale.ShortDate = "m/d/yyyy";
     locale.Time = "h:nn:ss AMPM";
     lines.PreviousLineTable(1).Continued = true; // in another run
     Save(CloseReason::SystemEnd, 1);
-    EXPECT_EQ(Export(), german + "Büro,3/15/2024 11:48:00 AM,3/15/2024 12:00:00 PM,12:12:00 AM,700,5000000,"
+    EXPECT_EQ(Export(), german + "Büro,3/15/2024 11:48:00 AM,3/15/2024 12:00:00 PM,00:12:00,700,5000000,"
                                  "5000700,alice,192.0.2.7,3/15/2024 12:00:00 PM abgemeldet\r\n");
     EXPECT_EQ(Load(Stats()), 2) << "both are read back, the first one's copies as one";
 }

@@ -133,15 +133,17 @@ TEST_F(StatFileTest, IsRewrittenOnlyWhenWorthIt) {
         std::string File;
         bool Repair, Held;
         std::string Expected;
+        LoadReport::Hindrance Hindrance = LoadReport::Hindrance::None;
     } const rows[] = {{"25 merges", Chain(26), true, false, ""},
                       {"26 merges", Chain(27), true, false, Line("eth0", "10:00:00", "01:13:00")},
                       {"26 merges, not asked to repair", Chain(27), false, false, ""},
                       {"a damaged line", damaged, true, false, Apart(2)},
                       {"a damaged line, one record", "damaged\r\n" + Apart(1), true, false, Apart(1)},
-                      {"no record at all", "damaged\r\n", true, false, ""},
-                      {"somebody holds the file", damaged, true, true, ""}};
+                      {"no record at all", "damaged\r\n", true, false, "", LoadReport::Hindrance::NoRecords},
+                      {"somebody holds the file", damaged, true, true, "", LoadReport::Hindrance::Held}};
     for (const auto& row : rows) {
         files.Held = row.Held;
+        files.DurableResult = row.Held ? EAGAIN : 0;
         clock.Advance(1);
         Load(row.File, row.Repair);
         const std::string backup =
@@ -149,6 +151,7 @@ TEST_F(StatFileTest, IsRewrittenOnlyWhenWorthIt) {
         const bool rewritten = !row.Expected.empty();
         EXPECT_EQ(folder.Read("Korvalin_Stats.db"), rewritten ? row.Expected : row.File) << row.What;
         EXPECT_EQ(folder.Read(backup), rewritten ? row.File : "") << row.What;
+        EXPECT_EQ(statFile.Report().NotRewritten, row.Hindrance) << row.What;
         EXPECT_EQ(statFile.Report().Backup, rewritten ? folder / backup : fs::path()) << row.What;
     }
 }

@@ -11,7 +11,7 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2] / "src"
 FLOORS = [["base"], ["platform"], ["platform/linux", "forms", "errors"], ["platform/qt"], ["settings"], ["lang"], ["data", "dialogs"],
           ["inet"], ["traffic"], ["stats"], ["display"], ["settingsdlg"], ["program"], ["cli", "desktop"]]
 LEVELS = {folder: number for number, row in enumerate(FLOORS) for folder in row}
-STANDARD = set("""algorithm array atomic cerrno charconv chrono cmath cstddef cstdint cstdio cstdlib cstring ctime deque exception
+STANDARD = set("""algorithm array atomic cerrno charconv chrono clocale cmath cstddef cstdint cstdio cstdlib cstring ctime cwctype deque exception
 filesystem fstream span functional initializer_list ios iterator limits map memory numeric optional random set sstream stdexcept
 string string_view system_error thread tuple type_traits unordered_map unordered_set utility variant vector
 fmt/format.h""".split())

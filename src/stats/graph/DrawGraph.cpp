@@ -12,8 +12,6 @@ namespace korvalin {
 namespace {
 
 constexpr std::int32_t black = 0x000000;
-constexpr std::int32_t green = 0x00FF00;
-constexpr std::int32_t red = 0x0000FF;
 constexpr auto buttonFace = static_cast<std::int32_t>(0x8000000F);
 
 // Twips, outward from the axes.
@@ -83,8 +81,9 @@ class Drawing {
     void DrawBar(std::size_t index) {
         const PeriodVolume& period = graph_.Periods[index];
         const double sent = view_.Send ? period.BytesTransmitted : 0;
-        DrawPart(index, 0, HeightOf(sent), green);
-        if (view_.Received) DrawPart(index, HeightOf(sent), HeightOf(sent + period.BytesReceived), red);
+        DrawPart(index, 0, HeightOf(sent), view_.Colors.Sent);
+        if (!view_.Received) return;
+        DrawPart(index, HeightOf(sent), HeightOf(sent + period.BytesReceived), view_.Colors.Received);
     }
 
     void DrawAxes() {

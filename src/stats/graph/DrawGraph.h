@@ -4,6 +4,8 @@
 #include "stats/graph/GraphScale.h"
 #include "stats/graph/PeriodGraph.h"
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -11,6 +13,14 @@ namespace korvalin {
 
 class GraphCanvas;
 struct Locale;
+
+/// The colours of the two directions, red + 256 * green + 65536 * blue.
+struct GraphColors {
+    std::int32_t Sent = 0x00FF00;
+    std::int32_t Received = 0x0000FF;
+};
+/// Green and red, and a pair that can be told apart by those who see neither well.
+inline constexpr std::array<GraphColors, 2> GraphPalettes = {GraphColors(), {0xB27200, 0x009FE6}};
 
 /// How a period graph is shown.
 struct GraphView {
@@ -20,6 +30,7 @@ struct GraphView {
     bool ShowValue = false; ///< prints its volume at each bar
     std::string UnitName = "MB";
     double UnitBytes = 1'000'000;
+    GraphColors Colors;
     double FixedTop = 0; ///< of the scale, in units; 0: the largest volume decides
 };
 

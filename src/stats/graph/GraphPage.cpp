@@ -1,6 +1,7 @@
 #include "stats/graph/GraphPage.h"
 
 #include "base/Locale.h"
+#include "base/Numbers.h"
 #include "base/ProgramTitle.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
@@ -19,6 +20,8 @@
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QLocale>
+#include <QPainter>
+#include <QPixmap>
 #include <QSignalBlocker>
 #include <QToolTip>
 
@@ -31,6 +34,7 @@ namespace {
 constexpr int maxPeriodsChoices[] = {7, 12, 14, 24, 31, 52, 100, 365, 1000};
 constexpr int svgWidth = 800; // pixels
 constexpr int svgHeight = 400;
+constexpr int legendPixels = 12;
 
 QString ToQt(const std::string& text) {
     return QString::fromStdString(text);
@@ -48,8 +52,23 @@ std::unordered_set<std::string> AliasesWithRecords(const StatRecords& records) {
     return aliases;
 }
 
-// Offers the days and shows one that need not be among them.
+QColor ToQt(std::int32_t color) {
+    return QColor(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF);
+}
+
+// A square of the colour with the bars' outline.
+QIcon LegendIcon(std::int32_t color, double pixelRatio) {
+    const QSize size(legendPixels, legendPixels);
+    QPixmap square(size * pixelRatio);
+    square.setDevicePixelRatio(pixelRatio);
+    square.fill(Qt::black);
+    QPainter(&square).fillRect(QRect(QPoint(1, 1), size - QSize(2, 2)), ToQt(color));
+    return square;
+}
+
+// Offers the days and shows one that need not be among them. What is being typed stays.
 void FillDates(QComboBox& combo, const std::vector<Date>& days, Date shown, const Locale& locale) {
+    if (combo.hasFocus() && combo.lineEdit()->isModified()) return;
     const auto text = [&](Date day) { return ToQt(FormatPattern(day, locale.ShortDate)); };
     const QSignalBlocker quiet(combo);
     combo.clear();
@@ -71,8 +90,9 @@ GraphPage::GraphPage(const Parts& parts, QWidget* parent)
     ui_->setupUi(this);
     for (QComboBox* combo : {ui_->cboGFrom, ui_->cboGTill, ui_->cboGMaxPeriods})
         combo->setCompleter(nullptr); // it would make another date of one that is being typed
+    for (const int count : maxPeriodsChoices)
+        ui_->cboGMaxPeriods->addItem(QString::number(count));
     LoadSettings();
-    ApplyTexts();
     ConnectControls();
     ui_->PicChart->installEventFilter(this);
 }
@@ -95,11 +115,18 @@ void GraphPage::LoadSettings() {
     options_.MaxPeriods = settings.Get(Keys::GMaxPeriods);
     view_.ShowValue = settings.Get(Keys::GShowValue);
     Check(*ui_->boxShowValue, view_.ShowValue);
-    for (const int count : maxPeriodsChoices)
-        ui_->cboGMaxPeriods->addItem(QString::number(count));
+    const int palette = settings.Get(Keys::GPalette);
+    view_.Colors = GraphPalettes.at(static_cast<std::size_t>(palette));
     ui_->cboGMaxPeriods->setEditText(QString::number(options_.MaxPeriods));
     ui_->cboGWeekday->setEnabled(options_.Period == SumPeriod::Week);
+    ApplyTexts();
     ShowDates();
+}
+
+// A range that reaches up to today does so tomorrow as well.
+void GraphPage::FollowToday() {
+    const Date till = DayOf(parts_.Settings.Get(Keys::GTill));
+    if (till >= DayOf(parts_.Clock.Now())) options_.Till = till;
 }
 
 void GraphPage::ConnectControls() {
@@ -119,6 +146,7 @@ void GraphPage::ConnectControls() {
         CalcGraph();
     });
     onEntry(ui_->cboGMaxPeriods, [this] { TakeMaxPeriods(); });
+    onChoice(ui_->cboGPalette, [this](int index) { TakePalette(index); });
     onChoice(ui_->cboGMax, [this] {
         view_.FixedTop = ui_->cboGMax->currentData().toDouble();
         DrawGraph();
@@ -155,7 +183,10 @@ void GraphPage::ApplyTexts() {
     for (const std::string& name : parts_.Locale.DayNames)
         weekdays << ToQt(name);
     refill(*ui_->cboGWeekday, weekdays, options_.FirstWeekday);
+    refill(*ui_->cboGPalette, {ToQt(StatText(49)), ToQt(StatText(50))}, parts_.Settings.Get(Keys::GPalette));
     FillTops();
+    ShowLegend();
+    ShowTitle();
 }
 
 void GraphPage::FillAliases() {
@@ -214,6 +245,7 @@ void GraphPage::TakeAlias() {
 
 void GraphPage::TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date) {
     const std::string text = TextOf(combo);
+    combo.lineEdit()->setModified(false); // it is typed to its end
     if (text == FormatPattern(date, parts_.Locale.ShortDate)) return;
     const int offered = combo.findText(ToQt(text));
     if (offered >= 0) {
@@ -248,8 +280,30 @@ void GraphPage::TakeMaxPeriods() {
     CalcGraph();
 }
 
+void GraphPage::TakePalette(int index) {
+    view_.Colors = GraphPalettes.at(static_cast<std::size_t>(index));
+    parts_.Settings.Set(Keys::GPalette, index);
+    ShowLegend();
+    DrawGraph();
+}
+
+void GraphPage::ChooseAlias(const std::string& alias) {
+    const int index = ui_->cboGAlias->findText(ToQt(alias), Qt::MatchFixedString);
+    if (index < 0) return;
+    const QSignalBlocker quiet(ui_->cboGAlias); // it may be the one shown, but not the one stored
+    ui_->cboGAlias->setCurrentIndex(index);
+    TakeAlias();
+}
+
+void GraphPage::AliasRenamed(const std::string& from, const std::string& to) {
+    if (!EqualsNoCase(options_.Alias, from)) return;
+    options_.Alias = to;
+    if (EqualsNoCase(parts_.Settings.Get(Keys::GAlias), from)) parts_.Settings.Set(Keys::GAlias, to);
+}
+
 void GraphPage::ShowRecords(const StatRecords& records) {
     records_ = &records;
+    FollowToday();
     FillAliases();
     CalcGraph();
 }
@@ -295,8 +349,24 @@ void GraphPage::DrawGraph() {
         const std::optional<GraphScale> scale = Scale();
         PictureCanvas canvas(*ui_->PicChart);
         if (scale) layout_ = korvalin::DrawGraph(canvas, graph_, view_, *scale, parts_.Locale);
-        ui_->PicChart->setAccessibleName(ToQt(Title()));
     });
+    ShowTitle();
+}
+
+void GraphPage::ShowLegend() {
+    ui_->boxGSend->setIcon(LegendIcon(view_.Colors.Sent, devicePixelRatioF()));
+    ui_->boxGReceived->setIcon(LegendIcon(view_.Colors.Received, devicePixelRatioF()));
+}
+
+void GraphPage::ShowTitle() {
+    const QString title = ToQt(Title());
+    ui_->lblGTitle->setText(title);
+    ui_->PicChart->setAccessibleName(title);
+    const std::size_t shown = graph_.Periods.size();
+    const bool cut = shown < graph_.PeriodsInRange;
+    ui_->lblGNote->setVisible(cut);
+    if (cut)
+        ui_->lblGNote->setText(ToQt(fmt::format("{} {} / {}", StatText(48), shown, graph_.PeriodsInRange)));
 }
 
 std::string GraphPage::Title() const {
@@ -305,12 +375,35 @@ std::string GraphPage::Title() const {
     return options_.Alias + ", " + PeriodRange(range, parts_.Locale) + ", " + view_.UnitName;
 }
 
+std::string GraphPage::LegendEntry(std::int32_t color, int text) const {
+    return "<span style=\"color:" + ToQt(color).name().toStdString() + "\">\u25A0</span> " +
+           EscapeMarkup(StatText(text));
+}
+
+ListTexts GraphPage::Texts() const {
+    ListTexts texts;
+    texts.Headers = {StatText(24), StatText(16), StatText(17), StatText(9)};
+    texts.IsFigure = {false, true, true, true};
+    texts.RowCount = graph_.Periods.size();
+    texts.UnitName = view_.UnitName;
+    texts.Cell = [this](std::size_t row, std::size_t column) {
+        const PeriodVolume& period = graph_.Periods[row];
+        if (column == 0) return PeriodRange(period, parts_.Locale);
+        const double bytes = ShownVolume(period, column != 2, column != 1);
+        return FormatNumber(bytes / view_.UnitBytes, "#,##0.00", parts_.Locale) + " " + view_.UnitName;
+    };
+    return texts;
+}
+
 std::string GraphPage::Svg() {
     const std::optional<GraphScale> scale = Scale();
     if (!scale) return {};
     GraphSvg svg(svgWidth, svgHeight, Title());
     korvalin::DrawGraph(svg, graph_, view_, *scale, parts_.Locale);
-    return svg.Text();
+    std::string legend;
+    if (view_.Send) legend += LegendEntry(view_.Colors.Sent, 16) + " ";
+    if (view_.Received) legend += LegendEntry(view_.Colors.Received, 17);
+    return "<figure>\n" + svg.Text() + "<figcaption>" + legend + "</figcaption>\n</figure>\n";
 }
 
 std::string GraphPage::PeriodText(const PeriodVolume& period, const GraphScale& scale) const {

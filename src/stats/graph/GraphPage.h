@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/Keys.h"
+#include "stats/StatExport.h"
 #include "stats/graph/DrawGraph.h"
 
 #include <QWidget>
@@ -44,6 +45,15 @@ class GraphPage : public QWidget {
     explicit GraphPage(const Parts& parts, QWidget* parent = nullptr);
     ~GraphPage() override;
 
+    /// Takes up the stored choices again, as at the first opening.
+    void LoadSettings();
+
+    /// Shows another alias, as if the user had chosen it.
+    void ChooseAlias(const std::string& alias);
+
+    /// What one alias was called is another one from now on; records with it are shown next.
+    void AliasRenamed(const std::string& from, const std::string& to);
+
     /// Shows these records. They stay the caller's and are read again whenever a control changes, so they
     /// must live until others are shown; after a change to them or to an alias they are to be shown again.
     void ShowRecords(const StatRecords& records);
@@ -54,8 +64,11 @@ class GraphPage : public QWidget {
     /// Renews the texts that are no captions: a change of the language calls it by itself.
     void ApplyTexts();
 
-    /// The graph as an element of a web page; empty when there is nothing to show.
+    /// The graph and its legend as an element of a web page; empty when there is nothing to show.
     std::string Svg();
+
+    /// The periods that the graph shows, as a list. Lives no longer than what is shown.
+    ListTexts Texts() const;
 
     /// What the graph shows: alias, first and last day, unit.
     std::string Title() const;
@@ -65,7 +78,7 @@ class GraphPage : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    void LoadSettings();
+    void FollowToday();
     void ConnectControls();
     void FillAliases();
     void ShowDates();
@@ -73,6 +86,9 @@ class GraphPage : public QWidget {
 
     void CalcGraph();
     void DrawGraph();
+    void ShowLegend();
+    void ShowTitle();
+    std::string LegendEntry(std::int32_t color, int text) const;
     std::optional<GraphScale> Scale();
     std::string PeriodText(const PeriodVolume& period, const GraphScale& scale) const;
     void ShowPeriodAt(const QHelpEvent& help);
@@ -81,6 +97,7 @@ class GraphPage : public QWidget {
     void TakeDate(QComboBox& combo, SettingKey<Date> key, Date& date);
     void TakePeriodType(int index);
     void TakeMaxPeriods();
+    void TakePalette(int index);
     std::string StatText(int number) const;
 
     Parts parts_;

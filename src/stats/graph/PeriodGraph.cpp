@@ -50,16 +50,14 @@ void SetRange(PeriodGraph& graph, const GraphOptions& options, const Calendar& c
 }
 
 // From the last one back: so the newest are kept, and months of different lengths need no counting.
-std::vector<PeriodVolume> PeriodsOf(const PeriodGraph& graph, const Calendar& calendar, int maxPeriods) {
+void SetPeriods(PeriodGraph& graph, const Calendar& calendar, int maxPeriods) {
     const auto most = static_cast<std::size_t>(std::max(maxPeriods, 1));
-    std::vector<PeriodVolume> periods;
-    for (Date last = graph.Till; last >= graph.From && periods.size() < most;) {
+    for (Date last = graph.Till; last >= graph.From; ++graph.PeriodsInRange) {
         const Date begin = calendar.FirstDayOf(last);
-        periods.push_back({begin, last + 1});
+        if (graph.PeriodsInRange < most) graph.Periods.push_back({begin, last + 1});
         last = begin - 1;
     }
-    std::reverse(periods.begin(), periods.end());
-    return periods;
+    std::reverse(graph.Periods.begin(), graph.Periods.end());
 }
 
 // The period that holds a moment; null when none does.
@@ -106,7 +104,7 @@ PeriodGraph CalcGraph(const StatRecords& records, const GraphOptions& options, c
     const Calendar calendar(options, aliases);
     if (!calendar.KnowsAlias()) return graph;
     SetRange(graph, options, calendar, DayOf(today));
-    graph.Periods = PeriodsOf(graph, calendar, options.MaxPeriods);
+    SetPeriods(graph, calendar, options.MaxPeriods);
     SumUp(records, options.Alias, graph);
     for (const PeriodVolume& period : graph.Periods)
         graph.Maximum = std::max(graph.Maximum, ShownVolume(period, options.Send, options.Received));

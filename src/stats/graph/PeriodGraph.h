@@ -32,6 +32,7 @@ struct PeriodGraph {
     Date From = 0; ///< the chosen days moved to the borders of their periods, and none beyond today's period
     Date Till = 0;
     std::vector<PeriodVolume> Periods; ///< empty: there is no such alias
+    std::size_t PeriodsInRange = 0;    ///< of which the newest are shown
     double Maximum = 0;                ///< largest volume of a period in bytes, of the directions that count
     Date FirstRecord = 0;              ///< day on which the alias's first connection ended; 0: it has none
     Date LastRecord = 0;

@@ -80,6 +80,7 @@ struct SqliteRegistry::Store {
   private:
     int Connect(const fs::path& file);
     int Prepare();
+    int FoldNames();
 };
 
 int SqliteRegistry::Store::Connect(const fs::path& file) {
@@ -106,6 +107,29 @@ int SqliteRegistry::Store::Prepare() {
          {"SELECT Name FROM RegistryValues WHERE LowerPath = ?1 ORDER BY LowerName", ListNames}});
 }
 
+// Names of alphabets whose letters an earlier release left as they are would not be found.
+int SqliteRegistry::Store::FoldNames() {
+    struct Renamed {
+        std::string Path, Lower, Name;
+    };
+    std::vector<Renamed> others;
+    SqliteDatabase::Statement find;
+    SqliteDatabase::Statement rename;
+    int code = Database.Prepare(
+        {{"SELECT LowerPath, LowerName, Name FROM RegistryValues WHERE LowerName GLOB '*[^ -~]*'", find},
+         {"UPDATE OR IGNORE RegistryValues SET LowerName = ?3 WHERE LowerPath = ?1 AND LowerName = ?2",
+          rename}});
+    if (code != SQLITE_OK) return code;
+    code = SqliteDatabase::Run(find, {}, [&](const SqliteDatabase::Row& row) {
+        if (ToLower(row.Text(2)) != row.Text(1))
+            others.push_back({std::string(row.Text(0)), std::string(row.Text(1)), ToLower(row.Text(2))});
+    });
+    for (const Renamed& name : others) {
+        if (code == SQLITE_OK) code = SqliteDatabase::Run(rename, {name.Path, name.Lower, name.Name});
+    }
+    return code;
+}
+
 int SqliteRegistry::Store::Open(const fs::path& file, Source source) {
     using Access = SqliteDatabase::Access;
     From = source;
@@ -114,6 +138,7 @@ int SqliteRegistry::Store::Open(const fs::path& file, Source source) {
     if (code == SQLITE_OK) code = Database.EnsureTables(applicationId, tables, access);
     if (code == SQLITE_OK) code = Database.CheckStructure();
     if (code == SQLITE_OK) code = Prepare();
+    if (code == SQLITE_OK && source == Source::File) code = FoldNames();
     if (code == SQLITE_OK && source == Source::File) Identity = IdentityOf(file);
     return code;
 }
