@@ -21,6 +21,7 @@
 #include <fstream>
 #include <system_error>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace korvalin {
@@ -71,40 +72,47 @@ fs::path DataFolder::GetDataPath() {
         parts_.Errors.Step("GetDataPath", [&] { DecideFolder(stored); });
         decided_ = true;
     }
+    if (!untold_.empty() && HasTexts()) TellSubstitute(std::exchange(untold_, {}));
     return WithSeparator(runFolder_);
 }
 
-// Leaves the result in runFolder_, and in the settings when it is to last.
+// Leaves the result in runFolder_, and in the settings when it is to last. A folder that the user has chosen
+// and that cannot be reached today stays chosen.
 void DataFolder::DecideFolder(const fs::path& stored) {
-    const fs::path folder = DefaultFolder();
-    if (!CheckDataFolder(folder)) return UseAnyWritable();
-    runFolder_ = folder;
+    const fs::path common = CommonFolder();
+    const bool created = common.is_absolute() && CreateFolderPath(common);
+    const bool usable = created && CanCreateFileIn(common);
+    const bool programFolderServes = !created && CanCreateFileIn(programFolder_);
+    if (!stored.empty() || (!usable && !programFolderServes)) {
+        runFolder_ = usable ? common : AnyWritable();
+        untold_ = stored.empty() ? common : stored;
+        return;
+    }
+    if (!usable && HasTexts())
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {43, common.string(), 44}, MessageIcon::Warning);
+    runFolder_ = usable ? common : programFolder_;
     // Stored only after the move: killed or failed in between, the next start finds the old statistics again.
-    if (!stored.empty() || ChangeDataPath(programFolder_, folder, false)) {
-        parts_.Settings.Set(Keys::DataPath, folder.string());
+    if (ChangeDataPath(programFolder_, runFolder_, false)) {
+        parts_.Settings.Set(Keys::DataPath, runFolder_.string());
     } else if (CanCreateFileIn(programFolder_)) {
         runFolder_ = programFolder_;
     }
+}
+
+void DataFolder::TellSubstitute(const fs::path& wanted) {
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {43, wanted.string(), 48, runFolder_.string(), 49},
+               MessageIcon::Warning);
 }
 
 fs::path DataFolder::CommonFolder() const {
     return parts_.Shell.CommonAppData() / ProgramTitle;
 }
 
-fs::path DataFolder::DefaultFolder() {
-    const fs::path folder = CommonFolder();
-    if (folder.is_absolute() && CreateFolderPath(folder)) return folder;
-    if (HasTexts())
-        ShowPieces(parts_.MessageBoxes, parts_.Language, {43, folder.string(), 44}, MessageIcon::Warning);
-    return programFolder_;
-}
-
-// Nothing of this is stored, so the next start tries the proper folder again.
-void DataFolder::UseAnyWritable() {
-    runFolder_ = programFolder_;
-    if (CanCreateFileIn(programFolder_)) return;
-    // A place that the next start finds again, should it need one too.
-    if (const fs::path folder = parts_.Shell.SettingsFolder(); CreateFolderPath(folder)) runFolder_ = folder;
+// A place that the next start finds again, should it need one too.
+fs::path DataFolder::AnyWritable() {
+    if (CanCreateFileIn(programFolder_)) return programFolder_;
+    const fs::path folder = parts_.Shell.SettingsFolder();
+    return CreateFolderPath(folder) ? folder : programFolder_;
 }
 
 // A log line may need the folder before the texts are there; a message without words would tell nothing.
@@ -184,11 +192,12 @@ void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile
     const bool replaces = FileExists(newFile);
     const fs::path aside = FreeBackupName(newFile, parts_.Clock.Now());
     if (replaces) fs::rename(newFile, aside);
+    errno = 0;
     if (!parts_.Files.Copy(oldFile, newFile)) {
+        const std::error_code cause(errno != 0 ? errno : EIO, std::generic_category());
         std::error_code ignored;
         if (replaces) fs::rename(aside, newFile, ignored);
-        throw fs::filesystem_error("The statistics file could not be copied", oldFile, newFile,
-                                   std::make_error_code(std::errc::io_error));
+        throw fs::filesystem_error("The statistics file could not be copied", oldFile, newFile, cause);
     }
     PutAside(oldFile);
 }

@@ -35,8 +35,9 @@ class DataFolder {
     DataFolder(const Parts& parts, const std::filesystem::path& programFolder)
         : parts_(parts), programFolder_(programFolder), runFolder_(programFolder) {}
 
-    /// The data folder, ending with a separator. Created when it is missing; where that fails, another folder
-    /// serves for the rest of this run. Cheap while the folder is there; may be called from inside itself (a
+    /// The data folder, ending with a separator. The one that the settings name, whenever it is there; while
+    /// it is not, another one serves, which is told once and not stored. Without a setting the usual folder,
+    /// created when it is missing. Cheap while the folder is there; may be called from inside itself (a
     /// log line).
     std::filesystem::path GetDataPath();
 
@@ -62,8 +63,8 @@ class DataFolder {
 
   private:
     void DecideFolder(const std::filesystem::path& stored);
-    std::filesystem::path DefaultFolder();
-    void UseAnyWritable();
+    void TellSubstitute(const std::filesystem::path& wanted);
+    std::filesystem::path AnyWritable();
     bool HasTexts();
     bool CanCreateFileIn(const std::filesystem::path& folder);
     bool UserKeepsNewStatistics();
@@ -76,6 +77,8 @@ class DataFolder {
     std::filesystem::path programFolder_;
     /// Where this run's data go while the setting names no folder that exists.
     std::filesystem::path runFolder_;
+    /// The folder that runFolder_ stands in for, until the user was told.
+    std::filesystem::path untold_;
     bool decided_ = false;
     bool deciding_ = false;
 };

@@ -8,10 +8,14 @@
 #include "forms/ProgramIcon.h"
 #include "lang/ToolkitTexts.h"
 #include "lang/frmLanguage.h"
+#include "platform/InstanceLock.h"
+#include "platform/Shell.h"
 #include "platform/linux/system/ExitWatch.h"
+#include "platform/linux/system/InstanceDoor.h"
 #include "platform/linux/system/LinuxLocale.h"
 #include "platform/linux/system/LinuxSystem.h"
 #include "platform/linux/system/TerminationSignals.h"
+#include "platform/linux/system/XdgFolders.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtNotificationArea.h"
@@ -22,6 +26,7 @@
 #include <QApplication>
 #include <QLocale>
 #include <QPointer>
+#include <QSocketNotifier>
 
 #include <cstdlib>
 
@@ -63,7 +68,24 @@ int RunDesktop(int argc, char** argv) {
         frmLanguage dialog(program.language);
         dialog.exec();
     });
-    if (!program.Main()) return EXIT_SUCCESS;
+    InstanceDoor door(ConfigFolder(), system.UserShell().ExecutablePath().filename().string());
+    if (program.startup.AnotherInstanceRefused()) {
+        door.Knock();
+        return EXIT_SUCCESS;
+    }
+    // Until there is a window only the questions of the start can be open.
+    frmMain* mainWindow = nullptr;
+    bool ends = false;
+    const auto nobodyAnswers = [&] {
+        messageBoxes.NobodyAnswers([&](const std::string& text) { program.KeepMessage(text); });
+    };
+    const EndRequests endRequests(termination);
+    QObject::connect(&endRequests, &EndRequests::EndRequested, &application, [&](CloseReason reason) {
+        ends = true;
+        nobodyAnswers();
+        mainWindow != nullptr ? mainWindow->Quit(reason) : QCoreApplication::exit();
+    });
+    if (!program.Main() || ends) return EXIT_SUCCESS;
     program.LogNotes(system.TakeNotes());
     UseToolkitTexts(program.language);
 
@@ -111,6 +133,7 @@ int RunDesktop(int argc, char** argv) {
     };
     window.Plug({.Closing =
                      [&](CloseReason reason) {
+                         nobodyAnswers();
                          program.updateCheck.Cancel();
                          program.journalKeeper.RecordOpenLines(reason);
                      },
@@ -119,16 +142,25 @@ int RunDesktop(int argc, char** argv) {
                  .OpenSettings = openSettings,
                  .OpenAbout = [&] { about.Open(); }});
     program.samplingLoop.Plug({[&] { program.updateSchedule.Arm(); }, [&] { about.ScheduleCheck(); }});
-    const EndRequests endRequests(termination);
-    QObject::connect(&endRequests, &EndRequests::EndRequested, &window, &frmMain::Quit);
     // A session may take its display away before it asks anybody; the toolkit then ends the process at once.
     const ExitWatch exitWatch([&] {
-        messageBoxes.DisplayLost();
+        nobodyAnswers();
         window.DisplayLost();
     });
+    mainWindow = &window;
     program.LoadStatistics();
-    window.Form_Load();
-    const int exitCode = QApplication::exec();
+    if (!ends) window.Form_Load();
+    const bool isFirst = !ports.InstanceLock.PreviousInstanceRunning();
+    if (const int knocked = isFirst ? door.Open() : -1; knocked >= 0) {
+        auto* knocks = new QSocketNotifier(knocked, QSocketNotifier::Read, &window);
+        QObject::connect(knocks, &QSocketNotifier::activated, &window, [&] {
+            door.Answer();
+            window.ShowMainWindow(true);
+        });
+    }
+    QMetaObject::invokeMethod(
+        &window, [&] { program.TellKeptMessage(); }, Qt::QueuedConnection);
+    const int exitCode = ends ? EXIT_SUCCESS : QApplication::exec();
     delete settings; // nobody deletes a window that is closed at the very end
     program.LogNotes(system.TakeNotes());
     return exitCode;

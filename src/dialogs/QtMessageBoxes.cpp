@@ -24,7 +24,8 @@ int StyleOf(MessageIcon icon) {
 std::vector<MessageAnswer> AnswersOf(MessageButtons buttons) {
     switch (buttons) {
     case MessageButtons::Ok: break;
-    case MessageButtons::YesNo: return {MessageAnswer::Yes, MessageAnswer::No};
+    case MessageButtons::YesNo:
+    case MessageButtons::YesNoDefaultNo: return {MessageAnswer::Yes, MessageAnswer::No};
     case MessageButtons::YesNoCancel: return {MessageAnswer::Yes, MessageAnswer::No, MessageAnswer::Cancel};
     }
     return {MessageAnswer::Ok};
@@ -52,18 +53,24 @@ QString QtMessageBoxes::Caption(MessageAnswer answer) const {
 
 MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& title, MessageIcon icon,
                                    MessageButtons buttons) {
-    if (displayLost_) return buttons == MessageButtons::Ok ? MessageAnswer::Ok : MessageAnswer::No;
+    if (keep_) {
+        if (buttons != MessageButtons::Ok) return MessageAnswer::No;
+        keep_(text);
+        return MessageAnswer::Ok;
+    }
     const std::vector<MessageAnswer> answers = AnswersOf(buttons);
     PopupMessage message{ToText(text), StyleOf(icon), static_cast<int>(answers.size()) - 1, ToText(title)};
     for (std::size_t i = 0; i < answers.size(); ++i)
         message.Captions[i] = Caption(answers[i]);
-    if (buttons == MessageButtons::YesNoCancel) message.Default = 1;
+    const bool mayDoHarm =
+        buttons == MessageButtons::YesNoCancel || buttons == MessageButtons::YesNoDefaultNo;
+    if (mayDoHarm) message.Default = 1;
     const int pressed = frmPopupMsg::ShowMsg(texts_, message, QApplication::activeWindow());
     return answers[static_cast<std::size_t>(pressed)];
 }
 
 void QtMessageBoxes::ShowWaiting(const std::string& text, const std::string& title) {
-    if (displayLost_) return;
+    if (keep_) return;
     waiting_ = std::make_unique<frmMessage>(texts_);
     waiting_->setWindowTitle(ToText(title));
     waiting_->Msg_Text = ToText(text);

@@ -3,7 +3,10 @@
 #include "dialogs/MessageTexts.h"
 #include "platform/MessageBoxes.h"
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace korvalin {
 
@@ -19,8 +22,9 @@ class QtMessageBoxes : public MessageBoxes {
     /// Until then, and where a text is empty, the buttons are English.
     void Plug(Language& language) { texts_.Plug(language); }
 
-    /// From now on nobody can answer: the display is gone.
-    void DisplayLost() { displayLost_ = true; }
+    /// From now on nobody can answer: the program ends, or the display is gone. A message is given to `keep`
+    /// instead, and a question is answered No.
+    void NobodyAnswers(std::function<void(const std::string& text)> keep) { keep_ = std::move(keep); }
 
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                        MessageButtons buttons) override;
@@ -32,7 +36,7 @@ class QtMessageBoxes : public MessageBoxes {
 
     MessageTexts texts_;
     std::unique_ptr<frmMessage> waiting_;
-    bool displayLost_ = false;
+    std::function<void(const std::string& text)> keep_; // set when nobody answers
 };
 
 } // namespace korvalin

@@ -5,12 +5,16 @@
 #include "forms/Twips.h"
 #include "ui_frmMessage.h"
 
+#include <QScreen>
+
+#include <algorithm>
+
 namespace korvalin {
 namespace {
 
 constexpr int innerWidthTwips = 6000;
 constexpr int marginTwips = 200;
-constexpr int extraWidthTwips = 20; // for glyphs that lean out of their cell
+constexpr double highestOnScreen = 0.6; // what is higher scrolls
 
 } // namespace
 
@@ -45,14 +49,13 @@ void frmMessage::Form_Load() {
 void frmMessage::PlaceMessage() {
     const int margin = TwipsToPixels(marginTwips);
     const int widest = TwipsToPixels(innerWidthTwips) - 2 * margin;
-    QLabel& label = *ui_->lblMessage;
+    MessageText& text = *ui_->lblMessage;
     layout()->setContentsMargins(margin, margin, margin, margin);
-    label.setWordWrap(false);
-    label.setText(Msg_Text);
-    const int textWidth = label.sizeHint().width();
-    label.setWordWrap(textWidth >= widest);
-    const int width = label.wordWrap() ? widest : textWidth + TwipsToPixels(extraWidthTwips);
-    label.setFixedSize(width, label.heightForWidth(width));
+    text.ShowText(Msg_Text);
+    const int width = std::min(text.WidestLine(), widest);
+    const int highest = static_cast<int>(
+        (screen() != nullptr ? screen()->availableSize().height() : QWIDGETSIZE_MAX) * highestOnScreen);
+    text.SetRoom(width, std::min(text.HeightFor(width), highest));
 }
 
 } // namespace korvalin

@@ -9,7 +9,6 @@
 
 #include <QPointer>
 #include <QScreen>
-#include <QScrollBar>
 #include <QStyle>
 
 #include <algorithm>
@@ -65,16 +64,14 @@ QSize RoomForMessage(const QScreen* screen) {
 
 // Wraps a long message. Its width is the narrowest one that takes no more lines than the widest: no last line
 // with a single word.
-QSize MessageSize(QLabel& label, const QSize& room) {
-    const QSize asItIs = label.sizeHint();
+QSize MessageSize(const MessageText& text, const QSize& room) {
     const int widest = std::min(widestMessage, room.width());
-    if (asItIs.width() <= widest) return asItIs;
-    label.setWordWrap(true);
     constexpr int step = 8;
-    int width = std::max(widest, label.minimumSizeHint().width());
-    const int height = label.heightForWidth(width);
-    if (height > room.height()) return {width, height};
-    while (width - step > widest / 2 && label.heightForWidth(width - step) <= height)
+    int width = std::min(text.WidestLine(), widest);
+    const int height = text.HeightFor(width);
+    if (height > room.height()) return {width, room.height()};
+    const bool wraps = width < text.WidestLine();
+    while (wraps && width - step > widest / 2 && text.HeightFor(width - step) <= height)
         width -= step;
     return {width, height};
 }
@@ -118,16 +115,11 @@ void frmPopupMsg::ShowIcon(int iconStyle) {
 }
 
 void frmPopupMsg::ShowMessage(const QString& message) {
-    QLabel& label = *ui_->lblMessage;
-    label.setText(message);
+    ui_->lblMessage->ShowText(message);
+    ui_->lblMessage->setAccessibleName(windowTitle());
     setAccessibleDescription(message);
-    const QSize room = RoomForMessage(screen());
-    label.setFixedSize(MessageSize(label, room));
-    const int scrollBar = ui_->scrMessage->verticalScrollBar()->sizeHint().width();
-    const QSize bars(label.height() > room.height() ? scrollBar : 0,
-                     label.width() > room.width() ? scrollBar : 0);
-    ui_->scrMessage->setFixedSize(label.size().boundedTo(room) + bars);
-    if (!bars.isNull()) ui_->scrMessage->setFocusPolicy(Qt::TabFocus); // the keyboard scrolls it too
+    const QSize size = MessageSize(*ui_->lblMessage, RoomForMessage(screen()));
+    ui_->lblMessage->SetRoom(size.width(), size.height());
 }
 
 void frmPopupMsg::ShowButtons(const PopupMessage::ButtonCaptions& captions, int defaultButton) {

@@ -3,11 +3,13 @@
 #include "base/Numbers.h"
 #include "errors/Errors.h"
 #include "forms/PictureBox.h"
+#include "forms/Twips.h"
 #include "lang/Language.h"
 #include "platform/Clock.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace korvalin {
 namespace {
@@ -22,10 +24,10 @@ constexpr std::array<Date, 4> flagDays = {40342, 40347, 40352, 40356};
 
 constexpr int smallestPictureTwips = 500;
 
-// The picture is the drawing area plus this many text heights: a band above it and one below.
-constexpr double textBands = 1.7;
-constexpr double upperBand = 0.8;
-constexpr double gapPixels = 2; // between a rule and the digits
+// Above and below the drawing area is a band for a row of text: its whole cell, feet included, and a gap to
+// the rule.
+constexpr int gapPixels = 2;
+constexpr int leastNeeded = 3; // the highest rank of a row's pieces
 
 } // namespace
 
@@ -70,14 +72,14 @@ void ChartPainter::PreparePicture(PictureBox& picture, const InfoTexts& texts) {
     picture.SetDrawStyle(DrawStyle::Solid);
     const double scale = chartScale_[0];
     const double pictureHeight = picture.HeightTwips();
-    const double textHeight = picture.TextHeightTwips();
+    const double band = picture.TextHeightTwips() + PixelsToTwips(gapPixels);
     // A picture lower than its text bands has no drawing area; the smallest there can be keeps the scale
     // finite.
-    const double area = std::max(1 - textHeight * textBands / pictureHeight, 0.01);
+    const double area = std::max(1 - 2 * band / pictureHeight, 0.01);
     picture.SetScaleLeft(1);
     picture.SetScaleWidth(static_cast<double>(visibleSamples_));
     picture.SetScaleHeight(-std::floor(scale / area));
-    picture.SetScaleTop(scale - picture.TextHeight() * upperBand);
+    picture.SetScaleTop(scale - picture.ScaleY(band / TwipsPerPixel));
     picture.SetBackColor(texts.ChartBackgroundColor);
 }
 
@@ -110,50 +112,60 @@ void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {
     DrawRule(picture, chartScale_[0]);
     const auto uploadColor = texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1));
     const auto downloadColor = texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1));
-    const auto print = [&](std::int32_t color, const std::string& text) {
-        picture.SetForeColor(color);
-        picture.Print(text);
-    };
     const double scaleUnits = chartScale_[0] / texts.KBFactor;
     const std::string scaleText = FormatNumber(scaleUnits, scaleUnits >= 1000 ? "0" : "0.0", parts_.Locale);
-
-    picture.SetCurrentX(2);
-    // The digits stand on the rule, with a gap; the band is too low for a whole text cell.
-    picture.SetCurrentY(chartScale_[0] - picture.ScaleY(gapPixels + picture.AscentPixels()));
-    print(black, Text(6) + " " + scaleText + "   Avg. ");
-    print(uploadColor, texts.AvgULText + " ");
-    print(downloadColor, texts.AvgDLText + " ");
-
-    const std::string label = Text(8) + " ";
-    const std::string unit = " " + texts.RateUnitText + "/s";
-    const double rightEdge = static_cast<double>(visibleSamples_) + 1;
-    picture.SetCurrentX(rightEdge -
-                        picture.TextWidth(label + texts.RateULText + " " + texts.RateDLText + unit));
-    print(black, label);
-    print(uploadColor, texts.RateULText + " ");
-    print(downloadColor, texts.RateDLText);
-    picture.SetCurrentX(rightEdge - picture.TextWidth(unit));
-    print(black, unit);
+    picture.SetCurrentY(picture.ScaleTop());
+    PrintRow(picture,
+             {{black, Text(6) + " " + scaleText, 1},
+              {black, "   Avg. ", 3},
+              {uploadColor, texts.AvgULText + " ", 3},
+              {downloadColor, texts.AvgDLText, 3}},
+             {{black, Text(8) + " ", 2},
+              {uploadColor, texts.RateULText + " ", 0},
+              {downloadColor, texts.RateDLText, 0},
+              {black, " " + texts.RateUnitText + "/s", 0}});
 }
 
 void ChartPainter::DrawBottomRow(PictureBox& picture, const InfoTexts& texts) {
     DrawRule(picture, 0);
-    const auto print = [&](std::int32_t color, const std::string& text) {
-        picture.SetForeColor(color);
-        picture.Print(text);
-    };
-    picture.SetCurrentX(2);
-    picture.SetCurrentY(picture.ScaleY(gapPixels + 1 + picture.CapitalPixels() - picture.AscentPixels()));
-    print(black, Text(9) + " ");
-    print(texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1)),
-          texts.VolumeULText + " ");
-    print(texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1)), texts.VolumeDLText);
-    print(black, " (" + texts.VolumeTotalText + ") " + texts.VolumeUnitText);
+    const auto uploadColor = texts.LineULColor.at(static_cast<std::size_t>(texts.DisplayChoiceUL - 1));
+    const auto downloadColor = texts.LineDLColor.at(static_cast<std::size_t>(texts.DisplayChoiceDL - 1));
+    picture.SetCurrentY(picture.ScaleY(1));
+    PrintRow(
+        picture,
+        {{black, Text(9) + " ", 2},
+         {uploadColor, texts.VolumeULText + " ", 0},
+         {downloadColor, texts.VolumeDLText, 0},
+         {black, " (" + texts.VolumeTotalText + ")", 3},
+         {black, " " + texts.VolumeUnitText, 0}},
+        {{black,
+          LineLabel(parts_.LineState, texts, parts_.Language.Lng("modAllgemein", 10, {.TrimIt = true})), 1}});
+}
 
-    const std::string label =
-        LineLabel(parts_.LineState, texts, parts_.Language.Lng("modAllgemein", 10, {.TrimIt = true}));
-    picture.SetCurrentX(static_cast<double>(visibleSamples_) + 1 - picture.TextWidth(label));
-    print(black, label);
+void ChartPainter::PrintRow(PictureBox& picture, RowPieces left, RowPieces right) const {
+    const auto width = [&picture](const RowPieces& pieces) {
+        return std::accumulate(pieces.begin(), pieces.end(), 0.0, [&](double sum, const RowPiece& piece) {
+            return sum + picture.TextWidth(piece.Text);
+        });
+    };
+    const double leftEdge = 2;
+    const double rightEdge = static_cast<double>(visibleSamples_) + 1;
+    for (int dropped = leastNeeded; dropped > 0; --dropped) {
+        const double gap = right.empty() ? 0 : picture.TextWidth(" ");
+        if (leftEdge + width(left) + gap + width(right) <= rightEdge) break;
+        for (RowPieces* pieces : {&left, &right})
+            std::erase_if(*pieces, [dropped](const RowPiece& piece) { return piece.Rank == dropped; });
+    }
+    const auto print = [&picture](const RowPieces& pieces) {
+        for (const RowPiece& piece : pieces) {
+            picture.SetForeColor(piece.Color);
+            picture.Print(piece.Text);
+        }
+    };
+    picture.SetCurrentX(leftEdge);
+    print(left);
+    picture.SetCurrentX(rightEdge - width(right));
+    print(right);
 }
 
 void ChartPainter::DrawLine(PictureBox& picture, const InfoTexts& texts, std::size_t slot) {

@@ -4,7 +4,9 @@
 #include "display/ChartModel.h"
 
 #include <array>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace korvalin {
 
@@ -38,12 +40,21 @@ class ChartPainter {
     double ScaleMaximum() const { return chartScale_[0]; }
 
   private:
+    /// A part of a row. Where both halves have not room enough, those of the highest rank go first; 0 stays.
+    struct RowPiece {
+        std::int32_t Color;
+        std::string Text;
+        int Rank;
+    };
+    using RowPieces = std::vector<RowPiece>;
+
     void FindScale(const InfoTexts& texts);
     void PreparePicture(PictureBox& picture, const InfoTexts& texts);
     void DrawFlag(PictureBox& picture, const InfoTexts& texts);
     void DrawTimeLines(PictureBox& picture, const InfoTexts& texts);
     void DrawTopRow(PictureBox& picture, const InfoTexts& texts);
     void DrawBottomRow(PictureBox& picture, const InfoTexts& texts);
+    void PrintRow(PictureBox& picture, RowPieces left, RowPieces right) const;
     void DrawRule(PictureBox& picture, double y);
     void DrawLine(PictureBox& picture, const InfoTexts& texts, std::size_t slot);
     std::string Text(int number) const;

@@ -2,8 +2,12 @@
 
 #include "forms/Twips.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace korvalin {
 namespace {
@@ -39,8 +43,16 @@ void WindowFrame::SetInnerHeight(int pixels) {
 void WindowFrame::MoveTo(const TwipsRect& place) {
     innerToKeep_.reset();
     const int top = TopMargin();
-    window_.setGeometry(TwipsToPixels(place.Left), TwipsToPixels(place.Top) + top, TwipsToPixels(place.Width),
-                        TwipsToPixels(place.Height) - top);
+    window_.setGeometry(CaptionInSight({TwipsToPixels(place.Left), TwipsToPixels(place.Top) + top,
+                                        TwipsToPixels(place.Width), TwipsToPixels(place.Height) - top}));
+}
+
+// A caption above the screen could not be taken hold of any more.
+QRect WindowFrame::CaptionInSight(QRect inner) const {
+    const QScreen* screen = QGuiApplication::screenAt(inner.center());
+    if (captionShown_ && screen != nullptr)
+        inner.moveTop(std::max(inner.top(), screen->availableGeometry().top() + TopMargin()));
+    return inner;
 }
 
 void WindowFrame::ShowCaption(bool show) {
@@ -67,6 +79,11 @@ void WindowFrame::Raise() {
     window_.activateWindow();
 }
 
+void WindowFrame::AwaitShowing() {
+    measured_ = gaveUp_ = false;
+    AwaitFrame();
+}
+
 void WindowFrame::AwaitFrame() {
     checksLeft_ = checksAfterAChange;
     checksInPlace_ = 0;
@@ -75,6 +92,7 @@ void WindowFrame::AwaitFrame() {
 
 void WindowFrame::CheckFrame() {
     const bool asWanted = !captionShown_ || TopMargin() > 0;
+    if (asWanted && innerToKeep_) innerToKeep_ = CaptionInSight(*innerToKeep_);
     const bool inPlace = !innerToKeep_ || window_.geometry() == *innerToKeep_;
     // Drawing or removing a frame moves the window, a little later than the frame is reported.
     if (asWanted && !inPlace) window_.setGeometry(*innerToKeep_);

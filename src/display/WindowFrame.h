@@ -51,9 +51,12 @@ class WindowFrame : public QObject {
     /// Brings the window to the front, without keeping it there.
     void Raise();
 
-    /// Looks for a frame until the window manager has had time to draw it. To be called when the window was
-    /// shown.
+    /// Looks for a frame until the window manager has had time to draw it.
     void AwaitFrame();
+
+    /// The same for a window that comes back to the screen, whose frame is drawn anew. To be called before it
+    /// is shown and placed.
+    void AwaitShowing();
 
     /// Looks once, for a window manager that came late. To be called now and then.
     void LookForFrame();
@@ -68,6 +71,7 @@ class WindowFrame : public QObject {
 
   private:
     int TopMargin() const;
+    QRect CaptionInSight(QRect inner) const;
     void SetFlag(Qt::WindowType flag, bool on);
     void CheckFrame();
     void Measure(bool placeAgain);
@@ -75,7 +79,7 @@ class WindowFrame : public QObject {
     QWidget& window_;
     bool captionShown_ = true;
     int captionHeight_ = 0;
-    bool measured_ = false; // since the caption is shown
+    bool measured_ = false; // since the caption is shown, or the window
     bool gaveUp_ = false;
     std::optional<QRect> innerToKeep_;
     QTimer settle_;

@@ -17,7 +17,7 @@ struct TwipsRect {
 
 /// The smallest window, frame included.
 inline constexpr int SmallestHeightTwips = 700;
-inline constexpr int SmallestWidthTwips = 500;
+inline constexpr int SmallestWidthTwips = 1000;
 
 /// The main window's place as the settings keep it: left and top per screen resolution, width and height
 /// shared. What is stored always describes the window with its caption.

@@ -192,10 +192,10 @@ void frmMain::ShowMainWindow(bool show) {
         windowShown_ = true;
         setWindowState(Qt::WindowNoState);
         DrawChart(true);
+        if (wasHidden) frame_.AwaitShowing();
         QWidget::show();
         frame_.Raise();
         RestoreGeometry();
-        if (wasHidden && !frame_.IsSettled()) frame_.AwaitFrame();
         RaiseWindowsAbove();
     } else if (!hooks_.StaysShown()) {
         windowShown_ = false;

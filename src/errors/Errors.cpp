@@ -2,6 +2,7 @@
 
 #include "base/ProgramTitle.h"
 #include "base/Text.h"
+#include "errors/FileFailures.h"
 
 #include <fmt/format.h>
 
@@ -40,9 +41,13 @@ Errors::Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Loc
 
 void Errors::DisplayError(std::string_view procName, int errNumber, std::string_view errText) {
     try {
+        if (ending_) return WriteErrorLog(errText, procName);
         const Date now = clock_.Now();
         const bool repeated = DayOf(lastErrorTime_) == DayOf(now) && lastErrorTime_ + quietSpan > now;
-        if (repeated && UserEndsProgram()) return hooks_.EndProgram();
+        if (repeated && UserEndsProgram()) {
+            ending_ = true; // what fails now is told to nobody, least of all by the same question
+            return hooks_.EndProgram();
+        }
         lastErrorTime_ = clock_.Now(); // the question may have stood open for a while
 
         const auto text = hooks_.Text;
@@ -59,7 +64,7 @@ void Errors::DisplayError(std::string_view procName, int errNumber, std::string_
 
 bool Errors::UserEndsProgram() {
     return messageBoxes_.Show(hooks_.Text(201) + "\n" + hooks_.Text(202), std::string(ProgramTitle),
-                              MessageIcon::Critical, MessageButtons::YesNo) == MessageAnswer::Yes;
+                              MessageIcon::Critical, MessageButtons::YesNoDefaultNo) == MessageAnswer::Yes;
 }
 
 void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
@@ -81,11 +86,32 @@ void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
 }
 
 void Errors::Report(std::string_view procName, const std::exception& error) {
+    const std::string failure = ExpectedFailure(error);
+    if (!failure.empty() && !ending_) return DisplayFailure(procName, failure);
     DisplayError(procName, ErrorNumber(error), error.what());
+}
+
+std::string Errors::ExpectedFailure(const std::exception& error) const {
+    const auto* system = dynamic_cast<const std::system_error*>(&error);
+    const int cause = system != nullptr ? FailureText(system->code()) : 0;
+    if (cause == 0) return {};
+    return hooks_.Text(208) + "\n" + FailedFile(*system) + "\n\n" + hooks_.Text(cause);
+}
+
+// The same words again at once tell nothing new; the log has them.
+void Errors::DisplayFailure(std::string_view procName, const std::string& text) {
+    const Date now = clock_.Now();
+    const bool again = text == lastFailure_ && now >= lastFailureTime_ && lastFailureTime_ + quietSpan > now;
+    if (again) return WriteErrorLog(text, procName);
+    lastFailure_ = text;
+    messageBoxes_.Show(text, std::string(ProgramTitle) + " " + hooks_.Text(207), MessageIcon::Warning,
+                       MessageButtons::Ok);
+    lastFailureTime_ = clock_.Now();
 }
 
 void Errors::ShiftMoments(Date days) {
     if (lastErrorTime_ != 0) lastErrorTime_ += days;
+    if (lastFailureTime_ != 0) lastFailureTime_ += days;
 }
 
 } // namespace korvalin

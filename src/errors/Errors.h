@@ -29,7 +29,9 @@ class NumberedError : public std::runtime_error {
 /// The system's number that an exception carries; 0 when it has none.
 int ErrorNumber(const std::exception& error);
 
-/// The one way of telling the user about an unexpected error, and the diagnostic log.
+/// The one way of telling the user about an error, and the diagnostic log. What can happen to every file (a
+/// full disk, a folder without permission) is told in plain words, with what to do; the rest as unexpected,
+/// with what helps to find its cause.
 ///
 /// Errors stand below texts and folders, which both report errors; so the text lookup and the data folder are
 /// hooks that the program plugs in. Until then the lookup gives empty texts and there is no log.
@@ -40,7 +42,7 @@ class Errors {
         std::function<std::string(int number)> Text;
         /// The data folder.
         std::function<std::filesystem::path()> DataFolder;
-        /// Ends the program at once.
+        /// Ends the program at once, but for what must be saved before.
         std::function<void()> EndProgram;
     };
 
@@ -76,6 +78,8 @@ class Errors {
 
   private:
     void Report(std::string_view procName, const std::exception& error);
+    std::string ExpectedFailure(const std::exception& error) const;
+    void DisplayFailure(std::string_view procName, const std::string& text);
     bool UserEndsProgram();
 
     Clock& clock_;
@@ -85,6 +89,9 @@ class Errors {
     std::string executableName_;
     Hooks hooks_;
     Date lastErrorTime_ = 0;
+    std::string lastFailure_;
+    Date lastFailureTime_ = 0;
+    bool ending_ = false;
 };
 
 } // namespace korvalin

@@ -89,10 +89,6 @@ class PictureBox : public QWidget {
     double ScaleX(double pixels) const;
     double ScaleY(double pixels) const;
 
-    // In logical pixels: from the top of a text's cell to its base line, and the height of its capitals.
-    double AscentPixels() const { return metrics_.ascent(); }
-    double CapitalPixels() const { return metrics_.capHeight(); }
-
     /// Of the whole box.
     int WidthTwips() const;
     int HeightTwips() const;

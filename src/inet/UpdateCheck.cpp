@@ -148,7 +148,7 @@ bool UpdateCheck::MustAsk() {
 
 bool UpdateCheck::UserWants(const UpdatePage& page) {
     if (parts_.Settings.Get(Keys::UpdateNext) < parts_.Clock.Now()) OpenVersionHistory();
-    return parts_.MessageBoxes.Show(Text(12) + Text(14) + page.NewestRelease() + "?",
+    return parts_.MessageBoxes.Show(Text(12) + Text(14) + page.NewestRelease() + Text(13),
                                     std::string(ProgramTitle), MessageIcon::Question,
                                     MessageButtons::YesNo) == MessageAnswer::Yes;
 }

@@ -5,8 +5,8 @@
 namespace korvalin {
 
 enum class MessageIcon { Information, Warning, Critical, Question };
-/// YesNoCancel is for what may do harm: No is the button that the Return key presses.
-enum class MessageButtons { Ok, YesNo, YesNoCancel };
+/// YesNoDefaultNo and YesNoCancel are for what may do harm: No is the button that the Return key presses.
+enum class MessageButtons { Ok, YesNo, YesNoDefaultNo, YesNoCancel };
 enum class MessageAnswer { Ok, Yes, No, Cancel };
 
 /// Message windows. Where nobody can answer, a question is answered No.

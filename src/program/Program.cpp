@@ -1,5 +1,7 @@
 #include "program/Program.h"
 
+#include "base/ProgramTitle.h"
+#include "base/Text.h"
 #include "display/DisplaySettings.h"
 #include "platform/Shell.h"
 #include "program/BuiltUpdateSite.h"
@@ -198,7 +200,11 @@ void Program::PlugHooks() {
                          return language.Lng("modGlobal", number, {.TrimIt = true, .ReportMissing = true});
                      },
                  .DataFolder = [this] { return dataFolder.GetDataPath(); },
-                 .EndProgram = [] { std::_Exit(EXIT_FAILURE); }});
+                 .EndProgram =
+                     [this] {
+                         journalKeeper.RecordOpenLines(CloseReason::Program);
+                         std::_Exit(EXIT_FAILURE);
+                     }});
     lineBook.Plug({.GetAlias = [this](const std::string& entryName) { return aliases.GetAlias(entryName); },
                    .SaveStatsLine = [this](CloseReason reason,
                                            std::size_t line) { recorder.SaveStatsLine(reason, line); },
@@ -218,6 +224,20 @@ ProgramVersion Program::Version() {
 void Program::LogNotes(const std::vector<std::string>& notes) {
     for (const std::string& note : notes)
         errors.WriteErrorLog(note, "settings store");
+}
+
+void Program::KeepMessage(const std::string& text) {
+    errors.WriteErrorLog(text, "end");
+    constexpr std::size_t longest = 500; // characters of up to two bytes fit into a setting
+    settings.Set(Keys::LeftMessage, std::string(FirstCharacters(text, longest)));
+}
+
+void Program::TellKeptMessage() {
+    const std::string text = settings.Get(Keys::LeftMessage);
+    if (text.empty()) return;
+    settings.Remove(Keys::LeftMessage);
+    ports_.MessageBoxes.Show(language.Lng("modGlobal", 215) + "\n\n" + text, std::string(ProgramTitle),
+                             MessageIcon::Warning, MessageButtons::Ok);
 }
 
 void Program::LoadRecords() {

@@ -58,6 +58,12 @@ class Program {
     /// periods.
     void LoadStatistics();
 
+    /// A message that nobody can see: it goes to the log, and to TellKeptMessage of the next start.
+    void KeepMessage(const std::string& text);
+
+    /// Shows what KeepMessage has kept when the program ran before.
+    void TellKeptMessage();
+
     /// LoadRecords, and brings the entry for starting with the system in line with the settings.
     void LoadUserVar();
 

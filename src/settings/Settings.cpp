@@ -62,6 +62,12 @@ void Settings::SetReg(std::string_view name, const SettingValue& value) {
     registry_.RegWriteString(SettingsKeyPath, name, Trim(TextForm(value)));
 }
 
+bool Settings::CanStore() {
+    constexpr std::string_view probe = "WriteProbe";
+    return registry_.RegWriteString(SettingsKeyPath, probe, "1") &&
+           registry_.RegWriteString(SettingsKeyPath, probe, "");
+}
+
 std::string Settings::TextForm(const SettingValue& value) {
     if (const bool* answer = std::get_if<bool>(&value)) return *answer ? "True" : "False";
     if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);

@@ -37,6 +37,8 @@ class Settings {
     void Set(const SettingKey<Value, Text>& key, const std::type_identity_t<Value>& value) {
         SetReg(key.Name, value);
     }
+    /// Whether settings can be stored now: the store may be read-only, or the disk full.
+    [[nodiscard]] bool CanStore();
     /// Deletes a setting, which reads its default again.
     template <class Value, class Text>
     void Remove(const SettingKey<Value, Text>& key) {

@@ -75,6 +75,15 @@ void ChartEditor::Refresh(int historySeconds) {
     chartMinutes_ = Display().picWidthMin;
     ShowText(*ui_.cboConnDataMax, Plain(historySeconds_ / static_cast<int>(secondsPerMinute)));
     ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
+    ShowHistoryInForce();
+}
+
+// Why another number of minutes jumps back.
+void ChartEditor::ShowHistoryInForce() {
+    const std::string minutes = Plain(historySeconds_ / static_cast<int>(secondsPerMinute));
+    ui_.lblHistoryInForce->setText(QString::fromStdString(parts_.Language.Lng("frmEinstellungen", 35) + " " +
+                                                          minutes + " " +
+                                                          parts_.Language.Lng("frmEinstellungen", 36)));
 }
 
 void ChartEditor::LoadFonts() {
@@ -111,6 +120,7 @@ void ChartEditor::ApplyTexts() {
     ui_.frmUpload->NameControls(toQt(language.Lng("frmEinstellungenObj", 116)),
                                 toQt(language.Lng("frmEinstellungenObj", 115)));
     ui_.lblColorBackground->setAccessibleName(toQt(language.Lng("frmEinstellungenObj", 84)));
+    ShowHistoryInForce();
 }
 
 // ---- what the user does

@@ -63,6 +63,7 @@ class ChartEditor : public QObject {
 
   private:
     void LoadFonts();
+    void ShowHistoryInForce();
     void LoadCurves();
     void ShowColors();
     void Connect();

@@ -2,6 +2,7 @@
 
 #include "base/ProgramTitle.h"
 #include "data/DataFolder.h"
+#include "display/ChartModel.h"
 #include "display/DisplaySettings.h"
 #include "display/SamplingLoop.h"
 #include "errors/Errors.h"
@@ -75,6 +76,8 @@ void SettingsApplier::TakeTyped(const EnteredSettings& entered) {
 void SettingsApplier::FollowDisplaySettings() {
     const DisplaySettings& live = parts_.DisplaySettings;
     parts_.UnitFormat.SetUnits(live.RateUnitText, live.VolumeUnitText);
+    // Of the chart as it will be: the old width would keep the history as long as it was.
+    parts_.SamplingLoop.SetVisibleSamples(VisibleSamplesFor(live.picWidthMin));
     parts_.SamplingLoop.ResizeRateHistory();
     parts_.MonitorWindow.SetOpacity(live.Opacity);
     if (!live.TrayAnimated) parts_.MonitorWindow.ShowFixedTrayIcon();
@@ -93,6 +96,7 @@ void SettingsApplier::ApplyInternet(const EnteredSettings& entered) {
     settings.Set(Keys::FirewallUse, entered.FirewallUse);
     settings.Set(Keys::UpdateInterval, entered.UpdateWeekly ? weekly : everyFourWeeks);
     settings.Set(Keys::AutoUpdate, entered.AutoUpdate);
+    settings.Set(Keys::NoInet, entered.NoInet);
 }
 
 } // namespace korvalin

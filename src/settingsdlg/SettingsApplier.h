@@ -40,6 +40,7 @@ struct EnteredSettings {
     bool FirewallUse = false;
     bool UpdateWeekly = false; ///< otherwise every four weeks
     bool AutoUpdate = false;
+    bool NoInet = false;
 };
 
 /// Writes all settings of the dialog and applies them to the running program.

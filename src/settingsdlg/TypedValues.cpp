@@ -32,6 +32,21 @@ std::string WithoutGroups(const std::string& text, const Locale& locale) {
     return grouped ? fmt::format("{:.0f}", *number) : text;
 }
 
+// "1.000.000": a fraction has no parts of three digits, or none but one.
+bool IsGroupedBy(std::string_view mark, std::string_view number) {
+    constexpr std::size_t groupDigits = 3;
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    bool first = true;
+    for (std::size_t at = 0;; first = false) {
+        const std::size_t end = std::min(number.find(mark, at), number.size());
+        const std::string_view part = number.substr(at, end - at);
+        const bool fits = first ? !part.empty() && part.size() <= groupDigits : part.size() == groupDigits;
+        if (!fits || !std::all_of(part.begin(), part.end(), isDigit)) return false;
+        if (end == number.size()) return !first;
+        at = end + mark.size();
+    }
+}
+
 } // namespace
 
 std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string typed, const Locale& locale) {
@@ -41,9 +56,11 @@ std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string 
 }
 
 std::string WithoutGrouping(std::string_view text, const Locale& locale) {
-    std::string plain = ReplaceAll(ReplaceAll(text, ".", ""), " ", "");
-    if (!locale.GroupingMark.empty()) plain = ReplaceAll(plain, locale.GroupingMark, "");
-    return plain;
+    const std::string typed(Trim(text));
+    for (const std::string& mark : {locale.GroupingMark, std::string("."), std::string(" ")}) {
+        if (!mark.empty() && IsGroupedBy(mark, typed)) return ReplaceAll(typed, mark, "");
+    }
+    return typed;
 }
 
 std::string TypedFolder(std::string_view text) {

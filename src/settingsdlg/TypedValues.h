@@ -16,8 +16,8 @@ struct Locale;
 /// is stored, as the user may still cancel.
 std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string typed, const Locale& locale);
 
-/// A number as it was typed, without what groups its thousands: the locale's mark, and points and blanks,
-/// which many write wherever they are.
+/// A number as it was typed, without what groups its thousands: the locale's mark, or points or blanks, which
+/// many write wherever they are. A mark that does not stand before three digits each time groups nothing.
 std::string WithoutGrouping(std::string_view text, const Locale& locale);
 
 /// The folder that was typed, in full: a relative one would be another at the next start. Empty when nothing

@@ -23,6 +23,8 @@
 #include "ui_frmEinstellungen.h"
 
 #include <QFileDialog>
+#include <QScreen>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <vector>
@@ -89,6 +91,7 @@ constexpr EnteredBox enteredBoxes[] = {
     {&Form::boxMultiScreen, Keys::MultiScreen, &EnteredSettings::MultiScreen},
     {&Form::boxFirewallUse, Keys::FirewallUse, &EnteredSettings::FirewallUse},
     {&Form::boxAutoUpdate, Keys::AutoUpdate, &EnteredSettings::AutoUpdate},
+    {&Form::boxNoInet, Keys::NoInet, &EnteredSettings::NoInet},
 };
 
 QString AskForFolder(QWidget* parent, const QString& caption, const QString& current) {
@@ -313,9 +316,23 @@ void frmEinstellungen::SizeForPages() {
         height = std::max(height, pageHeight);
     }
     ui_->pageArea->setMinimumSize(width, height);
+    const int scrollBar = ui_->scrPages->verticalScrollBar()->sizeHint().width();
+    ui_->scrPages->setMinimumWidth(width + scrollBar);
+    ui_->scrPages->setMinimumHeight(std::min(height, RoomForPages()));
     QTreeWidget& tree = *ui_->TreeView1;
     tree.resizeColumnToContents(0);
     tree.setFixedWidth(tree.columnWidth(0) + 2 * tree.frameWidth() + spacing);
+}
+
+// What the screen leaves beside the buttons, the preview and the window manager's frame.
+int frmEinstellungen::RoomForPages() const {
+    if (screen() == nullptr) return QWIDGETSIZE_MAX;
+    constexpr int frame = 60;
+    constexpr int leastRoom = 120;
+    const QMargins margins = layout()->contentsMargins();
+    const int others = ui_->bottomLayout->sizeHint().height() + layout()->spacing() + margins.top() +
+                       margins.bottom() + frame;
+    return std::max(screen()->availableSize().height() - others, leastRoom);
 }
 
 // ---- what the user does
@@ -471,6 +488,10 @@ void frmEinstellungen::CheckAll() {
 
 bool frmEinstellungen::ApplyChanges() {
     const KeptWhileAsking kept(*this);
+    if (!parts_.Settings.CanStore()) {
+        Warn(34);
+        return false;
+    }
     if (!txtDataPath_Validate()) return false;
     CheckAll();
     EnteredSettings entered = Entered();

@@ -16,6 +16,23 @@ TEST_F(ErrorsTest, AStepThatThrowsIsShownWithItsNumberTextAndProcedure) {
     EXPECT_EQ(box.Icon, MessageIcon::Critical);
 }
 
+TEST_F(ErrorsTest, WhatHappensToEveryFileIsToldInPlainWordsAndNotTwice) {
+    const std::pair<int, const char*> rows[] = {{ENOSPC, "t209"}, {EDQUOT, "t209"}, {EROFS, "t210"},
+                                                {EACCES, "t211"}, {EPERM, "t211"},  {EAGAIN, "t212"},
+                                                {ENOENT, "t213"}, {EIO, "t214"}};
+    for (const auto& [number, cause] : rows) {
+        const std::error_code code(number, std::generic_category());
+        clock.Advance(3);
+        errors.Step("Save", [&] { throw std::system_error(code, "/data: b/file"); });
+        EXPECT_EQ(boxes.Take().Text, "t208\n/data: b/file\n\n" + std::string(cause));
+        errors.Step("Save", [&] {
+            throw std::filesystem::filesystem_error("cannot copy", "/from", "/data: b/file", code);
+        });
+        EXPECT_TRUE(boxes.Shown.empty()) << "the same at once";
+    }
+    EXPECT_NE(Log().find("\tSave\tt208 /data: b/file  t214\r\n"), std::string::npos) << Log();
+}
+
 TEST_F(ErrorsTest, ASecondErrorWithinTwoSecondsAsksWhetherToEnd) {
     const Date noon = clock.Now();
     struct {
@@ -37,12 +54,15 @@ TEST_F(ErrorsTest, ASecondErrorWithinTwoSecondsAsksWhetherToEnd) {
         clock.Advance(row.SecondsLater);
         boxes.Answers = row.Answers;
         errors.DisplayError("p", 1, "second");
+        EXPECT_TRUE(row.Answers.empty() || boxes.Shown.front().Buttons == MessageButtons::YesNoDefaultNo);
         const Lines shown = TakeBoxes();
         ASSERT_EQ(shown.size(), row.Boxes);
         EXPECT_EQ(shown.front() == "t201\nt202", !row.Answers.empty());
         EXPECT_EQ(shown.back().find("second") == std::string::npos, ended) << "No goes on with the report";
     }
     EXPECT_TRUE(ended);
+    errors.DisplayError("end", 1, "third");
+    EXPECT_TRUE(boxes.Shown.empty()) << "the end asks nothing more";
 }
 
 TEST_F(ErrorsTest, TheLogHasWholeLinesAndStaysBelowOneMegabyte) {

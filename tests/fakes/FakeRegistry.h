@@ -9,7 +9,8 @@ namespace korvalin {
 class FakeRegistry : public Registry {
   public:
     bool IsLost = false; ///< every call fails
-    int Misses = 0;      ///< how often a write finds that somebody has deleted its key
+    bool IsReadOnly = false;
+    int Misses = 0; ///< how often a write finds that somebody has deleted its key
     int Writes = 0;
 
     int RegEnsureKey(std::string_view keyPath) override {
@@ -30,7 +31,7 @@ class FakeRegistry : public Registry {
         return IsLost || found == values.end() ? std::nullopt : std::optional(found->second.Text);
     }
     Written WriteValue(std::string_view keyPath, std::string_view valueName, std::string_view text) override {
-        if (IsLost) return Written::No;
+        if (IsLost || IsReadOnly) return Written::No;
         const auto key = keys_.find(ToLower(keyPath));
         if (--Misses >= 0 || key == keys_.end()) return Written::KeyIsMissing;
         ++Writes;
@@ -41,7 +42,7 @@ class FakeRegistry : public Registry {
     }
     bool DeleteValue(std::string_view keyPath, std::string_view valueName) override {
         const auto key = keys_.find(ToLower(keyPath));
-        return !IsLost && key != keys_.end() && key->second.erase(ToLower(valueName)) == 1;
+        return !IsLost && !IsReadOnly && key != keys_.end() && key->second.erase(ToLower(valueName)) == 1;
     }
 
   private:

@@ -99,6 +99,42 @@ TEST_F(Chart, TimeLinesCountFromTheRightEdge) {
     EXPECT_EQ(marked, (std::vector<int>{59, 119, 179})) << "60, 120 and 180 of 1 .. 240";
 }
 
+// Letters with feet are in the names of lines, and brackets in every lower row.
+TEST_F(Chart, RowsHaveRoomForFeetAndLosePiecesBeforeTheyOverlap) {
+    Online(9000, 3);
+    program->lines.LineTable(1).LineName = "(gjpqy)";
+    texts().ShowDuration = false;
+    const auto ink = [this](int y) {
+        int count = 0;
+        for (int x = 0; x < picture.width(); ++x)
+            count += At(x, y) == Rgb(0) ? 1 : 0;
+        return count;
+    };
+    for (const int size : {8, 9, 11}) {
+        texts().FontSize = size;
+        Draw();
+        EXPECT_EQ(ink(height - 1), 0) << size;
+        const double descent = QFontMetricsF(QFont(QStringLiteral("DejaVu Sans"), size)).descent();
+        EXPECT_GT(RuleRow(true) - descent, 8) << "the upper digits end a descent above the rule";
+    }
+    texts().FontSize = 8;
+    texts().LineDLColor[2] = texts().LineULColor[2] = 0;
+    const auto darkColumns = [this](int from, int to) { // of the lower row
+        int count = 0;
+        for (int x = from; x < to; ++x)
+            for (int y = RuleRow(false) + 1; y < height; ++y)
+                count += At(x, y) == Rgb(0) ? 1 : 0;
+        return count;
+    };
+    Draw();
+    const int label = darkColumns(width - 40, width);
+    EXPECT_GT(label, 0);
+    picture.resize(130, height);
+    Draw();
+    EXPECT_EQ(darkColumns(130 - 40, 130), label)
+        << "the line's name stays while there is room for the volumes";
+}
+
 TEST_F(Chart, CarriesColoursOnFourDays) {
     for (const auto& [day, color] : {std::pair(13, 0x000000), {14, 15323561}}) {
         clock.SetWallClock(DateSerial(2010, 6, day) + 0.5);

@@ -206,7 +206,7 @@ TEST_F(DialingWindow, AFailureIsTold) {
         {619, "Error 619"}};
     for (const auto& [error, text] : rows) {
         const WhenPopupShows popup([&, expected = failed + text](frmPopupMsg& box) {
-            EXPECT_EQ(TextOf(&box, "lblMessage"), expected);
+            EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText().toStdString(), expected);
             EXPECT_EQ(PopupCaptions(box), "OK");
             QTest::keyClick(&box, Qt::Key_Escape);
             EXPECT_FALSE(box.isVisible());

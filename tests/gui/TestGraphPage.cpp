@@ -216,7 +216,7 @@ TEST_F(GraphPageTest, AnImpossibleScaleIsToldOnceInTheWindowsLanguage) {
     records.List[0].BytesReceived = INFINITY;
     Click("cmdGDraw");
     page->SetUnit("KB", 1000);
-    EXPECT_EQ(TakeBoxes(), Lines{"Fehler in DrawGraph"});
+    EXPECT_EQ(TakeBoxes(), Lines{"Die Grafik konnte nicht gezeichnet werden."});
     EXPECT_TRUE(NothingDrawn() && page->Svg().empty() && TipAt(100).empty());
 }
 

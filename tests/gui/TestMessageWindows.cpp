@@ -1,3 +1,4 @@
+#include "dialogs/MessageText.h"
 #include "dialogs/MessageTexts.h"
 #include "dialogs/frmMessage.h"
 #include "fakes/CoreFixture.h"
@@ -69,18 +70,28 @@ TEST(PopupMsg, SettlesCaptionsAndTheCancelButton) {
 
 TEST(PopupMsg, FitsItsTextAndTheScreen) {
     const QString sentence = QStringLiteral("A sentence that is a part of a longer text. ");
-    for (const int sentences : {1, 10, 1000}) {
-        Show({sentence.repeated(sentences)}, [&](frmPopupMsg& box) {
+    struct {
+        QString Shown;
+        int Lines; // at least
+        bool Scrolls;
+    } const rows[] = {{sentence, 1, false},
+                      {sentence.repeated(10), 4, false},
+                      {sentence.repeated(1000), 4, true},
+                      {QString(76, QLatin1Char('8')), 2, false},
+                      {sentence + QString(300, QLatin1Char('/')), 3, false}};
+    for (const auto& row : rows) {
+        Show({row.Shown}, [&](frmPopupMsg& box) {
+            const auto place = &row - rows;
             const QRect screen = box.screen()->availableGeometry();
-            EXPECT_TRUE(screen.contains(box.geometry())) << sentences;
+            EXPECT_TRUE(screen.contains(box.geometry())) << place;
             EXPECT_LE((box.geometry().center() - screen.center()).manhattanLength(), 4);
-            const QLabel* label = Label(box, "lblMessage");
-            EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-            const auto* scroll = box.findChild<QScrollArea*>();
-            EXPECT_EQ(scroll->verticalScrollBar()->isVisible(), sentences == 1000);
-            EXPECT_FALSE(scroll->horizontalScrollBar()->isVisible());
-            const int aroundIt = PixelsToTwips(box.height() - scroll->height());
-            EXPECT_TRUE(sentences == 1 || std::abs(aroundIt - 1300) < 100) << aroundIt;
+            const auto* text = box.findChild<MessageText*>();
+            EXPECT_EQ(text->verticalScrollBar()->isVisible(), row.Scrolls) << place;
+            EXPECT_EQ(text->viewport()->height() < text->document()->size().height(), row.Scrolls) << place;
+            EXPECT_LE(text->document()->idealWidth(), text->viewport()->width()) << "nothing cut: " << place;
+            EXPECT_GE(text->document()->size().height(), row.Lines * text->fontMetrics().height()) << place;
+            const int aroundIt = PixelsToTwips(box.height() - text->height());
+            EXPECT_TRUE(row.Lines < 4 || std::abs(aroundIt - 1300) < 100) << aroundIt;
         });
     }
 }
@@ -88,7 +99,7 @@ TEST(PopupMsg, FitsItsTextAndTheScreen) {
 TEST(Message, CentresAShortTextWrapsALongOneAndNamesAnEmptyOne) {
     const MessageTexts english;
     frmMessage message{english};
-    const QLabel* label = Label(message, "lblMessage");
+    const auto* label = message.findChild<MessageText*>();
     auto* cmdOK = message.findChild<QPushButton*>(QStringLiteral("cmdOK"));
     const int margin = TwipsToPixels(200);
     const QString longText = QStringLiteral("word ").repeated(60);
@@ -100,7 +111,7 @@ TEST(Message, CentresAShortTextWrapsALongOneAndNamesAnEmptyOne) {
         const bool wraps = given == longText;
         message.Msg_Text = given;
         message.show();
-        EXPECT_EQ(label->text(), shown);
+        EXPECT_EQ(label->toPlainText(), shown);
         EXPECT_EQ(label->y(), margin);
         EXPECT_EQ(label->height() > 2 * label->fontMetrics().height(), wraps);
         EXPECT_EQ(label->x() == margin, wraps);

@@ -1,3 +1,4 @@
+#include "dialogs/MessageText.h"
 #include "dialogs/QtMessageBoxes.h"
 #include "fakes/CoreFixture.h"
 #include "gui/WhenPopupShows.h"
@@ -38,6 +39,9 @@ TEST_F(QtMessageBoxesTest, AnswersWhatTheUserChose) {
         {Buttons::YesNo, press(Qt::Key_Escape), Answer::No},
         {Buttons::YesNo, takeAway, Answer::No},
         {Buttons::Ok, press(Qt::Key_Escape), Answer::Ok},
+        {Buttons::YesNoDefaultNo, press(Qt::Key_Return), Answer::No},
+        {Buttons::YesNoDefaultNo, press(Qt::Key_Escape), Answer::No},
+        {Buttons::YesNoDefaultNo, click(0), Answer::Yes},
         {Buttons::YesNoCancel, click(2), Answer::Cancel},
         {Buttons::YesNoCancel, press(Qt::Key_Return), Answer::No},
         {Buttons::YesNoCancel, press(Qt::Key_Escape), Answer::Cancel},
@@ -45,17 +49,18 @@ TEST_F(QtMessageBoxesTest, AnswersWhatTheUserChose) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(Ask(row.Action, row.Choice), row.Expected) << &row - rows;
-    messages.DisplayLost();
-    EXPECT_EQ(messages.Show("", "", MessageIcon::Question, Buttons::YesNoCancel), Answer::No)
-        << "nobody is there to answer";
+    Lines kept;
+    messages.NobodyAnswers([&](const std::string& text) { kept.push_back(text); });
+    EXPECT_EQ(messages.Show("question", "", MessageIcon::Question, Buttons::YesNoCancel), Answer::No);
+    EXPECT_EQ(messages.Show("message", "", MessageIcon::Critical, Buttons::Ok), Answer::Ok);
+    EXPECT_EQ(kept, Lines{"message"});
 }
 
 TEST_F(QtMessageBoxesTest, ShowsTextsAsTheyAreInTheProgramsLanguage) {
     const auto look = [](const char* captions) {
         return [captions](frmPopupMsg& box) {
-            const auto* message = box.findChild<QLabel*>(QStringLiteral("lblMessage"));
-            EXPECT_EQ(message->text(), QStringLiteral("<b>Größe</b>\n&& more"));
-            EXPECT_EQ(message->textFormat(), Qt::PlainText);
+            const auto* message = box.findChild<MessageText*>();
+            EXPECT_EQ(message->toPlainText(), QStringLiteral("<b>Größe</b>\n&& more"));
             EXPECT_TRUE(message->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
             EXPECT_EQ(box.windowTitle(), QStringLiteral("Korvalin – Frage"));
             EXPECT_EQ(PopupCaptions(box), captions);

@@ -125,6 +125,7 @@ std::vector<Change> Changes() {
         {"tvInternet", "txtFirewallUser", "alice", "alice", "FirewallUser", "alice"},
         {"tvInternet", "optUpdateInterval1", "", "True", "UpdateInterval", "4"},
         {"tvInternet", "boxAutoUpdate", "", "False", "AutoUpdate", "False"},
+        {"tvInternet", "boxNoInet", "", "True", "NoInet", "True"},
     };
     for (int i = 0; i < 8; ++i) {
         const std::string shown = i == 2 ? "False" : "True"; // the third curves are there from the start
@@ -215,7 +216,26 @@ TEST_F(SettingsDialog, TheHistoryIsNeverShorterThanTheChart) {
     for (const char* minutes : {"60", "2"}) { // more than there is, less than the chart shows
         Type("cboConnDataMax", minutes);
         EXPECT_EQ(Shown("cboConnDataMax"), "10");
+        EXPECT_NE(Find<QLabel>("lblHistoryInForce")->text().indexOf(QStringLiteral("10 min")), -1)
+            << "the reason";
     }
+    Type("cboPicWidthMin", "3");
+    Click("cmdApply");
+    EXPECT_EQ(Stored("ConnDataMax"), "300") << "at once";
+}
+
+TEST_F(SettingsDialog, AStoreThatCannotBeWrittenIsToldAndNothingChanges) {
+    Open();
+    const std::string stored = StoredSettings();
+    Find<QLineEdit>("txtDataPath")->setText(QString::fromStdString((folder / "elsewhere").string()));
+    Click("boxCloseTrayIcon");
+    registry.IsReadOnly = true;
+    Click("cmdOK");
+    EXPECT_NE(boxes.Take().Text.find("cannot be saved"), std::string::npos);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(StoredSettings(), stored);
+    EXPECT_TRUE(program->infoTexts.CloseTrayOnly);
+    EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere"));
 }
 
 TEST_F(SettingsDialog, CancellingLeavesTheStoreAndKeepsTheOpacity) {

@@ -41,7 +41,7 @@ TEST_F(UpdateCheckTest, BringsKeepsAndStartsTheNewVersion) {
     EXPECT_EQ(boxes.Shown.front().Icon, MessageIcon::Question);
     EXPECT_EQ(
         TakeBoxes(),
-        (Lines{"A newer version of Korvalin is available. Download and install now: version 2.4.1 of 1 May?",
+        (Lines{"A newer version of Korvalin is available. Download and install version 2.4.1 of 1 May now?",
                "The new version will now start and complete the update."}));
     EXPECT_EQ(TakeStatuses(),
               (Lines{"Reading version information …", "Newest release: 2.4.1 of 1 May – comparing versions …",
@@ -239,7 +239,7 @@ TEST_F(UpdateCheckTest, IsCancelledAtAnyMomentAndRunsOnceAtATime) {
         settings.SetReg("UpdateNext", Date(0));
         boxes.Answers = {MessageAnswer::Yes};
         EXPECT_EQ(OnDemand(), 5) << moment;
-        EXPECT_EQ(TakeStatuses().back(), "The check was cancelled.");
+        EXPECT_EQ(TakeStatuses().back(), "The check was canceled.");
         EXPECT_TRUE(shell.Started.empty());
         TakeBoxes();
     }

@@ -74,7 +74,7 @@ TEST_F(TestSqliteRegistry, AKilledWriterLosesNothingItWasToldIsWritten) {
 TEST_F(TestSqliteRegistry, FindsNamesThatAnEarlierReleaseFoldedOtherwise) {
     ASSERT_TRUE(Store(file).Write("ЖАБА_Alias", "kept"));
     SqliteDatabase database;
-    ASSERT_EQ(database.Open(file.string(), SQLITE_OPEN_READWRITE, 1000), SQLITE_OK);
+    ASSERT_EQ(database.OpenFile(file, SQLITE_OPEN_READWRITE, 1000), SQLITE_OK);
     ASSERT_EQ(database.Execute("UPDATE RegistryValues SET LowerName = 'ЖАБА_alias'"), SQLITE_OK);
     EXPECT_EQ(Store(file).Read("жаба_Alias"), "kept");
 }

@@ -15,7 +15,8 @@ constexpr const char* texts = "GER\tmodAllgemein\t29\tCreate it?\nGER\tmodAllgem
                               "GER\tmodAllgemein\t34\tThere are statistics.\nGER\tmodAllgemein\t35\tReally?\n"
                               "GER\tmodAllgemein\t36\tMove\nGER\tmodAllgemein\t37\tthem?\n"
                               "GER\tmodAllgemein\t38\tOk\nGER\tmodAllgemein\t43\tCannot create\n"
-                              "GER\tmodAllgemein\t44\t, sorry.\n";
+                              "GER\tmodAllgemein\t44\t, sorry.\n"
+                              "GER\tmodAllgemein\t48\tnow, so in\nGER\tmodAllgemein\t49\t.\n";
 
 // A shell whose answer can be watched, and files that refuse some folders.
 class WatchedShell : public FakeShell {
@@ -84,7 +85,7 @@ TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
     Put(programFolder / "Korvalin_Stats.db", "old");
     disk.CopyFails = true;
     EXPECT_EQ(data.GetDataPath(), programFolder / "");
-    EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
+    EXPECT_NE(boxes.Take().Text.find("t214"), std::string::npos);
     EXPECT_EQ(Contents(programFolder), "db=old ");
     EXPECT_EQ(Contents(share), "");
     EXPECT_EQ(settings.Get(Keys::DataPath), "");
@@ -101,7 +102,7 @@ TEST_F(DataFolderTest, JoinsStatisticsOfTheProgramFolderToThoseOfTheDataFolder) 
     Put(share / "Korvalin_Stats.db", "both\r\nc\r\n");
     disk.DurableResult = ENOSPC;
     EXPECT_EQ(data.GetDataPath(), programFolder / "");
-    EXPECT_NE(boxes.Take().Text.find("ChangeDataPath"), std::string::npos);
+    EXPECT_NE(boxes.Take().Text.find("t209"), std::string::npos);
     EXPECT_EQ(Contents(share), "db=both\r\nc\r\n ");
     disk.DurableResult = 0;
     DataFolder next(Parts(), programFolder);
@@ -111,33 +112,42 @@ TEST_F(DataFolderTest, JoinsStatisticsOfTheProgramFolderToThoseOfTheDataFolder) 
 }
 
 TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {
-    const std::string cannotCreate = "Cannot create " + share.string() + ", sorry.";
-    const std::string noFiles = "No files in ";
+    const std::string cannotCreate = "Cannot create " + share.string();
     enum class Ends { Stored, ProgramForThisRun, Elsewhere };
     struct {
         int CreateResult;
         std::vector<fs::path> ReadOnly;
-        Lines Shown;
         Ends End;
-    } const rows[] = {{13, {}, {cannotCreate}, Ends::Stored},
-                      {13,
-                       {programFolder},
-                       {cannotCreate, noFiles + programFolder.string() + "."},
-                       Ends::ProgramForThisRun},
-                      {0, {share, programFolder}, {noFiles + share.string() + "."}, Ends::Elsewhere}};
+    } const rows[] = {{13, {}, Ends::Stored},
+                      {13, {programFolder}, Ends::ProgramForThisRun},
+                      {0, {share, programFolder}, Ends::Elsewhere}};
     for (const auto& row : rows) {
         settings.SetReg("DataPath", "");
         disk.CreateFoldersResult = row.CreateResult;
         disk.Folders = row.ReadOnly;
         DataFolder fresh(Parts(), programFolder);
         const fs::path found = fresh.GetDataPath();
-        EXPECT_EQ(TakeBoxes(), row.Shown);
+        const std::string instead = found.parent_path().string();
+        EXPECT_EQ(
+            TakeBoxes(),
+            Lines{cannotCreate + (row.End == Ends::Stored ? ", sorry." : " now, so in " + instead + ".")});
         EXPECT_EQ(fresh.GetDataPath(), found);
         EXPECT_EQ(settings.Get(Keys::DataPath), row.End == Ends::Stored ? programFolder.string() : "");
         EXPECT_EQ(found == programFolder / "", row.End != Ends::Elsewhere) << found;
         EXPECT_TRUE(fs::is_directory(found));
         if (row.End == Ends::Elsewhere) fs::remove_all(found);
     }
+}
+
+TEST_F(DataFolderTest, AChosenFolderThatIsAwayStaysChosenAndIsUsedWhenItIsBack) {
+    const fs::path away = folder / "drive/data";
+    settings.SetReg("DataPath", away.string());
+    for (int call = 0; call < 2; ++call)
+        EXPECT_EQ(data.GetDataPath(), share / "");
+    EXPECT_EQ(TakeBoxes(), Lines{"Cannot create " + away.string() + " now, so in " + share.string() + "."});
+    EXPECT_EQ(settings.Get(Keys::DataPath), away.string());
+    fs::create_directories(away);
+    EXPECT_EQ(data.GetDataPath(), away / "");
 }
 
 TEST_F(DataFolderTest, AnswersALogLineFromInsideItself) {

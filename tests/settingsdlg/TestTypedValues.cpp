@@ -33,6 +33,8 @@ TEST_F(TypedValues, NumbersAreReadAsTheUserWritesThem) {
     locale.GroupingMark = "\u202f";
     for (const char* thousand : {"1000", "1.000", "1 000", " 1\u202f000"})
         EXPECT_EQ(WithoutGrouping(thousand, locale), "1000") << thousand;
+    for (const char* fraction : {"12.5", "12.50", "1.0000", "1000.000", "1.2.3"})
+        EXPECT_EQ(WithoutGrouping(fraction, locale), fraction) << "no groups";
 }
 
 TEST_F(TypedValues, NothingTypedIsTheDefaultAndLeavesTheStore) {

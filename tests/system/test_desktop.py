@@ -15,7 +15,7 @@ class Desktop(rig.DesktopCase):
         rig.wait_for(lambda: self.home.cli("settings", "get", name) == expected, f"{name} = {expected}")
 
     def wait_for_chart(self, window):
-        rig.wait_for(lambda: self.color(window, 40, 40) == BACKGROUND, "the chart")
+        rig.wait_for(lambda: self.color(window, 40, 30) == BACKGROUND, "the chart")
 
     def end(self, process):
         """Ends the program as a session's end does."""
@@ -60,6 +60,7 @@ class Desktop(rig.DesktopCase):
         rig.wait_for(self.menu, "the menu")
         self.display.tool("xdotool", "key", "o")
         rig.wait_for(lambda: abs(self.display.geometry(window)["HEIGHT"] + 20 - before["HEIGHT"]) < 25, "the height")
+        self.picture("after title only")
         self.wait_for_chart(window)
 
     def stored_place(self):
@@ -107,22 +108,52 @@ class Desktop(rig.DesktopCase):
         self.start(inside=network.here)
         self.wait_for_state("Iconic")
 
-    def test_a_second_instance_ends_silently_and_a_killed_one_is_no_hindrance(self):
-        process = self.start()
-        self.main_window()
+    def test_a_second_start_raises_the_first_ones_window_and_a_killed_one_is_no_hindrance(self):
+        process = self.start(AutoShow="False")
+        self.wait_for_state("Iconic")
         self.assertEqual(self.start().wait(timeout=10), 0)
+        self.main_window()
         self.assertIsNone(process.poll())
         rig.ended(process)
-        third = self.start()
+        third = self.start(AutoShow="True")
         self.main_window()
         fourth = self.start(MultiInstance="True")
         time.sleep(1)  # long enough to have ended
         self.assertEqual([third.poll(), fourth.poll()], [None, None])
 
+    def test_signals_end_it_while_a_question_of_the_start_is_open(self):
+        for how in (signal.SIGTERM, signal.SIGINT):
+            process = self.start(Language="")
+            rig.wait_for(lambda: self.display.window("^Choose language$"), "the language dialog")
+            process.send_signal(how)
+            self.assertEqual(process.wait(timeout=5), 0)
+            self.setting("Language", "")
+
+    def test_an_error_at_the_end_holds_nobody_up_and_is_told_at_the_next_start(self):
+        process = self.start()
+        self.main_window()
+        statistics = self.home.path / "data/Korvalin/Korvalin_Stats.db"
+        time.sleep(1.5)  # something has been counted
+        statistics.unlink(missing_ok=True)
+        statistics.mkdir()
+        began = time.monotonic()
+        self.end(process)
+        self.assertLess(time.monotonic() - began, 2)
+        self.assertIn("Korvalin_Stats.db", self.home.cli("settings", "get", "LeftMessage"))
+        self.assertIn("Korvalin_Stats.db", (statistics.parent / "Korvalin_ErrorLog.txt").read_text())
+        statistics.rmdir()
+        self.start()
+        self.setting("LeftMessage", "")
+        self.picture("what failed at the end")
+
     def test_settings_of_every_wrong_kind_and_a_vanished_folder_do_not_stop_it(self):
         process = self.start(DataPath=self.home.path / "gone", MON_Width="wide", ChartMax="-5", picWidthMin="x", UnitKB="parsec",
                              ConnDataMax="1e300", FontSize="0", Opacity="none", ChartBackgroundColor="blue")
+        # The folder is told of, and the window is behind what tells it.
+        self.press(rig.wait_for(lambda: self.display.window("^Korvalin$"), "the message"), "Return")
+        rig.wait_for(lambda: not self.display.window("^Korvalin$"), "the message's end")
         window = self.main_window()
+        self.assertEqual(self.home.cli("settings", "get", "DataPath"), str(self.home.path / "gone"))
         shutil.rmtree(self.home.path / "data", ignore_errors=True)
         self.choose(window, "p")
         self.setting("ForeGround", "False")

@@ -9,7 +9,7 @@ import subprocess
 
 import rig
 
-BY_SYSTEM, BY_TASK_MANAGER = "System shut down or user logged off", "Korvalin was closed by task manager"
+BY_SYSTEM, BY_TASK_MANAGER = "System shut down or user logged off", "Korvalin was closed by the task manager"
 
 
 class Recording(rig.RecorderCase):

@@ -164,6 +164,26 @@ class Tray(rig.DesktopCase):
                     return False
         return True
 
+    def test_hiding_and_showing_it_leaves_place_and_size(self):
+        self.session_bus()
+        host = self.host(rig.NotifierHost(self.home.env))
+        self.start(ShowTitle="True", MON_Left_1024=3000, MON_Top_768=3000)
+        rig.wait_for(host.item, "the icon")
+
+        def place():
+            time.sleep(0.5)  # the window manager is done with the frame
+            stored = [self.home.cli("settings", "get", f"MON_{name}") for name in ("Left_1024", "Top_768", "Width", "Height")]
+            return self.display.geometry(self.main_window()), stored
+
+        self.main_window()
+        time.sleep(1)
+        before = place()
+        for _ in range(5):
+            host.tell("activate")
+            self.wait_for_state("Withdrawn")
+            host.tell("activate")
+            self.assertEqual(place(), before)
+
     def test_a_notifier_host_may_come_late_and_go(self):
         self.session_bus()
         host, _ = self.come_and_go(lambda: rig.NotifierHost(self.home.env), lambda host: host.item())
