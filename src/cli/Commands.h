@@ -33,11 +33,16 @@ void PrintNetwork(NetworkTables& network, Language& language, const Locale& loca
 /// Prints every setting that is stored or has a default, as it is read: name, kind, value.
 void ListSettings(Settings& settings);
 
-/// Prints one setting as it is read.
-void PrintSetting(Settings& settings, const std::string& name);
+/// The exit code for a command that was typed wrong.
+inline constexpr int ExitUsage = 2;
 
-/// Stores a value in its corrected form and prints that; an empty text deletes the setting.
-void StoreSetting(Settings& settings, const std::string& name, const std::string& value);
+/// Prints one setting as it is read. The exit code: ExitUsage for a name that is no setting's.
+[[nodiscard]] int PrintSetting(Settings& settings, const std::string& name);
+
+/// Stores a value in its corrected form and prints what is read then; an empty text deletes the setting. The
+/// exit code: 1, with the reason on standard error, when that is not the value that was given.
+[[nodiscard]] int StoreSetting(Settings& settings, const Locale& locale, const std::string& name,
+                               const std::string& value);
 
 /// Which records are wanted; an empty field sets no limit.
 struct RecordFilter {

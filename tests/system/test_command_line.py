@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """korvalin-cli and the settings store: kinds, ranges, rights, folders that fail."""
 
+import shutil
 import subprocess
 
 import rig
@@ -12,7 +13,7 @@ class Settings(rig.Case):
                                       ("FontName", "Größe 'x' \"y\"", None), ("eth0_FreeVolume", "2000000", "10000")):
             with self.subTest(name):
                 if value is not None:
-                    self.home.cli("settings", "set", name, value)
+                    self.home.cli("settings", "set", name, value, check=False)
                 self.assertEqual(self.home.cli("settings", "get", name), expected or value)
         listed = self.home.cli("settings", "list").splitlines()
         self.assertTrue(any(line.split()[:3] == ["TimeLinesSec", "number", "60"] for line in listed))
@@ -30,11 +31,29 @@ class Settings(rig.Case):
         self.home.env["XDG_DATA_HOME"] = "/proc/none"
         self.assertIn("line", self.home.cli("lines"))
 
-    def test_wrong_usage_is_explained(self):
-        run = subprocess.run([rig.BIN / "korvalin-cli", "lines", "--format", "xml"], env=self.home.env, text=True,
-                             capture_output=True, check=False)
-        self.assertNotEqual(run.returncode, 0)
-        self.assertIn("xml", run.stderr)
+    def run_cli(self, *arguments):
+        return subprocess.run([rig.BIN / "korvalin-cli", *arguments], env=self.home.env, text=True, capture_output=True,
+                              check=False)
+
+    def test_usage_is_explained(self):
+        for arguments, code, said in ((["lines", "--format", "xml"], None, "xml"), ([], 0, "settings"),
+                                      (["--version"], 0, "korvalin-cli "), (["sums"], 0, "period_begin"),
+                                      (["settings", "get", "CharMax"], 2, "ChartMax"),
+                                      (["settings", "set", "Home_FreeVolum", "5"], 2, "Home_FreeVolume")):
+            with self.subTest(arguments):
+                run = self.run_cli(*arguments)
+                self.assertTrue(run.returncode == code or (code is None and run.returncode != 0), run)
+                self.assertIn(said, run.stderr if code != 0 else run.stdout)
+
+    def test_a_value_that_is_not_stored_as_given_is_said(self):
+        for value, stored, code in (("80", "80", 0), ("80.0", "80", 0), ("-3", "1", 1), ("", "100", 0)):
+            run = self.run_cli("settings", "set", "ChartMax", value)
+            self.assertEqual((run.stdout.strip(), run.returncode, bool(run.stderr)), (stored, code, code != 0), value)
+        shutil.rmtree(self.home.path / "config")
+        (self.home.path / "config").write_text("a file where the folder should be")
+        run = self.run_cli("settings", "set", "ChartMax", "80")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("cannot be written", run.stderr)
 
 
 if __name__ == "__main__":
