@@ -22,6 +22,18 @@ enum class LinesFormat { Table, Json };
 /// ever.
 void PrintLines(Program& program, LinesFormat format, bool watch);
 
+/// Prints on one line the rates of all lines and, of an alias (empty: of the first line's), what is used,
+/// left and to be expected; every second with `watch`. As JSON it is an object a panel can show.
+void PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch);
+
+/// Corrects what is used of the running period to what the provider says (units of 1,000,000 bytes); nothing
+/// takes the correction back. The exit code.
+[[nodiscard]] int TakeProvidersFigure(Program& program, const std::string& alias,
+                                      std::optional<double> megabytes);
+
+/// Prints counters, rates, use and allowances as the text that monitoring systems read.
+void PrintMetrics(Program& program);
+
 /// Prints the tables of network adapters and IP addresses, as a window shows them or as one JSON object of
 /// two lists, an object for each adapter or address.
 void PrintNetwork(NetworkTables& network, Language& language, const Locale& locale, bool asJson);

@@ -26,6 +26,7 @@ struct Arguments {
     bool Watch = false;
     bool AsJson = false;
     bool Closed = false;
+    std::optional<double> Megabytes;
 };
 
 // An option that takes one of a few words.
@@ -48,6 +49,7 @@ class CommandLine {
         AddSettings();
         AddLines();
         AddNetwork();
+        AddUse();
         AddStatistics();
     }
 
@@ -58,6 +60,9 @@ class CommandLine {
     CLI::App* Set = nullptr;
     CLI::App* Lines = nullptr;
     CLI::App* Network = nullptr;
+    CLI::App* Status = nullptr;
+    CLI::App* Metrics = nullptr;
+    CLI::App* Provider = nullptr;
     CLI::App* Records = nullptr;
     CLI::App* Sums = nullptr;
     CLI::App* Repair = nullptr;
@@ -87,6 +92,20 @@ class CommandLine {
         Network =
             App.add_subcommand("network", "What the system tells of its network adapters and addresses");
         Network->add_flag("--json", Arguments.AsJson, "As one JSON document");
+    }
+
+    void AddUse() {
+        Status = App.add_subcommand("status", "Rates, use, allowance and forecast on one line, for a panel");
+        Status->add_option("--alias", Arguments.Name, "Of this alias instead of the first line's");
+        Status->add_flag("--watch", Arguments.Watch, "Every second, until interrupted");
+        AddChoice<bool>(Status, "--format", "With json one document a line", Arguments.AsJson,
+                        {{"text", false}, {"json", true}});
+        Metrics =
+            App.add_subcommand("metrics", "Counters, rates, use and allowances for a monitoring system");
+        Provider = App.add_subcommand("provider", "Correct the use of the running period to the provider's");
+        Provider->add_option("ALIAS", Arguments.Name, "Whose period")->required();
+        Provider->add_option("MEGABYTES", Arguments.Megabytes,
+                             "What the provider says is used; without it the correction ends");
     }
 
     void AddStatistics() {
@@ -146,6 +165,9 @@ int Run(const CommandLine& line, const Ports& ports, Program& program, const Ter
     if (line.Network->parsed()) {
         PrintNetwork(ports.NetworkTables, program.language, program.locale, arguments.AsJson);
     }
+    if (line.Status->parsed()) PrintStatus(program, arguments.Name, arguments.AsJson, arguments.Watch);
+    if (line.Metrics->parsed()) PrintMetrics(program);
+    if (line.Provider->parsed()) return TakeProvidersFigure(program, arguments.Name, arguments.Megabytes);
     if (line.Records->parsed()) PrintRecords(program, arguments.Filter, arguments.Format);
     if (line.Sums->parsed()) PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
     if (line.Repair->parsed()) RepairStatistics(program);

@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """korvalin-cli and the settings store: kinds, ranges, rights, folders that fail."""
 
+import datetime
+import json
 import shutil
 import subprocess
 
@@ -54,6 +56,31 @@ class Settings(rig.Case):
         run = self.run_cli("settings", "set", "ChartMax", "80")
         self.assertEqual(run.returncode, 1)
         self.assertIn("cannot be written", run.stderr)
+
+    def test_use_and_forecast(self):
+        today = datetime.date.today()
+        data = self.home.path / "statistics"
+        data.mkdir()
+        (data / "Korvalin_Stats.db").write_text(
+            f'"Home",#{today} 00:00:00#,#00:00:00#,1000000,2000000,"",""\r\n', newline="")
+        self.home.set(DataPath=str(data), Home_FreeVolume=100, Home_Up1MB="False")
+        status = json.loads(self.home.cli("status", "--alias", "home", "--format", "json"))
+        self.assertEqual((status["alias"], status["bytes"]["used"], status["bytes"]["left"], status["percentage"]),
+                         ("Home", 3_000_000, 97_000_000, 3))
+        self.assertIn("period 3.0 MB  left 97 MB", self.home.cli("status", "--alias", "Home"))
+        metrics = self.home.cli("metrics").splitlines()
+        self.assertEqual(metrics[-1], "# EOF")
+        for sample in ("period_used_bytes", "today_used_bytes"):
+            self.assertIn(f'korvalin_{sample}{{alias="Home"}} 3000000', metrics)
+        self.assertIn('korvalin_period_allowance_bytes{alias="Home"} 100000000', metrics)
+        names = [line.split()[2] for line in metrics if line.startswith("# HELP")]
+        self.assertEqual(len(names), len(set(names)), "each family once")
+        if shutil.which("promtool"):
+            subprocess.run(["promtool", "check", "metrics"], input="\n".join(metrics) + "\n", text=True, check=True)
+        self.assertIn("corrected by +47 MB, used 50 MB", self.home.cli("provider", "Home", "50"))
+        self.assertIn("period 50 MB", self.home.cli("status", "--alias", "Home"))
+        self.assertEqual(self.home.moved("records"), {"Home": [2_000_000, 1_000_000]})
+        self.assertIn("used 3 MB", self.home.cli("provider", "Home"))
 
 
 if __name__ == "__main__":
