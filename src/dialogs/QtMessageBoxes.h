@@ -22,6 +22,9 @@ class QtMessageBoxes : public MessageBoxes {
     /// From now on nobody can answer: the display is gone.
     void DisplayLost() { displayLost_ = true; }
 
+    /// Shows a message that nobody has to answer, and returns at once.
+    void ShowNotice(const std::string& text, const std::string& title);
+
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                        MessageButtons buttons) override;
     void ShowWaiting(const std::string& text, const std::string& title) override;
