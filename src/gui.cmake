@@ -43,6 +43,7 @@ add_library(korvalin_gui STATIC
   lang/frmLanguage.ui
   lang/ToolkitTexts.cpp
   platform/qt/CurlTransferControl.cpp
+  platform/qt/DesktopNotifier.cpp
   platform/qt/QtEvents.cpp
   platform/qt/QtLocale.cpp
   platform/qt/QtNotificationArea.cpp

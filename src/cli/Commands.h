@@ -22,6 +22,18 @@ enum class LinesFormat { Table, Json };
 /// ever.
 void PrintLines(Program& program, LinesFormat format, bool watch);
 
+/// Prints on one line the rates of all lines and, of an alias (empty: of the first line's), what is used,
+/// left and to be expected; every second with `watch`. As JSON it is an object a panel can show.
+void PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch);
+
+/// Corrects what is used of the running period to what the provider says (units of 1,000,000 bytes); nothing
+/// takes the correction back. The exit code.
+[[nodiscard]] int TakeProvidersFigure(Program& program, const std::string& alias,
+                                      std::optional<double> megabytes);
+
+/// Prints counters, rates, use and allowances as the text that monitoring systems read.
+void PrintMetrics(Program& program);
+
 /// Prints the tables of network adapters and IP addresses, as a window shows them or as one JSON object of
 /// two lists, an object for each adapter or address.
 void PrintNetwork(NetworkTables& network, Language& language, const Locale& locale, bool asJson);
@@ -33,11 +45,16 @@ void PrintNetwork(NetworkTables& network, Language& language, const Locale& loca
 /// Prints every setting that is stored or has a default, as it is read: name, kind, value.
 void ListSettings(Settings& settings);
 
-/// Prints one setting as it is read.
-void PrintSetting(Settings& settings, const std::string& name);
+/// The exit code for a command that was typed wrong.
+inline constexpr int ExitUsage = 2;
 
-/// Stores a value in its corrected form and prints that; an empty text deletes the setting.
-void StoreSetting(Settings& settings, const std::string& name, const std::string& value);
+/// Prints one setting as it is read. The exit code: ExitUsage for a name that is no setting's.
+[[nodiscard]] int PrintSetting(Settings& settings, const std::string& name);
+
+/// Stores a value in its corrected form and prints what is read then; an empty text deletes the setting. The
+/// exit code: 1, with the reason on standard error, when that is not the value that was given.
+[[nodiscard]] int StoreSetting(Settings& settings, const Locale& locale, const std::string& name,
+                               const std::string& value);
 
 /// Which records are wanted; an empty field sets no limit.
 struct RecordFilter {

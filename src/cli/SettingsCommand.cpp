@@ -1,9 +1,16 @@
+#include "base/Date.h"
+#include "base/Locale.h"
+#include "base/Numbers.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
+#include "settings/SettingNames.h"
 #include "settings/Settings.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <string_view>
 #include <unistd.h>
@@ -21,6 +28,50 @@ std::string_view KindName(const SettingValue& value) {
     return std::visit(Names(), value);
 }
 
+bool IsStored(Settings& settings, const std::string& name) {
+    const std::vector<std::string> names = settings.StoredNames();
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& stored) { return EqualsNoCase(stored, name); });
+}
+
+// What an older release has stored is still to be seen, and to be deleted.
+bool IsKnown(Settings& settings, const std::string& name) {
+    if (IsSettingName(name) || IsStored(settings, name)) return true;
+    fmt::print(stderr, "No setting: {}. Did you mean {}?\n", EscapeControls(name),
+               EscapeControls(NearestSettingName(name)));
+    return false;
+}
+
+std::string Read(Settings& settings, const std::string& name) {
+    return Settings::TextForm(settings.GetReg(name));
+}
+
+void Print(const std::string& text) {
+    fmt::print("{}\n",
+               isatty(STDOUT_FILENO) != 0 ? EscapeControls(text) : text); // a script wants it as it is
+}
+
+// Whether both say the same in another form: "true" and "True", "5.0" and "5", two forms of a date.
+bool IsSame(std::string_view typed, std::string_view stored, const Locale& locale) {
+    if (EqualsNoCase(Trim(typed), stored)) return true;
+    const std::optional<double> number = ParseNumber(typed);
+    if (number) return number == ParseNumber(stored);
+    const std::optional<Date> date = ParseDate(Trim(typed), locale);
+    return date && date == ParseDate(stored, locale);
+}
+
+int SayNotStored(const std::string& name) {
+    fmt::print(stderr, "{} could not be stored.\n", EscapeControls(name));
+    return EXIT_FAILURE;
+}
+
+int Delete(Settings& settings, const std::string& name) {
+    settings.SetReg(name, std::string());
+    if (IsStored(settings, name)) return SayNotStored(name);
+    Print(Read(settings, name));
+    return EXIT_SUCCESS;
+}
+
 } // namespace
 
 void ListSettings(Settings& settings) {
@@ -36,19 +87,25 @@ void ListSettings(Settings& settings) {
     }
 }
 
-void PrintSetting(Settings& settings, const std::string& name) {
-    const std::string text = Settings::TextForm(settings.GetReg(name));
-    fmt::print("{}\n",
-               isatty(STDOUT_FILENO) != 0 ? EscapeControls(text) : text); // a script wants it as it is
+int PrintSetting(Settings& settings, const std::string& name) {
+    if (!IsKnown(settings, name)) return ExitUsage;
+    Print(Read(settings, name));
+    return EXIT_SUCCESS;
 }
 
-void StoreSetting(Settings& settings, const std::string& name, const std::string& value) {
-    if (Trim(value).empty()) {
-        settings.SetReg(name, std::string());
-    } else {
-        settings.SetReg(name, settings.GetRegValidate(name, value));
-    }
-    PrintSetting(settings, name);
+int StoreSetting(Settings& settings, const Locale& locale, const std::string& name,
+                 const std::string& value) {
+    if (!IsKnown(settings, name)) return ExitUsage;
+    if (Trim(value).empty()) return Delete(settings, name);
+    const SettingValue wanted = settings.GetRegValidate(name, value);
+    settings.SetReg(name, wanted);
+    const std::string stored = Read(settings, name);
+    Print(stored);
+    if (stored != Trim(Settings::TextForm(wanted))) return SayNotStored(name);
+    if (IsSame(value, stored, locale)) return EXIT_SUCCESS;
+    fmt::print(stderr, "{}: {} cannot be used and became {}\n", EscapeControls(name), EscapeControls(value),
+               EscapeControls(stored));
+    return EXIT_FAILURE;
 }
 
 } // namespace korvalin

@@ -9,6 +9,7 @@
 #include "program/Program.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <cstdlib>
 #include <optional>
@@ -20,11 +21,12 @@ struct Arguments {
     std::string Name, Value;
     LinesFormat LineFormat = LinesFormat::Table;
     OutputFormat Format = OutputFormat::Table;
-    SumPeriod Period = SumPeriod::Day;
+    SumPeriod Period = SumPeriod::BillingMonth;
     RecordFilter Filter;
     bool Watch = false;
     bool AsJson = false;
     bool Closed = false;
+    std::optional<double> Megabytes;
 };
 
 // An option that takes one of a few words.
@@ -42,10 +44,12 @@ CLI::Option* AddChoice(CLI::App* command, const char* name, const char* descript
 class CommandLine {
   public:
     explicit CommandLine(const Locale& locale) : locale_(locale) {
-        App.require_subcommand(1);
+        App.require_subcommand(0, 1);
+        App.set_version_flag("--version", "korvalin-cli " + Program::Version().Numbers());
         AddSettings();
         AddLines();
         AddNetwork();
+        AddUse();
         AddStatistics();
     }
 
@@ -56,6 +60,9 @@ class CommandLine {
     CLI::App* Set = nullptr;
     CLI::App* Lines = nullptr;
     CLI::App* Network = nullptr;
+    CLI::App* Status = nullptr;
+    CLI::App* Metrics = nullptr;
+    CLI::App* Provider = nullptr;
     CLI::App* Records = nullptr;
     CLI::App* Sums = nullptr;
     CLI::App* Repair = nullptr;
@@ -87,6 +94,20 @@ class CommandLine {
         Network->add_flag("--json", Arguments.AsJson, "As one JSON document");
     }
 
+    void AddUse() {
+        Status = App.add_subcommand("status", "Rates, use, allowance and forecast on one line, for a panel");
+        Status->add_option("--alias", Arguments.Name, "Of this alias instead of the first line's");
+        Status->add_flag("--watch", Arguments.Watch, "Every second, until interrupted");
+        AddChoice<bool>(Status, "--format", "With json one document a line", Arguments.AsJson,
+                        {{"text", false}, {"json", true}});
+        Metrics =
+            App.add_subcommand("metrics", "Counters, rates, use and allowances for a monitoring system");
+        Provider = App.add_subcommand("provider", "Correct the use of the running period to the provider's");
+        Provider->add_option("ALIAS", Arguments.Name, "Whose period")->required();
+        Provider->add_option("MEGABYTES", Arguments.Megabytes,
+                             "What the provider says is used; without it the correction ends");
+    }
+
     void AddStatistics() {
         Records = App.add_subcommand("records", "The recorded connections");
         AddFilter(Records);
@@ -94,9 +115,9 @@ class CommandLine {
         AddDate(Records, "--till", "Last day on which a connection ended", Arguments.Filter.Till);
         Sums = App.add_subcommand("sums", "Sums of the connections per alias and period");
         AddChoice<SumPeriod>(
-            Sums, "--period", "Weeks begin on Sunday, months as the alias's tariff says", Arguments.Period,
-            {{"day", SumPeriod::Day}, {"week", SumPeriod::Week}, {"month", SumPeriod::BillingMonth}})
-            ->required();
+            Sums, "--period", "Weeks begin on Sunday, months (the default) as the alias's tariff says",
+            Arguments.Period,
+            {{"day", SumPeriod::Day}, {"week", SumPeriod::Week}, {"month", SumPeriod::BillingMonth}});
         AddFilter(Sums);
         Repair = App.add_subcommand("repair",
                                     "Load the statistics as at the program's start, and repair their file");
@@ -137,12 +158,16 @@ int Run(const CommandLine& line, const Ports& ports, Program& program, const Ter
     program.openConnections.UseThoseOf(arguments.Closed ? OpenConnections::Source::Nobody
                                                         : OpenConnections::Source::Recorder);
     if (line.List->parsed()) ListSettings(program.settings);
-    if (line.Get->parsed()) PrintSetting(program.settings, arguments.Name);
-    if (line.Set->parsed()) StoreSetting(program.settings, arguments.Name, arguments.Value);
+    if (line.Get->parsed()) return PrintSetting(program.settings, arguments.Name);
+    if (line.Set->parsed())
+        return StoreSetting(program.settings, program.locale, arguments.Name, arguments.Value);
     if (line.Lines->parsed()) PrintLines(program, arguments.LineFormat, arguments.Watch);
     if (line.Network->parsed()) {
         PrintNetwork(ports.NetworkTables, program.language, program.locale, arguments.AsJson);
     }
+    if (line.Status->parsed()) PrintStatus(program, arguments.Name, arguments.AsJson, arguments.Watch);
+    if (line.Metrics->parsed()) PrintMetrics(program);
+    if (line.Provider->parsed()) return TakeProvidersFigure(program, arguments.Name, arguments.Megabytes);
     if (line.Records->parsed()) PrintRecords(program, arguments.Filter, arguments.Format);
     if (line.Sums->parsed()) PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
     if (line.Repair->parsed()) RepairStatistics(program);
@@ -157,6 +182,10 @@ int main(int argc, char** argv) {
     const Locale locale = ReadSystemLocale();
     CommandLine line(locale);
     CLI11_PARSE(line.App, argc, argv);
+    if (line.App.get_subcommands().empty()) {
+        fmt::print("{}", line.App.help());
+        return EXIT_SUCCESS;
+    }
 
     // Blocked from the beginning: one that comes early must not end the program unrecorded.
     std::optional<TerminationSignals> signals;
@@ -170,5 +199,9 @@ int main(int argc, char** argv) {
     LoadTexts(program);
     program.LogNotes(system.TakeNotes());
     const int exitCode = Run(line, ports, program, signals ? &*signals : nullptr);
+    if (line.Set->parsed() && exitCode != ExitUsage && !system.SettingsAreKept()) {
+        fmt::print(stderr, "The settings store cannot be written: nothing was kept.\n");
+        return EXIT_FAILURE;
+    }
     return messageBoxes.ShowedError() ? EXIT_FAILURE : exitCode;
 }

@@ -16,6 +16,7 @@
 #include "platform/linux/system/LinuxSystem.h"
 #include "platform/linux/system/TerminationSignals.h"
 #include "platform/linux/system/XdgFolders.h"
+#include "platform/qt/DesktopNotifier.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtLocale.h"
 #include "platform/qt/QtNotificationArea.h"
@@ -106,6 +107,10 @@ int RunDesktop(int argc, char** argv) {
         }
         statistics->Open();
     };
+    DesktopNotifier notifier([&](const std::string& title, const std::string& text) {
+        messageBoxes.ShowNotice(text, title);
+    });
+    program.allowanceWatch.Plug(notifier, openStatistics);
     QtNotificationArea tray;
     QPointer<frmEinstellungen> settings; // exists only while it is shown
     frmMain window({.Settings = program.settings,

@@ -69,6 +69,16 @@ MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& t
     return answers[static_cast<std::size_t>(pressed)];
 }
 
+void QtMessageBoxes::ShowNotice(const std::string& text, const std::string& title) {
+    if (displayLost_) return;
+    auto* notice = new frmMessage(texts_);
+    notice->setAttribute(Qt::WA_DeleteOnClose);
+    notice->setAttribute(Qt::WA_ShowWithoutActivating);
+    notice->setWindowTitle(ToText(title));
+    notice->Msg_Text = ToText(text);
+    notice->show();
+}
+
 void QtMessageBoxes::ShowWaiting(const std::string& text, const std::string& title) {
     if (keep_) return;
     waiting_ = std::make_unique<frmMessage>(texts_);

@@ -26,6 +26,9 @@ class QtMessageBoxes : public MessageBoxes {
     /// instead, and a question is answered No.
     void NobodyAnswers(std::function<void(const std::string& text)> keep) { keep_ = std::move(keep); }
 
+    /// Shows a message that nobody has to answer, and returns at once.
+    void ShowNotice(const std::string& text, const std::string& title);
+
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                        MessageButtons buttons) override;
     void ShowWaiting(const std::string& text, const std::string& title) override;

@@ -141,6 +141,12 @@ Program::Program(const Ports& ports, Locale userLocale)
                      .Errors = errors,
                      .DataFolder = dataFolder,
                      .SpareFolder = ports.Shell.SettingsFolder()}),
+      allowanceWatch({.Settings = settings,
+                      .Aliases = aliases,
+                      .MonthSums = monthSums,
+                      .Language = language,
+                      .Errors = errors,
+                      .Clock = ports.Clock}),
       liveTexts({.LineState = lines,
                  .RateHistory = rateHistory,
                  .MonthSums = monthSums,
@@ -209,7 +215,11 @@ void Program::PlugHooks() {
                    .SaveStatsLine = [this](CloseReason reason,
                                            std::size_t line) { recorder.SaveStatsLine(reason, line); },
                    .ResizeRateHistory = [this] { samplingLoop.ResizeRateHistory(); },
-                   .PassEnded = [this] { journalKeeper.PassEnded(); }});
+                   .PassEnded =
+                       [this] {
+                           journalKeeper.PassEnded();
+                           allowanceWatch.PassEnded();
+                       }});
     journalKeeper.Plug({.OthersRecorded = [this] { LoadSums(false); }});
     updateSchedule.Plug({.CallAgain = [this](double seconds) {
         samplingLoop.SetUpdateCheckPending(ports_.Clock.Now() + seconds * OneSecond);

@@ -17,6 +17,7 @@
 #include "settings/Settings.h"
 #include "settingsdlg/AutoStart.h"
 #include "stats/Aliases.h"
+#include "stats/AllowanceWatch.h"
 #include "stats/JournalKeeper.h"
 #include "stats/MonthSums.h"
 #include "stats/OpenConnections.h"
@@ -98,6 +99,7 @@ class Program {
     PeriodSums periodSums;
     Recorder recorder;
     JournalKeeper journalKeeper;
+    AllowanceWatch allowanceWatch;
 
     InfoTexts infoTexts;
     RateHistory rateHistory;

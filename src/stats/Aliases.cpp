@@ -84,10 +84,25 @@ void Aliases::ReadTariff(AliasInfo& info) {
     info.DaysInPeriod = static_cast<std::int32_t>(info.PeriodEnd - info.PeriodBegin) + 1;
     info.DaysElapsed = static_cast<std::int32_t>(today - info.PeriodBegin) + 1;
     info.FractionElapsed = RoundToEven(1e4 * info.DaysElapsed / info.DaysInPeriod) / 1e4;
+    const bool isCorrected = settings_.Get(Keys::CorrectedFor(info.Alias)) == info.PeriodBegin;
+    info.CorrectionBytes =
+        isCorrected ? settings_.Get(Keys::CorrectedBy(info.Alias)) * bytesPerFreeVolume : 0;
     info.RoundSeconds = settings_.Get(Keys::RoundSeconds(info.Alias));
     info.TrayTime = settings_.Get(Keys::TrayTime(info.Alias));
     info.TrayVol = settings_.Get(Keys::TrayVol(info.Alias));
     info.Up1MB = settings_.Get(Keys::Up1MB(info.Alias));
+}
+
+void Aliases::Correct(std::size_t aliasIndex, std::int32_t units) {
+    const AliasInfo& info = Alias(aliasIndex);
+    if (units == 0) {
+        settings_.Remove(Keys::CorrectedBy(info.Alias));
+        settings_.Remove(Keys::CorrectedFor(info.Alias));
+    } else {
+        settings_.Set(Keys::CorrectedBy(info.Alias), units);
+        settings_.Set(Keys::CorrectedFor(info.Alias), info.PeriodBegin);
+    }
+    FillAliasInfo(aliasIndex);
 }
 
 void Aliases::FollowDay() {

@@ -22,7 +22,8 @@ struct AliasInfo {
     std::int32_t FreeHours = 0;  ///< allowance of a period
     std::int32_t FreeVolume = 0; ///< allowance in units of 1,000,000 bytes
     double FreeVolumeBytes = 0;
-    std::string LineName; ///< in the table of lines only
+    double CorrectionBytes = 0; ///< what the provider counts more in the current period
+    std::string LineName;       ///< in the table of lines only
     std::int32_t MonthStartDay = 1;
     Date PeriodBegin = 0; ///< first day of the current billing period
     Date PeriodEnd = 0;   ///< its last day
@@ -51,6 +52,10 @@ class Aliases {
 
     /// Reads the tariff of an alias anew; an empty name keeps the entry's.
     void FillAliasInfo(std::size_t aliasIndex, std::string_view aliasName = {});
+
+    /// Notes what the provider counts in the current period more than the program: whole units of 1,000,000
+    /// bytes, which 0 takes back. Says nothing of other periods.
+    void Correct(std::size_t aliasIndex, std::int32_t units);
 
     /// Brings the periods in line with the calendar when a new day has begun since they were read.
     void FollowDay();

@@ -12,6 +12,8 @@
 namespace korvalin {
 namespace {
 
+constexpr double hoursPerDay = 24;
+
 BilledRecord BilledOf(const OpenConnection& record) {
     return {record.LogIn, RoundToSecond(record.End), record.BytesReceived, record.BytesTransmitted,
             record.IsRas};
@@ -20,13 +22,14 @@ BilledRecord BilledOf(const OpenConnection& record) {
 } // namespace
 
 MonthSums::MonthSums(Aliases& aliases, const LineState& lines, Errors& errors, Clock& clock)
-    : aliases_(aliases), lines_(lines), errors_(errors), clock_(clock) {}
+    : aliases_(aliases), lines_(lines), errors_(errors), clock_(clock), days_(aliases) {}
 
 void MonthSums::CalcStatsThisMonth(StatRecords& records, std::size_t known) {
     aliases_.Clear();
     valid_ = false;
     sums_ = StatRecords();
     connections_.clear();
+    days_.Begin(DayOf(clock_.Now()));
     errors_.Step("CalcStatsThisMonth", [&] {
         aliases_.FillAlias(records);
         for (const LineRecord& line : lines_.LineTable) {
@@ -49,6 +52,7 @@ void MonthSums::Add(const OpenConnection& record) {
 void MonthSums::AddRecord(const OpenConnection& record) {
     const std::size_t index = aliases_.AliasIndex(aliases_.GetAlias(record.LineName));
     const BilledRecord billed = BilledOf(record);
+    days_.Add(billed, ToLower(record.LineName), index);
     if (billed.End >= Sum(index).StatPeriodBegin) AddToSum(billed, ToLower(record.LineName), index);
 }
 
@@ -74,11 +78,11 @@ void MonthSums::AddAll(const StatRecords& records) {
             alias = record.Alias;
             index = aliases_.AliasIndex(alias);
         }
-        const Date end = record.End();
-        if (end < sums_.List.at(index - 1).StatPeriodBegin || EqualsNoCase(record.Info, InfoRunning))
-            continue;
-        AddToSum({record.LogIn, end, record.BytesReceived, record.BytesTransmitted}, ToLower(record.LineName),
-                 index);
+        if (EqualsNoCase(record.Info, InfoRunning)) continue;
+        const BilledRecord billed{record.LogIn, record.End(), record.BytesReceived, record.BytesTransmitted};
+        const std::string line = ToLower(record.LineName);
+        days_.Add(billed, line, index);
+        if (billed.End >= sums_.List.at(index - 1).StatPeriodBegin) AddToSum(billed, line, index);
     }
 }
 
@@ -96,40 +100,72 @@ const StatRecord& MonthSums::Sum(std::size_t aliasIndex) {
 }
 
 // Asked for several times a second.
-double MonthSums::OpenVolume(std::size_t aliasIndex) {
-    double volume = 0;
+std::vector<MonthSums::OpenLine> MonthSums::OpenOf(std::size_t aliasIndex) {
+    std::vector<OpenLine> open;
+    const auto take = [&](const std::string& name, const BilledRecord& record) {
+        if (aliases_.AliasIndex(aliases_.GetAlias(name)) == aliasIndex)
+            open.push_back({ToLower(name), record});
+    };
     if (elsewhere_) {
-        for (const OpenConnection& open : *elsewhere_)
-            volume += OpenVolume(aliasIndex, open.LineName, BilledOf(open));
-        return volume;
+        for (const OpenConnection& connection : *elsewhere_)
+            take(connection.LineName, BilledOf(connection));
+        return open;
     }
     for (const LineRecord& line : lines_.LineTable) {
         if (!line.Connected) continue;
         const LinePart part = OpenPartOf(line);
-        volume += OpenVolume(
-            aliasIndex, line.EntryName,
-            {part.LogIn, RoundToSecond(part.End), part.BytesReceived, part.BytesTransmitted, line.IsRas});
+        take(line.EntryName,
+             {part.LogIn, RoundToSecond(part.End), part.BytesReceived, part.BytesTransmitted, line.IsRas});
     }
-    return volume;
+    return open;
 }
 
-double MonthSums::OpenVolume(std::size_t aliasIndex, const std::string& lineName, const BilledRecord& open) {
-    if (aliases_.AliasIndex(aliases_.GetAlias(lineName)) != aliasIndex) return 0;
-    const auto last = connections_.find(ToLower(lineName));
-    BilledConnection connection = last != connections_.end() ? last->second : BilledConnection();
-    return Bill(open, connection, sums_.List.at(aliasIndex - 1).StatPeriodBegin, aliases_, aliasIndex)
-        .VolumeRounded;
+MonthSums::OpenUse MonthSums::UseOfOpen(std::size_t aliasIndex, Date today) {
+    OpenUse use;
+    for (const OpenLine& open : OpenOf(aliasIndex)) {
+        const auto last = connections_.find(open.LowerName);
+        BilledConnection connection = last != connections_.end() ? last->second : BilledConnection();
+        const BilledShare share = Bill(open.Record, connection, sums_.List.at(aliasIndex - 1).StatPeriodBegin,
+                                       aliases_, aliasIndex);
+        use.Volume += share.VolumeRounded;
+        use.Online += share.DurationRounded;
+        if (DayOf(open.Record.End) != today) continue; // of a recorder that has stopped
+        const DayUse day = days_.ShareOf(open.Record, open.LowerName, aliasIndex);
+        use.Today.Volume += day.Volume;
+        use.Today.Online += day.Online;
+    }
+    return use;
+}
+
+AliasUse MonthSums::UseOf(std::size_t aliasIndex) {
+    const Date now = clock_.Now();
+    const Date today = DayOf(now);
+    // Before anything is held: it may meet a line whose alias is new.
+    const StatRecord recorded = Sum(aliasIndex);
+    const OpenUse open = UseOfOpen(aliasIndex, today);
+    AliasInfo& alias = aliases_.Alias(aliasIndex);
+    alias.FractionElapsed =
+        RoundToEven(1e4 * (alias.DaysElapsed - 1 + now - today) / alias.DaysInPeriod) / 1e4;
+    const DayUse before = days_.On(aliasIndex, today);
+    const DayUse day{before.Volume + open.Today.Volume, before.Online + open.Today.Online};
+    const DayUse mean = days_.MeanBefore(aliasIndex, today, day);
+    const double daysLeft = alias.PeriodEnd + 1 - now;
+    const int daysToSpend = alias.DaysInPeriod - alias.DaysElapsed + 1;
+    const double volume = recorded.VolumeRounded + open.Volume + alias.CorrectionBytes;
+    return {alias.Alias,
+            alias.PeriodBegin,
+            alias.PeriodEnd,
+            alias.FractionElapsed,
+            alias.CorrectionBytes,
+            {std::max(volume, 0.0), day.Volume, mean.Volume, alias.FreeVolumeBytes, daysLeft, daysToSpend},
+            {recorded.DurationRounded + open.Online, day.Online, mean.Online,
+             std::max(alias.FreeHours, 0) / hoursPerDay, daysLeft, daysToSpend}};
 }
 
 PeriodUse MonthSums::UseOf(std::string_view lineName) {
     const std::size_t index = aliases_.AliasIndex(aliases_.GetAlias(lineName));
-    // Before anything is held: it may meet a line whose alias is new.
-    const double used = Sum(index).VolumeRounded + OpenVolume(index);
-    AliasInfo& alias = aliases_.Alias(index);
-    const Date now = clock_.Now();
-    alias.FractionElapsed =
-        RoundToEven(1e4 * (alias.DaysElapsed - 1 + now - DayOf(now)) / alias.DaysInPeriod) / 1e4;
-    return {used, alias.FreeVolumeBytes, alias.TrayVol, alias.FractionElapsed};
+    const AliasUse use = UseOf(index);
+    return {use.Volume.Used, use.Volume.Allowance, aliases_.Alias(index).TrayVol, use.FractionElapsed};
 }
 
 } // namespace korvalin

@@ -2,6 +2,8 @@
 
 #include "platform/Journal.h"
 #include "stats/BilledParts.h"
+#include "stats/DaySums.h"
+#include "stats/Forecast.h"
 #include "stats/StatRecord.h"
 
 #include <optional>
@@ -54,14 +56,26 @@ class MonthSums {
     /// The use of the period of a line: recorded and open, of all lines with its alias.
     PeriodUse UseOf(std::string_view lineName);
 
+    /// The use of an alias and where it is going, recorded and open.
+    AliasUse UseOf(std::size_t aliasIndex);
+
   private:
+    struct OpenLine {
+        std::string LowerName;
+        BilledRecord Record;
+    };
+    struct OpenUse {
+        double Volume = 0;
+        Date Online = 0;
+        DayUse Today;
+    };
     void Begin(StatRecord& sum, std::size_t aliasIndex);
     void EnsureSums();
     void AddRecord(const OpenConnection& record);
     void AddAll(const StatRecords& records);
     void AddToSum(const BilledRecord& record, const std::string& lineName, std::size_t aliasIndex);
-    double OpenVolume(std::size_t aliasIndex);
-    double OpenVolume(std::size_t aliasIndex, const std::string& lineName, const BilledRecord& open);
+    std::vector<OpenLine> OpenOf(std::size_t aliasIndex);
+    OpenUse UseOfOpen(std::size_t aliasIndex, Date today);
 
     Aliases& aliases_;
     const LineState& lines_;
@@ -70,6 +84,7 @@ class MonthSums {
     StatRecords sums_; // that of alias i at i - 1
     std::unordered_map<std::string, BilledConnection>
         connections_; // the last of each line, by lower-case name
+    DaySums days_;
     std::vector<OpenConnection> made_;
     std::optional<std::vector<OpenConnection>> elsewhere_;
     bool valid_ = false;

@@ -1,4 +1,5 @@
 #include "fakes/CoreFixture.h"
+#include "settings/SettingNames.h"
 
 using namespace korvalin;
 
@@ -51,6 +52,22 @@ TEST_F(SettingsTest, StoredTextIsConvertedAndPutIntoItsRange) {
         Put(row.Name, row.Text);
         EXPECT_EQ(Read(row.Name), row.Expected) << row.Name << " = " << row.Text;
         EXPECT_EQ(Stored(row.Name), row.Text) << "reading must not change what is stored";
+    }
+}
+
+TEST(SettingNames, ANameIsKnownOrHasANeighbour) {
+    for (const char* name : {"chartmax", "eth0_FREEVOLUME", "eth0_Alias", "Phone_Work", "MON_Left_1920",
+                             "LineDL8Show", "MON_CaptionHeight"})
+        EXPECT_TRUE(IsSettingName(name)) << name;
+    const std::pair<const char*, const char*> unknown[] = {{"CharMax", "ChartMax"},
+                                                           {"", "Test"},
+                                                           {"_Alias", "GAlias"},
+                                                           {"STATS_Lft", "STATS_Left"},
+                                                           {"a_b_RoundSecond", "a_b_RoundSeconds"},
+                                                           {"Trayvolume_TrayVl", "Trayvolume_TrayVol"}};
+    for (const auto& [name, nearest] : unknown) {
+        EXPECT_FALSE(IsSettingName(name)) << name;
+        EXPECT_EQ(NearestSettingName(name), nearest);
     }
 }
 

@@ -235,6 +235,10 @@ void SqliteRegistry::Note(std::string text) {
     notes_.push_back(std::move(text));
 }
 
+bool SqliteRegistry::IsKept() const {
+    return store_ && store_->From == Store::Source::File;
+}
+
 std::vector<std::string> SqliteRegistry::TakeNotes() {
     return std::exchange(notes_, {});
 }

@@ -26,6 +26,9 @@ class SqliteRegistry : public Registry {
     int RegEnsureKey(std::string_view keyPath) override;
     std::vector<std::string> RegValueNames(std::string_view keyPath) override;
 
+    /// Whether what is written outlives this run.
+    bool IsKept() const;
+
     /// What befell the store since the last call, one line each, for the error log.
     std::vector<std::string> TakeNotes();
 

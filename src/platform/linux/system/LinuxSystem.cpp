@@ -79,6 +79,10 @@ Shell& LinuxSystem::UserShell() {
     return backEnds_->Shell;
 }
 
+bool LinuxSystem::SettingsAreKept() const {
+    return backEnds_->Registry.IsKept();
+}
+
 std::vector<std::string> LinuxSystem::TakeNotes() {
     return backEnds_->Registry.TakeNotes();
 }

@@ -27,6 +27,9 @@ class LinuxSystem {
     Clock& SystemTime();
     Shell& UserShell();
 
+    /// Whether settings that are stored outlive this run.
+    bool SettingsAreKept() const;
+
     /// What has happened to the settings store since the last call (a damaged one moved aside), for the error
     /// log.
     std::vector<std::string> TakeNotes();

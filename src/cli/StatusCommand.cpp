@@ -1,0 +1,128 @@
+#include "base/Text.h"
+#include "cli/Commands.h"
+#include "cli/UseOfLines.h"
+#include "program/Program.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace korvalin {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Three digits at most, in the unit that fits.
+std::string ShortBytes(double bytes) {
+    constexpr const char* units[] = {"B", "kB", "MB", "GB", "TB"};
+    std::size_t unit = 0;
+    while (bytes >= 999.5 && unit + 1 < std::size(units)) {
+        bytes /= 1000;
+        ++unit;
+    }
+    return fmt::format("{:.{}f} {}", bytes, unit > 0 && bytes < 9.95 ? 1 : 0, units[unit]);
+}
+
+std::string ShortHours(Date span) {
+    const auto minutes = static_cast<std::int64_t>(std::round(span * SecondsPerDay / 60));
+    return fmt::format("{}:{:02} h", minutes / 60, minutes % 60);
+}
+
+std::string LeftText(const AliasUse& use) {
+    std::string text;
+    if (use.Volume.HasAllowance())
+        text += fmt::format("  left {} ({} a day)", ShortBytes(use.Volume.Left()),
+                            ShortBytes(use.Volume.LeftPerDay()));
+    if (use.Online.HasAllowance()) text += "  left " + ShortHours(use.Online.Left());
+    return text;
+}
+
+std::string StatusText(double received, double transmitted, const AliasUse& use) {
+    return fmt::format("\u2193 {}/s \u2191 {}/s  today {}  period {}{}  forecast {}", ShortBytes(received),
+                       ShortBytes(transmitted), ShortBytes(use.Volume.Today), ShortBytes(use.Volume.Used),
+                       LeftText(use), ShortBytes(use.Volume.Forecast()));
+}
+
+Json MeasureAsJson(const AllowanceUse& use, double unit) {
+    const auto whole = [unit](double value) { return static_cast<std::int64_t>(std::round(value * unit)); };
+    Json json = {{"used", whole(use.Used)},
+                 {"today", whole(use.Today)},
+                 {"mean_per_day", whole(use.MeanPerDay)},
+                 {"forecast", whole(use.Forecast())}};
+    if (!use.HasAllowance()) return json;
+    json["allowance"] = whole(use.Allowance);
+    json["left"] = whole(use.Left());
+    json["left_per_day"] = whole(use.LeftPerDay());
+    return json;
+}
+
+Json UseAsJson(const AliasUse& use) {
+    return {{"alias", use.Alias},
+            {"period_begin", FormatDateIso(use.PeriodBegin).substr(0, 10)},
+            {"period_end", FormatDateIso(use.PeriodEnd).substr(0, 10)},
+            {"fraction_elapsed", use.FractionElapsed},
+            {"provider_correction_bytes", static_cast<std::int64_t>(use.Correction)},
+            {"bytes", MeasureAsJson(use.Volume, 1)},
+            {"seconds", MeasureAsJson(use.Online, SecondsPerDay)}};
+}
+
+// A panel colours its text by this.
+const char* ClassOf(const AllowanceUse& use) {
+    if (!use.HasAllowance()) return "unlimited";
+    if (use.Used >= use.Allowance) return "over";
+    return use.Forecast() > use.Allowance ? "tight" : "fine";
+}
+
+} // namespace
+
+void PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch) {
+    UseOfLines figures(program);
+    do {
+        figures.Renew();
+        double received = 0;
+        double transmitted = 0;
+        for (const LineFigures& line : figures.Lines()) {
+            received += line.Received;
+            transmitted += line.Transmitted;
+        }
+        const AliasUse use = figures.Of(alias);
+        const std::string text = StatusText(received, transmitted, use);
+        if (asJson) {
+            Json json = {{"text", text},
+                         {"class", ClassOf(use.Volume)},
+                         {"percentage", std::min(std::round(use.Volume.Percent()), 100.0)},
+                         {"received_per_second", std::round(received)},
+                         {"transmitted_per_second", std::round(transmitted)}};
+            json.update(UseAsJson(use));
+            // A name may hold any bytes; one that is no UTF-8 must not end the output.
+            fmt::print("{}\n", json.dump(-1, ' ', false, Json::error_handler_t::replace));
+        } else {
+            fmt::print("{}\n", text);
+        }
+        std::fflush(stdout);
+    } while (watch);
+}
+
+int TakeProvidersFigure(Program& program, const std::string& alias, std::optional<double> megabytes) {
+    UseOfLines figures(program);
+    figures.Renew();
+    const std::size_t index = program.aliases.AliasIndex(alias);
+    if (index == 0) {
+        fmt::print(stderr, "No line or record has the alias {}\n", EscapeControls(alias));
+        return ExitUsage;
+    }
+    program.aliases.Correct(index, 0);
+    const double counted = program.monthSums.UseOf(index).Volume.Used / 1e6;
+    if (megabytes)
+        program.aliases.Correct(index, static_cast<std::int32_t>(std::round(*megabytes - counted)));
+    const AliasUse use = program.monthSums.UseOf(index);
+    fmt::print("{}: counted {:.0f} MB, corrected by {:+.0f} MB, used {:.0f} MB till {}\n",
+               EscapeControls(use.Alias), counted, use.Correction / 1e6, use.Volume.Used / 1e6,
+               FormatDateIso(use.PeriodEnd).substr(0, 10));
+    return EXIT_SUCCESS;
+}
+
+} // namespace korvalin
