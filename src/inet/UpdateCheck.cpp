@@ -163,6 +163,10 @@ UpdateResult UpdateCheck::Update(const UpdateOffer& offer, const UpdatePage& pag
         NoteThatUserWasTold();
         return UpdateResult::Postponed;
     }
+    if (!MustAsk() && parts_.Internet.IsMetered()) {
+        parts_.Errors.WriteErrorLog("nothing is downloaded over a metered network", "Update");
+        return UpdateResult::Postponed;
+    }
     if (MustAsk() && !UserWants(page)) {
         if (!parts_.UpdateSite.IsCancelled()) NoteThatUserWasTold();
         return UpdateResult::Postponed;

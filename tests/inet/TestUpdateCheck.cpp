@@ -85,6 +85,16 @@ TEST_F(UpdateCheckTest, TakesAnOfferOnlyOnceByItself) {
     EXPECT_EQ(Automatic(), 9);
 }
 
+TEST_F(UpdateCheckTest, DownloadsNothingByItselfOverAMeteredNetwork) {
+    PutUpdate();
+    internet.Metered = true;
+    EXPECT_EQ(Automatic(), 5);
+    EXPECT_EQ(Asked(), (Lines{"update_general.html", "update2312.html"}));
+    boxes.Answers = {MessageAnswer::Yes};
+    EXPECT_EQ(OnDemand(), 9) << "who asks for it knows";
+    boxes.Shown.clear();
+}
+
 TEST_F(UpdateCheckTest, WaitsByItselfUntilTheUserIsFree) {
     PutUpdate();
     int looks = 0;
