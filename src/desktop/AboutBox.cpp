@@ -4,19 +4,14 @@
 #include "display/frmMain.h"
 #include "program/Program.h"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
+
+#include <algorithm>
 
 namespace korvalin {
-namespace {
-
-// Who waits for a transfer gives it up earlier; this ends one that only trickles.
-const CurlRules rules{.SilenceSeconds = 180};
-
-} // namespace
-
 AboutBox::AboutBox(Program& program, Shell& shell, frmMain& window)
-    : program_(program), shell_(shell), window_(window), control_(rules) {
+    : program_(program), shell_(shell), window_(window) {
     PlugFetch();
     PlugCheck();
     check_.setSingleShot(true);
@@ -52,7 +47,17 @@ void AboutBox::PlugCheck() {
                                },
                                [this](bool running) {
                                    if (box_) box_->ShowRunning(running);
-                               }});
+                               },
+                               [this] { return UserIsBusy(); }});
+}
+
+// Menus count too. What the window manager knows nothing of is the toolkit's own: a tray icon, for instance.
+bool AboutBox::UserIsBusy() const {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.begin(), windows.end(), [this](const QWidget* window) {
+        const bool isOwn = window->windowFlags().testFlag(Qt::BypassWindowManagerHint);
+        return window->isVisible() && window != &window_ && window->windowType() != Qt::ToolTip && !isOwn;
+    });
 }
 
 void AboutBox::Open() {
@@ -64,6 +69,7 @@ void AboutBox::Open() {
                     .CancelUpdate = [this] { program_.updateCheck.Cancel(); },
                     .EndProgram = [this] { window_.Quit(); }});
         box_->ShowRunning(program_.updateCheck.IsRunning());
+        box_->ShowStatus(QString::fromStdString(program_.updateCheck.Notice()));
     }
     box_->Open();
 }

@@ -30,6 +30,7 @@ class AboutBox {
   private:
     void PlugFetch();
     void PlugCheck();
+    bool UserIsBusy() const;
 
     Program& program_;
     Shell& shell_;

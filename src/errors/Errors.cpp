@@ -12,11 +12,23 @@ namespace korvalin {
 namespace {
 
 constexpr std::uintmax_t logLimitBytes = 1'000'000;
+constexpr std::size_t longestMessage = 4000; // bytes; a line has its date, group and end besides
+constexpr std::size_t longestGroup = 50;
 constexpr Date quietSpan = 2 * OneSecond;
 
 // "text@@internal@more" as some system calls report it: the part for people, without the marks.
 std::string CleanErrorText(std::string_view text) {
     return ReplaceAll(text.substr(0, text.find("@@")), "@", " ");
+}
+
+// At most so many bytes, ending between two characters.
+std::string_view Shortened(std::string_view text, std::size_t most) {
+    constexpr unsigned continuationBits = 0xC0;
+    constexpr unsigned continuation = 0x80;
+    if (text.size() <= most) return text;
+    while (most > 0 && (static_cast<unsigned char>(text[most]) & continuationBits) == continuation)
+        --most;
+    return text.substr(0, most);
 }
 
 } // namespace
@@ -72,8 +84,9 @@ void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
         const std::filesystem::path folder = hooks_.DataFolder();
         if (folder.empty()) return;
         const std::filesystem::path path = folder / (executableName_ + "_ErrorLog.txt");
-        const std::string line = FormatDateGeneral(clock_.Now(), locale_) + "\t" + OneLine(group) + "\t" +
-                                 OneLine(message) + "\r\n";
+        const std::string line = FormatDateGeneral(clock_.Now(), locale_) + "\t" +
+                                 OneLine(Shortened(group, longestGroup)) + "\t" +
+                                 OneLine(Shortened(message, longestMessage)) + "\r\n";
         std::error_code ignored;
         const auto size = std::filesystem::file_size(path, ignored);
         if (!ignored && size + line.size() > logLimitBytes) {

@@ -11,10 +11,14 @@ namespace korvalin {
 /// FetchState::LastState of a finished transfer.
 inline constexpr int FetchFinished = 20;
 
+/// Why a fetch failed, for who has to tell people.
+enum class FetchFailure { None, Missing, TooLong, NotSaved, NoAnswer };
+
 /// How the fetch of a page or file stands.
 struct FetchState {
     /// Empty while all is well; "404", "404 Not Found", "NoData", or a code, ":" and a text.
     std::string Status;
+    FetchFailure Failure = FetchFailure::None;
     std::string TargetFile;
     std::string PageText;
     bool ToFile = false;

@@ -6,10 +6,12 @@
 #include "data/DataFolder.h"
 #include "errors/Errors.h"
 #include "inet/ConnectionState.h"
+#include "inet/NewProgramStart.h"
 #include "inet/UpdateSite.h"
 #include "inet/WebAddress.h"
 #include "lang/Language.h"
 #include "platform/Clock.h"
+#include "platform/Events.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Shell.h"
@@ -112,9 +114,36 @@ UpdateResult UpdateCheck::JudgePage(const UpdatePage& page) {
     if (!page.IsUpgradable()) return ShowPage(page);
     const auto offer =
         page.Offer(automatic_ ? UpdatePage::Channel::Automatic : UpdatePage::Channel::OnDemand);
-    if (offer && IsNewer(offer->Version, parts_.Version)) return Update(*offer, page);
+    if (!offer) {
+        parts_.Errors.WriteErrorLog("the offer of the page cannot be read", "Update");
+        return Fail(Text(27));
+    }
+    if (!parts_.UpdateSite.Vouches(offer->Version)) return Fail(Text(5) + FaultText());
+    if (IsNewer(offer->Version, parts_.Version)) return Update(*offer, page);
+    notice_.clear();
     hooks_.ShowStatus(Text(11));
     return UpdateResult::Newest;
+}
+
+UpdateResult UpdateCheck::Fail(const std::string& text) {
+    hooks_.ShowStatus(text);
+    return UpdateResult::Failed;
+}
+
+// Why nothing came, as a sentence behind another.
+std::string UpdateCheck::FaultText() {
+    switch (parts_.UpdateSite.Fault()) {
+    case UpdateFault::NotFound: return Text(28);
+    case UpdateFault::WrongLength: return Text(29);
+    case UpdateFault::NotSigned: return Text(30);
+    case UpdateFault::NoAnswer: return Text(31);
+    case UpdateFault::Expired: return Text(32);
+    case UpdateFault::OtherVersion: return Text(33);
+    case UpdateFault::NotSaved: return Text(34);
+    case UpdateFault::Damaged: return Text(35);
+    case UpdateFault::None: break;
+    }
+    return {};
 }
 
 UpdateResult UpdateCheck::ShowPage(const UpdatePage& page) {
@@ -129,17 +158,32 @@ UpdateResult UpdateCheck::ShowPage(const UpdatePage& page) {
 }
 
 UpdateResult UpdateCheck::Update(const UpdateOffer& offer, const UpdatePage& page) {
-    if (!parts_.UpdateDownload.CanWrite()) return TellThatItCannotBeInstalled();
+    if (!parts_.UpdateDownload.CanWrite()) return TellThatItCannotBeInstalled(offer);
+    if (automatic_ && WasTaken(offer)) {
+        NoteThatUserWasTold();
+        return UpdateResult::Postponed;
+    }
+    if (!MustAsk() && parts_.Internet.IsMetered()) {
+        parts_.Errors.WriteErrorLog("nothing is downloaded over a metered network", "Update");
+        return UpdateResult::Postponed;
+    }
     if (MustAsk() && !UserWants(page)) {
         if (!parts_.UpdateSite.IsCancelled()) NoteThatUserWasTold();
         return UpdateResult::Postponed;
     }
     switch (parts_.UpdateDownload.Run(offer, page)) {
     case UpdateDownload::Outcome::TooEarly: return TellToWait();
-    case UpdateDownload::Outcome::Failed: hooks_.ShowStatus(Text(15)); return UpdateResult::Failed;
+    case UpdateDownload::Outcome::Failed: return Fail(Text(15) + FaultText());
     case UpdateDownload::Outcome::Ready: break;
     }
-    return Start();
+    return Start(offer);
+}
+
+// A program that is not the version it is offered as would be installed again and again.
+bool UpdateCheck::WasTaken(const UpdateOffer& offer) {
+    if (parts_.Settings.Get(Keys::UpdateTaken) != offer.Version.Numbers()) return false;
+    parts_.Errors.WriteErrorLog(offer.Version.Numbers() + " was installed before", "Update");
+    return true;
 }
 
 bool UpdateCheck::MustAsk() {
@@ -153,10 +197,12 @@ bool UpdateCheck::UserWants(const UpdatePage& page) {
                                     MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
-// Programs that the system installs are updated by the system; all that can be done is to tell.
-UpdateResult UpdateCheck::TellThatItCannotBeInstalled() {
-    hooks_.ShowStatus(Text(23));
-    OpenVersionHistory();
+// Programs that the system installs are updated by the system; all that can be done is to tell who looks.
+UpdateResult UpdateCheck::TellThatItCannotBeInstalled(const UpdateOffer& offer) {
+    notice_ = fmt::format("{} ({})", Text(23), offer.Version.Numbers());
+    if (const std::string& page = parts_.UpdateSite.VersionHistoryPage(); !page.empty())
+        notice_ += "\n" + page;
+    hooks_.ShowStatus(notice_);
     NoteThatUserWasTold();
     return UpdateResult::Postponed;
 }
@@ -171,19 +217,37 @@ void UpdateCheck::NoteThatUserWasTold() {
     if (automatic_) parts_.Settings.Set(Keys::UpdateCheckLast, DayOf(parts_.Clock.Now()));
 }
 
-UpdateResult UpdateCheck::Start() {
-    const std::filesystem::path program = parts_.UpdateDownload.NewProgram();
+// The program ends for the new one: an entry or a selection in another window would be lost.
+void UpdateCheck::AwaitUser() {
+    constexpr int pauseMilliseconds = 500;
+    if (!automatic_ || !hooks_.UserIsBusy()) return;
+    hooks_.ShowStatus(Text(37));
+    while (hooks_.UserIsBusy() && !parts_.UpdateSite.IsCancelled())
+        parts_.Events.Wait(pauseMilliseconds);
+}
+
+UpdateResult UpdateCheck::Start(const UpdateOffer& offer) {
     if (!automatic_ && !parts_.UpdateSite.IsCancelled()) {
         parts_.MessageBoxes.Show(Text(21), std::string(ProgramTitle), MessageIcon::Information,
                                  MessageButtons::Ok);
     }
-    if (parts_.UpdateSite.IsCancelled()) return UpdateResult::Postponed;
-    if (parts_.Shell.StartProgram(program)) return UpdateResult::Started;
+    AwaitUser();
+    if (parts_.UpdateSite.IsCancelled()) {
+        parts_.UpdateDownload.Discard();
+        return UpdateResult::Postponed;
+    }
+    parts_.Settings.Set(Keys::UpdateTaken, offer.Version.Numbers());
+    return StartFetched() ? UpdateResult::Started : Fail(Text(15));
+}
+
+bool UpdateCheck::StartFetched() {
+    if (!parts_.UpdateDownload.Commit()) return false;
+    parts_.Settings.Set(Keys::UpdateStarts, 0);
+    const std::filesystem::path program = parts_.UpdateDownload.NewProgram();
+    if (StartNewProgram(program, parts_.Shell, parts_.InstanceLock, parts_.Events, parts_.Clock)) return true;
     parts_.Errors.WriteErrorLog("cannot be started: " + program.string(), "Update");
-    std::error_code ignored;
-    std::filesystem::remove(program, ignored);
-    hooks_.ShowStatus(Text(15));
-    return UpdateResult::Failed;
+    parts_.UpdateDownload.Discard();
+    return false;
 }
 
 } // namespace korvalin

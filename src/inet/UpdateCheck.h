@@ -7,6 +7,8 @@
 namespace korvalin {
 
 class DataFolder;
+class Events;
+class InstanceLock;
 class Internet;
 class MessageBoxes;
 struct Locale;
@@ -15,8 +17,8 @@ struct Locale;
 enum class UpdateResult {
     NoUpgradeMark = 1, ///< the page says nothing about upgrades
     Offline = 2,       ///< no page could be read
-    Failed = 3,        ///< a page without a release was read, or a download failed
-    Postponed = 5,     ///< it is too early, the user does not want it now, or it cannot be installed here
+    Failed = 3,        ///< a page without a release or a readable offer was read, or a download failed
+    Postponed = 5,     ///< too early, not wanted now, taken before, or it cannot be installed here
     Newest = 8,        ///< the running version is the newest
     Started = 9,       ///< the new program was started: this one is to end
     NothingDone = 10   ///< checks are switched off, or there is no site, or a check is running
@@ -35,17 +37,21 @@ class UpdateCheck {
         korvalin::Files& Files;
         korvalin::Shell& Shell;
         korvalin::Internet& Internet;
+        korvalin::InstanceLock& InstanceLock;
+        korvalin::Events& Events;
         korvalin::Clock& Clock;
         korvalin::DataFolder& DataFolder;
         const korvalin::Locale& Locale;
         ProgramVersion Version;
     };
-    /// What the about box shows.
+    /// What the about box shows and knows of the other windows.
     struct Hooks {
         std::function<bool()> AboutBoxIsOpen = [] { return false; };
         std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
         /// A check begins or has ended.
         std::function<void(bool running)> ShowRunning = [](bool) {};
+        /// Whether the user has a window open, but for the monitor itself.
+        std::function<bool()> UserIsBusy = [] { return false; };
     };
 
     explicit UpdateCheck(Parts parts);
@@ -61,6 +67,10 @@ class UpdateCheck {
     /// Gives up the running check, which then is postponed.
     void Cancel();
 
+    /// What a check that nobody saw has found out and the user still has to know; empty when there is
+    /// nothing.
+    const std::string& Notice() const { return notice_; }
+
   private:
     std::optional<std::string> Hindrance();
     UpdateResult RunAlone(bool preCheck);
@@ -69,8 +79,13 @@ class UpdateCheck {
     UpdateResult JudgePage(const UpdatePage& page);
     UpdateResult ShowPage(const UpdatePage& page);
     UpdateResult Update(const UpdateOffer& offer, const UpdatePage& page);
-    UpdateResult TellThatItCannotBeInstalled();
-    UpdateResult Start();
+    UpdateResult Fail(const std::string& text);
+    UpdateResult TellThatItCannotBeInstalled(const UpdateOffer& offer);
+    bool WasTaken(const UpdateOffer& offer);
+    void AwaitUser();
+    UpdateResult Start(const UpdateOffer& offer);
+    bool StartFetched();
+    std::string FaultText();
     UpdatePage ReadVersionPage();
     bool UserWants(const UpdatePage& page);
     void OpenVersionHistory();
@@ -82,6 +97,7 @@ class UpdateCheck {
     Hooks hooks_;
     bool running_ = false;
     bool automatic_ = false;
+    std::string notice_;
 };
 
 } // namespace korvalin

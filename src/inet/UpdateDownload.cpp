@@ -38,11 +38,15 @@ fs::path UpdateDownload::NewProgram() const {
     return parts_.ProgramFolder / NewProgramFileName;
 }
 
+fs::path UpdateDownload::Fetched(const char* name) const {
+    return parts_.ProgramFolder / (std::string(name) + ".part");
+}
+
 bool UpdateDownload::CanWrite() {
     // A new program that could not install itself waits to be started anew; it is not replaced while it runs.
     if (EqualsNoCase(parts_.Shell.ExecutablePath().filename().string(), NewProgramFileName)) return false;
-    const fs::path trial = NewProgram().string() + ".part";
-    const bool written = parts_.Files.Replace(trial, "");
+    const fs::path trial = Fetched(NewProgramFileName);
+    const bool written = parts_.Files.Replace(trial, "") && parts_.Files.IsOursAlone(trial);
     std::error_code ignored;
     fs::remove(trial, ignored);
     return written;
@@ -50,30 +54,44 @@ bool UpdateDownload::CanWrite() {
 
 UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const UpdatePage& page) {
     if (parts_.Settings.Get(Keys::UpdateNext) > parts_.Clock.Now()) return Outcome::TooEarly;
-    if (!HasUsefulProgram(offer)) {
-        CountAttempt();
-        hooks_.ShowStatus(Text(16) + NewProgramFileName);
-        if (!parts_.UpdateSite.Download(offer.FileName, NewProgram())) return Outcome::Failed;
+    Discard(); // what an earlier run has left
+    CountAttempt();
+    hooks_.ShowStatus(Text(16) + NewProgramFileName);
+    if (!parts_.UpdateSite.Fetch(offer.FileName, Fetched(NewProgramFileName)) || !DownloadLanguage(page)) {
+        Discard();
+        return Outcome::Failed;
     }
-    if (!DownloadLanguage(page)) return Outcome::Failed;
     attempts_ = 0;
     hooks_.ShowStatus(Text(17));
-    KeepRunningVersion();
     return Outcome::Ready;
 }
 
-// A program that an earlier run could not start any more; anything else of its name makes room.
-bool UpdateDownload::HasUsefulProgram(const UpdateOffer& offer) {
-    const fs::path program = NewProgram();
-    if (!FileExists(program)) return false;
-    if (IsWorthStarting(program, parts_.ProgramFolder / ProgramFileName) &&
-        parts_.UpdateSite.IsSigned(program, offer.FileName)) {
-        TakePermissions(program, parts_.Shell.ExecutablePath());
-        return true;
-    }
-    std::error_code ignored;
-    fs::remove(program, ignored);
+bool UpdateDownload::Commit() {
+    KeepRunningVersion();
+    if (PutInPlace()) return true;
+    Discard();
     return false;
+}
+
+// The program comes last: it is what a start looks for.
+bool UpdateDownload::PutInPlace() {
+    const std::string& manifest = parts_.UpdateSite.ManifestText();
+    std::error_code error;
+    if (manifest.empty() || parts_.Files.Replace(parts_.ProgramFolder / NewManifestFileName, manifest)) {
+        fs::rename(Fetched(NewLanguageFileName), parts_.ProgramFolder / NewLanguageFileName, error);
+        if (!error) fs::rename(Fetched(NewProgramFileName), NewProgram(), error);
+        if (!error) return true;
+    }
+    parts_.Errors.WriteErrorLog("cannot be put in place: " + NewProgram().string(), "Update");
+    return false;
+}
+
+void UpdateDownload::Discard() {
+    std::error_code ignored;
+    for (const char* name : {NewProgramFileName, NewLanguageFileName, NewManifestFileName}) {
+        fs::remove(parts_.ProgramFolder / name, ignored);
+        fs::remove(Fetched(name), ignored);
+    }
 }
 
 void UpdateDownload::CountAttempt() {
@@ -83,7 +101,7 @@ void UpdateDownload::CountAttempt() {
 bool UpdateDownload::DownloadLanguage(const UpdatePage& page) {
     const std::string about = page.LanguageInformation(parts_.Language.LanguageCode());
     hooks_.ShowStatus(Text(16) + NewLanguageFileName + (about.empty() ? "" : " (" + about + ")"));
-    return parts_.UpdateSite.Download(LanguageFileName, parts_.ProgramFolder / NewLanguageFileName);
+    return parts_.UpdateSite.Fetch(LanguageFileName, Fetched(NewLanguageFileName));
 }
 
 void UpdateDownload::KeepRunningVersion() {

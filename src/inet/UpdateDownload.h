@@ -45,16 +45,25 @@ class UpdateDownload {
     /// Whether a new program can be put into the program folder.
     bool CanWrite();
 
-    /// Everything up to the start of the new program. Each attempt puts UpdateNext further ahead.
+    /// Fetches and checks all files of the update, which then lie beside under names that no start looks at.
+    /// Each attempt puts UpdateNext further ahead.
     Outcome Run(const UpdateOffer& offer, const UpdatePage& page);
+
+    /// Makes what Run has fetched the update: from now on every start installs it. False when it cannot be
+    /// saved.
+    [[nodiscard]] bool Commit();
+
+    /// Removes what was fetched.
+    void Discard();
 
     std::filesystem::path NewProgram() const;
 
   private:
+    std::filesystem::path Fetched(const char* name) const;
     std::string Text(int number);
-    bool HasUsefulProgram(const UpdateOffer& offer);
     void CountAttempt();
     bool DownloadLanguage(const UpdatePage& page);
+    bool PutInPlace();
     void KeepRunningVersion();
     void Keep(const std::filesystem::path& file, const std::string& name);
 

@@ -32,13 +32,18 @@ bool IsProgramName(std::string_view name) {
     return EndsWithNoCase(name, ".exe");
 }
 
-void TakePermissions(const fs::path& file, const fs::path& runningProgram) {
+void TakePermissions(const fs::path& file, bool isProgram, const fs::path& runningProgram) {
     constexpr fs::perms run = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
     std::error_code ignored;
     fs::perms taken = fs::status(runningProgram, ignored).permissions() & fs::perms::all;
     if (ignored) return;
-    if (!IsProgramName(file.string())) taken &= ~run;
+    if (!isProgram) taken &= ~run;
     fs::permissions(file, taken, fs::perm_options::add, ignored);
+}
+
+bool IsExecutable(const fs::path& file) {
+    std::error_code ignored;
+    return (fs::status(file, ignored).permissions() & fs::perms::owner_exec) != fs::perms::none;
 }
 
 } // namespace korvalin

@@ -16,6 +16,10 @@ inline constexpr const char* ProgramFileName = "Korvalin.exe";
 inline constexpr const char* NewProgramFileName = "Korvalin_new.exe";
 inline constexpr const char* LanguageFileName = "Korvalin.lng";
 inline constexpr const char* NewLanguageFileName = "KorvalinLng_new.lng";
+/// What the maker has signed about the new files.
+inline constexpr const char* NewManifestFileName = "Korvalin_new.manifest";
+/// A new program that could not be started.
+inline constexpr const char* FailedProgramFileName = "Korvalin_failed.exe";
 
 /// "Korvalin_V2_3_12.exe": what is kept of the running version.
 std::string KeptProgramName(const ProgramVersion& version);
@@ -29,8 +33,12 @@ bool IsWorthStarting(const std::filesystem::path& newProgram, const std::filesys
 /// Whether a file of that name is a program.
 bool IsProgramName(std::string_view name);
 
-/// Gives a new file the permissions that the running program has, that of being run only to programs: a
+/// Gives a new file the permissions that the running program has, that of being run only to a program: a
 /// download may neither be run nor be read by others.
-void TakePermissions(const std::filesystem::path& file, const std::filesystem::path& runningProgram);
+void TakePermissions(const std::filesystem::path& file, bool isProgram,
+                     const std::filesystem::path& runningProgram);
+
+/// Whether the user may run the file.
+bool IsExecutable(const std::filesystem::path& file);
 
 } // namespace korvalin

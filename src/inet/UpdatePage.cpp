@@ -1,8 +1,8 @@
 #include "inet/UpdatePage.h"
 
 #include "base/Text.h"
+#include "inet/ShownText.h"
 
-#include <algorithm>
 #include <charconv>
 #include <tuple>
 #include <vector>
@@ -10,8 +10,11 @@
 namespace korvalin {
 namespace {
 
-constexpr std::size_t longestValue = 100;
 constexpr auto nowhere = std::string_view::npos;
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 std::optional<int> ReadPart(std::string_view text) {
     int value = 0;
@@ -20,6 +23,8 @@ std::optional<int> ReadPart(std::string_view text) {
     const bool isNumber = error == std::errc() && read == end && value >= 0 && text.front() != '-';
     return isNumber ? std::optional(value) : std::nullopt;
 }
+
+} // namespace
 
 std::optional<ProgramVersion> ReadVersion(std::string_view text) {
     const std::vector<std::string_view> parts = Split(text, '.', 4);
@@ -31,12 +36,6 @@ std::optional<ProgramVersion> ReadVersion(std::string_view text) {
     return ProgramVersion{*major, *minor, *revision};
 }
 
-bool IsControl(char c) {
-    return (c >= 0 && c < ' ') || c == '\x7f';
-}
-
-} // namespace
-
 UpdatePage::UpdatePage(std::string text) : text_(std::move(text)), lower_(ToLower(text_)) {}
 
 std::size_t UpdatePage::Find(std::string_view mark, std::size_t from) const {
@@ -47,10 +46,7 @@ std::size_t UpdatePage::Find(std::string_view mark, std::size_t from) const {
 std::string UpdatePage::Value(std::size_t from) const {
     const std::size_t end = text_.find('<', from);
     if (from >= text_.size() || end == nowhere) return {};
-    std::string line =
-        DecodeLine(std::string_view(text_).substr(from, std::min(end - from, 4 * longestValue)));
-    std::replace_if(line.begin(), line.end(), IsControl, ' ');
-    return std::string(Trim(FirstCharacters(line, longestValue)));
+    return ShownText(std::string_view(text_).substr(from, end - from));
 }
 
 std::string UpdatePage::NewestRelease() const {
@@ -59,14 +55,21 @@ std::string UpdatePage::NewestRelease() const {
     return colon == nowhere ? std::string() : Value(colon + 2);
 }
 
+// The mark's letters also occur in words and links; before a digit they are the mark.
+std::size_t UpdatePage::NumbersAfter(std::string_view mark, std::size_t from) const {
+    for (std::size_t found = Find(mark, from); found != nowhere; found = Find(mark, found + 1)) {
+        const std::size_t numbers = found + mark.size();
+        if (numbers < text_.size() && IsDigit(text_[numbers])) return numbers;
+    }
+    return nowhere;
+}
+
 std::optional<UpdateOffer> UpdatePage::Offer(Channel channel) const {
     constexpr std::string_view extension = ".exe";
     const std::size_t upgradable = Find("Upgradable");
     if (upgradable == nowhere) return std::nullopt;
-    const std::string_view mark = channel == Channel::Automatic ? "Ax" : "Vx";
-    const std::size_t found = Find(mark, upgradable);
-    if (found == nowhere) return std::nullopt;
-    const std::size_t numbers = found + mark.size();
+    const std::size_t numbers = NumbersAfter(channel == Channel::Automatic ? "Ax" : "Vx", upgradable);
+    if (numbers == nowhere) return std::nullopt;
     const std::size_t hyphen = text_.find('-', numbers);
     if (hyphen == nowhere) return std::nullopt;
     const std::size_t end = Find(extension, hyphen);

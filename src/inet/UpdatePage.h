@@ -40,11 +40,15 @@ class UpdatePage {
 
   private:
     std::size_t Find(std::string_view mark, std::size_t from = 0) const;
+    std::size_t NumbersAfter(std::string_view mark, std::size_t from) const;
     std::string Value(std::size_t from) const;
 
     std::string text_;
     std::string lower_; ///< the same in lower case
 };
+
+/// "2.4.1": three numbers and nothing else.
+std::optional<ProgramVersion> ReadVersion(std::string_view text);
 
 /// Whether the offered version is later than the running one; the first part that differs decides.
 bool IsNewer(const ProgramVersion& offered, const ProgramVersion& running);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "inet/UpdateManifest.h"
 #include "inet/UpdatePage.h"
 
 #include <filesystem>
@@ -7,7 +8,9 @@
 
 namespace korvalin {
 
+class Clock;
 class Errors;
+class Settings;
 class Signatures;
 class WebFetch;
 
@@ -17,44 +20,85 @@ struct UpdateConfiguration {
     std::string Site;
     /// The page that tells people about the versions; may be empty.
     std::string VersionHistoryPage;
-    /// The maker's public key (Ed25519, 32 bytes). With one, only files with a signature beside them are
-    /// taken.
+    /// The maker's public key (Ed25519, 32 bytes). With one, only what the signed manifest tells of is taken.
     std::string PublicKey;
+};
+
+/// Why nothing came from the site.
+enum class UpdateFault {
+    None,
+    NotFound,
+    WrongLength,
+    NotSigned,
+    NoAnswer,
+    Expired,
+    OtherVersion,
+    NotSaved,
+    Damaged
 };
 
 /// The maker's update site.
 class UpdateSite {
   public:
-    /// What is downloaded gets the permissions of `executable`.
-    UpdateSite(UpdateConfiguration configuration, const std::filesystem::path& executable, WebFetch& fetch,
-               Signatures& signatures, Errors& errors);
+    struct Parts {
+        korvalin::WebFetch& WebFetch;
+        korvalin::Signatures& Signatures;
+        korvalin::Settings& Settings;
+        korvalin::Errors& Errors;
+        korvalin::Clock& Clock;
+        /// What is downloaded gets its permissions.
+        std::filesystem::path Executable;
+        ProgramVersion Version;
+    };
+    UpdateSite(UpdateConfiguration configuration, Parts parts);
 
     bool IsThere() const { return !configuration_.Site.empty(); }
     const std::string& VersionHistoryPage() const { return configuration_.VersionHistoryPage; }
 
     /// Gives up what is being fetched; until Begin nothing more is.
     void Cancel();
-    void Begin() { cancelled_ = false; }
+    void Begin();
     bool IsCancelled() const { return cancelled_; }
 
     /// A page of the site; without any text when it could not be read.
     UpdatePage LoadPage(const std::string& name);
 
-    /// Fetches a file and puts it in place when it is whole, long enough and, where there is a key, signed.
-    /// False, with a line in the error log, leaves `target` as it was.
+    /// Whether the maker has signed just the version that a page offers; true without a key. False leaves a
+    /// line in the error log.
+    [[nodiscard]] bool Vouches(const ProgramVersion& offered);
+
+    /// Fetches a file to `file`, where it is kept only when it is whole, what the manifest tells of, and, for
+    /// a language file, one that the program can use. False leaves a line in the error log.
+    [[nodiscard]] bool Fetch(const std::string& name, const std::filesystem::path& file);
+
+    /// Fetches a file beside and puts it in place; false leaves `target` as it was.
     [[nodiscard]] bool Download(const std::string& name, const std::filesystem::path& target);
 
-    /// Whether a file that is already here is the one that the site has signed; true without a key.
-    [[nodiscard]] bool IsSigned(const std::filesystem::path& file, const std::string& name);
+    /// Of the last call that returned false.
+    UpdateFault Fault() const { return fault_; }
+
+    /// The manifest as it was read; empty without one.
+    const std::string& ManifestText() const { return manifestText_; }
+
+    /// Whether a file of an earlier download is one that the manifest kept with it tells of by that name, or,
+    /// without a name, as a program. True without a key.
+    [[nodiscard]] bool IsSigned(const std::filesystem::path& file, const std::string& name,
+                                const std::filesystem::path& manifest);
 
   private:
-    std::string Fetch(const std::string& name, const std::filesystem::path& file);
+    bool Refuse(const std::string& name, UpdateFault fault, const std::string& why);
+    bool LoadManifest();
+    bool IsCurrent(const UpdateManifest& manifest, const std::string& name);
+    bool Load(const std::string& name, const std::filesystem::path& file);
+    bool IsGood(const std::string& name, const std::filesystem::path& file);
+    bool IsAsSigned(const std::string& name, const std::filesystem::path& file);
+    UpdateFault FaultOfFetch() const;
 
     UpdateConfiguration configuration_;
-    std::filesystem::path executable_;
-    WebFetch& fetch_;
-    Signatures& signatures_;
-    Errors& errors_;
+    Parts parts_;
+    std::string manifestText_;
+    std::optional<UpdateManifest> manifest_;
+    UpdateFault fault_ = UpdateFault::None;
     bool cancelled_ = false;
 };
 

@@ -24,15 +24,16 @@ constexpr double patienceSeconds = 60;
 constexpr double timeOutSeconds = 120;
 constexpr int missingStatus = 404;
 constexpr const char* noData = "NoData";
-constexpr std::string_view missingText = "404 Not Found";
 constexpr std::size_t missingTextWithin = 999; // further on it is something that a page tells about
 
+// A part of a file, which nobody has asked for, is none.
 bool IsSuccess(const HttpHead& head) {
-    return head.StatusCode >= 200 && head.StatusCode < 300;
+    constexpr int partOnly = 206;
+    return head.StatusCode >= 200 && head.StatusCode < 300 && head.StatusCode != partOnly;
 }
 
 std::string StatusText(const HttpHead& head) {
-    return head.StatusCode == missingStatus ? std::string(missingText)
+    return head.StatusCode == missingStatus ? std::string(MissingText)
                                             : fmt::format("{}:server error", head.StatusCode);
 }
 
@@ -51,6 +52,7 @@ void WebFetch::Reset(const std::string& url) {
     state_ = {};
     state_.Url = WithoutAccount(url);
     state_.StartTime = parts_.Clock.Now();
+    file_.reset();
     cancelled_ = false;
     Touch();
 }
@@ -83,71 +85,98 @@ bool WebFetch::IsTooLong(const HttpHead& head, std::uint64_t received, std::uint
     return state_.ToFile && (head.Length.value_or(0) > limit || received >= limit);
 }
 
-void WebFetch::Save(const std::string& content, const std::filesystem::path& file) {
-    if (content.empty()) {
-        state_.Status = noData;
-    } else if (!parts_.Files.Replace(file, content)) {
-        state_.Status = "0:cannot be written: " + file.filename().string();
+void WebFetch::Expect(const std::filesystem::path& file, std::size_t lookedAt) {
+    state_.TargetFile = file.string();
+    state_.ToFile = true;
+    file_ = std::make_unique<IncomingFile>(parts_.Files, file, lookedAt);
+}
+
+void WebFetch::Fail(FetchFailure failure, std::string status) {
+    state_.Failure = failure;
+    state_.Status = std::move(status);
+    file_.reset();
+}
+
+void WebFetch::Note(IncomingFile::Result result) {
+    switch (result) {
+    case IncomingFile::Result::Good: return;
+    case IncomingFile::Result::Empty: return Fail(FetchFailure::NoAnswer, noData);
+    case IncomingFile::Result::Missing: return Fail(FetchFailure::Missing, std::string(MissingText));
+    case IncomingFile::Result::NotSaved:
+        const std::string name = std::filesystem::path(state_.TargetFile).filename().string();
+        return Fail(FetchFailure::NotSaved, "0:cannot be written: " + name);
     }
 }
 
-void WebFetch::GiveUp(std::string status) {
-    state_.Status = std::move(status);
+void WebFetch::FinishFile(const HttpHead& head) {
+    if (!head.EndIsKnown) return Fail(FetchFailure::NoAnswer, "0:of unknown length");
+    Note(file_->Finish());
+    file_.reset();
+}
+
+void WebFetch::GiveUp(FetchFailure failure, std::string status) {
+    Fail(failure, std::move(status));
     if (control_ != nullptr) control_->Unload();
 }
 
 void WebFetch::TimeOut() {
     parts_.Errors.WriteErrorLog("Inet timed out", "Inet");
-    GiveUp("0:timed out");
+    GiveUp(FetchFailure::NoAnswer, "0:timed out");
 }
 
 void WebFetch::Cancel() {
     cancelled_ = true;
-    GiveUp("0:cancelled");
+    GiveUp(FetchFailure::NoAnswer, "0:cancelled");
 }
 
 // ---- the blocking loop
 
 std::string WebFetch::GetURLSource(const std::string& url, const std::filesystem::path& filePath,
                                    bool report) {
+    constexpr std::size_t lookedAt = missingTextWithin + MissingText.size() - 1;
     Reset(url);
-    state_.ToFile = !filePath.empty();
+    if (!filePath.empty()) Expect(filePath, lookedAt);
     const HttpRequest request = RequestFor(url, state_.ToFile);
     const std::unique_ptr<HttpStream> stream = parts_.Http.Open(request);
     std::string page = ReadAll(*stream, request);
     const HttpHead head = stream->Head();
-    const std::string_view beginning =
-        std::string_view(page).substr(0, missingTextWithin + missingText.size() - 1);
-    if (head.StatusCode == missingStatus || ContainsNoCase(beginning, missingText)) {
-        state_.Status = "404";
+    if (state_.Status.empty() && IsSuccess(head) && state_.ToFile) FinishFile(head);
+    if (head.StatusCode == missingStatus || state_.Failure == FetchFailure::Missing ||
+        ContainsNoCase(std::string_view(page).substr(0, lookedAt), MissingText)) {
+        Fail(FetchFailure::Missing, "404");
         if (report) parts_.Errors.WriteErrorLog("URL not found " + state_.Url, "INET");
     } else if (state_.Status.empty() && !IsSuccess(head)) {
-        state_.Status = StatusText(head);
+        Fail(FetchFailure::NoAnswer, StatusText(head));
     }
-    if (state_.Status.empty() && state_.ToFile && !head.EndIsKnown) state_.Status = "0:of unknown length";
     if (!state_.Status.empty()) return {};
-    if (state_.ToFile) Save(page, filePath);
     if (parts_.Settings.Get(Keys::Test)) hooks_.CopyToClipboard(page);
     return page;
 }
 
+// The page; a file goes to the disk as it comes.
 std::string WebFetch::ReadAll(HttpStream& stream, const HttpRequest& request) {
-    std::string result;
+    std::string page;
+    std::uint64_t received = 0;
     while (const std::optional<std::string> part = stream.Read(readSize)) {
-        if (part->empty()) return result;
-        result += *part;
+        if (part->empty()) return page;
+        received += part->size();
         Touch();
-        if (IsTooLong(stream.Head(), result.size(), request.Limit)) {
-            state_.Status = "0:too long";
-            return result;
+        if (IsTooLong(stream.Head(), received, request.Limit)) {
+            Fail(FetchFailure::TooLong, "0:too long");
+            return {};
         }
-        hooks_.Progress({readSize, result.size(), stream.Head().Length});
+        if (!file_) {
+            page += *part;
+        } else if (IsSuccess(stream.Head())) {
+            Note(file_->Take(*part));
+        }
+        hooks_.Progress({readSize, received, stream.Head().Length});
         parts_.Events.ProcessPending();
-        if (cancelled_) return result;
+        if (!state_.Status.empty()) return {};
     }
     const HttpFailure failure = stream.Failure();
-    state_.Status = fmt::format("{}:{}", failure.Code, failure.Text);
-    return result;
+    Fail(FetchFailure::NoAnswer, fmt::format("{}:{}", failure.Code, failure.Text));
+    return page;
 }
 
 // ---- the transfer control
@@ -156,9 +185,8 @@ bool WebFetch::Inet_GetBgrd(const std::string& url, const std::filesystem::path&
     if (parts_.Settings.Get(Keys::NoInet)) return false;
     if (control_->StillExecuting()) return true;
     Reset(url);
-    state_.ToFile = !targetFile.empty();
-    state_.TargetFile =
-        (state_.ToFile ? targetFile : parts_.DataFolder.GetDataPath() / "HtmReturn.htm").string();
+    state_.TargetFile = (parts_.DataFolder.GetDataPath() / "HtmReturn.htm").string();
+    if (!targetFile.empty()) Expect(targetFile, chunkSize);
     HttpRequest request = RequestFor(url, state_.ToFile);
     if (parts_.Settings.Get(Keys::FirewallUse)) {
         request.UserName = parts_.Settings.Get(Keys::FirewallUser);
@@ -171,54 +199,51 @@ bool WebFetch::Inet_GetBgrd(const std::string& url, const std::filesystem::path&
 void WebFetch::Control_StateChanged(int state) {
     Touch();
     state_.LastState = state;
-    const HttpHead head = control_->Head();
     switch (state) {
-    case TransferReceiving:
-        if (IsTooLong(head, control_->BytesReceived(), longestFile)) return GiveUp("0:too long");
-        return hooks_.Progress({chunkSize, control_->BytesReceived(), head.Length});
+    case TransferReceiving: return TakePart();
     case TransferError:
-        return GiveUp(fmt::format("{}:{}", control_->ResponseCode(), control_->ResponseInfo()));
+        return GiveUp(FetchFailure::NoAnswer,
+                      fmt::format("{}:{}", control_->ResponseCode(), control_->ResponseInfo()));
     case TransferCompleted:
-        if (!IsSuccess(head)) {
-            state_.Status = StatusText(head);
-        } else if (state_.ToFile) {
-            TakeFile();
-        } else {
-            TakePage();
-        }
+        TakeEnd();
         state_.LastState = FetchFinished;
         return control_->Unload();
     default: return;
     }
 }
 
-void WebFetch::TakeFile() {
-    if (!control_->Head().EndIsKnown) {
-        state_.Status = "0:of unknown length";
-        return;
-    }
-    std::string content;
-    for (std::string chunk = control_->GetChunk(chunkSize); !chunk.empty();
-         chunk = control_->GetChunk(chunkSize)) {
-        if (content.empty() && ContainsNoCase(chunk, missingText)) {
-            state_.Status = missingText;
-            return;
-        }
-        content += chunk;
-        Touch();
-    }
-    Save(content, state_.TargetFile);
+void WebFetch::TakePart() {
+    const HttpHead head = control_->Head();
+    if (IsTooLong(head, control_->BytesReceived(), longestFile))
+        return GiveUp(FetchFailure::TooLong, "0:too long");
+    if (file_ && IsSuccess(head)) TakeChunks();
+    if (!state_.Status.empty()) return control_->Unload();
+    hooks_.Progress({chunkSize, control_->BytesReceived(), head.Length});
 }
 
-void WebFetch::TakePage() {
-    std::string page;
-    for (std::string chunk = control_->GetChunk(chunkSize); !chunk.empty();
-         chunk = control_->GetChunk(chunkSize)) {
-        page += chunk;
-        Touch();
+void WebFetch::TakeEnd() {
+    const HttpHead head = control_->Head();
+    if (!IsSuccess(head)) {
+        const bool missing = head.StatusCode == missingStatus;
+        Fail(missing ? FetchFailure::Missing : FetchFailure::NoAnswer, StatusText(head));
+        return;
     }
-    if (page.empty()) state_.Status = noData;
-    if (!ContainsNoCase(page, missingText)) state_.PageText = std::move(page);
+    TakeChunks();
+    if (state_.ToFile && state_.Status.empty()) return FinishFile(head);
+    if (state_.ToFile) return;
+    if (state_.PageText.empty()) Fail(FetchFailure::NoAnswer, noData);
+    if (ContainsNoCase(state_.PageText, MissingText)) state_.PageText.clear();
+}
+
+void WebFetch::TakeChunks() {
+    for (std::string chunk = control_->GetChunk(chunkSize); !chunk.empty() && state_.Status.empty();
+         chunk = control_->GetChunk(chunkSize)) {
+        if (file_) {
+            Note(file_->Take(chunk));
+        } else {
+            state_.PageText += chunk;
+        }
+    }
 }
 
 void WebFetch::Timer_Timer() {
@@ -249,7 +274,7 @@ bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) 
                                                   parts_.Settings.GetRegPassword(Keys::FirewallPassword))
                                     : url;
     state_.PageText = GetURLSource(address, file, false);
-    return state_.Status.empty() && !state_.PageText.empty();
+    return state_.Status.empty() && (state_.ToFile || !state_.PageText.empty());
 }
 
 bool WebFetch::AwaitControl() {

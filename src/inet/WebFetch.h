@@ -2,6 +2,7 @@
 
 #include "base/ProgramVersion.h"
 #include "inet/FetchState.h"
+#include "inet/IncomingFile.h"
 #include "platform/Http.h"
 
 #include <filesystem>
@@ -47,7 +48,7 @@ class WebFetch {
     void UseControl(TransferControl* control);
 
     /// The page, read by the blocking loop; empty when it could not be read whole. With a path the whole
-    /// download is also written there. `report` has a missing page noted in the error log.
+    /// download goes there instead, as it comes. `report` has a missing page noted in the error log.
     std::string GetURLSource(const std::string& url, const std::filesystem::path& filePath, bool report);
 
     /// Starts a transfer with the control; the result arrives in State. True when one was started or is
@@ -74,20 +75,25 @@ class WebFetch {
     bool IsTooLong(const HttpHead& head, std::uint64_t received, std::uint64_t limit) const;
     void Touch();
     bool IsInactiveFor(double seconds);
-    void GiveUp(std::string status);
+    void Expect(const std::filesystem::path& file, std::size_t lookedAt);
+    void Note(IncomingFile::Result result);
+    void FinishFile(const HttpHead& head);
+    void Fail(FetchFailure failure, std::string status);
+    void GiveUp(FetchFailure failure, std::string status);
     void TimeOut();
     bool Fetch(const std::string& url, const std::filesystem::path& file);
     bool AwaitControl();
     void Control_StateChanged(int state);
-    void TakeFile();
-    void TakePage();
+    void TakePart();
+    void TakeEnd();
+    void TakeChunks();
     void Timer_Timer();
-    void Save(const std::string& content, const std::filesystem::path& file);
 
     Parts parts_;
     Hooks hooks_;
     TransferControl* control_ = nullptr;
     FetchState state_;
+    std::unique_ptr<IncomingFile> file_;
     bool cancelled_ = false;
 };
 

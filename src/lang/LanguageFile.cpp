@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <limits>
+#include <map>
 #include <system_error>
 #include <utility>
 
@@ -18,6 +19,9 @@ constexpr std::streamsize largestFile = 4 * 1024 * 1024;
 constexpr std::size_t fieldCount = 5;
 constexpr std::size_t longestNumber = 3;
 constexpr std::size_t codeLength = 3;
+
+// Of the 300 of a language; a file with fewer was cut off or is another one.
+constexpr std::size_t fewestTexts = 200;
 
 std::string_view WithoutQuotes(std::string_view text) {
     if (text.starts_with('"')) text.remove_prefix(1);
@@ -57,6 +61,25 @@ std::optional<std::string> LanguageLines::Next() {
         if (line->find('\0') == std::string_view::npos) return DecodeLine(*line);
     }
     return std::nullopt;
+}
+
+std::string LanguageFileFault(const std::filesystem::path& file, std::string_view code) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) return "is no file";
+    std::map<std::string, std::size_t, std::less<>> texts;
+    if (CharacterCount(code) == codeLength) texts.emplace(code, 0);
+    LanguageLines lines(file);
+    while (const auto line = lines.Next()) {
+        const auto entry = SplitLanguageLine(*line);
+        if (entry && !entry->Text.empty() && !CodeOfLanguageLine(*line).empty())
+            ++texts[std::string(entry->Code)];
+    }
+    if (texts.empty()) return "holds no texts";
+    for (const auto& [language, count] : texts) {
+        if (count < fewestTexts)
+            return fmt::format("holds only {} texts of the language {}", count, language);
+    }
+    return {};
 }
 
 std::optional<LanguageEntry> SplitLanguageLine(std::string_view line) {

@@ -44,6 +44,10 @@ class LanguageLines {
     bool header_ = true;
 };
 
+/// What keeps a file from being used as the program's, in words: a language that it names, or the user's
+/// (`code`, empty when there is none yet), has hardly any texts. Empty for a good file.
+std::string LanguageFileFault(const std::filesystem::path& file, std::string_view code);
+
 /// Splits a line into its fields; nullopt when the section or number is missing or the number too long.
 std::optional<LanguageEntry> SplitLanguageLine(std::string_view line);
 

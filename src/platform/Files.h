@@ -14,6 +14,18 @@ class FileLock {
     virtual ~FileLock() = default;
 };
 
+/// A file that is written beside the one that it will replace. Its destructor drops it, unless it is in
+/// place.
+class NewFile {
+  public:
+    virtual ~NewFile() = default;
+
+    [[nodiscard]] virtual bool Write(std::string_view part) = 0;
+
+    /// Has it reach the medium and renames it over the old file.
+    [[nodiscard]] virtual bool PutInPlace() = 0;
+};
+
 class Files {
   public:
     virtual ~Files() = default;
@@ -46,8 +58,15 @@ class Files {
     /// the old content as it was.
     [[nodiscard]] virtual bool Replace(const std::filesystem::path& path, std::string_view content) = 0;
 
+    /// Replace for content that comes bit by bit. nullptr when no file can be created.
+    [[nodiscard]] virtual std::unique_ptr<NewFile> BeginReplace(const std::filesystem::path& path) = 0;
+
     /// Copies a file over `to` in the same careful way, keeping its permissions.
     [[nodiscard]] virtual bool Copy(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+
+    /// Whether a file is a plain one with a single name, no link, that belongs to the user or to root and
+    /// that nobody else can write, in a folder that nobody else can write either.
+    [[nodiscard]] virtual bool IsOursAlone(const std::filesystem::path& path) = 0;
 
     /// Creates a folder and its missing parents, each with mode 0700 where it is new. 0 or the system's error
     /// number.

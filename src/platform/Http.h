@@ -9,7 +9,8 @@ namespace korvalin {
 
 /// How a page or file is asked for, always with GET and never from a cache.
 struct HttpRequest {
-    /// https, or http to this machine; may hold an account, percent-encoded.
+    /// https, or http to this machine; may hold an account, percent-encoded. It is for the proxy that asks
+    /// for one, never for the site, as are UserName and Password.
     std::string Address;
     std::string UserAgent;
     /// An account beside the address; both empty for none.

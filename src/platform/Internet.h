@@ -44,6 +44,9 @@ class Internet {
     /// Offline with no flags when the system does not tell.
     [[nodiscard]] virtual ConnectedState GetConnectedState() = 0;
 
+    /// Whether what is fetched may cost money, as far as the system tells.
+    [[nodiscard]] virtual bool IsMetered() { return false; }
+
     /// Dials a phonebook entry and waits until it is up, has failed, or the user has cancelled; windows stay
     /// alive meanwhile. InternetDialForcePrompt asks for the login first; ErrorRetry, with nothing dialed,
     /// when the entry's telephone number has changed while it was asked for.

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace korvalin {
 
-/// Signatures of the maker (Ed25519).
+/// Signatures of the maker (Ed25519) and the hashes that are signed.
 class Signatures {
   public:
     virtual ~Signatures() = default;
@@ -13,6 +15,9 @@ class Signatures {
     /// signatures cannot be checked.
     [[nodiscard]] virtual bool IsValid(std::string_view content, std::string_view signature,
                                        std::string_view publicKey) = 0;
+
+    /// SHA-256 of a file as hexadecimal digits in lower case; empty when it cannot be read.
+    [[nodiscard]] virtual std::string Sha256(const std::filesystem::path& file) = 0;
 };
 
 } // namespace korvalin

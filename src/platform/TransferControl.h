@@ -28,7 +28,7 @@ class TransferControl {
     virtual void Execute(const HttpRequest& request) = 0;
     [[nodiscard]] virtual bool StillExecuting() = 0;
 
-    /// The next bytes of a completed answer, at most so many; empty when all are taken.
+    /// The next bytes of the answer that have come in, at most so many; empty when all are taken.
     [[nodiscard]] virtual std::string GetChunk(std::size_t bytes) = 0;
     [[nodiscard]] virtual std::uint64_t BytesReceived() = 0;
     virtual HttpHead Head() = 0;

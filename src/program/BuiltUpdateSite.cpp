@@ -3,31 +3,20 @@
 #include "inet/WebAddress.h"
 #include "program/UpdateConfiguration.h"
 
-#include <charconv>
 #include <cstdlib>
 
 namespace korvalin {
-namespace {
-
-// The build has made sure that these are hexadecimal digits.
-std::string FromHex(std::string_view digits) {
-    std::string bytes;
-    for (; digits.size() >= 2; digits.remove_prefix(2)) {
-        unsigned value = 0;
-        std::from_chars(digits.data(), digits.data() + 2, value, 16);
-        bytes += static_cast<char>(value);
-    }
-    return bytes;
-}
-
-} // namespace
 
 UpdateConfiguration BuiltUpdateSite() {
-    UpdateConfiguration built{UpdateSiteAddress, VersionHistoryAddress, FromHex(UpdatePublicKey)};
+    UpdateConfiguration built{UpdateSiteAddress, VersionHistoryAddress,
+                              BytesOfHex(UpdatePublicKey).value_or("")};
     const char* local = std::getenv("KORVALIN_UPDATE_SITE");
     if (local != nullptr && IsLoopbackAddress(local) && std::string_view(local).ends_with('/')) {
         built.Site = local;
         built.VersionHistoryPage = built.Site + "versions.html";
+        // It may only ask for more: the key of the build stays.
+        const char* key = std::getenv("KORVALIN_UPDATE_KEY");
+        if (key != nullptr && built.PublicKey.empty()) built.PublicKey = BytesOfHex(key).value_or("no key");
     }
     return built;
 }

@@ -5,8 +5,11 @@
 #include "base/Text.h"
 #include "data/FileActions.h"
 #include "errors/Errors.h"
+#include "inet/NewProgramStart.h"
 #include "inet/UpdateFiles.h"
+#include "inet/UpdateSite.h"
 #include "lang/Language.h"
+#include "lang/LanguageFile.h"
 #include "lang/MessagePieces.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
@@ -27,6 +30,7 @@ namespace fs = std::filesystem;
 constexpr double longWait = 30;
 constexpr double shortWait = 5;
 constexpr int pauseMilliseconds = 100;
+constexpr int mostStarts = 2;
 
 } // namespace
 
@@ -37,7 +41,9 @@ UpdateInstallation::UpdateInstallation(const Parts& parts, const fs::path& progr
       newProgram_(programFolder / NewProgramFileName),
       languageFile_(programFolder / LanguageFileName),
       newLanguageFile_(programFolder / NewLanguageFileName),
-      newLanguageText_(programFolder / "KorvalinLng_new.txt") {}
+      newLanguageText_(programFolder / "KorvalinLng_new.txt"),
+      manifest_(programFolder / NewManifestFileName),
+      failedProgram_(programFolder / FailedProgramFileName) {}
 
 bool UpdateInstallation::Run() {
     const bool isNew = EqualsNoCase(parts_.Shell.ExecutablePath().filename().string(), NewProgramFileName);
@@ -53,32 +59,65 @@ bool UpdateInstallation::Delete(const fs::path& file, double seconds) {
 bool UpdateInstallation::HandOver() {
     if (!FileExists(newProgram_)) return false;
     if (!IsWorthStarting(newProgram_, program_)) {
-        Delete(newProgram_, shortWait);
+        for (const fs::path& file : {newProgram_, newLanguageFile_, manifest_})
+            Delete(file, shortWait);
         return false;
     }
-    TakePermissions(newProgram_, parts_.Shell.ExecutablePath());
-    if (parts_.Shell.StartProgram(newProgram_)) return true;
-    // No program at all, an error page for instance: this one goes on, and does not meet it again.
-    parts_.Errors.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
-    Delete(newProgram_, shortWait);
+    if (!MayStart()) {
+        parts_.Errors.WriteErrorLog("is not from an update and is not started: " + newProgram_.string(),
+                                    "update");
+        return false;
+    }
+    if (StartCounted()) return true;
+    SetAside();
     return false;
+}
+
+// A download has made its program executable; one that a browser has put here is none of it.
+bool UpdateInstallation::MayStart() {
+    return parts_.Files.IsOursAlone(newProgram_) && IsExecutable(newProgram_) &&
+           parts_.UpdateSite.IsSigned(newProgram_, "", manifest_);
+}
+
+// One that has ended before it could install itself gets a second chance; a third would leave the user
+// without a program for ever.
+bool UpdateInstallation::StartCounted() {
+    const int starts = parts_.Settings.Get(Keys::UpdateStarts);
+    if (starts >= mostStarts) return false;
+    parts_.Settings.Set(Keys::UpdateStarts, starts + 1);
+    return StartNewProgram(newProgram_, parts_.Shell, parts_.InstanceLock, parts_.Events, parts_.Clock);
+}
+
+// This program goes on, and does not meet that one again.
+void UpdateInstallation::SetAside() {
+    parts_.Settings.Set(Keys::UpdateStarts, 0);
+    Delete(newLanguageFile_, shortWait);
+    Delete(manifest_, shortWait);
+    std::error_code error;
+    fs::rename(newProgram_, failedProgram_, error);
+    if (error) Delete(newProgram_, shortWait);
+    parts_.Errors.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
+    LoadTexts();
+    parts_.MessageBoxes.Show(parts_.Language.Lng("modInternet", 36) + failedProgram_.string(),
+                             std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
 }
 
 // ---- as the new program
 
+// At every moment there is a program that starts: the old one, which can do with newer texts, or the new one.
 bool UpdateInstallation::Install() {
     parts_.Errors.Step("Main", [this] { TakeLanguageText(); });
+    parts_.Errors.Step("Main", [this] { CheckLanguageFile(); });
     LoadTexts();
-    // Before the old program goes: without a whole copy (a full disk) this one goes on as the program, the
-    // old one stays, and the next start tries again.
+    // Without a whole copy (a full disk) this one goes on as the program, the old one stays, and the next
+    // start tries again.
     if (!parts_.Errors.Step("Main", [this] { CopyProgram(); })) return false;
-    if (!RemoveOldProgram() || !RemoveOldLanguage()) {
+    if (!AwaitOldProgram() || !PutLanguageInPlace() || !PutProgramInPlace()) {
         Delete(programBeside_, shortWait);
         return true;
     }
-    const bool inPlace = parts_.Errors.Step("Main", [this] { fs::rename(programBeside_, program_); });
-    parts_.Errors.Step("Main", [this] { TakeLanguageFile(); });
-    if (!inPlace) return false;
+    Delete(manifest_, 0);
+    parts_.Settings.Set(Keys::UpdateStarts, 0);
     parts_.Settings.Set(Keys::UpdateLast, parts_.Clock.Now());
     return parts_.Shell.StartProgram(program_);
 }
@@ -86,10 +125,17 @@ bool UpdateInstallation::Install() {
 void UpdateInstallation::TakeLanguageText() {
     if (FileExists(newLanguageFile_) || !FileExists(newLanguageText_)) return;
     fs::rename(newLanguageText_, newLanguageFile_);
-    if (!parts_.Files.Copy(newLanguageFile_, languageFile_)) {
-        throw fs::filesystem_error("The language file could not be copied", newLanguageFile_, languageFile_,
-                                   std::make_error_code(std::errc::io_error));
-    }
+}
+
+// The old texts are better than none.
+void UpdateInstallation::CheckLanguageFile() {
+    if (!FileExists(newLanguageFile_)) return;
+    std::string fault = LanguageFileFault(newLanguageFile_, parts_.Settings.Get(Keys::Language));
+    if (fault.empty() && !parts_.UpdateSite.IsSigned(newLanguageFile_, LanguageFileName, manifest_))
+        fault = "is not signed by the maker";
+    if (fault.empty()) return;
+    parts_.Errors.WriteErrorLog(newLanguageFile_.string() + " " + fault, "update");
+    Delete(newLanguageFile_, shortWait);
 }
 
 // The texts are not loaded yet at this point of the start; nobody is asked for a language here.
@@ -98,25 +144,18 @@ void UpdateInstallation::LoadTexts() {
         parts_.Language.ChooseLanguage(parts_.Settings.Get(Keys::Language));
 }
 
-bool UpdateInstallation::RemoveOldProgram() {
-    if (WaitForOldProgram()) return true;
-    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 19}, MessageIcon::Warning);
-    if (AwaitEnd() && Delete(program_, longWait)) return true;
-    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 23, newProgram_.string(), 25},
-               MessageIcon::Warning);
-    return false;
-}
-
-bool UpdateInstallation::WaitForOldProgram() {
+bool UpdateInstallation::AwaitOldProgram() {
     const std::string text = parts_.Language.Lng("modAllgemein", 45, {.ReportMissing = true});
     if (text != TextNotFound) parts_.MessageBoxes.ShowWaiting(text, std::string(ProgramTitle));
     parts_.Events.ProcessPending();
-    const bool gone = AwaitEnd() && Delete(program_, longWait);
+    const bool ended = AwaitEnd();
     parts_.MessageBoxes.CloseWaiting();
-    return gone;
+    if (ended) return true;
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 19}, MessageIcon::Warning);
+    return AwaitEnd();
 }
 
-// A running program's file can be deleted on some systems: only its lock tells that it has ended.
+// A running program's file can be replaced on some systems: only its lock tells that it has ended.
 bool UpdateInstallation::AwaitEnd() {
     const double giveUp = parts_.Clock.AwakeSeconds() + longWait;
     while (parts_.InstanceLock.IsRunning(ProgramFileName)) {
@@ -127,9 +166,17 @@ bool UpdateInstallation::AwaitEnd() {
     return true;
 }
 
-// Only to make room: without a new file the old one is the only one there is.
-bool UpdateInstallation::RemoveOldLanguage() {
-    if (!FileExists(newLanguageFile_) || Delete(languageFile_, longWait)) return true;
+bool UpdateInstallation::PutProgramInPlace() {
+    if (Move(programBeside_, program_, longWait)) return true;
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 19}, MessageIcon::Warning);
+    if (Move(programBeside_, program_, longWait)) return true;
+    ShowPieces(parts_.MessageBoxes, parts_.Language, {18, program_.string(), 23, newProgram_.string(), 25},
+               MessageIcon::Warning);
+    return false;
+}
+
+bool UpdateInstallation::PutLanguageInPlace() {
+    if (!FileExists(newLanguageFile_) || Move(newLanguageFile_, languageFile_, longWait)) return true;
     ShowPieces(parts_.MessageBoxes, parts_.Language, {18, languageFile_.string(), 27}, MessageIcon::Warning);
     return false;
 }
@@ -149,8 +196,16 @@ void UpdateInstallation::CopyProgram() {
     fs::last_write_time(programBeside_, fs::last_write_time(running), ignored);
 }
 
-void UpdateInstallation::TakeLanguageFile() {
-    if (FileExists(newLanguageFile_)) fs::rename(newLanguageFile_, languageFile_);
+// Replaces a file in one step, trying again while something holds it; windows stay alive meanwhile.
+bool UpdateInstallation::Move(const fs::path& from, const fs::path& to, double seconds) {
+    const double giveUp = parts_.Clock.AwakeSeconds() + seconds;
+    std::error_code error;
+    for (fs::rename(from, to, error); error; fs::rename(from, to, error)) {
+        if (parts_.Clock.AwakeSeconds() >= giveUp) return false;
+        parts_.Events.ProcessPending();
+        parts_.Events.Sleep(pauseMilliseconds);
+    }
+    return true;
 }
 
 } // namespace korvalin

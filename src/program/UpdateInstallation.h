@@ -13,6 +13,7 @@ class Language;
 class MessageBoxes;
 class Settings;
 class Shell;
+class UpdateSite;
 
 /// Puts an update into place that the update check left in the program folder. The running program cannot
 /// replace its own file everywhere, so the new program is started under another name and copies itself over
@@ -29,6 +30,7 @@ class UpdateInstallation {
         korvalin::Events& Events;
         korvalin::Clock& Clock;
         korvalin::InstanceLock& InstanceLock;
+        korvalin::UpdateSite& UpdateSite;
     };
     UpdateInstallation(const Parts& parts, const std::filesystem::path& programFolder);
 
@@ -38,16 +40,20 @@ class UpdateInstallation {
 
   private:
     bool HandOver();
+    bool MayStart();
+    bool StartCounted();
+    void SetAside();
     bool Install();
     void TakeLanguageText();
+    void CheckLanguageFile();
     void LoadTexts();
-    bool RemoveOldProgram();
-    bool WaitForOldProgram();
+    bool AwaitOldProgram();
     bool AwaitEnd();
-    bool RemoveOldLanguage();
+    bool PutProgramInPlace();
+    bool PutLanguageInPlace();
     void CopyProgram();
-    void TakeLanguageFile();
     bool Delete(const std::filesystem::path& file, double seconds);
+    bool Move(const std::filesystem::path& from, const std::filesystem::path& to, double seconds);
 
     Parts parts_;
     std::filesystem::path program_;
@@ -56,6 +62,8 @@ class UpdateInstallation {
     std::filesystem::path languageFile_;
     std::filesystem::path newLanguageFile_;
     std::filesystem::path newLanguageText_;
+    std::filesystem::path manifest_;
+    std::filesystem::path failedProgram_;
 };
 
 } // namespace korvalin

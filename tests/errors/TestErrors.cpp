@@ -73,6 +73,15 @@ TEST_F(ErrorsTest, TheLogHasWholeLinesAndStaysBelowOneMegabyte) {
     EXPECT_EQ(folder.Read("Korvalin_ErrorLog.old.txt").size(), 999'990U);
 }
 
+TEST_F(ErrorsTest, ALineOfTheLogIsNeverLongerThan4Kilobytes) {
+    for (std::size_t shift : {0U, 1U}) {
+        errors.WriteErrorLog(std::string(shift, 'x') + ReplaceAll(std::string(5000, 'x'), "x", "ö"),
+                             std::string(5000, 'g'));
+        EXPECT_LE(Log().size(), (shift + 1) * 4096);
+        EXPECT_TRUE(IsValidUtf8(Log())) << "never cut within a character";
+    }
+}
+
 TEST_F(ErrorsTest, ALineThatCannotBeWrittenIsLostSilently) {
     files.DiskFull = true;
     errors.WriteErrorLog("lost", "Info");

@@ -31,6 +31,11 @@ class CoreFixture : public testing::Test {
     void WriteTexts(std::string_view lines) {
         folder.Write("program/Korvalin.lng", "header\r\n" + std::string(lines));
     }
+    /// The product's language file, with a line of its own at the end.
+    static std::string WholeTexts(const std::string& line = "") {
+        std::ifstream file(KORVALIN_RESOURCES "/lang/Korvalin.lng", std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {}) + line;
+    }
     /// Starts the whole program with the product's texts, in English.
     bool StartProgram() {
         std::filesystem::copy_file(KORVALIN_RESOURCES "/lang/Korvalin.lng", programFolder / "Korvalin.lng");

@@ -16,6 +16,7 @@ class FakeFiles : public Files {
     bool CopyFails = false;
     int CreateFoldersResult = 0;
     int DurableResult = 0; ///< what AppendLines fails with
+    bool Foreign = false;  ///< somebody else can write every file
     bool Held = false;     ///< another program holds every file
 
     bool Append(const std::filesystem::path& path, std::string_view lines) override {
@@ -45,10 +46,27 @@ class FakeFiles : public Files {
     bool Replace(const std::filesystem::path& path, std::string_view content) override {
         return Write(path, content, std::ios::trunc);
     }
+    std::unique_ptr<NewFile> BeginReplace(const std::filesystem::path& path) override {
+        struct Part : NewFile {
+            Part(FakeFiles& files, std::filesystem::path target) : Owner(files), Target(std::move(target)) {}
+            bool Write(std::string_view part) override {
+                Content += part;
+                return !Owner.DiskFull;
+            }
+            bool PutInPlace() override { return Owner.Replace(Target, Content); }
+            FakeFiles& Owner;
+            std::filesystem::path Target;
+            std::string Content;
+        };
+        return std::make_unique<Part>(*this, path);
+    }
     bool Copy(const std::filesystem::path& from, const std::filesystem::path& to) override {
         std::error_code error;
         return !DiskFull && !CopyFails &&
                std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
+    }
+    bool IsOursAlone(const std::filesystem::path& path) override {
+        return !Foreign && std::filesystem::is_regular_file(std::filesystem::symlink_status(path));
     }
     int CreateFolders(const std::filesystem::path& folder) override {
         if (CreateFoldersResult != 0) return CreateFoldersResult;

@@ -3,7 +3,10 @@
 #include "platform/Http.h"
 #include "platform/Signatures.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <utility>
@@ -55,12 +58,19 @@ class FakeHttp : public Http {
     };
 };
 
-/// Takes the one signature that it is told.
+/// Takes the one signature that it is told, and hashes in its own way.
 class FakeSignatures : public Signatures {
   public:
     std::string Valid;
     bool IsValid(std::string_view, std::string_view signature, std::string_view) override {
         return signature == Valid;
+    }
+    std::string Sha256(const std::filesystem::path& path) override {
+        std::ifstream file(path, std::ios::binary);
+        return Sum(std::string(std::istreambuf_iterator<char>(file), {}));
+    }
+    static std::string Sum(const std::string& content) {
+        return fmt::format("{:064x}", std::hash<std::string>()(content));
     }
 };
 

@@ -71,7 +71,10 @@ class FakeInternet : public Internet {
     /// The handle that a successful dial gives.
     std::int32_t Connection = 1;
 
+    bool Metered = false;
+
     ConnectedState GetConnectedState() override { return State; }
+    bool IsMetered() override { return Metered; }
     DialResult Dial(const std::string& entryName, std::uint32_t flags) override {
         const std::size_t dial = Dials.size();
         Dials.emplace_back(entryName, flags);

@@ -21,8 +21,11 @@ class FakeInstanceLock : public InstanceLock {
   public:
     bool Running = false;
     bool PreviousInstanceRunning() override { return Running; }
-    bool IsRunning(const std::string&) override { return OldProgramRuns(); }
+    bool IsRunning(const std::string& name) override {
+        return name == "Korvalin.exe" ? OldProgramRuns() : NewProgramRuns;
+    }
     std::function<bool()> OldProgramRuns = [] { return false; };
+    bool NewProgramRuns = true;
 };
 
 class FakeRecordingLock : public RecordingLock {

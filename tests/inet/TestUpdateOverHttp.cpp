@@ -2,6 +2,8 @@
 #include "inet/WebFixture.h"
 #include "platform/linux/web/SodiumSignatures.h"
 
+#include <fmt/format.h>
+
 #include <sodium.h>
 
 using namespace korvalin;
@@ -29,7 +31,7 @@ class UpdateOverHttp : public UpdateFixture<WebFixture>, public testing::WithPar
         Put("update_general.html", "<p>Newest Release: 2.4.1 of 1 May</p>Upgradable Ax" + version +
                                        "-new.exe Vx" + version + "-new.exe");
         Put("new.exe", program);
-        Put("Korvalin.lng", "new texts");
+        Put("Korvalin.lng", newTexts);
     }
 
     const std::string program = std::string(3'000'000, 'n');
@@ -56,17 +58,30 @@ TEST_P(UpdateOverHttp, StartsOnlyWhatTheMakerHasSigned) {
     };
     Serve(server.Http() + "update/", publicKey);
     PutUpdate();
-    Put("Korvalin.lng.sig", sign("new texts"));
+    const auto hex = [](const std::string& text) {
+        std::string digits;
+        for (const char c : text)
+            digits += fmt::format("{:02x}", static_cast<unsigned char>(c));
+        return digits;
+    };
+    const auto file = [&](const std::string& name, std::string content) {
+        std::string hash(crypto_hash_sha256_BYTES, 0);
+        crypto_hash_sha256(bytes(hash), bytes(content), content.size());
+        return fmt::format("file {} {} {}\n", content.size(), hex(hash), name);
+    };
+    const std::string texts = "Korvalin update 1\nversion 2.4.1\nexpires 2024-04-01\n" +
+                              file("new.exe", program) + file("Korvalin.lng", newTexts);
     const std::pair<std::string, int> rows[] = {{"", 3},
-                                                {std::string(64, 'x'), 3},
-                                                {sign(program + "n"), 3},
-                                                {sign(program).substr(0, 63), 3},
-                                                {sign(program), 9}};
-    for (const auto& [signature, result] : rows) {
-        Put("new.exe.sig", signature);
+                                                {texts, 3},
+                                                {"signature " + std::string(128, '7') + "\n" + texts, 3},
+                                                {"signature " + hex(sign(texts)) + "\n" + texts + "\n", 3},
+                                                {"signature " + hex(sign(texts)).substr(2) + "\n" + texts, 3},
+                                                {"signature " + hex(sign(texts)) + "\n" + texts, 9}};
+    for (const auto& [manifest, result] : rows) {
+        Put("update.manifest", manifest);
         settings.SetReg("UpdateNext", Date(0));
         EXPECT_EQ(Automatic(), result);
-        EXPECT_EQ(fs::exists(New()), result == 9);
+        EXPECT_EQ(NewFiles().size(), result == 9 ? 3U : 0U);
     }
 }
 

@@ -31,6 +31,8 @@ TEST(UpdatePage, OffersNothingThatItDoesNotSayCompletely) {
                              "2.-4.1-setup.exe", "2..1-setup.exe", ".4.1-setup.exe", "2.4.1x-setup.exe",
                              " 2.4.1-setup.exe", "2.4.99999999999-setup.exe", "2.4.1<-setup.exe"})
         EXPECT_EQ(OfferOf(std::string("Upgradable Vx") + rest), "") << rest;
+    EXPECT_EQ(OfferOf("Upgradable: VxWorks, vx.html, Vx2.4.1-setup.exe"), "2.4.1 setup.exe")
+        << "before a digit only";
     EXPECT_EQ(OfferOf("Vx2.4.1-setup.exe Upgradable"), "") << "the mark comes before";
     EXPECT_EQ(OfferOf("Upgradable Ax2.4.1-setup.exe"), "") << "only for the automatic check";
 }
@@ -44,6 +46,7 @@ TEST(UpdatePage, ShowsOneHarmlessLineOfTheRelease) {
         {"Newest Release:<", ""},
         {"Newest Release: a\r\n\tb<", "a   b"},
         {"Newest Release: \xe4<", "ä"},
+        {"Newest Release: 2.4\u202E1.4\u2069\u200F\u061C\u0085\uFEFF\x1b[1m<", "2.41.4 [1m"},
         {"Newest Release: " + std::string(5000, 'x') + "<", std::string(100, 'x')}};
     for (const auto& [text, release] : rows)
         EXPECT_EQ(UpdatePage(text).NewestRelease(), release) << text;

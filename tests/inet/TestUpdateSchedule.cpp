@@ -17,9 +17,9 @@ class UpdateScheduleTest : public UpdateFixture<FakeWeb> {
     void Offer(const std::string& version) {
         http.Answers["https://maker.example/update_general.html"].Body =
             http.Answers["https://maker.example/update2312.html"].Body =
-                "Newest Release: x<Upgradable Ax" + version + "-new.exe";
+                "Newest Release: x<Upgradable Ax" + version + "-new.exe Vx" + version + "-new.exe";
         http.Answers["https://maker.example/new.exe"].Body = std::string(ShortestProgram, 'n');
-        http.Answers["https://maker.example/Korvalin.lng"].Body = "texts";
+        http.Answers["https://maker.example/Korvalin.lng"].Body = newTexts;
     }
     // As the timer does: after the time that it was told.
     bool Call() {

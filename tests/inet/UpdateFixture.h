@@ -47,7 +47,13 @@ class UpdateFixture : public Base {
         site.emplace(UpdateConfiguration{address,
                                          address.empty() ? "" : "https://maker.example/versions.html",
                                          publicKey},
-                     running, this->fetch, makers, this->errors);
+                     UpdateSite::Parts{.WebFetch = this->fetch,
+                                       .Signatures = makers,
+                                       .Settings = this->settings,
+                                       .Errors = this->errors,
+                                       .Clock = this->clock,
+                                       .Executable = running,
+                                       .Version = version});
         download.emplace(UpdateDownload::Parts{.UpdateSite = *site,
                                                .Settings = this->settings,
                                                .Language = this->language,
@@ -66,6 +72,8 @@ class UpdateFixture : public Base {
                                          .Files = someFiles,
                                          .Shell = this->shell,
                                          .Internet = this->internet,
+                                         .InstanceLock = this->lock,
+                                         .Events = this->events,
                                          .Clock = this->clock,
                                          .DataFolder = this->dataFolder,
                                          .Locale = this->locale,
@@ -76,7 +84,19 @@ class UpdateFixture : public Base {
                          const auto act = OnStatus; // may put another in its place
                          act(status);
                      },
-                     [this](bool nowRunning) { runnings.push_back(nowRunning); }});
+                     [this](bool nowRunning) { runnings.push_back(nowRunning); },
+                     [this] { return userIsBusy(); }});
+    }
+    /// What was downloaded or is the update, by the files' names.
+    std::vector<std::string> NewFiles() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(this->programFolder)) {
+            const std::string name = entry.path().filename().string();
+            if (name.find("new") != std::string::npos || name.find("part") != std::string::npos)
+                names.push_back(name);
+        }
+        std::sort(names.begin(), names.end());
+        return names;
     }
     int OnDemand() { return Check(false); }
     int Automatic() { return Check(true); }
@@ -86,6 +106,8 @@ class UpdateFixture : public Base {
     std::filesystem::path running;
     bool aboutIsOpen = true;
     bool onRasLine = false;
+    std::function<bool()> userIsBusy = [] { return false; };
+    const std::string newTexts = this->WholeTexts("ENG\tmodTest\t1\tnew\r\n");
     std::vector<std::string> statuses;
     std::vector<bool> runnings;
     std::function<void(const std::string&)> OnStatus = [](const std::string&) {};

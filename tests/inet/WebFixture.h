@@ -39,11 +39,11 @@ class WebFixture : public CoreFixture {
 
     WebServer server;
     // What the loop waits a minute for is over in a second here; the control goes by the clock.
-    CurlRules rules{5, 1, (server.Folder / "ca.pem").string()};
+    CurlRules rules{5, 1, 120, (server.Folder / "ca.pem").string()};
     HurriedEvents hurried{clock};
     PosixFiles realFiles;
     CurlHttp curl{rules};
-    CurlTransferControl control{{5, 60, rules.TrustedCertificates}};
+    CurlTransferControl control{{5, 60, 120, rules.TrustedCertificates}};
     WebFetch::Parts FetchParts(Http& transport) {
         return {.Http = transport,
                 .Settings = settings,

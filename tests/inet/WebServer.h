@@ -30,6 +30,11 @@ class WebServer {
     std::string Https() const { return "https://127.0.0.1:" + std::to_string(ports_[1]) + "/"; }
     std::string WronglyCertified() const { return "https://127.0.0.1:" + std::to_string(ports_[2]) + "/"; }
 
+    /// The address of a proxy that asks for an account in that way.
+    std::string Proxy(const std::string& scheme) const {
+        return "http://127.0.0.1:" + std::to_string(ports_[scheme == "Basic" ? 3 : 4]);
+    }
+
     /// The paths asked for since the last call.
     std::vector<std::string> TakeRequests() {
         std::vector<std::string> paths;

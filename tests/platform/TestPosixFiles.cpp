@@ -192,6 +192,27 @@ TEST_F(PosixFilesTest, CopiesContentAndPermissions) {
     EXPECT_EQ(Entries(), 2);
 }
 
+TEST_F(PosixFilesTest, KnowsAFileThatNobodyElseCanWrite) {
+    fs::create_directories(folder / "inner");
+    const fs::path file = folder.Write("inner/file", "content");
+    const fs::path inner = folder / "inner";
+    const auto check = [&](fs::perms ofFile, fs::perms ofFolder) {
+        fs::permissions(file, ofFile);
+        fs::permissions(inner, ofFolder);
+        return files.IsOursAlone(file);
+    };
+    EXPECT_TRUE(check(fs::perms(0755), fs::perms(0755)));
+    EXPECT_FALSE(check(fs::perms(0757), fs::perms(0755)));
+    EXPECT_FALSE(check(fs::perms(0755), fs::perms(0757)));
+    EXPECT_TRUE(check(fs::perms(0600), fs::perms(0700)));
+    fs::create_symlink(file, folder / "link");
+    EXPECT_FALSE(files.IsOursAlone(folder / "link"));
+    fs::create_hard_link(file, folder / "second");
+    EXPECT_FALSE(files.IsOursAlone(file));
+    EXPECT_FALSE(files.IsOursAlone(inner));
+    EXPECT_FALSE(files.IsOursAlone(folder / "missing"));
+}
+
 TEST_F(PosixFilesTest, CreatesFoldersForTheUserAlone) {
     folder.Write("file", "");
     fs::create_symlink(folder / "nowhere", folder / "dangling");

@@ -56,10 +56,13 @@ class StartupTest : public CoreFixture {
                     .DataFolder = dataFolder,
                     .Version = {2, 1, 7}}};
     UpdateSite site{{.Site = "https://maker.example/", .VersionHistoryPage = "", .PublicKey = ""},
-                    programFolder / "Korvalin.exe",
-                    fetch,
-                    signatures,
-                    errors};
+                    {.WebFetch = fetch,
+                     .Signatures = signatures,
+                     .Settings = settings,
+                     .Errors = errors,
+                     .Clock = clock,
+                     .Executable = programFolder / "Korvalin.exe",
+                     .Version = {2, 1, 7}}};
     UpdateInstallation update{{.Settings = settings,
                                .Language = language,
                                .Errors = errors,
@@ -68,7 +71,8 @@ class StartupTest : public CoreFixture {
                                .Shell = shell,
                                .Events = events,
                                .Clock = clock,
-                               .InstanceLock = lock},
+                               .InstanceLock = lock,
+                               .UpdateSite = site},
                               programFolder};
     Components components{{.Settings = settings,
                            .Language = language,
@@ -102,7 +106,8 @@ TEST_F(StartupTest, EndsForANewerProgramAndWhereItCannotRun) {
     shell.Supported = false;
     EXPECT_FALSE(Main());
     EXPECT_EQ(TakeBoxes(), Lines{"Wrong system"});
-    folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
+    const fs::path newer = folder.Write("program/Korvalin_new.exe", std::string(200'000, 'x'));
+    fs::permissions(newer, fs::perms::owner_all);
     EXPECT_FALSE(Main());
     EXPECT_EQ(shell.Started.size(), 1U);
     EXPECT_EQ(loads, 0);
@@ -134,11 +139,11 @@ TEST_F(StartupTest, GetsALanguageFile) {
                       {false, "good", {No, No}, {missing, missing, corrupted}, 0, false},
                       {false, "good", {No, Yes}, {missing, missing, corrupted}, 1, true},
                       {true, "good", {Yes}, {missing, corrupted}, 1, true},
-                      {true, "bad", {Yes}, {missing, corrupted, missing}, 1, false}};
+                      {true, "bad", {Yes}, {missing, corrupted}, 1, false}};
     for (const auto& row : rows) {
         fs::remove(file);
         if (row.Exists) folder.Write("program/Korvalin.lng", "broken");
-        Download = row.Download == "good" ? "h\n" + std::string(goodTexts) : row.Download;
+        Download = row.Download == "good" ? WholeTexts() : row.Download;
         boxes.Answers = row.Answers;
         EXPECT_EQ(Main(), row.Starts);
         Lines shown = TakeBoxes();

@@ -1,4 +1,6 @@
 #include "fakes/CoreFixture.h"
+#include "inet/UpdateSite.h"
+#include "inet/WebFetch.h"
 #include "program/UpdateInstallation.h"
 
 using namespace korvalin;
@@ -13,7 +15,8 @@ class UpdateInstallationTest : public CoreFixture {
     UpdateInstallationTest() {
         WriteTexts(
             "GER\tmodAllgemein\t18\tStill there:\nGER\tmodAllgemein\t19\t!\nGER\tmodAllgemein\t23\tbut\n"
-            "GER\tmodAllgemein\t25\tis new.\nGER\tmodAllgemein\t27\t?\nGER\tmodAllgemein\t45\tWait\n");
+            "GER\tmodInternet\t36\tSet aside: \nGER\tmodAllgemein\t25\tis "
+            "new.\nGER\tmodAllgemein\t27\t?\nGER\tmodAllgemein\t45\tWait\n");
         settings.SetReg("Language", "GER");
     }
 
@@ -22,8 +25,20 @@ class UpdateInstallationTest : public CoreFixture {
         fs::last_write_time(file, now_ - age);
         return file;
     }
+    void PutRunnable(std::size_t length = 200'000) {
+        Put("Korvalin_new.exe", length);
+        fs::permissions(new_, fs::perms::owner_all);
+    }
     bool Run(const char* executable) {
         shell.Executable = programFolder / executable;
+        UpdateSite site({.Site = "https://maker.example/", .VersionHistoryPage = "", .PublicKey = key_},
+                        {.WebFetch = fetch_,
+                         .Signatures = signatures,
+                         .Settings = settings,
+                         .Errors = errors,
+                         .Clock = clock,
+                         .Executable = programFolder / "Korvalin.exe",
+                         .Version = {2, 3, 12}});
         return UpdateInstallation({.Settings = settings,
                                    .Language = language,
                                    .Errors = errors,
@@ -32,11 +47,22 @@ class UpdateInstallationTest : public CoreFixture {
                                    .Shell = shell,
                                    .Events = events,
                                    .Clock = clock,
-                                   .InstanceLock = lock},
+                                   .InstanceLock = lock,
+                                   .UpdateSite = site},
                                   programFolder)
             .Run();
     }
 
+    WebFetch fetch_{{.Http = http,
+                     .Settings = settings,
+                     .Errors = errors,
+                     .Files = files,
+                     .Events = events,
+                     .Clock = clock,
+                     .Language = language,
+                     .DataFolder = dataFolder,
+                     .Version = {2, 3, 12}}};
+    std::string key_; ///< the maker's
     const fs::file_time_type now_ = fs::file_time_type::clock::now();
     const fs::path old_ = programFolder / "Korvalin.exe";
     const fs::path new_ = programFolder / "Korvalin_new.exe";
@@ -46,25 +72,86 @@ TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
     struct {
         std::size_t NewLength;
         int NewAge, CurrentAge;
-        bool Starts, Started;
-    } const rows[] = {{200'000, 1, 2, true, true},
-                      {200'000, 1, 2, false, false}, // cannot be started
-                      {199'999, 1, 2, true, false},
-                      {200'000, 1, 1, true, false}};
+        bool Started;
+    } const rows[] = {{200'000, 1, 2, true}, {199'999, 1, 2, false}, {200'000, 1, 1, false}};
     EXPECT_FALSE(Run("Korvalin.exe")) << "there is none";
     for (const auto& row : rows) {
         Put("Korvalin.exe", 10, hours(row.CurrentAge));
         fs::permissions(old_, fs::perms::owner_all);
         Put("Korvalin_new.exe", row.NewLength, hours(row.NewAge));
-        shell.Starts = row.Starts;
+        fs::permissions(new_, fs::perms::owner_all);
         EXPECT_EQ(Run("Korvalin.exe"), row.Started);
         EXPECT_EQ(fs::exists(new_), row.Started) << "what is of no use is removed";
-        if (row.Started) {
-            EXPECT_NE(fs::status(new_).permissions() & fs::perms::owner_exec, fs::perms::none);
-        }
         fs::remove(new_);
     }
     EXPECT_EQ(shell.Started, std::vector<fs::path>{new_});
+}
+
+TEST_F(UpdateInstallationTest, RunsNothingThatNoUpdateHasBrought) {
+    Put("Korvalin.exe", 10, hours(1));
+    PutRunnable();
+    fs::permissions(new_, fs::perms::owner_exec, fs::perm_options::remove);
+    EXPECT_FALSE(Run("Korvalin.exe")) << "as a browser puts it there";
+    PutRunnable();
+    files.Foreign = true;
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    files.Foreign = false;
+    fs::rename(new_, programFolder / "other");
+    fs::create_symlink(programFolder / "other", new_);
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    fs::remove(new_);
+    EXPECT_TRUE(boxes.Shown.empty());
+
+    key_ = "key";
+    signatures.Valid = std::string(64, 's');
+    const auto manifest = [this](const char* version, const char* expires, const std::string& signedContent) {
+        std::string signature = "signature ";
+        for (int i = 0; i < 64; ++i)
+            signature += "73";
+        folder.Write("program/Korvalin_new.manifest",
+                     signature + "\nKorvalin update 1\nversion " + version + "\nexpires " + expires +
+                         "\nfile 200000 " + FakeSignatures::Sum(signedContent) + " setup.exe\n");
+    };
+    const std::string content(200'000, 'x');
+    PutRunnable();
+    EXPECT_FALSE(Run("Korvalin.exe")) << "nothing tells that the maker has signed it";
+    manifest("2.4.1", "2024-04-01", "another program");
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    manifest("2.3.11", "2024-04-01", content);
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    manifest("2.4.1", "2024-03-01", content);
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    EXPECT_TRUE(shell.Started.empty());
+    manifest("2.4.1", "2024-04-01", content);
+    EXPECT_TRUE(Run("Korvalin.exe"));
+}
+
+TEST_F(UpdateInstallationTest, SetsAsideWhatDoesNotRun) {
+    Put("Korvalin.exe", 10, hours(1));
+    const Lines told = {"Set aside: " + (programFolder / "Korvalin_failed.exe").string()};
+    for (bool* fault : {&shell.Starts, &lock.NewProgramRuns}) {
+        *fault = false;
+        PutRunnable();
+        EXPECT_FALSE(Run("Korvalin.exe"));
+        EXPECT_EQ(TakeBoxes(), told);
+        EXPECT_FALSE(fs::exists(new_));
+        *fault = true;
+    }
+    PutRunnable(); // says that it runs, but does not get as far as installing itself
+    EXPECT_TRUE(Run("Korvalin.exe"));
+    EXPECT_TRUE(Run("Korvalin.exe"));
+    EXPECT_FALSE(Run("Korvalin.exe"));
+    EXPECT_EQ(TakeBoxes(), told);
+}
+
+TEST_F(UpdateInstallationTest, KeepsAGoodLanguageFile) {
+    const std::string old = folder.Read("program/Korvalin.lng");
+    Put("Korvalin_new.exe", 300);
+    folder.Write("program/KorvalinLng_new.lng", "<h1>Welcome</h1>");
+    EXPECT_TRUE(Run("Korvalin_new.exe"));
+    EXPECT_EQ(folder.Read("program/Korvalin.lng"), old);
+    EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
+    EXPECT_EQ(fs::file_size(old_), 300U);
 }
 
 TEST_F(UpdateInstallationTest, InstallsItself) {
@@ -75,7 +162,7 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
         EXPECT_EQ(fs::file_size(old_), 10U) << "its file could be deleted while it runs";
         return clock.AwakeSeconds() < start + 12;
     };
-    folder.Write("program/KorvalinLng_new.lng", "new texts");
+    folder.Write("program/KorvalinLng_new.lng", WholeTexts("of an update"));
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
     EXPECT_EQ(boxes.Waiting, Lines{"Wait"});
     EXPECT_FALSE(boxes.WaitingOpen);
@@ -83,12 +170,12 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     lock.OldProgramRuns = [] { return false; };
     EXPECT_EQ(shell.Started, std::vector<fs::path>{old_});
     EXPECT_EQ(fs::file_size(old_), 200'000U);
-    EXPECT_EQ(folder.Read("program/Korvalin.lng"), "new texts");
+    EXPECT_EQ(folder.Read("program/Korvalin.lng"), WholeTexts("of an update"));
     EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
     EXPECT_NEAR(settings.Get(Keys::UpdateLast), clock.Now(), OneSecond);
-    folder.Write("program/KorvalinLng_new.txt", "of the other name");
+    folder.Write("program/KorvalinLng_new.txt", WholeTexts("of the other name"));
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
-    EXPECT_EQ(folder.Read("program/Korvalin.lng"), "of the other name");
+    EXPECT_EQ(folder.Read("program/Korvalin.lng"), WholeTexts("of the other name"));
     // The installed program must not hand over again.
     fs::rename(programFolder / "KORVALIN_NEW.EXE", new_);
     EXPECT_FALSE(Run("Korvalin.exe"));
@@ -115,7 +202,7 @@ TEST_F(UpdateInstallationTest, EndsWhileTheOldProgramIsHeld) {
 
 TEST_F(UpdateInstallationTest, GoesOnItselfWhenTheDiskIsFull) {
     Put("Korvalin_new.exe", 300);
-    folder.Write("program/KorvalinLng_new.lng", "new texts");
+    folder.Write("program/KorvalinLng_new.lng", WholeTexts());
     Put("Korvalin.exe", 10);
     files.CopyFails = true;
     EXPECT_FALSE(Run("Korvalin_new.exe"));

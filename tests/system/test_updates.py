@@ -15,6 +15,7 @@ import update_site
 PAGE = "<p>Newest Release: 9.9.9 of 1 May</p>Upgradable Ax9.9.9-setup.exe Vx9.9.9-setup.exe"
 NEW_PROGRAM = b"a later version"  # behind the end of an executable nothing minds it
 NEW_TEXTS = "ENG\tmodTest\t1\ta later text\r\n".encode()
+RELEASE = pathlib.Path(__file__).resolve().parents[2] / "script/release"
 ABOUT = "^Korvalin - (About|Info)$"
 
 
@@ -201,6 +202,59 @@ class Updates(rig.DesktopCase):
         self.main_window()
         self.assertTrue((folder.path / "Korvalin.lng").read_bytes().endswith(NEW_TEXTS))
         self.assertEqual(self.site.requests, ["/update/Korvalin.lng"])
+
+    def sign(self, version, days):
+        """Signs what is on the site; the program is told the key."""
+        key = self.home.path / "key.pem"
+        if not key.exists():
+            subprocess.run(["openssl", "genpkey", "-algorithm", "ed25519", "-out", key], check=True, capture_output=True)
+        public = subprocess.run(["openssl", "pkey", "-in", key, "-pubout", "-outform", "DER"], check=True,
+                                capture_output=True).stdout[-32:]
+        self.home.env["KORVALIN_UPDATE_KEY"] = public.hex()
+        folder = self.site.folder / "update"
+        subprocess.run([RELEASE, folder, version, key, str(days)], check=True)
+        self.addCleanup((folder / "update.manifest").unlink, missing_ok=True)
+
+    def test_a_signed_version_is_taken_and_an_old_or_a_forged_one_is_not(self):
+        folder = self.program_folder()
+        self.sign("9.9.9", days=1)
+        process = self.start(folder.path / "Korvalin.exe")
+        self.press(self.open_about(), "alt+u")
+        self.answer("the question", "Return")
+        self.answer("the notice", "Return")
+        self.assertEqual(process.wait(timeout=40), 0)
+        self.wait_for_new_version(folder)
+        about = self.open_about()
+        for version, days, why in (("0.9.0", 1, "older version"), ("9.9.9", 0, "has expired"), ("9.9.8", 1, "offered 9.9.9")):
+            self.sign(version, days)
+            self.home.cli("settings", "set", "UpdateNext", "2000-01-01")
+            self.press(about, "alt+u")
+            rig.wait_for(lambda: why in self.log(), why)
+            self.picture(f"refused {version} {days}")
+        self.assertFalse((folder.path / "Korvalin_new.exe").exists())
+
+    def log(self):
+        return "".join(file.read_text() for file in self.home.path.rglob("*_ErrorLog.txt"))
+
+    def test_a_program_that_a_browser_has_dropped_is_not_run(self):
+        folder = self.program_folder()
+        folder.add("Korvalin_new.exe")
+        (folder.path / "Korvalin_new.exe").chmod(0o644)
+        self.start(folder.path / "Korvalin.exe")
+        self.main_window()
+        self.assertFalse(folder.is_new())
+        self.assertIn("is not from an update", self.log())
+
+    def test_a_new_program_that_ends_at_once_leaves_the_old_one(self):
+        folder = self.program_folder()
+        broken = folder.path / "Korvalin_new.exe"
+        broken.write_bytes(b"#!/bin/false\n" + b"\n" * 200_000)
+        broken.chmod(0o755)
+        self.start(folder.path / "Korvalin.exe")
+        rig.wait_for(lambda: self.display.window("^Korvalin$"), "the message", seconds=40)
+        self.answer("the message that it was set aside", "Return")
+        self.main_window()
+        self.assertTrue((folder.path / "Korvalin_failed.exe").exists())
 
     def test_only_a_site_on_this_machine_can_be_named_from_outside(self):
         self.home.env["KORVALIN_UPDATE_SITE"] = self.update_address.replace("//", "//somebody@")

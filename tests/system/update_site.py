@@ -1,13 +1,18 @@
 #!/usr/bin/env python3
 """A web server on loopback that plays the maker's site, and misbehaves where it is asked to.
 
-Started by itself it serves a folder, prints its ports (http, https, https with another host's certificate) on one line and
+Started by itself it serves a folder, prints its ports (http, https, https with another host's certificate, proxies) on one line and
 then every request; it ends when its input does. `folder`/ca.pem is what its certificates are trusted by.
 """
 
+import base64
 import gzip
+import hashlib
 import http.server
 import pathlib
+import re
+import select
+import socket
 import ssl
 import subprocess
 import sys
@@ -103,6 +108,15 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def trick_echo(self, _):
         self.answer("\n".join(self.headers.get(name, "") for name in ("User-Agent", "Authorization")).encode())
 
+    def trick_trickle(self, _):
+        self.send_response(200)
+        self.send_header("Content-Length", "100000")
+        self.end_headers()
+        while True:
+            self.wfile.write(b"<p>")
+            self.wfile.flush()
+            time.sleep(0.2)
+
     def trick_slow(self, _):
         self.answer_slowly(PAGE, lambda: time.sleep(0.01))
 
@@ -127,6 +141,53 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.wfile.write(b"X-More: of the same\r\n" * 1000)
 
 
+class ProxyHandler(http.server.BaseHTTPRequestHandler):
+    """A company's proxy: it asks for an account, by Basic or Digest, and connects to this machine only."""
+
+    protocol_version = "HTTP/1.1"
+    account = ("j doe", "p@ss:/wörd#")
+
+    def log_message(self, *_):
+        pass
+
+    def do_CONNECT(self):
+        shown = self.headers.get("Proxy-Authorization", "-")
+        self.server.site.note(f"CONNECT {shown.split()[0]}")
+        if not (self.is_basic(shown) if self.server.scheme == "Basic" else self.is_digest(shown)):
+            return self.refuse()
+        self.send_response(200)
+        self.end_headers()
+        self.close_connection = True
+        with socket.create_connection(("127.0.0.1", int(self.path.rpartition(":")[2]))) as other:
+            self.join(other)
+
+    def is_basic(self, shown):
+        return shown == "Basic " + base64.b64encode(":".join(self.account).encode()).decode()
+
+    def is_digest(self, shown):
+        given = dict(re.findall(r'(\w+)="?([^",]*)"?', shown))
+        md5 = lambda text: hashlib.md5(text.encode()).hexdigest()
+        secret, wanted = md5(f"{self.account[0]}:korvalin:{self.account[1]}"), md5(f"CONNECT:{self.path}")
+        return shown.startswith("Digest ") and given.get("nonce") == "once" and \
+            given.get("response") == md5(f"{secret}:once:{wanted}")
+
+    def refuse(self):
+        self.send_response(407)
+        extra = ', nonce="once"' if self.server.scheme == "Digest" else ""
+        self.send_header("Proxy-Authenticate", f'{self.server.scheme} realm="korvalin"{extra}')
+        self.send_header("Content-Length", "0")
+        self.end_headers()
+
+    def join(self, other):
+        ends = {self.connection: other, other: self.connection}
+        while True:
+            for end in select.select(list(ends), [], [])[0]:
+                data = end.recv(65536)
+                if not data:
+                    return
+                ends[end].sendall(data)
+
+
 class Server(http.server.ThreadingHTTPServer):
     daemon_threads = True
 
@@ -145,6 +206,7 @@ class Site:
         if certificates:
             self.servers += [self.listen(self.certificate(name, host)) for name, host in
                              (("ca", "IP:127.0.0.1"), ("wrong", "DNS:elsewhere.example"))]
+            self.servers += [self.listen(None, ProxyHandler, scheme) for scheme in ("Basic", "Digest")]
         self.ports = [server.server_address[1] for server in self.servers]
 
     def certificate(self, name, host):
@@ -158,9 +220,9 @@ class Site:
                 trusted.write(pem.read_text())
         return name
 
-    def listen(self, certificate):
-        server = Server(("127.0.0.1", 0), Handler)
-        server.site = self
+    def listen(self, certificate, handler=Handler, scheme=None):
+        server = Server(("127.0.0.1", 0), handler)
+        server.site, server.scheme = self, scheme
         if certificate:
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
             context.load_cert_chain(self.folder / f"{certificate}.pem", self.folder / f"{certificate}.key")

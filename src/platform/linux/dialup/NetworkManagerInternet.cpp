@@ -3,6 +3,8 @@
 #include "platform/linux/dialup/NetworkManagerClient.h"
 #include "platform/linux/dialup/NetworkManagerLines.h"
 
+#include <NetworkManager.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -39,6 +41,13 @@ ConnectedState NetworkManagerInternet::GetConnectedState() {
         state.Flags |= InternetConnectionModem | InternetConnectionConfigured;
     }
     return state;
+}
+
+// A guess, as for a telephone that shares its line, counts.
+bool NetworkManagerInternet::IsMetered() {
+    NMClient* const client = parts_.Client.Running();
+    const NMMetered metered = client != nullptr ? nm_client_get_metered(client) : NM_METERED_UNKNOWN;
+    return metered == NM_METERED_YES || metered == NM_METERED_GUESS_YES;
 }
 
 DialResult NetworkManagerInternet::Dial(const std::string& entryName, std::uint32_t flags) {

@@ -17,6 +17,7 @@ class NetworkManagerInternet : public Internet {
 
     /// Remote access counts as installed where NetworkManager answers, or may do so later.
     ConnectedState GetConnectedState() override;
+    bool IsMetered() override;
     DialResult Dial(const std::string& entryName, std::uint32_t flags) override;
 
   private:

@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace korvalin {
 namespace {
@@ -81,6 +82,38 @@ bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::func
     const Descriptor file(mkostemp(beside.data(), O_CLOEXEC));
     return file && PutInPlace(file, beside, path, mode, fill);
 }
+
+// A group of the user's number is the user's own on systems that give everybody one.
+bool OnlyWeCanWrite(const struct stat& status) {
+    const bool groupIsOurs = status.st_gid == getegid() && status.st_gid == geteuid();
+    return (status.st_uid == geteuid() || status.st_uid == 0) && (status.st_mode & S_IWOTH) == 0 &&
+           ((status.st_mode & S_IWGRP) == 0 || groupIsOurs);
+}
+
+// Written under the name of a temporary file of its own, as WriteBeside does.
+class PosixNewFile : public NewFile {
+  public:
+    explicit PosixNewFile(const std::filesystem::path& path)
+        : path_(path), beside_(path.string() + ".new-XXXXXX"), file_(mkostemp(beside_.data(), O_CLOEXEC)) {}
+    ~PosixNewFile() override {
+        if (file_ && !inPlace_) unlink(beside_.c_str());
+    }
+    PosixNewFile(const PosixNewFile&) = delete;
+    PosixNewFile& operator=(const PosixNewFile&) = delete;
+
+    bool IsOpen() const { return static_cast<bool>(file_); }
+    bool Write(std::string_view part) override { return WriteAll(file_.Get(), part); }
+    bool PutInPlace() override {
+        inPlace_ = korvalin::PutInPlace(file_, beside_, path_, ModeOf(path_), [](int) { return true; });
+        return inPlace_;
+    }
+
+  private:
+    std::filesystem::path path_;
+    std::string beside_;
+    Descriptor file_;
+    bool inPlace_ = false;
+};
 
 // A second name for the same file; a copy where the file system has none.
 bool KeepAs(const std::filesystem::path& path, const std::filesystem::path& kept) {
@@ -162,12 +195,25 @@ bool PosixFiles::Replace(const std::filesystem::path& path, std::string_view con
     return WriteBeside(path, ModeOf(path), [&](int file) { return WriteAll(file, content); });
 }
 
+std::unique_ptr<NewFile> PosixFiles::BeginReplace(const std::filesystem::path& path) {
+    auto file = std::make_unique<PosixNewFile>(path);
+    if (!file->IsOpen()) return nullptr;
+    return file;
+}
+
 bool PosixFiles::Copy(const std::filesystem::path& from, const std::filesystem::path& to) {
     const Descriptor source = OpenPlainFile(from, O_RDONLY);
     struct stat status {};
     if (!source || fstat(source.Get(), &status) != 0) return false;
     return WriteBeside(to, status.st_mode & permissionBits,
                        [&](int file) { return CopyAll(source.Get(), file); });
+}
+
+bool PosixFiles::IsOursAlone(const std::filesystem::path& path) {
+    struct stat file {};
+    struct stat folder {};
+    return lstat(path.c_str(), &file) == 0 && S_ISREG(file.st_mode) && file.st_nlink == 1 &&
+           OnlyWeCanWrite(file) && stat(path.parent_path().c_str(), &folder) == 0 && OnlyWeCanWrite(folder);
 }
 
 int PosixFiles::CreateFolders(const std::filesystem::path& folder) {

@@ -13,7 +13,9 @@ class PosixFiles : public Files {
     bool ReplaceKeeping(const std::filesystem::path& path, const std::filesystem::path& kept,
                         const std::function<bool(const Sink& sink)>& write) override;
     bool Replace(const std::filesystem::path& path, std::string_view content) override;
+    std::unique_ptr<NewFile> BeginReplace(const std::filesystem::path& path) override;
     bool Copy(const std::filesystem::path& from, const std::filesystem::path& to) override;
+    bool IsOursAlone(const std::filesystem::path& path) override;
     int CreateFolders(const std::filesystem::path& folder) override;
 };
 

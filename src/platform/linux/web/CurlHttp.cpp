@@ -1,5 +1,7 @@
 #include "platform/linux/web/CurlHttp.h"
 
+#include <chrono>
+
 namespace korvalin {
 namespace {
 
@@ -17,7 +19,10 @@ class NoStream : public HttpStream {
 class CurlStream : public HttpStream {
   public:
     CurlStream(const CurlLibrary& library, const HttpRequest& request, const CurlRules& rules)
-        : library_(library), multi_(library.MultiInit()), transfer_(library, request, rules) {
+        : library_(library),
+          multi_(library.MultiInit()),
+          transfer_(library, request, rules),
+          silence_(rules.SilenceSeconds) {
         library_.MultiAdd(multi_, transfer_.Handle());
     }
     ~CurlStream() override {
@@ -28,8 +33,14 @@ class CurlStream : public HttpStream {
     CurlStream& operator=(const CurlStream&) = delete;
 
     std::optional<std::string> Read(std::size_t bytes) override {
-        while (transfer_.BytesWaiting() == 0 && !transfer_.Ended())
-            Drive();
+        const auto giveUp = std::chrono::steady_clock::now() + silence_;
+        while (transfer_.BytesWaiting() == 0 && !transfer_.Ended()) {
+            if (std::chrono::steady_clock::now() > giveUp) {
+                transfer_.End(CURLE_OPERATION_TIMEDOUT);
+            } else {
+                Drive();
+            }
+        }
         std::string part = transfer_.Take(bytes);
         if (part.empty() && transfer_.Failure().Code != 0) return std::nullopt;
         return part;
@@ -50,6 +61,7 @@ class CurlStream : public HttpStream {
     const CurlLibrary& library_;
     CURLM* multi_;
     CurlTransfer transfer_;
+    std::chrono::seconds silence_;
 };
 
 } // namespace

@@ -18,6 +18,11 @@ class CurlLibrary {
     decltype(&::curl_easy_getinfo) EasyGetInfo = nullptr;
     decltype(&::curl_easy_strerror) EasyErrorText = nullptr;
     decltype(&::curl_easy_cleanup) EasyCleanUp = nullptr;
+    decltype(&::curl_url) UrlInit = nullptr;
+    decltype(&::curl_url_get) UrlGet = nullptr;
+    decltype(&::curl_url_set) UrlSet = nullptr;
+    decltype(&::curl_url_cleanup) UrlCleanUp = nullptr;
+    decltype(&::curl_free) Free = nullptr;
     decltype(&::curl_multi_init) MultiInit = nullptr;
     decltype(&::curl_multi_setopt) MultiSetOption = nullptr;
     decltype(&::curl_multi_add_handle) MultiAdd = nullptr;

@@ -1,6 +1,7 @@
 #include "platform/linux/web/CurlTransfer.h"
 
 #include "base/Text.h"
+#include "platform/linux/web/CurlAddress.h"
 
 #include <algorithm>
 #include <netinet/in.h>
@@ -12,7 +13,7 @@ namespace {
 
 constexpr long mostRedirects = 10;
 constexpr std::size_t mostHeaderBytes = 256UL * 1024; // of all answers of a transfer, redirects included
-constexpr long hardlyAnything = 20;                   // bytes a second
+constexpr long tooSlow = 100;                         // bytes a second
 
 bool IsLoopback(const sockaddr& address) {
     constexpr std::uint32_t loopbackNet = 127;
@@ -41,12 +42,11 @@ void CurlTransfer::Set(CURLoption option, Value value) {
 }
 
 void CurlTransfer::SetUp(const HttpRequest& request, const CurlRules& rules) {
-    Set(CURLOPT_URL, request.Address.c_str());
+    const CurlAddress address(library_, request.Address);
+    Set(CURLOPT_URL, address.WithoutAccount.c_str());
     Set(CURLOPT_USERAGENT, request.UserAgent.c_str());
-    if (!request.UserName.empty()) {
-        Set(CURLOPT_USERNAME, request.UserName.c_str());
-        Set(CURLOPT_PASSWORD, request.Password.c_str());
-    }
+    SetProxyAccount(request.UserName.empty() ? address.UserName : request.UserName,
+                    request.UserName.empty() ? address.Password : request.Password);
     Set(CURLOPT_ACCEPT_ENCODING, "");
     Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     Set(CURLOPT_SSL_VERIFYPEER, 1L);
@@ -56,19 +56,27 @@ void CurlTransfer::SetUp(const HttpRequest& request, const CurlRules& rules) {
         Set(CURLOPT_CAINFO, rules.TrustedCertificates.c_str());
         Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     }
-    const bool isPlain = StartsWithNoCase(request.Address, "http://");
+    const bool isPlain = StartsWithNoCase(address.WithoutAccount, "http://");
     Set(CURLOPT_PROTOCOLS_STR, isPlain ? "http,https" : "https"); // after redirects too
     if (isPlain) KeepToThisMachine();
     Set(CURLOPT_FOLLOWLOCATION, 1L);
     Set(CURLOPT_MAXREDIRS, mostRedirects);
     Set(CURLOPT_CONNECTTIMEOUT, rules.ConnectSeconds);
-    Set(CURLOPT_LOW_SPEED_LIMIT, hardlyAnything);
-    Set(CURLOPT_LOW_SPEED_TIME, rules.SilenceSeconds);
+    Set(CURLOPT_LOW_SPEED_LIMIT, tooSlow);
+    Set(CURLOPT_LOW_SPEED_TIME, rules.SlowSeconds);
     Set(CURLOPT_QUICK_EXIT, 1L); // the end of the program does not wait for a name server
     Set(CURLOPT_WRITEFUNCTION, &OnBody);
     Set(CURLOPT_WRITEDATA, static_cast<void*>(this));
     Set(CURLOPT_HEADERFUNCTION, &OnHeader);
     Set(CURLOPT_HEADERDATA, static_cast<void*>(this));
+}
+
+// Sent only when a proxy asks for it, in the safest way that the proxy knows.
+void CurlTransfer::SetProxyAccount(const std::string& userName, const std::string& password) {
+    if (userName.empty()) return;
+    Set(CURLOPT_PROXYUSERNAME, userName.c_str());
+    Set(CURLOPT_PROXYPASSWORD, password.c_str());
+    Set(CURLOPT_PROXYAUTH, static_cast<long>(CURLAUTH_BASIC | CURLAUTH_DIGEST));
 }
 
 // Looks at the address that is really connected to: a name can resolve to anything.

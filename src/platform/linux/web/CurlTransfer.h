@@ -8,8 +8,10 @@ namespace korvalin {
 /// What the transfers of this system keep to.
 struct CurlRules {
     long ConnectSeconds = 30;
-    /// A transfer ends when for so long hardly anything comes in.
+    /// A transfer that somebody waits for ends when for so long nothing comes in.
     long SilenceSeconds = 60;
+    /// Every transfer ends when for so long less than 100 bytes a second come in.
+    long SlowSeconds = 120;
     /// The certificates that are trusted, as one file; empty for the system's own.
     std::string TrustedCertificates = {};
 };
@@ -43,6 +45,7 @@ class CurlTransfer {
     std::size_t Append(std::string_view data);
     std::size_t NoteHeader(std::string_view line);
     void SetUp(const HttpRequest& request, const CurlRules& rules);
+    void SetProxyAccount(const std::string& userName, const std::string& password);
     void KeepToThisMachine();
     template <typename Value>
     void Set(CURLoption option, Value value);

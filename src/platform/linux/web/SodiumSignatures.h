@@ -8,6 +8,7 @@ namespace korvalin {
 class SodiumSignatures : public Signatures {
   public:
     bool IsValid(std::string_view content, std::string_view signature, std::string_view publicKey) override;
+    std::string Sha256(const std::filesystem::path& file) override;
 };
 
 } // namespace korvalin

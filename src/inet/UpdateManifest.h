@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/Date.h"
+#include "base/ProgramVersion.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvalin {
+
+class Signatures;
+
+/// What the maker signs: the version, until when this is said, and the files that belong to it.
+///
+///     signature (128 hexadecimal digits, over everything behind this line)
+///     Korvalin update 1
+///     version 2.4.1
+///     expires 2027-06-01
+///     file (bytes) (SHA-256, hexadecimal) setup241.exe
+struct UpdateManifest {
+    struct File {
+        std::string Name;
+        std::uintmax_t Bytes = 0;
+        std::string Sha256; ///< hexadecimal, in lower case
+    };
+    ProgramVersion Version;
+    Date Expires = 0; ///< the first day on which it is no longer believed
+    std::vector<File> Files;
+
+    /// nullptr for a file that does not belong to the version.
+    const File* Find(std::string_view name) const;
+};
+
+/// nullopt for what the key has not signed and for what is signed but cannot be read.
+std::optional<UpdateManifest> ReadManifest(std::string_view text, Signatures& signatures,
+                                           std::string_view publicKey);
+
+/// The bytes that hexadecimal digits stand for; nullopt when they are none.
+std::optional<std::string> BytesOfHex(std::string_view digits);
+
+} // namespace korvalin
