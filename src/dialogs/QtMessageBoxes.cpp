@@ -70,7 +70,7 @@ MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& t
 }
 
 void QtMessageBoxes::ShowNotice(const std::string& text, const std::string& title) {
-    if (displayLost_) return;
+    if (keep_) return keep_(text);
     auto* notice = new frmMessage(texts_);
     notice->setAttribute(Qt::WA_DeleteOnClose);
     notice->setAttribute(Qt::WA_ShowWithoutActivating);
