@@ -2,13 +2,15 @@
 _korvalin_cli() {
     local words=
     case "${COMP_WORDS[*]:1:COMP_CWORD-1}" in
-        "") words="settings lines network records sums repair record -h --help" ;;
+        "") words="settings lines network status metrics provider records sums repair record -h --help --version" ;;
         settings) words="list get set -h --help" ;;
         *--period) words="day week month" ;;
         lines*--format) words="table json" ;;
+        status*--format) words="json text" ;;
         *--format) words="table json csv" ;;
         *--alias | *--from | *--till) ;;
         lines*) words="--watch --format -h --help" ;;
+        status*) words="--alias --watch --format -h --help" ;;
         network*) words="--json -h --help" ;;
         records*) words="--alias --closed --format --from --till -h --help" ;;
         sums*) words="--period --alias --closed --format -h --help" ;;

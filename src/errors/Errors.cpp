@@ -117,7 +117,7 @@ void Errors::DisplayFailure(std::string_view procName, const std::string& text) 
     const bool again = text == lastFailure_ && now >= lastFailureTime_ && lastFailureTime_ + quietSpan > now;
     if (again) return WriteErrorLog(text, procName);
     lastFailure_ = text;
-    messageBoxes_.Show(text, std::string(ProgramTitle) + " " + hooks_.Text(207), MessageIcon::Warning,
+    messageBoxes_.Show(text, std::string(ProgramTitle) + " " + hooks_.Text(207), MessageIcon::Critical,
                        MessageButtons::Ok);
     lastFailureTime_ = clock_.Now();
 }

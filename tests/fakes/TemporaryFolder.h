@@ -1,12 +1,11 @@
 #pragma once
 
-#include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 namespace korvalin {
 
@@ -14,10 +13,9 @@ namespace korvalin {
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        static std::atomic<int> number = 0;
-        path_ = std::filesystem::temp_directory_path() /
-                ("korvalin-test-" + std::to_string(getpid()) + "-" + std::to_string(number++));
-        std::filesystem::create_directories(path_);
+        // A test that was killed may have left its own behind.
+        std::string name = std::filesystem::temp_directory_path() / "korvalin-test-XXXXXX";
+        path_ = mkdtemp(name.data());
     }
     ~TemporaryFolder() {
         std::error_code ignored;

@@ -36,7 +36,7 @@ def uses():
     """Every (section, number) in the sources, with the file that uses it."""
     pages = {"GraphPage": "frmStatistik"}  # pages with the texts of the window that they are a part of
     helper_sections = {"Errors.cpp": "modGlobal", "ConnectionState.cpp": "modConnInfo", "UpdateCheck.cpp": "modInternet",
-                       "UpdateDownload.cpp": "modInternet"}
+                       "UpdateDownload.cpp": "modInternet", "frmStatistik.cpp": "frmStatistik"}
     for path in sorted((root / "src").rglob("*")):
         if path.suffix not in (".cpp", ".h", ".ui"):
             continue

@@ -226,7 +226,7 @@ TEST_F(StatFaults, WhatCannotBeReadIsReportedAndLeftAlone) {
             const WithoutRoot somebody;
             EXPECT_EQ(stats.LoadStatFile(records, true), 0);
         }
-        EXPECT_NE(boxes.Take().Text.find("LoadStatFile"), std::string::npos);
+        EXPECT_EQ(TakeBoxes().size(), 1U);
         EXPECT_TRUE(fs::remove(path));
         clock.Advance(5);
     }

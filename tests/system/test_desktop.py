@@ -147,8 +147,10 @@ class Desktop(rig.DesktopCase):
         self.picture("what failed at the end")
 
     def test_settings_of_every_wrong_kind_and_a_vanished_folder_do_not_stop_it(self):
-        process = self.start(DataPath=self.home.path / "gone", MON_Width="wide", ChartMax="-5", picWidthMin="x", UnitKB="parsec",
-                             ConnDataMax="1e300", FontSize="0", Opacity="none", ChartBackgroundColor="blue")
+        for name, wrong in {"MON_Width": "wide", "ChartMax": "-5", "picWidthMin": "x", "UnitKB": "parsec", "ConnDataMax": "1e300",
+                            "FontSize": "0", "Opacity": "none", "ChartBackgroundColor": "blue"}.items():
+            self.home.cli("settings", "set", name, wrong, check=False)
+        process = self.start(DataPath=self.home.path / "gone")
         # The folder is told of, and the window is behind what tells it.
         self.press(rig.wait_for(lambda: self.display.window("^Korvalin$"), "the message"), "Return")
         rig.wait_for(lambda: not self.display.window("^Korvalin$"), "the message's end")

@@ -39,7 +39,7 @@ def pack(folder, *options):
 
 
 def files(folder):
-    return {str(file.relative_to(folder)) for file in folder.rglob("*") if not file.is_dir()}
+    return {str(file.relative_to(folder)) for file in folder.rglob("*") if file.is_file() or file.is_symlink()}
 
 
 class Package(rig.DesktopCase):
