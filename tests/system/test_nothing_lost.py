@@ -79,6 +79,14 @@ class OrdinaryUser(rig.RecorderCase):
     def moved(self):
         return self.home.moved("records").get("wire0", [0, 0])
 
+    def test_a_setting_that_is_not_stored_is_said(self):
+        store = self.home.store.parent
+        subprocess.run(["chmod", "-R", "a-w", store], check=True)
+        self.addCleanup(subprocess.run, ["chmod", "-R", "u+w", store], check=True)
+        status, shown, said = self.run_as_user("settings", "set", "ChartMax", "55")
+        self.assertEqual((status, shown.strip()), (1, "100"))
+        self.assertTrue(said)
+
     def test_what_cannot_be_read_is_said(self):
         self.end(self.recorder())
         file = self.data / "Korvalin_Stats.db"
