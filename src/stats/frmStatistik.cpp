@@ -752,10 +752,11 @@ void frmStatistik::DeleteRows(const std::vector<int>& rows) {
         graph_->ShowRecords(records_);
     }
     if (deletion == StatFile::Deletion::Done || deletion == StatFile::Deletion::Cancelled) return;
-    const int reason = deletion == StatFile::Deletion::Held      ? 27
-                       : deletion == StatFile::Deletion::Changed ? 28
-                                                                 : 29;
-    parts_.Errors.DisplayError("mnuDelete", 0, Text(reason) + "\n" + parts_.StatFile.StatFilePath().string());
+    int reason = 29;
+    if (deletion == StatFile::Deletion::Held) reason = 27;
+    if (deletion == StatFile::Deletion::Changed) reason = 28;
+    parts_.MessageBoxes.Show(Text(reason) + "\n" + parts_.StatFile.StatFilePath().string(),
+                             std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
 }
 
 // ---- export

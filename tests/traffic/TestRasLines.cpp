@@ -32,15 +32,7 @@ TEST_F(RasLines, TheTypeFollowsTheFlags) {
     for (const auto& row : rows) {
         internet.State = {row.Flags != 0, row.Flags};
         LineState state;
-        LineMonitor fresh{{.LineState = state,
-                           .LineBook = book,
-                           .RasReader = rasReader,
-                           .LanReader = lanReader,
-                           .TrafficOptions = options,
-                           .Internet = internet,
-                           .User = user,
-                           .Clock = clock,
-                           .Errors = errors}};
+        LineMonitor fresh{MonitorOf(state)};
         fresh.Get_Bytes_Transmitted();
         EXPECT_EQ(state.MonitoredLineType, row.Expected) << row.Flags;
     }

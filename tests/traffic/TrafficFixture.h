@@ -52,15 +52,18 @@ class TrafficFixture : public CoreFixture {
                          .Settings = settings,
                          .Errors = errors,
                          .Clock = clock}};
-    LineMonitor monitor{{.LineState = lines,
-                         .LineBook = book,
-                         .RasReader = rasReader,
-                         .LanReader = lanReader,
-                         .TrafficOptions = options,
-                         .Internet = internet,
-                         .User = user,
-                         .Clock = clock,
-                         .Errors = errors}};
+    LineMonitor::Parts MonitorOf(LineState& state) {
+        return {.LineState = state,
+                .LineBook = book,
+                .RasReader = rasReader,
+                .LanReader = lanReader,
+                .TrafficOptions = options,
+                .Internet = internet,
+                .User = user,
+                .Clock = clock,
+                .Errors = errors};
+    }
+    LineMonitor monitor{MonitorOf(lines)};
     std::vector<Closed> closed;
     int historyResizes = 0;
 };
