@@ -1,7 +1,9 @@
 # Warnings, language level and sanitizers live on one target that every other one links.
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  # Without both the cache takes no source that is compiled with a precompiled header, which is every one.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
 add_library(korvalin_options INTERFACE)
