@@ -62,6 +62,7 @@ add_library(korvalin_gui STATIC
   stats/graph/GraphPage.ui
   stats/graph/PictureCanvas.cpp
   stats/LongJob.cpp
+  stats/StatList.cpp
   stats/StatTableModel.cpp
   stats/TariffEditor.cpp)
 set_target_properties(korvalin_gui PROPERTIES AUTOMOC ON AUTORCC ON AUTOUIC ON)

@@ -78,8 +78,8 @@ void AppendUtf8(std::string& text, char32_t code) {
 
 // Of one well-formed sequence.
 char32_t CodeOf(std::string_view sequence) {
-    const unsigned lead = Byte(sequence.front());
-    char32_t code = sequence.size() == 2 ? lead & 0x1FU : sequence.size() == 3 ? lead & 0x0FU : lead & 0x07U;
+    constexpr unsigned leadBits[] = {0x7FU, 0x1FU, 0x0FU, 0x07U};
+    char32_t code = Byte(sequence.front()) & leadBits[sequence.size() - 1];
     for (const char c : sequence.substr(1))
         code = code << 6U | (Byte(c) & 0x3FU);
     return code;

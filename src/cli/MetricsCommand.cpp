@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <functional>
 
 namespace korvalin {
 namespace {
@@ -42,7 +41,7 @@ struct AliasFamily {
     const char* Name;
     const char* Help;
     bool NeedsAllowance;
-    std::function<double(const AllowanceUse&)> Value;
+    double (*Value)(const AllowanceUse&);
 };
 
 void PrintAliasFamilies(const std::vector<AliasUse>& aliases, AllowanceUse AliasUse::*measure,

@@ -107,10 +107,13 @@ int RunDesktop(int argc, char** argv) {
         }
         statistics->Open();
     };
-    DesktopNotifier notifier([&](const std::string& title, const std::string& text) {
-        messageBoxes.ShowNotice(text, title);
+    DesktopNotifier notifier(
+        [&](const std::string& title, const std::string& text) { messageBoxes.ShowNotice(text, title); });
+    QObject::connect(&notifier, &DesktopNotifier::Clicked, [&] {
+        openStatistics();
+        statistics->ShowSums();
     });
-    program.allowanceWatch.Plug(notifier, openStatistics);
+    program.allowanceWatch.Plug(notifier);
     QtNotificationArea tray;
     QPointer<frmEinstellungen> settings; // exists only while it is shown
     frmMain window({.Settings = program.settings,

@@ -31,6 +31,15 @@ constexpr int smallestPartInSight = 30;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
 constexpr double opaque = 255.0;
 
+Qt::CursorShape CursorFor(Qt::Edges edges) {
+    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge))
+        return Qt::SizeFDiagCursor;
+    if (edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge))
+        return Qt::SizeBDiagCursor;
+    if (edges & (Qt::LeftEdge | Qt::RightEdge)) return Qt::SizeHorCursor;
+    return edges ? Qt::SizeVerCursor : Qt::ArrowCursor;
+}
+
 } // namespace
 
 frmMain::frmMain(const Parts& parts)
@@ -466,15 +475,7 @@ void frmMain::lblMove_MouseMove(const QMouseEvent& event) {
         return;
     }
     const Qt::Edges edges = EdgesAt(ui_->lblMove->mapToParent(event.pos()));
-    const bool leftToRight =
-        edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge);
-    const bool rightToLeft =
-        edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge);
-    ui_->lblMove->setCursor(leftToRight                                     ? Qt::SizeFDiagCursor
-                            : rightToLeft                                   ? Qt::SizeBDiagCursor
-                            : (edges & (Qt::LeftEdge | Qt::RightEdge)) != 0 ? Qt::SizeHorCursor
-                            : edges                                         ? Qt::SizeVerCursor
-                                                                            : Qt::ArrowCursor);
+    ui_->lblMove->setCursor(CursorFor(edges));
 }
 
 void frmMain::lblMove_DblClick() {

@@ -1,15 +1,13 @@
 #pragma once
 
 #include "base/Date.h"
+#include "platform/TransferControl.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace korvalin {
-
-/// FetchState::LastState of a finished transfer.
-inline constexpr int FetchFinished = 20;
 
 /// Why a fetch failed, for who has to tell people.
 enum class FetchFailure { None, Missing, TooLong, NotSaved, NoAnswer };
@@ -23,7 +21,7 @@ struct FetchState {
     std::string PageText;
     bool ToFile = false;
     Date StartTime = 0;
-    int LastState = 0;
+    TransferState LastState = TransferState::None;
     /// Seconds awake at the last event or received chunk.
     double LastActivity = 0;
     std::string Url; ///< without its account

@@ -40,10 +40,10 @@ std::string StatusText(const HttpHead& head) {
 } // namespace
 
 void WebFetch::UseControl(TransferControl* control) {
-    if (control_ != nullptr) control_->Plug({[](int) {}, [] {}});
+    if (control_ != nullptr) control_->Plug({[](TransferState) {}, [] {}});
     control_ = control;
     if (control_ != nullptr)
-        control_->Plug({[this](int state) { Control_StateChanged(state); }, [this] { Timer_Timer(); }});
+        control_->Plug({[this](TransferState state) { Control_StateChanged(state); }, [this] { Timer_Timer(); }});
 }
 
 // ---- what both transports share
@@ -196,17 +196,17 @@ bool WebFetch::Inet_GetBgrd(const std::string& url, const std::filesystem::path&
     return true;
 }
 
-void WebFetch::Control_StateChanged(int state) {
+void WebFetch::Control_StateChanged(TransferState state) {
     Touch();
     state_.LastState = state;
     switch (state) {
-    case TransferReceiving: return TakePart();
-    case TransferError:
+    case TransferState::Receiving: return TakePart();
+    case TransferState::Error:
         return GiveUp(FetchFailure::NoAnswer,
                       fmt::format("{}:{}", control_->ResponseCode(), control_->ResponseInfo()));
-    case TransferCompleted:
+    case TransferState::Completed:
         TakeEnd();
-        state_.LastState = FetchFinished;
+        state_.LastState = TransferState::Finished;
         return control_->Unload();
     default: return;
     }
@@ -278,7 +278,7 @@ bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) 
 }
 
 bool WebFetch::AwaitControl() {
-    const auto ended = [this] { return state_.LastState == FetchFinished || !state_.Status.empty(); };
+    const auto ended = [this] { return state_.LastState == TransferState::Finished || !state_.Status.empty(); };
     while (!ended()) {
         parts_.Events.Wait(waitMilliseconds);
         if (!ended() && IsInactiveFor(patienceSeconds)) TimeOut();

@@ -83,7 +83,7 @@ class WebFetch {
     void TimeOut();
     bool Fetch(const std::string& url, const std::filesystem::path& file);
     bool AwaitControl();
-    void Control_StateChanged(int state);
+    void Control_StateChanged(TransferState state);
     void TakePart();
     void TakeEnd();
     void TakeChunks();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 namespace korvalin {
@@ -10,8 +9,8 @@ class Notifier {
   public:
     virtual ~Notifier() = default;
 
-    /// Shows a notice; `clicked` runs when the user clicks on it, perhaps never.
-    virtual void Notify(const std::string& title, const std::string& text, std::function<void()> clicked) = 0;
+    /// Shows a notice.
+    virtual void Notify(const std::string& title, const std::string& text) = 0;
 };
 
 } // namespace korvalin

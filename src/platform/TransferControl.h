@@ -6,17 +6,16 @@
 
 namespace korvalin {
 
-/// States that a transfer control reports, as the Internet Transfer control numbers them.
-inline constexpr int TransferReceiving = 7;
-inline constexpr int TransferError = 11;
-inline constexpr int TransferCompleted = 12;
+/// How a transfer stands, as the Internet Transfer control numbers it; Finished is never reported:
+/// all of the answer has been taken.
+enum class TransferState { None = 0, Receiving = 7, Error = 11, Completed = 12, Finished = 20 };
 
 /// Fetches one file at a time beside everything else, under the same rules as Http. Everything is reported
 /// from the event loop.
 class TransferControl {
   public:
     struct Hooks {
-        std::function<void(int state)> StateChanged;
+        std::function<void(TransferState state)> StateChanged;
         /// Every second while a transfer runs.
         std::function<void()> Timer;
     };

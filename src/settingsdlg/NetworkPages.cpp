@@ -101,7 +101,8 @@ void NetworkPages::ShowConnection() {
                                 ui_.txtConnInfo4};
     for (std::size_t i = 0; i < std::size(lines); ++i)
         lines[i]->setText(QString::fromStdString(fields[i]));
-    ui_.txtConnInfo5->setPlainText(QString::fromStdString(fields.back()));
+    const std::string tcp = TcpText(parts_.NetworkTables, parts_.Language, parts_.Locale);
+    ui_.txtConnInfo5->setPlainText(QString::fromStdString(fields.back() + "\n" + tcp));
 }
 
 } // namespace korvalin

@@ -190,4 +190,14 @@ TextTable BuildAddressTable(NetworkTables& network) {
     return table;
 }
 
+std::string TcpText(NetworkTables& network, Language& language, const Locale& locale) {
+    const TcpStatistics tcp = network.GetTcpStatistics();
+    if (tcp.InSegs == 0 && tcp.OutSegs == 0) return {};
+    const auto figure = [&](int number, std::uint32_t value) {
+        return language.Lng("frmEinstellungen", number) + " " + FormatNumber(value, "#,##0", locale);
+    };
+    return "TCP: " + figure(50, tcp.NumConns) + ", " + figure(51, tcp.CurrEstab) + ", " +
+           figure(52, tcp.InSegs) + ", " + figure(53, tcp.OutSegs);
+}
+
 } // namespace korvalin

@@ -34,4 +34,7 @@ TextTable BuildAdapterTable(NetworkTables& network, Language& language, const Lo
 /// system cannot tell, the columns alone.
 TextTable BuildAddressTable(NetworkTables& network);
 
+/// The TCP figures of the whole machine in one line; empty when the system does not tell.
+std::string TcpText(NetworkTables& network, Language& language, const Locale& locale);
+
 } // namespace korvalin

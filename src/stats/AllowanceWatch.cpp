@@ -38,11 +38,6 @@ std::string PeriodText(const AliasUse& use) {
 
 } // namespace
 
-void AllowanceWatch::Plug(Notifier& notifier, std::function<void()> clicked) {
-    notifier_ = &notifier;
-    clicked_ = std::move(clicked);
-}
-
 void AllowanceWatch::PassEnded() {
     const double now = parts_.Clock.AwakeSeconds();
     if (notifier_ == nullptr || !parts_.MonthSums.Valid() ||
@@ -71,7 +66,7 @@ void AllowanceWatch::Check(const AliasUse& use) {
     if (told.size() == before) return;
     Remember(use, told); // first: a notice that comes twice is worse than one that a crash swallows
     for (const std::string& text : {volume, hours}) {
-        if (!text.empty()) notifier_->Notify(use.Alias, text, clicked_);
+        if (!text.empty()) notifier_->Notify(use.Alias, text);
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "stats/Forecast.h"
 
-#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -33,8 +32,8 @@ class AllowanceWatch {
     };
     explicit AllowanceWatch(const Parts& parts) : parts_(parts) {}
 
-    /// Until then nobody is warned. `clicked`: the user wants to see more.
-    void Plug(Notifier& notifier, std::function<void()> clicked);
+    /// Until then nobody is warned.
+    void Plug(Notifier& notifier) { notifier_ = &notifier; }
 
     /// To be called often; looks once a minute.
     void PassEnded();
@@ -52,7 +51,6 @@ class AllowanceWatch {
 
     Parts parts_;
     Notifier* notifier_ = nullptr;
-    std::function<void()> clicked_;
     double lastCheck_ = 0;                    // seconds awake
     std::map<std::string, std::string> told_; // by alias, as the settings should have it
 };

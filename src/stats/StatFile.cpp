@@ -121,11 +121,9 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Pro
     parts_.Errors.Step(procName, [&] { Tidy(records, open); });
     if (repair && report_.NeedsRepair()) {
         using Hindrance = LoadReport::Hindrance;
-        // A file without any record is probably none of ours.
-        report_.NotRewritten = records.List.empty() ? Hindrance::NoRecords
-                               : !whole             ? Hindrance::Unreadable
-                               : !lock              ? WhyNotHeld()
-                                                    : Hindrance::None;
+        if (!lock) report_.NotRewritten = WhyNotHeld();
+        if (!whole) report_.NotRewritten = Hindrance::Unreadable;
+        if (records.List.empty()) report_.NotRewritten = Hindrance::NoRecords; // probably no file of ours
         if (report_.NotRewritten == Hindrance::None) parts_.Errors.Step(procName, [&] { Repair(records); });
     }
     return static_cast<std::int32_t>(records.List.size());

@@ -22,7 +22,7 @@
 #include "stats/MonthSums.h"
 #include "stats/PeriodSums.h"
 #include "stats/Recorder.h"
-#include "stats/StatExport.h"
+#include "stats/StatList.h"
 #include "stats/TariffEditor.h"
 #include "stats/graph/GraphPage.h"
 #include "ui_frmStatistik.h"
@@ -31,19 +31,16 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QMenu>
 #include <QSaveFile>
 #include <QScreen>
 #include <QShortcut>
-#include <QVBoxLayout>
 
 namespace korvalin {
 namespace {
 
 constexpr int followMilliseconds = 1000;
-constexpr int mostNameCharacters = 40; // of an alias in a column that fits what it shows
-constexpr int maximised = 2;           // of the setting Keys::STATS_State; 0 is normal
+constexpr int maximised = 2; // of the setting Keys::STATS_State; 0 is normal
 
 QString AskForFile(QWidget* parent, const QString& suggestion, const QString& filter) {
     return QFileDialog::getSaveFileName(parent, QString(), suggestion, filter);
@@ -58,11 +55,8 @@ std::vector<int> AllRows(int count) {
 } // namespace
 
 frmStatistik::frmStatistik(const Parts& parts)
-    : parts_(parts),
-      chooseFile_(AskForFile),
-      ui_(MakeUi<Ui::frmStatistik>(*this)),
-      recordModel_(RecordColumns(), parts.Language, parts.Locale),
-      sumModel_(SumColumns(), parts.Language, parts.Locale) {
+    : parts_(parts), chooseFile_(AskForFile), ui_(MakeUi<Ui::frmStatistik>(*this)) {
+    SetUpLists();
     graph_ = new GraphPage({.Settings = parts_.Settings,
                             .Language = parts_.Language,
                             .Errors = parts_.Errors,
@@ -81,7 +75,7 @@ frmStatistik::frmStatistik(const Parts& parts)
     connect(tariff_.get(), &TariffEditor::AliasChanged, this, &frmStatistik::AliasChanged);
     SetUpControls();
     ApplyTexts();
-    SetUpLists();
+    FitColumns(true);
     ConnectControls();
     ConnectMenu();
     ConnectKeys();
@@ -106,81 +100,29 @@ void frmStatistik::SetUpControls() {
 }
 
 void frmStatistik::SetUpLists() {
-    SetUpList(*ui_->ListStats, recordModel_, false);
-    SetUpList(*ui_->ListStatsSum, sumModel_, true);
-    ui_->ListStats->setColumnHidden(recordModel_.columnCount() - 1, true);
-    FitColumns(true);
-}
-
-void frmStatistik::SetUpList(QTableView& list, StatTableModel& model, bool ofSums) {
-    list.setModel(&model);
-    list.setStyle(&listStyle_);
-    list.horizontalHeader()->setStyle(&listStyle_);
-    const QFontMetrics metrics = list.fontMetrics();
-    list.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    list.verticalHeader()->setDefaultSectionSize(metrics.height() + 6);
-    QHeaderView& header = *list.horizontalHeader();
-    header.setSectionsClickable(true);
-    header.setStretchLastSection(!ofSums); // a note may be long, a figure would only be far away
     StatTableModel::Order stored;
-    if (!ofSums) {
-        stored.Column = parts_.Settings.Get(Keys::STATS_SortColumn);
-        if (parts_.Settings.Get(Keys::STATS_SortDown)) stored.Direction = Qt::DescendingOrder;
-    }
-    model.SetOrder(stored, {});
-    header.setSortIndicator(stored.Column, stored.Direction);
-    header.setSortIndicatorShown(true);
-    connect(&header, &QHeaderView::sortIndicatorChanged, this,
-            [this, &list](int column, Qt::SortOrder order) { SortByColumn(list, column, order); });
-    connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ShowCounts(); });
-    auto* note = new QLabel(list.viewport());
-    note->setObjectName(QStringLiteral("lblEmpty"));
-    note->setAlignment(Qt::AlignCenter);
-    note->setWordWrap(true);
-    note->setAttribute(Qt::WA_TransparentForMouseEvents);
-    (new QVBoxLayout(list.viewport()))->addWidget(note);
+    stored.Column = parts_.Settings.Get(Keys::STATS_SortColumn);
+    if (parts_.Settings.Get(Keys::STATS_SortDown)) stored.Direction = Qt::DescendingOrder;
+    ui_->ListStats->SetUp(StatList::Of::Records, parts_.Language, parts_.Locale, stored);
+    ui_->ListStats->setColumnHidden(ui_->ListStats->Model().columnCount() - 1, true);
+    ui_->ListStatsSum->SetUp(StatList::Of::Sums, parts_.Language, parts_.Locale, {});
 }
 
 // ---- columns
 
 void frmStatistik::FitColumns(bool mayShrink) {
-    FitColumns(*ui_->ListStats, records_, mayShrink);
-    FitColumns(*ui_->ListStatsSum, sums_, mayShrink);
-}
-
-// As wide as what they show and as what they are likely to show.
-void frmStatistik::FitColumns(QTableView& list, const StatRecords& records, bool mayShrink) {
-    const StatTableModel& model = ModelOf(list);
-    const QFontMetrics metrics = list.fontMetrics();
-    const int widest = metrics.averageCharWidth() * mostNameCharacters;
-    QHeaderView& header = *list.horizontalHeader();
-    for (int column = 0; column < model.columnCount(); ++column) {
-        const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
-        std::vector<std::string> texts = WidestTexts(records.List, field, unit_, parts_.Locale);
-        texts.push_back(SampleText(field, &list == ui_->ListStatsSum, parts_.Locale));
-        int width = 0;
-        for (const std::string& text : texts)
-            width = std::max(width, metrics.horizontalAdvance(QString::fromStdString(text)));
-        if (field == StatColumn::Field::Alias) width = std::min(width, widest);
-        width = std::max(width + metrics.horizontalAdvance(QStringLiteral("----")),
-                         header.sectionSizeHint(column));
-        header.resizeSection(column, mayShrink ? width : std::max(width, header.sectionSize(column)));
-    }
+    ui_->ListStats->FitColumns(records_.List, mayShrink);
+    ui_->ListStatsSum->FitColumns(sums_.List, mayShrink);
 }
 
 // At the first opening nobody has chosen a width yet.
 void frmStatistik::WidenForColumns() {
     if (!std::exchange(firstOpening_, false) || isMaximized()) return;
-    const QTableView& list = *ui_->ListStats;
-    const int note = recordModel_.columnCount() - 2; // stretched, so its width says nothing
-    const QString sample = QString::fromStdString(SampleText(StatColumn::Field::Info, false, parts_.Locale));
-    int needed = list.fontMetrics().horizontalAdvance(QStringLiteral("----") + sample);
-    for (int column = 0; column < note; ++column)
-        needed += list.columnWidth(column);
+    const StatList& list = *ui_->ListStats;
     const QRect free = screen()->availableGeometry();
     const int frame = frameGeometry().width() - width();
-    resize(std::min(std::max(width() + needed - list.viewport()->width(), width()), free.width() - frame),
-           height());
+    const int missing = std::max(list.WidthOfColumns() - list.viewport()->width(), 0);
+    resize(std::min(width() + missing, free.width() - frame), height());
     if (frameGeometry().right() > free.right()) move(free.right() + 1 - width() - frame, y());
 }
 
@@ -197,16 +139,19 @@ void frmStatistik::ConnectControls() {
     connect(&job_, &LongJob::Progress, this, &frmStatistik::ShowProgress);
     connect(ui_->SSTab, &QTabWidget::currentChanged, this, [this] { ShowCounts(); });
     connect(&follow_, &QTimer::timeout, this, &frmStatistik::FollowFile);
-    for (QTableView* list : {ui_->ListStats, ui_->ListStatsSum}) {
+    for (StatList* list : {ui_->ListStats, ui_->ListStatsSum}) {
         connect(list, &QWidget::customContextMenuRequested, this,
                 [this, list](const QPoint& at) { OpenContextMenu(*list, at); });
+        connect(list, &StatList::SelectionChanged, this, &frmStatistik::ShowCounts);
+        connect(list, &StatList::OrderWanted, this,
+                [this, list](int column, Qt::SortOrder order) { SortByColumn(*list, column, order); });
     }
 }
 
 void frmStatistik::ConnectMenu() {
     const auto connectItem = [this](QAction* item, void (frmStatistik::*click)()) {
         item->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        for (QTableView* list : {ui_->ListStats, ui_->ListStatsSum})
+        for (StatList* list : {ui_->ListStats, ui_->ListStatsSum})
             list->addAction(item); // its shortcut works where the list has the focus
         connect(item, &QAction::triggered, this, click);
     };
@@ -251,8 +196,8 @@ void frmStatistik::ApplyTexts() {
     nameAsTab(ui_->ListStats, 0);
     nameAsTab(ui_->ListStatsSum, 2);
     ui_->SSTab->setTabToolTip(2, text("frmStatistik", 47));
-    for (StatTableModel* model : {&recordModel_, &sumModel_})
-        emit model->headerDataChanged(Qt::Horizontal, 0, model->columnCount() - 1);
+    for (StatList* list : {ui_->ListStats, ui_->ListStatsSum})
+        emit list->Model().headerDataChanged(Qt::Horizontal, 0, list->Model().columnCount() - 1);
 }
 
 void frmStatistik::changeEvent(QEvent* event) {
@@ -284,8 +229,12 @@ void frmStatistik::Open() {
     cancelled_ = false; // what the close box has just cancelled goes on
     follow_.start(followMilliseconds);
     if (wasOpen || loading_ || busy_) return;
-    loading_ = true;
+    loading_ = true; // another opening before the turn comes must not load too
     QTimer::singleShot(0, this, [this] { LoadRecords(); });
+}
+
+void frmStatistik::ShowSums() {
+    ui_->SSTab->setCurrentWidget(ui_->pageSums);
 }
 
 void frmStatistik::RestoreGeometry() {
@@ -327,8 +276,8 @@ void frmStatistik::closeEvent(QCloseEvent* event) {
 
 // Nothing of a million records is needed while the window is closed.
 void frmStatistik::ReleaseRecords() {
-    recordModel_.SetRows(records_.List, {});
-    sumModel_.SetRows(sums_.List, {});
+    ui_->ListStats->Model().SetRows(records_.List, {});
+    ui_->ListStatsSum->Model().SetRows(sums_.List, {});
     records_ = StatRecords();
     sums_ = StatRecords();
     graph_->ShowRecords(records_);
@@ -348,11 +297,7 @@ void frmStatistik::LoadRecords() {
     // A part of the records must never be taken for all of them.
     if (cancelled_) return ReleaseRecords();
     ShowLoading(false);
-    sumsNeedRecalculation_ = true;
-    tariff_->ShowLines(records_.List.empty() ? std::vector<AliasInfo>() : parts_.Aliases.Lines());
-    FillFilter();
-    FillStats();
-    graph_->ShowRecords(records_);
+    ShowRecords();
     FitColumns(true);
     WidenForColumns();
     if (OnGraph())
@@ -406,7 +351,7 @@ void frmStatistik::Reload() {
 void frmStatistik::TakeRecords(StatRecords fresh, std::size_t known) {
     {
         const KeepListView place(*ui_->ListStats, [this](int row) { return KeyOfRecord(row); });
-        recordModel_.SetRows(records_.List, {});
+        ui_->ListStats->Model().SetRows(records_.List, {});
         records_ = std::move(fresh);
         recordsKnown_ = known;
         sumsNeedRecalculation_ = true;
@@ -476,13 +421,14 @@ void frmStatistik::FillFilter() {
 
 // What is open has no place in the file.
 std::pair<std::string, double> frmStatistik::KeyOfRecord(int row) const {
-    const StatRecord& record = recordModel_.Record(row);
+    const StatRecord& record = ui_->ListStats->Model().Record(row);
     return {record.FileIndex == 0 ? std::string(record.LineName) : std::string(),
             static_cast<double>(record.FileIndex)};
 }
 
 std::pair<std::string, double> frmStatistik::KeyOfSum(int row) const {
-    return {std::string(sumModel_.Record(row).Alias), sumModel_.Record(row).StatPeriodBegin};
+    return {std::string(ui_->ListStatsSum->Model().Record(row).Alias),
+            ui_->ListStatsSum->Model().Record(row).StatPeriodBegin};
 }
 
 void frmStatistik::FillStats() {
@@ -496,7 +442,7 @@ void frmStatistik::FillStats() {
 void frmStatistik::FillLists() {
     parts_.Errors.Step("FillStats", [&] {
         const std::string filter = ui_->cboFilter->currentData().toString().toStdString();
-        recordModel_.SetRows(records_.List, FilterRows(records_.List, filter));
+        ui_->ListStats->Model().SetRows(records_.List, FilterRows(records_.List, filter));
         FillSums();
     });
     ShowEmptyNotes();
@@ -506,54 +452,29 @@ void frmStatistik::FillSums() {
     const std::string filter = ui_->cboFilter->currentData().toString().toStdString();
     const KeepListView place(*ui_->ListStatsSum, [this](int row) { return KeyOfSum(row); });
     if (sumsNeedRecalculation_) {
-        sumModel_.SetRows(sums_.List, {});
+        ui_->ListStatsSum->Model().SetRows(sums_.List, {});
         parts_.PeriodSums.CalcStatSums(records_, static_cast<SumPeriod>(ui_->optStatSum->checkedId()), sums_);
         sumsNeedRecalculation_ = false;
     }
-    sumModel_.SetRows(sums_.List, FilterRows(sums_.List, filter));
+    ui_->ListStatsSum->Model().SetRows(sums_.List, FilterRows(sums_.List, filter));
 }
 
 void frmStatistik::ShowEmptyNotes() {
-    for (QTableView* list : {ui_->ListStats, ui_->ListStatsSum}) {
-        auto* note = list->findChild<QLabel*>(QStringLiteral("lblEmpty"));
-        note->setText(QString::fromStdString(Text(records_.List.empty() ? 45 : 46)));
-        note->setVisible(!loading_ && ModelOf(*list).rowCount() == 0);
-    }
+    const std::string note = Text(records_.List.empty() ? 45 : 46);
+    for (StatList* list : {ui_->ListStats, ui_->ListStatsSum})
+        list->ShowNote(loading_ || list->Model().rowCount() > 0 ? std::string() : note);
 }
 
 // ---- the line below the lists
-
-// Of the selected rows.
-std::string frmStatistik::SumOf(const QTableView& list) const {
-    const StatTableModel& model = ModelOf(list);
-    StatRecord sum;
-    for (const QItemSelectionRange& range : list.selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row) {
-            sum.Duration += model.Record(row).Duration;
-            sum.BytesTransmitted += model.Record(row).BytesTransmitted;
-            sum.BytesReceived += model.Record(row).BytesReceived;
-        }
-    }
-    using Field = StatColumn::Field;
-    std::string text;
-    for (const auto& [caption, field] : {std::pair(14, Field::Duration),
-                                         {16, Field::BytesTransmitted},
-                                         {17, Field::BytesReceived},
-                                         {9, Field::Total}})
-        text += "   " + Text(caption) + ": " + CellText(sum, field, unit_, parts_.Locale);
-    return text;
-}
 
 void frmStatistik::ShowCounts() {
     std::string text;
     if (!OnGraph()) {
         const auto number = [this](int count) { return FormatNumber(count, "#,##0", parts_.Locale); };
-        const QTableView& list = List();
-        int selected = 0;
-        for (const QItemSelectionRange& range : list.selectionModel()->selection())
-            selected += range.height();
-        text = Text(42) + " " + number(ModelOf(list).rowCount());
-        if (selected > 0) text += "   " + Text(43) + " " + number(selected) + SumOf(list);
+        const StatList& list = List();
+        text = Text(42) + " " + number(list.Model().rowCount());
+        if (const int selected = list.SelectedCount(); selected > 0)
+            text += "   " + Text(43) + " " + number(selected) + list.SelectedSum();
     }
     ui_->lblRows->setText(QString::fromStdString(text));
 }
@@ -564,27 +485,41 @@ void frmStatistik::ShowCounts() {
 void frmStatistik::TariffChanged() {
     ++changes_;
     parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
-    if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
+    ShowTariffLines();
     sumsNeedRecalculation_ = true;
     parts_.Errors.Step("FillStats", [this] { FillSums(); });
     graph_->ShowRecords(records_);
     ShowCounts();
 }
 
-void frmStatistik::AliasChanged(const std::string& from, const std::string& to) {
+// The user has changed records or what they are called by.
+void frmStatistik::RecordsChanged() {
     ++changes_;
     parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
+    ShowRecords();
+}
+
+// The lists, choices and graph of what the records are now.
+void frmStatistik::ShowRecords() {
+    FillFilter();
+    ShowTariffLines();
+    sumsNeedRecalculation_ = true;
+    FillStats();
+    graph_->ShowRecords(records_);
+}
+
+void frmStatistik::ShowTariffLines() {
+    tariff_->ShowLines(records_.List.empty() ? std::vector<AliasInfo>() : parts_.Aliases.Lines());
+}
+
+void frmStatistik::AliasChanged(const std::string& from, const std::string& to) {
     // An alias that no line has any more has been renamed.
     if (parts_.Aliases.AliasIndex(from) == 0) {
         if (EqualsNoCase(parts_.Settings.Get(Keys::Z_StatFilter), from))
             parts_.Settings.Set(Keys::Z_StatFilter, to);
         graph_->AliasRenamed(from, to);
     }
-    FillFilter();
-    if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
-    sumsNeedRecalculation_ = true;
-    FillStats();
-    graph_->ShowRecords(records_);
+    RecordsChanged();
     FitColumns(false);
 }
 
@@ -604,25 +539,20 @@ void frmStatistik::cboFilter_Click() {
 void frmStatistik::cboKBMB_Click() {
     unit_.Name = ui_->cboKBMB->currentText().toStdString();
     unit_.Bytes = FindUnitFactor(unit_.Name).value_or(1000);
-    recordModel_.SetUnit(unit_);
-    sumModel_.SetUnit(unit_);
+    for (StatList* list : {ui_->ListStats, ui_->ListStatsSum})
+        list->SetUnit(unit_);
     graph_->SetUnit(unit_.Name, unit_.Bytes);
 }
 
-void frmStatistik::SortByColumn(QTableView& list, int column, Qt::SortOrder direction) {
-    StatTableModel& model = ModelOf(list);
+void frmStatistik::SortByColumn(StatList& list, int column, Qt::SortOrder direction) {
     const StatTableModel::Order order{column, direction};
     std::vector<std::uint32_t> rows;
-    if (!RunJob([&] { rows = model.Sorted(order); })) {
-        const QSignalBlocker quiet(list.horizontalHeader());
-        return list.horizontalHeader()->setSortIndicator(model.ChosenOrder().Column,
-                                                         model.ChosenOrder().Direction);
-    }
-    const auto recordOf = [&](int row) { return model.RecordOf(row); };
+    if (!RunJob([&] { rows = list.Model().Sorted(order); })) return list.MarkOrder();
+    const auto recordOf = [&](int row) { return list.Model().RecordOf(row); };
     using Keeper = KeepListView<decltype(recordOf)>;
     {
         const Keeper place(list, recordOf, Keeper::Top::Stay);
-        model.SetOrder(order, std::move(rows));
+        list.Model().SetOrder(order, std::move(rows));
     }
     ShowCounts();
     if (&list != ui_->ListStats) return;
@@ -632,16 +562,8 @@ void frmStatistik::SortByColumn(QTableView& list, int column, Qt::SortOrder dire
 
 // ---- the context menu
 
-StatTableModel& frmStatistik::ModelOf(const QTableView& list) {
-    return &list == ui_->ListStats ? recordModel_ : sumModel_;
-}
-
-const StatTableModel& frmStatistik::ModelOf(const QTableView& list) const {
-    return &list == ui_->ListStats ? recordModel_ : sumModel_;
-}
-
 // The list that the menu is about: that of the page in front.
-QTableView& frmStatistik::List() const {
+StatList& frmStatistik::List() const {
     return ui_->SSTab->currentWidget() == ui_->pageSums ? *ui_->ListStatsSum : *ui_->ListStats;
 }
 
@@ -649,7 +571,7 @@ bool frmStatistik::OnGraph() const {
     return ui_->SSTab->currentWidget() == ui_->pageGraph;
 }
 
-void frmStatistik::OpenContextMenu(QTableView& list, const QPoint& at) {
+void frmStatistik::OpenContextMenu(StatList& list, const QPoint& at) {
     const bool ofRecords = &list == ui_->ListStats;
     ui_->mnuDelete->setEnabled(ofRecords && list.selectionModel()->hasSelection());
     ui_->mnuSelectMonth->setEnabled(ofRecords);
@@ -659,28 +581,14 @@ void frmStatistik::OpenContextMenu(QTableView& list, const QPoint& at) {
     ui_->mnuCopy->setEnabled(true);
 }
 
-ListTexts frmStatistik::TextsOf(const QTableView& list, std::vector<int> rows) {
-    const StatTableModel& model = ModelOf(list);
-    ListTexts texts;
-    for (int column = 0; column < model.columnCount(); ++column) {
-        const auto field = model.Columns()[static_cast<std::size_t>(column)].Shows;
-        if (field == StatColumn::Field::FileIndex) continue; // the last one
-        texts.Headers.push_back(model.Header(column));
-        texts.IsFigure.push_back(IsFigure(field));
-    }
-    texts.RowCount = rows.size();
-    texts.UnitName = unit_.Name;
-    texts.Cell = [this, &model, rows = std::move(rows)](std::size_t row, std::size_t column) {
-        if (column == 0) job_.At(static_cast<double>(row) / static_cast<double>(rows.size()));
-        return model.Text(rows[row], static_cast<int>(column));
-    };
-    return texts;
+// Of the list in front, for a job.
+ListTexts frmStatistik::Texts(std::vector<int> rows) {
+    return List().Texts(std::move(rows), [this](double fraction) { job_.At(fraction); });
 }
 
 void frmStatistik::mnuCopy_Click() {
-    const QTableView& list = List();
-    if (OnGraph() || !list.selectionModel()->hasSelection()) return;
-    const ListTexts texts = TextsOf(list, SelectedRows(list));
+    if (OnGraph() || !List().selectionModel()->hasSelection()) return;
+    const ListTexts texts = Texts(SelectedRows(List()));
     QString text;
     if (RunJob([&] { text = QString::fromStdString(CopiedText(texts)); }))
         QGuiApplication::clipboard()->setText(text);
@@ -698,7 +606,7 @@ void frmStatistik::mnuSelectNone_Click() {
 void frmStatistik::mnuSelectMonth_Click() {
     const Date now = parts_.Clock.Now();
     const auto endOf = [&](int row) {
-        const StatRecord& record = recordModel_.Record(row);
+        const StatRecord& record = ui_->ListStats->Model().Record(row);
         return EqualsNoCase(record.Info, InfoRunning) ? now : record.LogOut;
     };
     const QModelIndex current = ui_->ListStats->currentIndex();
@@ -733,7 +641,7 @@ void frmStatistik::mnuDelete_Click() {
 void frmStatistik::DeleteRows(const std::vector<int>& rows) {
     std::vector<std::uint32_t> deleted;
     for (const int row : rows)
-        deleted.push_back(recordModel_.RecordOf(row));
+        deleted.push_back(ui_->ListStats->Model().RecordOf(row));
     const KeepListPlace place(
         *ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
     const StatFile::Deletion deletion =
@@ -742,14 +650,8 @@ void frmStatistik::DeleteRows(const std::vector<int>& rows) {
             return !deletionCancelled_ && !cancelled_;
         });
     if (deletion == StatFile::Deletion::Done) {
-        ++changes_;
-        recordModel_.SetRows(records_.List, {}); // its rows are numbers of records that have moved
-        parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
-        FillFilter();
-        if (!records_.List.empty()) tariff_->ShowLines(parts_.Aliases.Lines());
-        sumsNeedRecalculation_ = true;
-        FillStats();
-        graph_->ShowRecords(records_);
+        ui_->ListStats->Model().SetRows(records_.List, {}); // its rows are numbers of records that have moved
+        RecordsChanged();
     }
     if (deletion == StatFile::Deletion::Done || deletion == StatFile::Deletion::Cancelled) return;
     int reason = 29;
@@ -779,10 +681,9 @@ void frmStatistik::Export(const QString& suffix, const Make& make) {
     const QString path =
         chooseFile_(this, QStringLiteral("Korvalin.") + suffix, QStringLiteral("*.") + suffix);
     if (path.isEmpty()) return;
-    QTableView& list = List();
-    std::vector<int> rows = SelectedRows(list);
-    if (rows.size() < 2) rows = AllRows(ModelOf(list).rowCount());
-    const ListTexts texts = OnGraph() ? graph_->Texts() : TextsOf(list, std::move(rows));
+    std::vector<int> rows = SelectedRows(List());
+    if (rows.size() < 2) rows = AllRows(List().Model().rowCount());
+    const ListTexts texts = OnGraph() ? graph_->Texts() : Texts(std::move(rows));
     const auto write = [&] {
         QSaveFile file(path);
         const std::string content = make(texts);

@@ -1,18 +1,14 @@
 #pragma once
 
-#include "forms/Styles.h"
 #include "stats/LongJob.h"
 #include "stats/StatFile.h"
-#include "stats/StatTableModel.h"
+#include "stats/StatCells.h"
 
 #include <QTimer>
 #include <QWidget>
 
 #include <functional>
 #include <memory>
-
-class QLabel;
-class QTableView;
 
 namespace Ui {
 class frmStatistik;
@@ -30,6 +26,7 @@ class MonthSums;
 class PeriodSums;
 class Recorder;
 class Settings;
+class StatList;
 class TariffEditor;
 struct ListTexts;
 
@@ -64,6 +61,9 @@ class frmStatistik : public QWidget {
     /// Shows the window where it was left, or brings it to the front, and loads the records.
     void Open();
 
+    /// Puts the page of the sums and tariffs in front.
+    void ShowSums();
+
     /// Whether the records are not there yet.
     bool Loading() const { return loading_; }
 
@@ -76,7 +76,6 @@ class frmStatistik : public QWidget {
 
   private:
     void SetUpLists();
-    void SetUpList(QTableView& list, StatTableModel& model, bool ofSums);
     void SetUpControls();
     void ConnectControls();
     void ConnectMenu();
@@ -96,24 +95,25 @@ class frmStatistik : public QWidget {
     void Reload();
     void TakeRecords(StatRecords fresh, std::size_t known);
     void TariffChanged();
+    void RecordsChanged();
+    void ShowRecords();
+    void ShowTariffLines();
     void AliasChanged(const std::string& from, const std::string& to);
     void FillFilter();
     void FillLists();
     void FillSums();
     void FitColumns(bool mayShrink);
-    void FitColumns(QTableView& list, const StatRecords& records, bool mayShrink);
     void WidenForColumns();
     void ShowEmptyNotes();
     void ShowCounts();
-    std::string SumOf(const QTableView& list) const;
     std::string Text(int number) const;
     std::pair<std::string, double> KeyOfRecord(int row) const;
     std::pair<std::string, double> KeyOfSum(int row) const;
     void optStatSum_Click(int period);
     void cboFilter_Click();
     void cboKBMB_Click();
-    void SortByColumn(QTableView& list, int column, Qt::SortOrder order);
-    void OpenContextMenu(QTableView& list, const QPoint& at);
+    void SortByColumn(StatList& list, int column, Qt::SortOrder order);
+    void OpenContextMenu(StatList& list, const QPoint& at);
     void mnuCopy_Click();
     void mnuDelete_Click();
     void mnuSelectAll_Click();
@@ -127,21 +127,16 @@ class frmStatistik : public QWidget {
     bool UserDeletes(std::size_t count);
     std::string ExportCaption() const;
     bool OnGraph() const;
-    QTableView& List() const;
-    StatTableModel& ModelOf(const QTableView& list);
-    const StatTableModel& ModelOf(const QTableView& list) const;
-    ListTexts TextsOf(const QTableView& list, std::vector<int> rows);
+    StatList& List() const;
+    ListTexts Texts(std::vector<int> rows);
 
     Parts parts_;
     ChooseFile chooseFile_;
     std::unique_ptr<Ui::frmStatistik> ui_;
-    RoomyStyle listStyle_;
     StatRecords records_;
     std::size_t recordsKnown_ = 0; // of this run's, those made before the file was loaded
     StatRecords sums_;
     VolumeUnit unit_;
-    StatTableModel recordModel_;
-    StatTableModel sumModel_;
     std::unique_ptr<TariffEditor> tariff_;
     GraphPage* graph_ = nullptr; // owned by its tab
     LongJob job_;

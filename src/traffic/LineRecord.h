@@ -49,11 +49,6 @@ struct LineRecord {
     std::uint32_t Index = 0; ///< the kernel's number of the interface; 0 when there is none
     std::string Adapter;     ///< adapters: the kernel's name, which EntryName may be instead of
     std::uint32_t Bps = 0;   ///< dial-up line speed in bits per second
-    Date TcpTime = 0;        ///< when the TCP figures were read
-    std::uint32_t TcpConnections = 0;
-    std::uint32_t TcpInSegments = 0;
-    std::uint32_t TcpOutSegments = 0;
-    std::uint32_t TcpEstablished = 0;
 };
 
 /// The part of a connection that no record holds yet: of an adapter's within one day.

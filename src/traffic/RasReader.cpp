@@ -93,7 +93,6 @@ void RasReader::ReadConnection(const RasConnection& connection, LineRecord& line
     if (line.Index != 0)
         parts_.CounterLedger.Set(
             line.Index, {connection.DeviceName, statistics.RawReceived, statistics.RawTransmitted, now});
-    ReadTcpStatistics();
 }
 
 void RasReader::BeginLine(const RasConnection& connection, const RasStatistics& statistics,
@@ -189,16 +188,6 @@ void RasReader::CloseEndedLines(TableFromOne<LineRecord>& lines, std::size_t cou
     if (!ended && !fewer) return;
     AdvanceEnded(lines);
     parts_.LineBook.RecordClosedConnections(lines, count);
-}
-
-void RasReader::ReadTcpStatistics() {
-    const TcpStatistics tcp = parts_.NetworkTables.GetTcpStatistics();
-    LineRecord& line = parts_.LineState.LineTable(1);
-    line.TcpConnections = tcp.NumConns;
-    line.TcpEstablished = tcp.CurrEstab;
-    line.TcpInSegments = tcp.InSegs;
-    line.TcpOutSegments = tcp.OutSegs;
-    line.TcpTime = parts_.Clock.Now();
 }
 
 } // namespace korvalin

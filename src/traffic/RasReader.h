@@ -32,7 +32,6 @@ class RasReader {
     void Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines);
 
     /// Copies the system's TCP figures into line 1.
-    void ReadTcpStatistics();
 
   private:
     template <typename F>

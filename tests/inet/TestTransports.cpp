@@ -238,7 +238,7 @@ TEST_F(BackgroundTransfer, RunsBesideEverythingElseOneAtATime) {
     EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "page"), "") << "and this would be another";
     EXPECT_EQ(fetch.State().Url, server.Http() + "slow");
     int turns = 0;
-    for (; fetch.State().LastState != FetchFinished && turns < 10'000; ++turns)
+    for (; fetch.State().LastState != TransferState::Finished && turns < 10'000; ++turns)
         hurried.Wait(0);
     EXPECT_GT(turns, 5) << "the window would not have stood still";
     EXPECT_EQ(fetch.State().Status, "");
@@ -249,7 +249,7 @@ TEST_F(BackgroundTransfer, RunsBesideEverythingElseOneAtATime) {
 
 TEST_F(BackgroundTransfer, EndsByItselfAfterTwoMinutesOfSilence) {
     ASSERT_TRUE(fetch.Inet_GetBgrd(server.Http() + "stall", {}));
-    while (fetch.State().LastState == 0)
+    while (fetch.State().LastState == TransferState::None)
         hurried.Wait(0);
     clock.Advance(121);
     for (int turns = 0; control.StillExecuting() && turns < 5'000; ++turns)

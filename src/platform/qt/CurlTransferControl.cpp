@@ -38,7 +38,7 @@ void CurlTransferControl::Execute(const HttpRequest& request) {
 void CurlTransferControl::Fail(HttpFailure failure) {
     failure_ = std::move(failure);
     QTimer::singleShot(0, this, [this] {
-        if (failure_.Code != 0) hooks_.StateChanged(TransferError);
+        if (failure_.Code != 0) hooks_.StateChanged(TransferState::Error);
     });
 }
 
@@ -94,11 +94,11 @@ void CurlTransferControl::Act(curl_socket_t socket, int what) {
     library_->MultiSocketAction(multi_, socket, what, &running);
     int left = 0;
     if (const CURLMsg* message = library_->MultiInfoRead(multi_, &left)) transfer_->End(message->data.result);
-    if (transfer_->BytesReceived() != before) hooks_.StateChanged(TransferReceiving);
+    if (transfer_->BytesReceived() != before) hooks_.StateChanged(TransferState::Receiving);
     if (!transfer_ || !transfer_->Ended()) return;
     timer_.stop();
     failure_ = transfer_->Failure();
-    hooks_.StateChanged(failure_.Code == 0 ? TransferCompleted : TransferError);
+    hooks_.StateChanged(failure_.Code == 0 ? TransferState::Completed : TransferState::Error);
 }
 
 } // namespace korvalin

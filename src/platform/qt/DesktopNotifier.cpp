@@ -26,8 +26,7 @@ DesktopNotifier::DesktopNotifier(ShowInstead showInstead) : showInstead_(std::mo
                 SLOT(TakeEnd(uint, uint)));
 }
 
-void DesktopNotifier::Notify(const std::string& title, const std::string& text,
-                             std::function<void()> clicked) {
+void DesktopNotifier::Notify(const std::string& title, const std::string& text) {
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, service, QStringLiteral("Notify"));
     // A server may take the text, but not the title, for markup.
     call << QStringLiteral("Korvalin") << 0U << QStringLiteral("korvalin") << QString::fromStdString(title)
@@ -40,20 +39,16 @@ void DesktopNotifier::Notify(const std::string& title, const std::string& text,
         const QDBusPendingReply<uint> reply = *watcher;
         watcher->deleteLater();
         if (reply.isError()) return showInstead_(title, text);
-        clicked_[reply.value()] = clicked;
+        shown_.insert(reply.value());
     });
 }
 
 void DesktopNotifier::TakeAction(uint id, const QString&) {
-    const auto found = clicked_.find(id);
-    if (found == clicked_.end()) return;
-    const std::function<void()> clicked = found->second;
-    clicked_.erase(found);
-    clicked();
+    if (shown_.erase(id) > 0) emit Clicked();
 }
 
 void DesktopNotifier::TakeEnd(uint id, uint) {
-    clicked_.erase(id);
+    shown_.erase(id);
 }
 
 } // namespace korvalin

@@ -5,7 +5,8 @@
 #include <QObject>
 #include <QString>
 
-#include <map>
+#include <functional>
+#include <set>
 
 namespace korvalin {
 
@@ -18,7 +19,10 @@ class DesktopNotifier : public QObject, public Notifier {
     using ShowInstead = std::function<void(const std::string& title, const std::string& text)>;
     explicit DesktopNotifier(ShowInstead showInstead);
 
-    void Notify(const std::string& title, const std::string& text, std::function<void()> clicked) override;
+    void Notify(const std::string& title, const std::string& text) override;
+
+  signals:
+    void Clicked();
 
   private slots:
     void TakeAction(uint id, const QString& action);
@@ -26,7 +30,7 @@ class DesktopNotifier : public QObject, public Notifier {
 
   private:
     ShowInstead showInstead_;
-    std::map<uint, std::function<void()>> clicked_; // of the notices that are shown
+    std::set<uint> shown_;
 };
 
 } // namespace korvalin

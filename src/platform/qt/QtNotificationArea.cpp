@@ -19,8 +19,9 @@ constexpr int patienceMilliseconds = 15'000;
 
 } // namespace
 
-QtNotificationArea::QtNotificationArea()
-    : notifierHost_([this] { Refresh(); }), embedHost_([this] { Refresh(); }) {
+QtNotificationArea::QtNotificationArea() {
+    QObject::connect(&notifierHost_, &StatusNotifierHost::Changed, [this] { Refresh(); });
+    QObject::connect(&embedHost_, &XEmbedHost::Changed, [this] { Refresh(); });
     QObject::connect(&patience_, &QTimer::timeout, [this] { Refresh(); });
     patience_.setSingleShot(true);
     patience_.start(patienceMilliseconds);

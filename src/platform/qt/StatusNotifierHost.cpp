@@ -13,7 +13,7 @@ constexpr int answerMilliseconds = 5000;
 
 } // namespace
 
-StatusNotifierHost::StatusNotifierHost(std::function<void()> changed) : changed_(std::move(changed)) {
+StatusNotifierHost::StatusNotifierHost() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
     watcher_ = std::make_unique<QDBusServiceWatcher>(service, bus, QDBusServiceWatcher::WatchForOwnerChange);
@@ -55,7 +55,7 @@ void StatusNotifierHost::TakeAnswer() {
 void StatusNotifierHost::Become(State state) {
     if (state == state_) return;
     state_ = state;
-    changed_();
+    emit Changed();
 }
 
 } // namespace korvalin

@@ -4,7 +4,6 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 
-#include <functional>
 #include <memory>
 
 namespace korvalin {
@@ -23,9 +22,12 @@ class StatusNotifierHost : public QObject {
         Present
     };
 
-    explicit StatusNotifierHost(std::function<void()> changed);
+    StatusNotifierHost();
 
     State Now() const { return state_; }
+
+  signals:
+    void Changed();
 
   private slots:
     void Ask();
@@ -34,7 +36,6 @@ class StatusNotifierHost : public QObject {
     void TakeAnswer();
     void Become(State state);
 
-    std::function<void()> changed_;
     State state_ = State::Absent;
     std::unique_ptr<QDBusServiceWatcher> watcher_;
     std::unique_ptr<QDBusPendingCallWatcher> asked_;

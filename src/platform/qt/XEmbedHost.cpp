@@ -50,7 +50,7 @@ void TellWhenItGoes(xcb_window_t window) {
 
 } // namespace
 
-XEmbedHost::XEmbedHost(std::function<void()> changed) : changed_(std::move(changed)) {
+XEmbedHost::XEmbedHost() {
     if (Server() == nullptr) return;
     selection_ = Atom(SelectionOfScreen());
     manager_ = Atom("MANAGER");
@@ -83,8 +83,7 @@ bool XEmbedHost::nativeEventFilter(const QByteArray& eventType, void* message, q
     if (!changes) return false;
     Look();
     // The toolkit has its own work to do on this event first.
-    QMetaObject::invokeMethod(
-        this, [this] { changed_(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &XEmbedHost::Changed, Qt::QueuedConnection);
     return false;
 }
 

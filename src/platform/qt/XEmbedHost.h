@@ -4,7 +4,6 @@
 #include <QObject>
 
 #include <cstdint>
-#include <functional>
 
 namespace korvalin {
 
@@ -14,9 +13,12 @@ class XEmbedHost : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
   public:
-    explicit XEmbedHost(std::function<void()> changed);
+    XEmbedHost();
 
     bool IsThere() const { return owner_ != 0; }
+
+  signals:
+    void Changed();
 
   protected:
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
@@ -24,7 +26,6 @@ class XEmbedHost : public QObject, public QAbstractNativeEventFilter {
   private:
     void Look();
 
-    std::function<void()> changed_;
     std::uint32_t selection_ = 0;
     std::uint32_t manager_ = 0; // the kind of message with which it is taken
     std::uint32_t owner_ = 0;   // a window; 0 = none
