@@ -483,8 +483,7 @@ void frmStatistik::ShowCounts() {
 
 // The records are the same ones in the same order: only what is made of them follows.
 void frmStatistik::TariffChanged() {
-    ++changes_;
-    parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
+    TakeUserChange();
     ShowTariffLines();
     sumsNeedRecalculation_ = true;
     parts_.Errors.Step("FillStats", [this] { FillSums(); });
@@ -492,11 +491,9 @@ void frmStatistik::TariffChanged() {
     ShowCounts();
 }
 
-// The user has changed records or what they are called by.
-void frmStatistik::RecordsChanged() {
+void frmStatistik::TakeUserChange() {
     ++changes_;
     parts_.MonthSums.CalcStatsThisMonth(records_, recordsKnown_);
-    ShowRecords();
 }
 
 // The lists, choices and graph of what the records are now.
@@ -513,13 +510,14 @@ void frmStatistik::ShowTariffLines() {
 }
 
 void frmStatistik::AliasChanged(const std::string& from, const std::string& to) {
+    TakeUserChange();
     // An alias that no line has any more has been renamed.
     if (parts_.Aliases.AliasIndex(from) == 0) {
         if (EqualsNoCase(parts_.Settings.Get(Keys::Z_StatFilter), from))
             parts_.Settings.Set(Keys::Z_StatFilter, to);
         graph_->AliasRenamed(from, to);
     }
-    RecordsChanged();
+    ShowRecords();
     FitColumns(false);
 }
 
@@ -651,7 +649,8 @@ void frmStatistik::DeleteRows(const std::vector<int>& rows) {
         });
     if (deletion == StatFile::Deletion::Done) {
         ui_->ListStats->Model().SetRows(records_.List, {}); // its rows are numbers of records that have moved
-        RecordsChanged();
+        TakeUserChange();
+        ShowRecords();
     }
     if (deletion == StatFile::Deletion::Done || deletion == StatFile::Deletion::Cancelled) return;
     int reason = 29;

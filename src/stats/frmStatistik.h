@@ -95,7 +95,7 @@ class frmStatistik : public QWidget {
     void Reload();
     void TakeRecords(StatRecords fresh, std::size_t known);
     void TariffChanged();
-    void RecordsChanged();
+    void TakeUserChange();
     void ShowRecords();
     void ShowTariffLines();
     void AliasChanged(const std::string& from, const std::string& to);
