@@ -1,5 +1,6 @@
 #include "base/Text.h"
 #include "cli/Commands.h"
+#include "cli/KnownAliases.h"
 #include "cli/UseOfLines.h"
 #include "program/Program.h"
 
@@ -78,10 +79,11 @@ const char* ClassOf(const AllowanceUse& use) {
 
 } // namespace
 
-void PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch) {
+int PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch) {
     UseOfLines figures(program);
     do {
         figures.Renew();
+        if (!IsKnownAlias(program, alias)) return ExitUsage;
         double received = 0;
         double transmitted = 0;
         for (const LineFigures& line : figures.Lines()) {
@@ -102,18 +104,15 @@ void PrintStatus(Program& program, const std::string& alias, bool asJson, bool w
         } else {
             fmt::print("{}\n", text);
         }
-        std::fflush(stdout);
-    } while (watch);
+    } while (std::fflush(stdout) == 0 && watch);
+    return EXIT_SUCCESS;
 }
 
 int TakeProvidersFigure(Program& program, const std::string& alias, std::optional<double> megabytes) {
     UseOfLines figures(program);
     figures.Renew();
+    if (alias.empty() || !IsKnownAlias(program, alias)) return ExitUsage;
     const std::size_t index = program.aliases.AliasIndex(alias);
-    if (index == 0) {
-        fmt::print(stderr, "No line or record has the alias {}\n", EscapeControls(alias));
-        return ExitUsage;
-    }
     program.aliases.Correct(index, 0);
     const double counted = program.monthSums.UseOf(index).Volume.Used / 1e6;
     if (megabytes)
