@@ -74,12 +74,14 @@ int ImportHistory(Program& program, Clock& clock, DayCounts::Reading reading, co
     if (!make(there).empty() && !choice.DryRun) {
         const LoadReport::Hindrance hindrance = program.statFile.AddRecords(make);
         if (hindrance != LoadReport::Hindrance::None) {
-            fmt::print(stderr, "Nothing was imported: {}\n", TextOf(hindrance));
+            fmt::print(stderr, "Nothing was imported into {}: {}\n", program.statFile.StatFilePath().string(),
+                       TextOf(hindrance));
             return EXIT_FAILURE;
         }
     }
     for (const ImportedAdapter& adapter : import.Adapters)
         PrintAdapter(adapter);
+    if (choice.DryRun) fmt::print("nothing was written\n");
     if (import.Adapters.empty()) fmt::print("The database has no days.\n");
     if (const auto& backup = program.statFile.Report().Backup; !backup.empty())
         fmt::print("the statistics as they were are {}\n", backup.string());

@@ -111,8 +111,12 @@ int PrintStatus(Program& program, const std::string& alias, bool asJson, bool wa
 int TakeProvidersFigure(Program& program, const std::string& alias, std::optional<double> megabytes) {
     UseOfLines figures(program);
     figures.Renew();
-    if (alias.empty() || !IsKnownAlias(program, alias)) return ExitUsage;
+    if (!IsKnownAlias(program, alias)) return ExitUsage;
     const std::size_t index = program.aliases.AliasIndex(alias);
+    if (index == 0) {
+        fmt::print(stderr, "An alias is needed\n");
+        return ExitUsage;
+    }
     program.aliases.Correct(index, 0);
     const double counted = program.monthSums.UseOf(index).Volume.Used / 1e6;
     if (megabytes)

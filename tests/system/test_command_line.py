@@ -49,6 +49,7 @@ class Settings(rig.Case):
         for arguments, code, said in ((["lines", "--format", "xml"], None, "xml"), ([], 0, "settings"),
                                       (["--version"], 0, "korvalin-cli "), (["sums"], 0, "period_begin"),
                                       (["settings", "get", "CharMax"], 2, "ChartMax"),
+                                      (["provider", "", "5"], 2, "needed"),
                                       (["settings", "set", "Home_FreeVolum", "5"], 2, "Home_FreeVolume")):
             with self.subTest(arguments):
                 run = self.run_cli(*arguments)
@@ -156,7 +157,7 @@ class Import(rig.Case):
         (self.data / "Korvalin_Stats.db").write_text('"eth0",#2024-03-14 10:00:00#,#01:00:00#,3,4,"",""\r\n', newline="")
         taken = "eth0: 1 days taken; 1 left: there are records of that day; 1 left: the day has not ended\n"
         source = self.file.read_bytes()
-        self.assertEqual(self.run_import("--interface", "eth0", "--dry-run"), (0, taken))
+        self.assertEqual(self.run_import("--interface", "eth0", "--dry-run"), (0, taken + "nothing was written\n"))
         self.assertEqual(self.run_import("--interface", "eth2")[0], 2)
         self.assertEqual(len(list(self.data.iterdir())), 1, "nothing is written yet")
         recorder = subprocess.Popen([rig.BIN / "korvalin-cli", "record"], env=self.home.env)
