@@ -55,17 +55,19 @@ endif()]])
 endif()
 install(FILES ${PROJECT_SOURCE_DIR}/resources/lang/Korvalin.lng DESTINATION ${CMAKE_INSTALL_DATADIR}/korvalin)
 
-# ---- the service: it names the program where it is installed
+# ---- the services: they name the program where it is installed
 
-install(CODE "set(template \"${PROJECT_SOURCE_DIR}/packaging/korvalin-record.service\")
+install(CODE "set(packaging \"${PROJECT_SOURCE_DIR}/packaging\")
 set(programs \"${CMAKE_INSTALL_BINDIR}\")")
-install(CODE [[set(unit "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/lib/systemd/user/korvalin-record.service")
-message(STATUS "Installing: ${unit}")
-file(READ ${template} text)
-string(REPLACE "/usr/bin/" "${CMAKE_INSTALL_PREFIX}/${programs}/" text "${text}")
-file(WRITE ${unit} "${text}")
-file(CHMOD ${unit} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
-list(APPEND CMAKE_INSTALL_MANIFEST_FILES "${CMAKE_INSTALL_PREFIX}/lib/systemd/user/korvalin-record.service")]])
+install(CODE [[foreach(name IN ITEMS korvalin-record.service korvalin-metrics.service korvalin-metrics.timer)
+  set(unit "${CMAKE_INSTALL_PREFIX}/lib/systemd/user/${name}")
+  message(STATUS "Installing: $ENV{DESTDIR}${unit}")
+  file(READ ${packaging}/${name} text)
+  string(REPLACE "/usr/bin/" "${CMAKE_INSTALL_PREFIX}/${programs}/" text "${text}")
+  file(WRITE "$ENV{DESTDIR}${unit}" "${text}")
+  file(CHMOD "$ENV{DESTDIR}${unit}" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  list(APPEND CMAKE_INSTALL_MANIFEST_FILES "${unit}")
+endforeach()]])
 
 # ---- the desktop
 

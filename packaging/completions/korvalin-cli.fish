@@ -8,8 +8,12 @@ function __korvalin_cli_at
     test (count $words) -gt 1; and contains -- $words[2] $argv
 end
 
-function __korvalin_cli_settings
-    test (commandline -opc | string join ' ') = 'korvalin-cli settings'
+function __korvalin_cli_is
+    test (commandline -opc | string join ' ') = "korvalin-cli $argv"
+end
+
+function __korvalin_cli_vnstat
+    commandline -opc | string join ' ' | string match -q 'korvalin-cli import vnstat*'
 end
 
 complete -c korvalin-cli -f
@@ -25,10 +29,12 @@ complete -c korvalin-cli -n __korvalin_cli_first -a records -d 'Recorded connect
 complete -c korvalin-cli -n __korvalin_cli_first -a sums -d 'Sums per alias and period'
 complete -c korvalin-cli -n __korvalin_cli_first -a repair -d 'Load and repair the statistics'
 complete -c korvalin-cli -n __korvalin_cli_first -a record -d 'Record without a window'
+complete -c korvalin-cli -n __korvalin_cli_first -a import -d 'Take history over from another program'
+complete -c korvalin-cli -n __korvalin_cli_first -a completion -d 'Print the completion for a shell'
 
-complete -c korvalin-cli -n __korvalin_cli_settings -a list -d 'All settings'
-complete -c korvalin-cli -n __korvalin_cli_settings -a get -d 'One setting'
-complete -c korvalin-cli -n __korvalin_cli_settings -a set -d 'Store a setting'
+complete -c korvalin-cli -n '__korvalin_cli_is settings' -a list -d 'All settings'
+complete -c korvalin-cli -n '__korvalin_cli_is settings' -a get -d 'One setting'
+complete -c korvalin-cli -n '__korvalin_cli_is settings' -a set -d 'Store a setting'
 
 complete -c korvalin-cli -n '__korvalin_cli_at status' -l alias -x -d 'Of this alias'
 complete -c korvalin-cli -n '__korvalin_cli_at status' -l format -x -a 'json text' -d 'How it is printed'
@@ -41,3 +47,9 @@ complete -c korvalin-cli -n '__korvalin_cli_at records sums' -l closed -d 'Witho
 complete -c korvalin-cli -n '__korvalin_cli_at records sums' -l format -x -a 'table json csv' -d 'How it is printed'
 complete -c korvalin-cli -n '__korvalin_cli_at records' -l from -x -d 'First day on which a connection ended'
 complete -c korvalin-cli -n '__korvalin_cli_at records' -l till -x -d 'Last day on which a connection ended'
+complete -c korvalin-cli -n '__korvalin_cli_at metrics' -l output -r -F -d 'Into this file'
+complete -c korvalin-cli -n '__korvalin_cli_is completion' -a 'bash zsh fish' -d 'Whose'
+complete -c korvalin-cli -n '__korvalin_cli_is import' -a vnstat -d 'The days of vnStat'
+complete -c korvalin-cli -n '__korvalin_cli_vnstat' -l interface -x -d 'Only this one'
+complete -c korvalin-cli -n '__korvalin_cli_vnstat' -l dry-run -d 'Only tell what would be taken'
+complete -c korvalin-cli -n '__korvalin_cli_vnstat' -F

@@ -2,13 +2,18 @@
 
 #include "base/Date.h"
 #include "cli/Output.h"
+#include "platform/DayCounts.h"
 #include "stats/PeriodSums.h"
+#include "stats/StatFile.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace korvalin {
 
+class Clock;
+class Files;
 class Language;
 class NetworkTables;
 class Program;
@@ -23,16 +28,18 @@ enum class LinesFormat { Table, Json };
 void PrintLines(Program& program, LinesFormat format, bool watch);
 
 /// Prints on one line the rates of all lines and, of an alias (empty: of the first line's), what is used,
-/// left and to be expected; every second with `watch`. As JSON it is an object a panel can show.
-void PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch);
+/// left and to be expected; every second with `watch`, until nobody reads it any more. As JSON it is an
+/// object a panel can show. The exit code: ExitUsage for an alias that nothing has.
+[[nodiscard]] int PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch);
 
 /// Corrects what is used of the running period to what the provider says (units of 1,000,000 bytes); nothing
 /// takes the correction back. The exit code.
 [[nodiscard]] int TakeProvidersFigure(Program& program, const std::string& alias,
                                       std::optional<double> megabytes);
 
-/// Prints counters, rates, use and allowances as the text that monitoring systems read.
-void PrintMetrics(Program& program);
+/// Prints counters, rates, use and allowances as the text that monitoring systems read, or puts it into a
+/// file, which is at every moment a whole one. The exit code.
+[[nodiscard]] int TellMetrics(Program& program, Files& files, const std::string& file);
 
 /// Prints the tables of network adapters and IP addresses, as a window shows them or as one JSON object of
 /// two lists, an object for each adapter or address.
@@ -63,13 +70,34 @@ struct RecordFilter {
     std::optional<Date> Till; ///< last day
 };
 
-/// Prints the recorded connections, sorted by line and log-in.
-void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format);
+/// Prints the recorded connections, sorted by line and log-in. The exit code: ExitUsage for an alias that
+/// nothing has.
+[[nodiscard]] int PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format);
 
-/// Prints the sums per alias and period: aliases in ascending order, the newest period of each first.
-void PrintSums(Program& program, SumPeriod period, const std::string& alias, OutputFormat format);
+/// Prints the sums per alias and period: aliases in ascending order, the newest period of each first. The
+/// exit code as of PrintRecords.
+[[nodiscard]] int PrintSums(Program& program, SumPeriod period, const std::string& alias,
+                            OutputFormat format);
 
 /// Loads the statistics file as the start of the program does and tells what that changed.
 void RepairStatistics(Program& program);
+
+/// What kept records from being written, for people.
+const char* TextOf(LoadReport::Hindrance hindrance);
+
+/// What is imported.
+struct ImportChoice {
+    std::string File;                    ///< where it was read, for messages
+    std::vector<std::string> Interfaces; ///< only these; empty: all
+    bool DryRun = false;                 ///< only tell
+};
+
+/// Makes records of the days that another program has counted, and tells which it took and left. The exit
+/// code.
+[[nodiscard]] int ImportHistory(Program& program, Clock& clock, DayCounts::Reading reading,
+                                const ImportChoice& choice);
+
+/// Prints what a shell needs to complete the program's words.
+void PrintCompletion(const std::string& shell);
 
 } // namespace korvalin

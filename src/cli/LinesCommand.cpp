@@ -72,8 +72,7 @@ void PrintLines(Program& program, LinesFormat format, bool watch) {
         WaitForStep(loop);
         loop.TimerMain_Timer();
         format == LinesFormat::Json ? PrintJson(program) : PrintTable(program);
-        std::fflush(stdout);
-    } while (watch);
+    } while (std::fflush(stdout) == 0 && watch);
 }
 
 } // namespace korvalin

@@ -1,9 +1,13 @@
 #include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/UseOfLines.h"
+#include "platform/Files.h"
 
 #include <fmt/format.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 namespace korvalin {
 namespace {
@@ -19,22 +23,24 @@ std::string LabelText(const std::string& text) {
     return ReplaceAll(ReplaceAll(ReplaceAll(valid, "\\", "\\\\"), "\"", "\\\""), "\n", "\\n");
 }
 
-void PrintFamily(const char* name, const char* help, const char* type, const std::vector<Sample>& samples) {
+void AddFamily(std::string& text, std::string_view name, const char* help, const char* type,
+               const std::vector<Sample>& samples) {
     if (samples.empty()) return;
-    fmt::print("# HELP {} {}\n", name, help);
-    if (*type != '\0') fmt::print("# TYPE {} {}\n", name, type);
+    text += fmt::format("# HELP {} {}\n", name, help);
+    if (*type != '\0') text += fmt::format("# TYPE {} {}\n", name, type);
     for (const Sample& sample : samples)
-        fmt::print("{}{{{}=\"{}\"}} {:.0f}\n", name, sample.Label, LabelText(sample.Name), sample.Value);
+        text +=
+            fmt::format("{}{{{}=\"{}\"}} {:.0f}\n", name, sample.Label, LabelText(sample.Name), sample.Value);
 }
 
 using OfLine = double LineFigures::*;
 
-void PrintLineFamily(const std::vector<LineFigures>& lines, const char* name, const char* help,
-                     const char* type, OfLine value) {
+void AddLineFamily(std::string& text, const std::vector<LineFigures>& lines, const char* name,
+                   const char* help, const char* type, OfLine value) {
     std::vector<Sample> samples;
     for (const LineFigures& line : lines)
         samples.push_back({"line", line.Name, line.*value});
-    PrintFamily(name, help, type, samples);
+    AddFamily(text, name, help, type, samples);
 }
 
 struct AliasFamily {
@@ -44,8 +50,8 @@ struct AliasFamily {
     double (*Value)(const AllowanceUse&);
 };
 
-void PrintAliasFamilies(const std::vector<AliasUse>& aliases, AllowanceUse AliasUse::*measure,
-                        const char* unit, double scale) {
+void AddAliasFamilies(std::string& text, const std::vector<AliasUse>& aliases,
+                      AllowanceUse AliasUse::*measure, const char* unit, double scale) {
     const AliasFamily families[] = {
         {"korvalin_period_used", "Used in the running billing period.", false,
          [](const AllowanceUse& use) { return use.Used; }},
@@ -63,30 +69,45 @@ void PrintAliasFamilies(const std::vector<AliasUse>& aliases, AllowanceUse Alias
             if (use.HasAllowance() || !family.NeedsAllowance)
                 samples.push_back({"alias", alias.Alias, family.Value(use) * scale});
         }
-        PrintFamily(fmt::format("{}_{}", family.Name, unit).c_str(), family.Help, "gauge", samples);
+        AddFamily(text, fmt::format("{}_{}", family.Name, unit), family.Help, "gauge", samples);
     }
+}
+
+// Readers of the older text format take a counter's type by its full name, those of the newer one by the name
+// without "_total". Without a type both take it, and rates are made of it all the same.
+std::string MetricsText(Program& program) {
+    UseOfLines figures(program);
+    figures.Renew();
+    std::string text;
+    const std::vector<LineFigures> lines = figures.Lines();
+    AddLineFamily(text, lines, "korvalin_line_received_bytes_total",
+                  "Bytes that the open connection received.", "", &LineFigures::BytesReceived);
+    AddLineFamily(text, lines, "korvalin_line_transmitted_bytes_total",
+                  "Bytes that the open connection transmitted.", "", &LineFigures::BytesTransmitted);
+    AddLineFamily(text, lines, "korvalin_line_received_bytes_per_second", "Rate of the last second.", "gauge",
+                  &LineFigures::Received);
+    AddLineFamily(text, lines, "korvalin_line_transmitted_bytes_per_second", "Rate of the last second.",
+                  "gauge", &LineFigures::Transmitted);
+    const std::vector<AliasUse> aliases = figures.Aliases();
+    AddAliasFamilies(text, aliases, &AliasUse::Volume, "bytes", 1);
+    AddAliasFamilies(text, aliases, &AliasUse::Online, "seconds", SecondsPerDay);
+    return text += "# EOF\n";
 }
 
 } // namespace
 
-// Readers of the older text format take a counter's type by its full name, those of the newer one by the name
-// without "_total". Without a type both take it, and rates are made of it all the same.
-void PrintMetrics(Program& program) {
-    UseOfLines figures(program);
-    figures.Renew();
-    const std::vector<LineFigures> lines = figures.Lines();
-    PrintLineFamily(lines, "korvalin_line_received_bytes_total", "Bytes that the open connection received.",
-                    "", &LineFigures::BytesReceived);
-    PrintLineFamily(lines, "korvalin_line_transmitted_bytes_total",
-                    "Bytes that the open connection transmitted.", "", &LineFigures::BytesTransmitted);
-    PrintLineFamily(lines, "korvalin_line_received_bytes_per_second", "Rate of the last second.", "gauge",
-                    &LineFigures::Received);
-    PrintLineFamily(lines, "korvalin_line_transmitted_bytes_per_second", "Rate of the last second.", "gauge",
-                    &LineFigures::Transmitted);
-    const std::vector<AliasUse> aliases = figures.Aliases();
-    PrintAliasFamilies(aliases, &AliasUse::Volume, "bytes", 1);
-    PrintAliasFamilies(aliases, &AliasUse::Online, "seconds", SecondsPerDay);
-    fmt::print("# EOF\n");
+// A new file has the permissions that the user gives new files: who collects it is mostly another user. One
+// that is replaced keeps its own.
+int TellMetrics(Program& program, Files& files, const std::string& file) {
+    const std::string text = MetricsText(program);
+    if (file.empty()) {
+        fmt::print("{}", text);
+        return EXIT_SUCCESS;
+    }
+    if (std::error_code error; !std::filesystem::exists(file, error)) std::ofstream created(file);
+    if (files.Replace(file, text)) return EXIT_SUCCESS;
+    fmt::print(stderr, "{} cannot be written\n", EscapeControls(file));
+    return EXIT_FAILURE;
 }
 
 } // namespace korvalin

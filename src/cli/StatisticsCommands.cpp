@@ -1,8 +1,11 @@
 #include "base/Text.h"
 #include "cli/Commands.h"
+#include "cli/KnownAliases.h"
 #include "program/Program.h"
 
 #include <fmt/format.h>
+
+#include <cstdlib>
 
 namespace korvalin {
 namespace {
@@ -13,27 +16,12 @@ bool Matches(const StatRecord& record, const RecordFilter& filter) {
            (!filter.From || day >= *filter.From) && (!filter.Till || day <= *filter.Till);
 }
 
-const char* TextOf(LoadReport::Hindrance hindrance) {
-    using Hindrance = LoadReport::Hindrance;
-    switch (hindrance) {
-    case Hindrance::Held: return "another program holds the file";
-    case Hindrance::NotOpened: return "the file may not be written";
-    case Hindrance::Unreadable: return "the file could not be read to its end";
-    case Hindrance::NoRecords:
-        return "the file has not a single record, so it is probably none of statistics";
-    case Hindrance::Changed: return "another program has written to the file meanwhile";
-    case Hindrance::DiskFull: return "the disk has no room for a second copy";
-    case Hindrance::NotWritable: return "its folder cannot be written";
-    case Hindrance::None: break;
-    }
-    return "";
-}
-
 } // namespace
 
-void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format) {
+int PrintRecords(Program& program, const RecordFilter& filter, OutputFormat format) {
     StatRecords records;
     program.statFile.LoadStatFile(records, false);
+    if (!IsKnownAlias(program, filter.Alias)) return ExitUsage;
     Output output(format, {{"file_index", -9},
                            {"line_name", 16},
                            {"alias", 16},
@@ -51,13 +39,15 @@ void PrintRecords(Program& program, const RecordFilter& filter, OutputFormat for
                     NumberCell(record.BytesReceived), NumberCell(record.BytesTransmitted),
                     TextCell(record.Info), TextCell(record.User)});
     }
+    return EXIT_SUCCESS;
 }
 
-void PrintSums(Program& program, SumPeriod period, const std::string& alias, OutputFormat format) {
+int PrintSums(Program& program, SumPeriod period, const std::string& alias, OutputFormat format) {
     program.LoadRecords(); // the user's volume unit, by which volumes are rounded
     StatRecords records;
     StatRecords sums;
     program.statFile.LoadStatFile(records, false);
+    if (!IsKnownAlias(program, alias)) return ExitUsage;
     program.periodSums.CalcStatSums(records, period, sums);
     Output output(format, {{"alias", 16},
                            {"period_begin", 11},
@@ -76,6 +66,23 @@ void PrintSums(Program& program, SumPeriod period, const std::string& alias, Out
                     SecondsCell(sum.DurationRounded), NumberCell(sum.BytesReceived),
                     NumberCell(sum.BytesTransmitted), NumberCell(sum.VolumeRounded)});
     }
+    return EXIT_SUCCESS;
+}
+
+const char* TextOf(LoadReport::Hindrance hindrance) {
+    using Hindrance = LoadReport::Hindrance;
+    switch (hindrance) {
+    case Hindrance::Held: return "another program holds the file";
+    case Hindrance::NotOpened: return "the file may not be written";
+    case Hindrance::Unreadable: return "the file could not be read to its end";
+    case Hindrance::NoRecords:
+        return "the file has not a single record, so it is probably none of statistics";
+    case Hindrance::Changed: return "another program has written to the file meanwhile";
+    case Hindrance::DiskFull: return "the disk has no room for a second copy";
+    case Hindrance::NotWritable: return "its folder cannot be written";
+    case Hindrance::None: break;
+    }
+    return "";
 }
 
 void RepairStatistics(Program& program) {

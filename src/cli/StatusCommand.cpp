@@ -1,5 +1,6 @@
 #include "base/Text.h"
 #include "cli/Commands.h"
+#include "cli/KnownAliases.h"
 #include "cli/UseOfLines.h"
 #include "program/Program.h"
 
@@ -78,10 +79,11 @@ const char* ClassOf(const AllowanceUse& use) {
 
 } // namespace
 
-void PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch) {
+int PrintStatus(Program& program, const std::string& alias, bool asJson, bool watch) {
     UseOfLines figures(program);
     do {
         figures.Renew();
+        if (!IsKnownAlias(program, alias)) return ExitUsage;
         double received = 0;
         double transmitted = 0;
         for (const LineFigures& line : figures.Lines()) {
@@ -102,16 +104,17 @@ void PrintStatus(Program& program, const std::string& alias, bool asJson, bool w
         } else {
             fmt::print("{}\n", text);
         }
-        std::fflush(stdout);
-    } while (watch);
+    } while (std::fflush(stdout) == 0 && watch);
+    return EXIT_SUCCESS;
 }
 
 int TakeProvidersFigure(Program& program, const std::string& alias, std::optional<double> megabytes) {
     UseOfLines figures(program);
     figures.Renew();
+    if (!IsKnownAlias(program, alias)) return ExitUsage;
     const std::size_t index = program.aliases.AliasIndex(alias);
     if (index == 0) {
-        fmt::print(stderr, "No line or record has the alias {}\n", EscapeControls(alias));
+        fmt::print(stderr, "An alias is needed\n");
         return ExitUsage;
     }
     program.aliases.Correct(index, 0);

@@ -3,6 +3,7 @@
 #include "cli/ConsoleMessageBoxes.h"
 #include "cli/Windowless.h"
 #include "platform/Ports.h"
+#include "platform/linux/store/VnstatDatabase.h"
 #include "platform/linux/system/LinuxLocale.h"
 #include "platform/linux/system/LinuxSystem.h"
 #include "platform/linux/system/TerminationSignals.h"
@@ -27,6 +28,9 @@ struct Arguments {
     bool AsJson = false;
     bool Closed = false;
     std::optional<double> Megabytes;
+    std::string MetricsFile;
+    ImportChoice Import;
+    std::string CompletedShell;
 };
 
 // An option that takes one of a few words.
@@ -51,6 +55,8 @@ class CommandLine {
         AddNetwork();
         AddUse();
         AddStatistics();
+        AddImport();
+        AddCompletion();
     }
 
     CLI::App App{"Korvalin on the command line: settings, monitored lines and statistics."};
@@ -67,6 +73,8 @@ class CommandLine {
     CLI::App* Sums = nullptr;
     CLI::App* Repair = nullptr;
     CLI::App* Record = nullptr;
+    CLI::App* ImportVnstat = nullptr;
+    CLI::App* Completion = nullptr;
 
   private:
     void AddSettings() {
@@ -102,6 +110,8 @@ class CommandLine {
                         {{"text", false}, {"json", true}});
         Metrics =
             App.add_subcommand("metrics", "Counters, rates, use and allowances for a monitoring system");
+        Metrics->add_option("--output", Arguments.MetricsFile,
+                            "Into this file, at every moment a whole one, instead of printed");
         Provider = App.add_subcommand("provider", "Correct the use of the running period to the provider's");
         Provider->add_option("ALIAS", Arguments.Name, "Whose period")->required();
         Provider->add_option("MEGABYTES", Arguments.Megabytes,
@@ -122,6 +132,26 @@ class CommandLine {
         Repair = App.add_subcommand("repair",
                                     "Load the statistics as at the program's start, and repair their file");
         Record = App.add_subcommand("record", "Record connections without a window, until SIGTERM or SIGINT");
+    }
+
+    void AddImport() {
+        CLI::App* import = App.add_subcommand("import", "Take history over from another program");
+        import->require_subcommand(1);
+        ImportVnstat =
+            import->add_subcommand("vnstat", "The days of vnStat's database that nothing is recorded of");
+        ImportVnstat->add_option("FILE", Arguments.Import.File, "Mostly /var/lib/vnstat/vnstat.db")
+            ->required();
+        ImportVnstat->add_option("--interface", Arguments.Import.Interfaces, "Only this one, or these")
+            ->type_name("NAME");
+        ImportVnstat->add_flag("--dry-run", Arguments.Import.DryRun, "Only tell what would be taken");
+    }
+
+    void AddCompletion() {
+        Completion = App.add_subcommand("completion", "Print the completion of these words for a shell");
+        Completion->add_option("SHELL", Arguments.CompletedShell, "Whose")
+            ->required()
+            ->check(CLI::IsMember({"bash", "zsh", "fish"}).description(""))
+            ->type_name("bash|zsh|fish");
     }
 
     void AddFilter(CLI::App* command) {
@@ -165,12 +195,16 @@ int Run(const CommandLine& line, const Ports& ports, Program& program, const Ter
     if (line.Network->parsed()) {
         PrintNetwork(ports.NetworkTables, program.language, program.locale, arguments.AsJson);
     }
-    if (line.Status->parsed()) PrintStatus(program, arguments.Name, arguments.AsJson, arguments.Watch);
-    if (line.Metrics->parsed()) PrintMetrics(program);
+    if (line.Status->parsed()) return PrintStatus(program, arguments.Name, arguments.AsJson, arguments.Watch);
+    if (line.Metrics->parsed()) return TellMetrics(program, ports.Files, arguments.MetricsFile);
     if (line.Provider->parsed()) return TakeProvidersFigure(program, arguments.Name, arguments.Megabytes);
-    if (line.Records->parsed()) PrintRecords(program, arguments.Filter, arguments.Format);
-    if (line.Sums->parsed()) PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
+    if (line.Records->parsed()) return PrintRecords(program, arguments.Filter, arguments.Format);
+    if (line.Sums->parsed())
+        return PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
     if (line.Repair->parsed()) RepairStatistics(program);
+    if (line.ImportVnstat->parsed())
+        return ImportHistory(program, ports.Clock, VnstatDatabase().Read(arguments.Import.File),
+                             arguments.Import);
     return signals != nullptr ? RecordUntilSignal(program, *signals) : EXIT_SUCCESS;
 }
 
@@ -184,6 +218,10 @@ int main(int argc, char** argv) {
     CLI11_PARSE(line.App, argc, argv);
     if (line.App.get_subcommands().empty()) {
         fmt::print("{}", line.App.help());
+        return EXIT_SUCCESS;
+    }
+    if (line.Completion->parsed()) {
+        PrintCompletion(line.Arguments.CompletedShell);
         return EXIT_SUCCESS;
     }
 

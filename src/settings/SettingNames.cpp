@@ -1,10 +1,10 @@
 #include "settings/SettingNames.h"
 
+#include "base/NearestText.h"
 #include "base/Text.h"
 #include "settings/SettingsTable.h"
 
 #include <algorithm>
-#include <numeric>
 #include <vector>
 
 namespace korvalin {
@@ -45,22 +45,6 @@ std::vector<std::string_view> PlainNames() {
     return names;
 }
 
-// How many characters are to be added, left out or changed to make one text of the other.
-std::size_t Distance(std::string_view left, std::string_view right) {
-    std::vector<std::size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), 0U);
-    for (std::size_t i = 1; i <= left.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= right.size(); ++j) {
-            const std::size_t changed = diagonal + (left[i - 1] == right[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
-        }
-    }
-    return row.back();
-}
-
 // The line's part of the name ends with the last underscore: what follows is typed wrong.
 std::vector<std::string> Candidates(std::string_view name) {
     std::vector<std::string> names;
@@ -85,11 +69,7 @@ bool IsSettingName(std::string_view name) {
 }
 
 std::string NearestSettingName(std::string_view name) {
-    const std::vector<std::string> names = Candidates(name);
-    const std::string typed = ToLower(name);
-    return *std::min_element(names.begin(), names.end(), [&](const std::string& a, const std::string& b) {
-        return Distance(ToLower(a), typed) < Distance(ToLower(b), typed);
-    });
+    return NearestText(Candidates(name), name);
 }
 
 } // namespace korvalin

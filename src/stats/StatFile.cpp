@@ -14,6 +14,7 @@
 #include "stats/SortStats.h"
 #include "stats/StatLine.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <span>
@@ -216,11 +217,14 @@ void StatFile::Repair(const StatRecords& records) {
     }
     FileMark written;
     if (Rewrite(records, std::vector<bool>(records.List.size()), {}, written)) return;
-    std::error_code error;
-    const bool full = fs::space(StatFilePath().parent_path(), error).available < records.ReadTo.Bytes;
-    report_.NotRewritten =
-        full && !error ? LoadReport::Hindrance::DiskFull : LoadReport::Hindrance::NotWritable;
+    report_.NotRewritten = WhyNotWritten(records.ReadTo.Bytes);
     throw NumberedError(0, "The statistics file could not be repaired: " + StatFilePath().string());
+}
+
+LoadReport::Hindrance StatFile::WhyNotWritten(std::uintmax_t bytes) const {
+    std::error_code error;
+    const bool full = fs::space(StatFilePath().parent_path(), error).available < bytes;
+    return full && !error ? LoadReport::Hindrance::DiskFull : LoadReport::Hindrance::NotWritable;
 }
 
 // Writes the records, all but those left out, and what another load has not seen yet behind them.
@@ -278,6 +282,52 @@ StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vect
     records.List.resize(kept);
     records.ReadTo = std::move(written);
     return Deletion::Done;
+}
+
+// One that is missing is made, as only a file that is there can be held. But first an older release's file
+// becomes this one: where that fails, a new file would hide it for good.
+std::unique_ptr<FileLock> StatFile::HoldOrMake() {
+    const fs::path path = StatFilePath();
+    StatRecords converted;
+    if (!FileExists(path)) LoadStatFile(converted, false);
+    if (!FileExists(path) && !FileExists(path.parent_path() / OldStatFileName))
+        static_cast<void>(parts_.Files.AppendLines(path, {}, {}, {}, Files::Flush::No));
+    return parts_.Files.Hold(path);
+}
+
+LoadReport::Hindrance StatFile::AddRecords(const MakeRecords& make) {
+    using Hindrance = LoadReport::Hindrance;
+    const fs::path path = StatFilePath();
+    const auto lock = HoldOrMake();
+    if (!lock) return FileExists(path) ? WhyNotHeld() : Hindrance::NotWritable;
+    StatRecords there;
+    LoadStatFile(there, false);
+    const std::uintmax_t bytes = there.ReadTo.Bytes;
+    if (bytes != SizeOf(path)) return Hindrance::Unreadable;
+    if (bytes > 0 && report_.Dropped == linesRead_) return Hindrance::NoRecords;
+    std::string lines = bytes > 0 && there.ReadTo.LastBytes.back() != '\n' ? std::string(StatLineEnd) : "";
+    const std::vector<StatFields> made = make(there);
+    if (made.empty()) return Hindrance::None;
+    for (const StatFields& fields : made)
+        WriteStatRecord(lines, fields);
+    const bool done = bytes == 0 ? parts_.Files.Replace(path, lines) : Extend(bytes, lines);
+    return done ? Hindrance::None : WhyNotWritten(bytes);
+}
+
+// What is there stays byte for byte, so that windows which have loaded it find their place again.
+bool StatFile::Extend(std::uintmax_t bytes, std::string_view lines) {
+    const fs::path path = StatFilePath();
+    const fs::path backup = FreeBackupName(path, parts_.Clock.Now(), '_');
+    const bool replaced = parts_.Files.ReplaceKeeping(path, backup, [&](const Files::Sink& sink) {
+        for (std::uintmax_t begin = 0; begin < bytes; begin += writeBytes) {
+            const std::uintmax_t end = std::min<std::uintmax_t>(begin + writeBytes, bytes);
+            const std::string part = ReadPart(path, begin, end);
+            if (part.size() != end - begin || !sink(part)) return false;
+        }
+        return SizeOf(path) == bytes && sink(lines);
+    });
+    if (replaced) report_.Backup = backup;
+    return replaced;
 }
 
 std::string StatFile::Fingerprint() const {

@@ -2,12 +2,14 @@
 
 #include "platform/Files.h"
 #include "platform/Journal.h"
+#include "stats/StatLine.h"
 #include "stats/StatRecord.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -77,6 +79,13 @@ class StatFile {
     [[nodiscard]] Deletion DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted,
                                          const Progress& progress = {});
 
+    /// Makes records of those that are there, the open connections among them.
+    using MakeRecords = std::function<std::vector<StatFields>(const StatRecords& there)>;
+    /// Adds records to the file, which is kept as a backup (Report().Backup) unless it was empty. No other
+    /// program can write between the look at what is there and the end. None: they are in the file, or none
+    /// were made; otherwise the file is as it was.
+    [[nodiscard]] LoadReport::Hindrance AddRecords(const MakeRecords& make);
+
     /// Changes when a load would find other connections: the file's size and time, and what is open.
     std::string Fingerprint() const;
 
@@ -84,6 +93,8 @@ class StatFile {
     const LoadReport& Report() const { return report_; }
 
   private:
+    std::unique_ptr<FileLock> HoldOrMake();
+    bool Extend(std::uintmax_t bytes, std::string_view lines);
     LoadReport::Hindrance WhyNotHeld();
     void Convert(const std::filesystem::path& oldFile);
     void Read(StatRecords& records, const Progress& progress);
@@ -92,6 +103,7 @@ class StatFile {
     void AddRunning(StatRecords& records, const std::vector<OpenConnection>& open, bool dialUp);
     void Tidy(StatRecords& records, const std::vector<OpenConnection>& open);
     void Repair(const StatRecords& records);
+    LoadReport::Hindrance WhyNotWritten(std::uintmax_t bytes) const;
     bool Rewrite(const StatRecords& records, const std::vector<bool>& leftOut, std::string_view appended,
                  FileMark& written, const Progress& progress = {});
 

@@ -17,7 +17,7 @@ import rig
 USER = "nobody"
 CONTENTS = {
     "bin/korvalin", "bin/korvalin-cli",
-    "lib/systemd/user/korvalin-record.service",
+    *(f"lib/systemd/user/korvalin-{unit}" for unit in ("record.service", "metrics.service", "metrics.timer")),
     "share/applications/korvalin.desktop",
     "share/bash-completion/completions/korvalin-cli",
     "share/doc/korvalin/changelog.gz", "share/doc/korvalin/copyright",
@@ -75,8 +75,9 @@ class Package(rig.DesktopCase):
         subprocess.run(["dpkg-deb", "-x", self.package, content], check=True)
         self.assertEqual(files(content / "usr"), CONTENTS)
         self.assertEqual(os.listdir(content), ["usr"])
-        service = (content / "usr/lib/systemd/user/korvalin-record.service").read_text()
-        self.assertIn("\nExecStart=/usr/bin/korvalin-cli record\n", service)
+        units = content / "usr/lib/systemd/user"
+        for unit, command in (("record", "record"), ("metrics", "metrics --output ${KORVALIN_METRICS_FOLDER}/korvalin.prom")):
+            self.assertIn(f"\nExecStart=/usr/bin/korvalin-cli {command}\n", (units / f"korvalin-{unit}.service").read_text())
         shared = content / "usr/share"
         self.check_with("desktop-file-validate", shared / "applications/korvalin.desktop")
         self.check_with("appstreamcli", "validate", "--no-net", shared / "metainfo/org.example.korvalin.metainfo.xml")
