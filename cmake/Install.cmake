@@ -1,4 +1,5 @@
-# Where everything lies on a system. The program finds its texts beside itself or in ../share/korvalin.
+# Where everything lies on a system. The program finds its texts beside itself or in ../share/korvalin,
+# the manual beside itself or in ../share/doc/korvalin.
 include(GNUInstallDirs)
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 find_program(GZIP gzip REQUIRED)
@@ -97,6 +98,8 @@ execute_process(COMMAND ${changelog_tool} ${KORVALIN_MAINTAINER} OUTPUT_FILE ${g
 korvalin_compressed(${generated}/changelog)
 install(FILES ${generated}/changelog.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvalin)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvalin RENAME copyright)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/manual DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvalin
+  FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 
 set(completions ${PROJECT_SOURCE_DIR}/packaging/completions)
 install(FILES ${completions}/korvalin-cli.bash

@@ -19,6 +19,7 @@ add_library(korvalin_gui STATIC
   dialogs/frmPopupMsg.cpp
   dialogs/frmPopupMsg.ui
   dialogs/LinkButton.cpp
+  dialogs/Manual.cpp
   dialogs/MessageText.cpp
   dialogs/MessageTexts.cpp
   dialogs/QtDialDialog.cpp

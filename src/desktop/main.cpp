@@ -1,6 +1,7 @@
 #include "desktop/AboutBox.h"
 #include "desktop/EndRequests.h"
 #include "desktop/SettingsDialog.h"
+#include "dialogs/Manual.h"
 #include "dialogs/QtDialDialog.h"
 #include "dialogs/QtMessageBoxes.h"
 #include "display/frmMain.h"
@@ -62,6 +63,7 @@ int RunDesktop(int argc, char** argv) {
     const Ports ports = system.PortsWith(events, messageBoxes, screen);
     Program program(ports, std::move(locale));
     messageBoxes.Plug(program.language);
+    const Manual manual({program.language, system.UserShell(), messageBoxes});
     QtDialDialog dialDialog;
     dialDialog.Plug(program.language);
     system.PlugDialDialog(&dialDialog);

@@ -50,6 +50,12 @@ void SetCaption(QObject& element, const QString& caption) {
     }
 }
 
+// The same text answers who points at the control and who asks what it is (Shift+F1).
+void Explain(QWidget& widget, const QString& text) {
+    widget.setToolTip(text);
+    widget.setWhatsThis(text);
+}
+
 void SetToolTip(QObject& element, const QString& toolTip) {
     if (auto* action = qobject_cast<QAction*>(&element)) {
         action->setToolTip(toolTip);
@@ -64,11 +70,11 @@ void SetToolTip(QObject& element, const QString& toolTip) {
             tabs->setTabToolTip(tabs->indexOf(widget),
                                 toolTip); // on the page it would cover all its controls
         } else {
-            widget->setToolTip(toolTip);
+            Explain(*widget, toolTip);
             // Who points at the control means the caption beside it.
             const auto* label = qobject_cast<QLabel*>(widget);
             QWidget* buddy = label != nullptr ? label->buddy() : nullptr;
-            if (buddy != nullptr && !buddy->property("Tag").isValid()) buddy->setToolTip(toolTip);
+            if (buddy != nullptr && !buddy->property("Tag").isValid()) Explain(*buddy, toolTip);
         }
     }
 }

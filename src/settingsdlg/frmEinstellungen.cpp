@@ -133,7 +133,8 @@ frmEinstellungen::frmEinstellungen(const Parts& parts)
       applier_(ApplierParts(parts)) {
     ui_->setupUi(this);
     setWindowIcon(ProgramIcon());
-    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint |
+                   Qt::WindowContextHelpButtonHint);
     chart_ = std::make_unique<ChartEditor>(ChartEditor::Parts{.Dialog = *this,
                                                               .Controls = *ui_,
                                                               .Settings = parts_.Settings,
@@ -192,6 +193,16 @@ void frmEinstellungen::ApplyTexts() {
     ui_->lbltxtUpDown1->setText(DialogText(1));
     ui_->lbltxtUpDown2->setText(DialogText(2));
     ui_->lbltxtUpDown3->setText(DialogText(3));
+    // The controls in a frame without texts of their own answer with the frame's.
+    const QString curves =
+        DialogText(1) + QStringLiteral("\n\n") + DialogText(2) + QStringLiteral("\n\n") + DialogText(3);
+    for (QWidget* frame :
+         std::initializer_list<QWidget*>{ui_->frmDownload, ui_->frmUpload, ui_->frmTextUpDown})
+        frame->setWhatsThis(curves);
+    ui_->TreeView1->setWhatsThis(DialogText(37));
+    for (QWidget* part : std::initializer_list<QWidget*>{ui_->ListView1, ui_->cmdButton1})
+        part->setWhatsThis(DialogText(38));
+    ui_->Pic->setWhatsThis(ui_->lblChartPreview->whatsThis());
     ui_->optKB1->setText(DialogText(4) + QLatin1Char(' ') + unitCaption_);
     ui_->TreeView1->setAccessibleName(windowTitle());
     network_->ApplyTexts(windowTitle());
@@ -296,6 +307,7 @@ void frmEinstellungen::TreeAct(const QString& key) {
         }
     }
     if (shown == pages.end()) return;
+    setProperty("Manual", QLatin1String("settings#") + QLatin1String(shown->Key));
     for (QWidget* frame : shown->Frames)
         frame->show();
     if (shown->Fill != nullptr) (network_.get()->*shown->Fill)();

@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
-"""Every text number that the sources use exists in every language, and no two texts of a section share an access key."""
+"""Every text number that the sources use exists in every language, and no two texts of a section share an access key.
+The manual's links lead somewhere, and it explains every control of the settings under the caption that it has."""
 
+import html
 import pathlib
 import re
 import sys
@@ -60,7 +62,44 @@ def uses():
             yield "modConnInfo", number, path
 
 
+def check_manual(texts):
+    """Returns the number of its links."""
+    folder, links = root / "docs/manual", 0
+    pages = {page.relative_to(folder): page.read_text() for page in folder.rglob("*.html")}
+    anchors = {page: re.findall(r'\bid="([^"]+)"', source) for page, source in pages.items()}
+    for page, source in pages.items():
+        if sorted(anchors[page]) != sorted(set(anchors.get(pathlib.Path("en") / page.name, []))):
+            faults.append(f"{page} has other anchors than the English page, or one twice")
+        for link in re.findall(r'(?:href|src)="([^"]+)"', source):
+            name, _, anchor = link.partition("#")
+            target = (folder / page.parent / (name or page.name)).resolve()
+            links += 1
+            if not target.is_file() or anchor and anchor not in anchors[target.relative_to(folder)]:
+                faults.append(f"{page} links to {link}, which is not there")
+    for language, code in (("de", "GER"), ("en", "ENG")):
+        if {page.name for page in pages if page.parts[0] == language} != {page.name for page in pages}:
+            faults.append(f"a page is missing in {language}")
+        check_controls(texts, code, pages[pathlib.Path(language) / "settings.html"])
+    return links
+
+
+def check_controls(texts, code, page):
+    source = (root / "src/settingsdlg/frmEinstellungen.ui").read_text()
+    captions = dict(re.findall(r'name="(\w+)"(?:(?!<widget)[\s\S])*?#LngNo:(\d+)', source))
+    buddies = {control: captions[label] for label, control in
+               re.findall(r'name="(lbl\w+)"(?:(?!<widget)[\s\S])*?buddy"><cstring>(\w+)<', source)}
+    for control in re.findall(r'<widget class="[^"]+" name="((?:box|opt|cbo|txt|cmd)\w+)"', source):
+        if f'id="{control}"' not in page:
+            faults.append(f"the manual does not explain {control} in {code}")
+        number = buddies.get(control, captions.get(control))
+        said = re.search(rf'<dt id="{control}">([^<]*)<', page)
+        if number and said and html.unescape(said[1]) != \
+                texts[code, "frmEinstellungenObj", number][0].replace("&", "").rstrip(":"):
+            faults.append(f"the manual calls {control} “{said[1]}” in {code}")
+
+
 texts, languages = read_texts()
+links = check_manual(texts)
 found = list(uses())
 if len(found) < 60 or len(languages) < 2:
     faults.append(f"only {len(found)} uses in {languages}: this check no longer sees the sources")
@@ -83,5 +122,5 @@ for language in languages:
                 faults.append(f"access key twice in {language} {section}: {text} and {access_keys[place]}")
             access_keys[place] = text
 
-print("\n".join(faults) or f"{len(found)} uses, {len(every)} texts in {', '.join(languages)}")
+print("\n".join(faults) or f"{len(found)} uses, {len(every)} texts in {', '.join(languages)}, {links} links")
 sys.exit(1 if faults else 0)

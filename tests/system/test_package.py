@@ -15,12 +15,14 @@ import unittest
 import rig
 
 USER = "nobody"
+MANUAL = pathlib.Path(__file__).resolve().parents[2] / "docs/manual"
 CONTENTS = {
     "bin/korvalin", "bin/korvalin-cli",
     *(f"lib/systemd/user/korvalin-{unit}" for unit in ("record.service", "metrics.service", "metrics.timer")),
     "share/applications/korvalin.desktop",
     "share/bash-completion/completions/korvalin-cli",
     "share/doc/korvalin/changelog.gz", "share/doc/korvalin/copyright",
+    *(f"share/doc/korvalin/manual/{file.relative_to(MANUAL)}" for file in MANUAL.rglob("*.*")),
     "share/fish/vendor_completions.d/korvalin-cli.fish",
     *(f"share/icons/hicolor/{size}x{size}/apps/korvalin.png" for size in (16, 32, 48, 256)),
     "share/icons/hicolor/scalable/apps/korvalin.svg", "share/icons/hicolor/symbolic/apps/korvalin-symbolic.svg",
