@@ -1,57 +1,44 @@
 #!/usr/bin/env python3
 """What the shells complete, and what the manual tells, is what korvalin-cli says of itself."""
 
-import pathlib
 import re
-import shutil
-import subprocess
 import unittest
 
 import rig
 
-PACKAGING = pathlib.Path(__file__).resolve().parents[2] / "packaging"
+PACKAGING = rig.ROOT / "packaging"
 COMPLETIONS = PACKAGING / "completions"
+COMMANDS = ([], ["settings"], ["settings", "get"], ["lines"], ["network"], ["records"], ["sums"], ["repair"], ["record"])
+CHOICES = (["lines", "--format"], ["records", "--format"], ["sums", "--format"], ["sums", "--period"])
 
 
-def words_of_help(*command):
-    """The commands and options that --help lists."""
-    text = subprocess.run([rig.BIN / "korvalin-cli", *command, "--help"], check=True, capture_output=True, text=True).stdout
+def help_of(*command):
+    return rig.run(rig.BIN / "korvalin-cli", *command, "--help").stdout
+
+
+def words_behind(command):
+    """The commands and options that --help lists, or the words that an option takes."""
+    if command[-1:] and command[-1].startswith("--"):
+        return set(re.search(rf"{command[-1]} (\S+)", help_of(*command[:-1]))[1].split("|"))
+    text = help_of(*command)
     options = set(re.findall(r"(?<![\w-])--?[a-z]+(?=[, \n])", text.split("Options:")[1]))
     return options | set(re.findall(r"^  ([a-z]+)\s", text.partition("Subcommands:")[2], re.MULTILINE))
-
-
-def choices_of_help(command, option):
-    """The words that an option takes."""
-    text = subprocess.run([rig.BIN / "korvalin-cli", command, "--help"], check=True, capture_output=True, text=True).stdout
-    return set(re.search(rf"{option} (\S+)", text)[1].split("|"))
-
-
-COMMANDS = ([], ["settings"], ["settings", "get"], ["lines"], ["network"], ["records"], ["sums"], ["repair"], ["record"])
-CHOICES = (("lines", "--format"), ("records", "--format"), ("sums", "--format"), ("sums", "--period"))
 
 
 class Completion(unittest.TestCase):
     def check(self, complete):
         """`complete` gives what a shell offers behind these words."""
-        for command in COMMANDS:
+        for command in (*COMMANDS, *CHOICES):
             with self.subTest(command):
-                self.assertEqual(complete(command), words_of_help(*command))
-        for command, option in CHOICES:
-            with self.subTest(command=command, option=option):
-                self.assertEqual(complete([command, option]), choices_of_help(command, option))
+                self.assertEqual(complete(command), words_behind(command))
 
     def test_bash(self):
-        def complete(words):
-            script = (f'. {COMPLETIONS}/korvalin-cli.bash; COMP_WORDS=(korvalin-cli "$@" ""); COMP_CWORD=$(($# + 1)); '
-                      '_korvalin_cli; printf "%s\\n" "${COMPREPLY[@]}"')
-            return set(subprocess.run(["bash", "-c", script, "bash", *words], check=True, capture_output=True,
-                                      text=True).stdout.split())
-
-        self.check(complete)
+        script = (f'. {COMPLETIONS}/korvalin-cli.bash; COMP_WORDS=(korvalin-cli "$@" ""); COMP_CWORD=$(($# + 1)); '
+                  '_korvalin_cli; printf "%s\\n" "${COMPREPLY[@]}"')
+        self.check(lambda words: set(rig.run("bash", "-c", script, "bash", *words).stdout.split()))
 
     def test_fish(self):
-        if not shutil.which("fish"):
-            self.skipTest("fish is not installed")
+        rig.need("fish")
 
         def complete(words):
             offered = set()
@@ -59,15 +46,13 @@ class Completion(unittest.TestCase):
             for word in [""] if words[-1:] and words[-1].startswith("--") else ["", "-", "--"]:
                 line = " ".join(["korvalin-cli", *words, word])
                 script = f"source {COMPLETIONS}/korvalin-cli.fish; complete -C '{line}'"
-                out = subprocess.run(["fish", "--no-config", "-c", script], check=True, capture_output=True, text=True).stdout
-                offered |= {text.split("\t")[0] for text in out.splitlines()}
+                offered |= {text.split("\t")[0] for text in rig.run("fish", "--no-config", "-c", script).stdout.splitlines()}
             return offered
 
         self.check(complete)
 
     def test_every_word_is_in_all_files(self):
-        words = set().union(*(words_of_help(*command) for command in COMMANDS),
-                            *(choices_of_help(*choice) for choice in CHOICES)) - {"-h", "--help"}
+        words = set().union(*map(words_behind, (*COMMANDS, *CHOICES))) - {"-h", "--help"}
         manual = (PACKAGING / "korvalin-cli.1.in").read_text().replace("\\-", "-")
         fish = re.sub(r"-l (\w+)", r"--\1", (COMPLETIONS / "korvalin-cli.fish").read_text())
         for name, text in (("manual", manual), ("fish", fish), ("zsh", (COMPLETIONS / "_korvalin-cli").read_text())):

@@ -29,14 +29,14 @@ def rate(line, seconds):
 class Lines(rig.Case):
     def setUp(self):
         super().setUp()
-        self.network = self.enter(rig.Network())
+        self.network = self.enterContext(rig.Network())
 
     def send(self, packets_a_second, seconds):
-        return self.launch([sys.executable, "-c", SENDER, str(packets_a_second), str(seconds)], self.network.there,
-                           stdout=subprocess.PIPE)
+        return self.launch([sys.executable, "-c", SENDER, str(packets_a_second), str(seconds)],
+                           self.network.prefix(self.network.there), stdout=subprocess.PIPE)
 
     def watch(self):
-        return rig.Watch(self.home, lambda command, **options: self.launch(command, self.network.here, **options))
+        return rig.Watch(self, self.network.prefix())
 
     def test_bytes_and_rates_are_the_kernels(self):
         sender, watch = self.send(500, 14), self.watch()
@@ -54,19 +54,19 @@ class Lines(rig.Case):
 
     def test_adapters_come_go_and_change_their_names(self):
         self.send(100, 0.5).wait()
-        watch, here, there = self.watch(), self.network.here, self.network.there
+        watch, there = self.watch(), self.network.there
         watch.await_names("wire0")
-        for where, link, state, names in ((there, "wire1", "down", []), (there, "wire1", "up", ["wire0"]),
-                                          (here, "wire0", "down", [])):
-            self.network.inside(where, "ip", "link", "set", link, state)
+        for words, where, names in (("link set wire0p down", there, []), ("link set wire0p up", there, ["wire0"]),
+                                    ("link set wire0 down", None, [])):
+            self.network.ip(words, where)
             watch.await_names(*names)
-        self.network.inside(here, "ip", "link", "set", "wire0", "name", "lan0", "up")
-        self.network.inside(here, "ip", "route", "add", "default", "via", "10.77.0.2")
+        self.network.ip("link set wire0 name lan0 up")
+        self.network.ip("route add default via 10.77.0.2")
         watch.await_names("lan0")
         for second in watch.history:
             for line in second:
                 self.assertTrue(all(r["received"] >= 0 for r in line["rates"]))
-        self.network.inside(here, "ip", "link", "delete", "lan0")
+        self.network.ip("link delete lan0")
         watch.await_names()
         self.assertIsNone(watch.process.poll())
 

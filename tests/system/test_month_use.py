@@ -16,10 +16,8 @@ LINE_AND_MONTH = 1 + 64  # of the tooltip's parts
 class MonthUse(rig.DesktopCase):
     def setUp(self):
         super().setUp()
-        self.session_bus()
-        self.panel = self.host(rig.NotifierHost(self.home.env))
-        self.network = self.enter(rig.Network())
-        self.network.await_carrier("wire0", "wire1")
+        self.panel = rig.NotifierHost(self)
+        self.network = self.enterContext(rig.Network())
         self.network.send("wire0", 2)
         # To the byte, in the window and in the tray.
         self.home.set(Language="ENG", AutoStart="False", UnitMB="Byte", TrayTexts=LINE_AND_MONTH, z_optStatSum=2,
@@ -27,13 +25,10 @@ class MonthUse(rig.DesktopCase):
 
     def show(self, *prefix):
         """The window, which records."""
-        self.launch([*prefix, rig.BIN / "korvalin"], self.network.here, stderr=subprocess.PIPE)
+        self.launch([*prefix, rig.BIN / "korvalin"], self.network.prefix(), stderr=subprocess.PIPE)
 
     def send(self, packets):
-        """What the adapter has moved by that, both ways."""
-        before = self.network.counted("wire0")
-        self.network.send("wire0", packets)
-        return [now - then for now, then in zip(self.network.counted("wire0"), before)]
+        return self.network.moved("wire0", packets)
 
     def await_tip(self, line, used, free=None):
         expected = f"{line}\nMonth {used:,} Byte" + (f" Free {free:,} Byte" if free is not None else "")
@@ -46,23 +41,20 @@ class MonthUse(rig.DesktopCase):
         pixels = [picture["argb"][8 * (y * size + size // 10):][2:8].upper() for y in range(size)]
         return pixels[-1], pixels.count(pixels[-1]) * 16 // size
 
-    def list_menu(self):
-        return self.find(lambda place: 200 < place["WIDTH"] < 300, "--onlyvisible")
-
     def sums(self, window):
         """The months in the statistics, as the user exports them."""
         path = self.home.path / "sums.txt"
-        self.open_menu(window, 200, 250, self.list_menu)  # the records are loaded then
+        list_menu = lambda: self.find(lambda place: 200 < place["WIDTH"] < 300, "--onlyvisible")
+        self.open_menu(window, 200, 250, list_menu)  # the records are loaded then
         self.display.tool("xdotool", "key", "Escape", "key", "alt+s")
-        self.open_menu(window, 200, 250, self.list_menu)
+        self.open_menu(window, 200, 250, list_menu)
         self.display.tool("xdotool", "key", "t")
-        dialog = rig.wait_for(lambda: self.display.window("^Save As$"), "the question for a file")
+        dialog = self.titled("^Save As$")
         self.press(dialog, "ctrl+a")
-        self.display.tool("xdotool", "type", str(path))
+        self.display.tool("xdotool", "type", path)
         self.press(dialog, "Return")
-        header, *rows = csv.reader(rig.wait_for(lambda: path.exists() and path.read_text().splitlines(), "the export"),
-                                   delimiter="\t")
-        return [dict(zip(header, row)) for row in rows]
+        rows = rig.wait_for(lambda: path.exists() and path.read_text().splitlines(), "the export")
+        return list(csv.DictReader(rows, delimiter="\t"))
 
     def test_a_month_that_ends_while_the_window_runs(self):
         self.show(*rig.at_time("2024-11-30 23:59:50"))
@@ -73,7 +65,7 @@ class MonthUse(rig.DesktopCase):
         december = self.send(100)
         self.await_tip("wire0", sum(december))
         self.choose(self.main_window(), "s")
-        sums = self.sums(rig.wait_for(lambda: self.display.window("^Statistics$"), "the statistics"))
+        sums = self.sums(self.titled("^Statistics$"))
         self.picture("months")
         figures = [[row[name] for name in ("Period", "Received", "Sent", "Total")] for row in sums]
         self.assertEqual(figures, [[month, *(f"{bytes_:,}.00" for bytes_ in (*moved, sum(moved)))]
@@ -84,14 +76,14 @@ class MonthUse(rig.DesktopCase):
         mock = NetworkManagerMock(self)
         adapter = mock.call("AddWiFiDevice", "wireless", "wire0", 100)
         home, phone = mock.add_network(adapter, "Home"), mock.add_network(adapter, "Phone")
-        mock.use(adapter, home, "1")
+        mock.use(adapter, home, 1)
         # Late in the month, when there is enough left of what is free.
         self.show(*rig.with_hardware(self.home.path / "net", "wire0"), *rig.at_time("2024-12-31 12:00:00"))
         self.await_tip("Home", 0)
         at_home = self.send(1500)
         self.await_tip("Home", sum(at_home))
         self.assertEqual(self.volume_bar(), (BLUE, 1))
-        mock.use(adapter, phone, "2")
+        mock.use(adapter, phone, 2)
         self.await_tip("Phone", 0, 3_000_000)
         on_phone = self.send(1000)
         left = 3_000_000 - sum(on_phone)
@@ -101,7 +93,7 @@ class MonthUse(rig.DesktopCase):
         on_phone = [a + b for a, b in zip(on_phone, self.send(500))]
         self.await_tip("Phone", sum(on_phone), 3_000_000 - sum(on_phone))
         self.assertEqual(self.volume_bar(), (RED, 1))
-        mock.use(adapter, home, "3")
+        mock.use(adapter, home, 3)
         self.await_tip("Home", sum(at_home))
         for command in (("records",), ("sums", "--period", "month")):
             self.assertEqual(self.home.moved(*command), {"Home": at_home, "Phone": on_phone}, command)
