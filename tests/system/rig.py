@@ -18,12 +18,20 @@ SKIPPED = 77
 PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
 FAKETIME = next(pathlib.Path("/usr/lib").glob("*/faketime/libfaketime.so.1"), None)
 SEND = """
-import socket, sys
+import socket, sys, time
+device, packets, address, rate = sys.argv[1], int(sys.argv[2]), sys.argv[3], float(sys.argv[4])
 out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-out.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, sys.argv[1].encode())
-for _ in range(int(sys.argv[2])):
-    out.sendto(b"x" * 1000, (sys.argv[3], 9))
+out.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, device.encode())
+start = time.monotonic()
+for sent in range(packets):
+    time.sleep(max(0, start + sent / rate - time.monotonic()))
+    out.sendto(b"x" * 1000, (address, 9))
 """
+
+
+def sender(device, packets, address, rate=1e9):
+    """What sends so many packets a second."""
+    return [sys.executable, "-c", SEND, device, str(packets), address, str(rate)]
 
 
 def wait_for(condition, what, seconds=20):
@@ -82,9 +90,9 @@ def with_hardware(folder, *adapters):
 
 
 class Home:
-    """A user's folders for one test; `prefix` is what starts a command as that user."""
+    """A user's folders for one test; `prefix` is what starts a program of `bin` as that user."""
 
-    prefix = ()
+    prefix, bin = (), BIN
 
     def __init__(self):
         self.folder = tempfile.TemporaryDirectory(prefix="korvalin-")
@@ -102,7 +110,7 @@ class Home:
         self.folder.cleanup()
 
     def run(self, *arguments, check=False):
-        return run(*self.prefix, BIN / "korvalin-cli", *arguments, env=self.env, check=check)
+        return run(*self.prefix, self.bin / "korvalin-cli", *arguments, env=self.env, check=check)
 
     def cli(self, *arguments):
         return self.run(*arguments, check=True).stdout.strip()
@@ -199,24 +207,17 @@ class Network(Namespaces):
             # A fixed neighbour: no ARP that would count as traffic.
             address = self.link(peer, other)["address"]
             self.ip(f"neighbour replace 10.{net}.0.{number} lladdr {address} dev {link} nud permanent", where)
-        self.await_carrier(name, name + "p")
+        self.await_carrier(name)
 
-    def await_carrier(self, link="wire0", peer="wire0p"):
+    def await_carrier(self, link="wire0"):
         """Before that the kernel drops what is sent."""
-        for where, name in ((self.here, link), (self.there, peer)):
+        for where, name in ((self.here, link), (self.there, link + "p")):
             wait_for(lambda: self.link(name, where)["operstate"] == "UP", f"the carrier of {name}")
 
     def send(self, link, packets, net=77, sent=None):
         """Packets in both directions: an adapter counts when it has received something."""
-        for where, over, to, number in ((self.there, link + "p", 1, packets),
-                                        (self.here, link, 2, packets if sent is None else sent)):
-            self.inside(where, sys.executable, "-c", SEND, over, number, f"10.{net}.0.{to}")
-
-    def moved(self, link, packets):
-        """What the adapter has counted for packets that are sent now."""
-        before = self.counted(link)
-        self.send(link, packets)
-        return grown(self.counted(link), before)
+        self.inside(self.there, *sender(link + "p", packets, f"10.{net}.0.1"))
+        self.inside(self.here, *sender(link, packets if sent is None else sent, f"10.{net}.0.2"))
 
 
 class Display:
@@ -224,13 +225,9 @@ class Display:
 
     def __enter__(self):
         need("Xvfb", "openbox", "xdotool", "xprop")
-        for _ in range(3):
-            self.stack = contextlib.ExitStack()
-            if self.started():
-                return self
-            # Servers that look for a free display at the same moment can take each other's socket away.
-            self.stack.close()
-        raise AssertionError("no display comes up")
+        self.stack = contextlib.ExitStack()
+        # Servers that look for a free display at the same moment can take each other's socket away.
+        return wait_for(self.started, "a display", seconds=30)
 
     def __exit__(self, *_):
         self.stack.close()
@@ -241,6 +238,7 @@ class Display:
         return process
 
     def started(self):
+        self.stack.close()
         read, write = os.pipe()
         self.server = self.launch("Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
                                   pass_fds=[write])
@@ -249,8 +247,8 @@ class Display:
             self.name = ":" + announced.readline().strip()
         self.launch("openbox", env=dict(os.environ, DISPLAY=self.name))
         with contextlib.suppress(AssertionError):
-            return wait_for(lambda: "window id" in self.tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
-                            "the window manager", seconds=10)
+            wait_for(lambda: "window id" in self.tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "openbox", seconds=10)
+            return self
 
     def tool(self, *command):
         return run(*command, env=dict(os.environ, DISPLAY=self.name), check=False).stdout
@@ -432,13 +430,9 @@ class DesktopCase(Case):
 
         return wait_for(tried, what)
 
-    def open_menu(self, window, x, y, menu):
-        """Opens a popup menu by a right click; `menu` finds it."""
-        self.again(lambda: self.click(window, x, y, "3"), menu, "the menu")
-
     def choose(self, window, entry):
         """Takes an entry of the main window's menu by its access key."""
-        self.open_menu(window, 60, 50, self.menu)
+        self.again(lambda: self.click(window, 60, 50, "3"), self.menu, "the menu")
         self.display.tool("xdotool", "key", entry)
 
     def answer(self, title, *keys):

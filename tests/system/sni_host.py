@@ -1,12 +1,6 @@
 #!/usr/bin/python3
-"""A desktop's list of StatusNotifierItem icons and the panel that shows them, without a picture: does what it is told on
-standard input, one command a line, and answers each with one line of JSON.
-
-    host           a panel registers with the list (with the argument "host" one is there from the start)
-    item           the icon: its tooltip and pictures; null while there is none
-    activate       a left click on the icon
-    menu           the menu's visible entries
-    choose LABEL   a click on that entry
+"""A desktop's list of StatusNotifierItem icons and the panel that shows them, without a picture: calls the method of Host
+that it is told on standard input, one a line, and answers with one line of JSON.
 """
 
 import json
@@ -38,11 +32,6 @@ class Watcher(dbus.service.Object):
     @dbus.service.method(WATCHER, in_signature="s", sender_keyword="sender")
     def RegisterStatusNotifierItem(self, service, sender):
         self.items.append((sender, service if service.startswith("/") else "/StatusNotifierItem"))
-        self.StatusNotifierItemRegistered(sender)
-
-    @dbus.service.signal(WATCHER, signature="s")
-    def StatusNotifierItemRegistered(self, service):
-        pass
 
     @dbus.service.signal(WATCHER)
     def StatusNotifierHostRegistered(self):
@@ -66,6 +55,7 @@ class Host:
         self.bus, self.watcher = bus, watcher
 
     def host(self):
+        """It registers with the list; with the argument "host" it is there from the start."""
         self.watcher.has_host = True
         self.watcher.StatusNotifierHostRegistered()
 
@@ -77,10 +67,11 @@ class Host:
         return self.part(None, dbus.PROPERTIES_IFACE).GetAll(ITEM)
 
     def item(self):
+        """The icon: its tooltip and pictures; nothing while there is none."""
         if not self.watcher.items:
             return None
         found = self.properties()
-        return {"id": found["Id"], "tip": found["ToolTip"][2],
+        return {"tip": found["ToolTip"][2],
                 "pictures": [{"size": [int(width), int(height)], "argb": bytes(pixels).hex()}
                              for width, height, pixels in found["IconPixmap"]]}
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Dial-up lines of a real NetworkManager: followed and recorded; with the service, without it, and when it goes."""
+"""Lines of a real NetworkManager: dialed, followed and recorded; with the service, without it, and when it goes."""
 
 import socket
-import sys
+import subprocess
 import time
 
 import rig
@@ -10,18 +10,130 @@ from network_manager import DRIVER, LineCase
 
 MODEM, LAN, INSTALLED, CONFIGURED = 0x01, 0x02, 0x10, 0x40
 UP = MODEM | INSTALLED | CONFIGURED
+FORCE_PROMPT, UNATTENDED = 0x2000, 0x8000
+LINE, ERROR = "result 0 line", "org.freedesktop.ModemManager1.Error.Connection."
+
+
+class DialService(LineCase):
+    def dial(self, name, *options, flags=0):
+        """What the dial showed, and its result."""
+        *shown, result, alive = self.drive("dial", name, "--flags", flags, *options).splitlines()
+        self.assertEqual(alive, "windows alive")
+        return shown, result
+
+    def check(self, result, name, *options, flags=0):
+        self.assertEqual(self.dial(name, *options, flags=flags)[1], result)
+
+    def check_asked(self, name, user="u", password="p"):
+        """The line comes up with the login that is asked for."""
+        shown, result = self.dial(name, "--user", user, "--password", password, flags=FORCE_PROMPT)
+        self.assertEqual((shown[0].split(" for ")[0], result), (f"asked {name}", LINE))
+
+    def test_a_dial_shows_its_stages_and_starts_nothing_else(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_pppoe("Andere")
+        self.nm.add_gsm("Umts")
+        shown, result = self.dial("T-DSL", flags=UNATTENDED)
+        self.assertEqual((shown[0], shown[-1], result), ("begin T-DSL", "end", LINE))
+        self.assertLessEqual({"stage connecting", "stage getting address"}, set(shown))
+        self.assertEqual(self.nm.active(), ["T-DSL", "lo", "ppp0"])
+        self.assertEqual(self.drive("dial", "T-DSL"), LINE)  # at once: it is up
+        self.assertEqual(self.drive("dial", "Nirgends"), "failed Nirgends 623\nresult 623 none")
+
+    def test_a_wrong_password_is_asked_for_and_kept(self):
+        self.nm.add_pppoe("T-DSL", "falsch")
+        shown, result = self.dial("T-DSL", flags=UNATTENDED)
+        self.assertEqual(result, "result 691 none")
+        self.assertNotIn("asked", " ".join(shown))
+        self.assertEqual(self.drive("dial", "T-DSL", "--flags", FORCE_PROMPT), "asked T-DSL for u\nresult 1223 none")
+        self.check_asked("T-DSL")
+        self.nm.nmcli("connection", "down", "T-DSL")
+        self.check(LINE, "T-DSL", flags=UNATTENDED)
+        self.assertNotIn("password=p", (self.nm.folder / "nm.log").read_text())
+
+    def test_every_kind_of_line_asks_for_a_refused_or_missing_login(self):
+        self.nm.start_vpn_server()
+        self.nm.add_pppoe("Eigene", "falsch", "ifname", "dsl0", "pppoe.parent", "wan0")
+        self.nm.add_gsm("Umts", "gsm.username", "u", "gsm.pin", "1234", "gsm.password-flags", "1")  # which nobody has
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_vpn("Firma", "falsch")
+        for name, *login in (("Eigene",), ("Umts", "ich", "neu"), ("Firma", "alice", "secret")):
+            with self.subTest(name):
+                if name == "Firma":
+                    self.nm.up("T-DSL")  # what it runs over
+                self.check("result 691 none", name, "--clock-rate", 45 if name == "Umts" else 1)
+                self.nm.await_end(name)
+                self.check_asked(name, *login)
+                self.nm.nmcli("connection", "down", name)
+        kept = (self.nm.folder / "profiles/Umts.nmconnection").read_text().splitlines()
+        self.assertLessEqual({"username=ich", "password=neu", "pin=1234", "apn=internet"}, set(kept))
+
+    def test_failures_have_their_numbers(self):
+        self.nm.add("ethernet", "LAN", "ifname", "wan0", "ipv4.method", "manual", "ipv4.addresses", "10.66.0.2/24")
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_pppoe("Falsch", "falsch")
+        self.nm.add_gsm("Umts")
+        self.nm.add_gsm("Andere")
+        self.nm.add_vpn("Firma")
+        for before, far, told, name, number in (
+                (None, "modem", {"error": ERROR + "NoDialtone"}, "Umts", 680),
+                (None, "modem", {"error": ERROR + "NoCarrier"}, "Umts", 678),
+                (None, "modem", {"error": ERROR + "Busy"}, "Umts", 676),
+                (None, "ppp", {"fails": 16}, "T-DSL", 678),  # nobody answered, so no password is to blame
+                (None, "ppp", {}, "Firma", 611),  # there is nothing that it could run over
+                # What the device did before is not why a dial failed.
+                ("LAN", "ppp", {}, "Falsch", 691), ("Umts", "modem", {"error": ERROR + "NoDialtone"}, "Andere", 680)):
+            with self.subTest(name=name, number=number):
+                if before:
+                    self.nm.tell("modem")
+                    self.nm.up(before)
+                self.nm.tell(far, **told)
+                self.check(f"result {number} none", name)
+        shown, result = self.dial("T-DSL", "--user", "", "--password", "p", flags=FORCE_PROMPT)  # cannot be kept
+        self.assertEqual((shown[-1], result), ("failed T-DSL 635", "result 635 none"))
+
+    def test_a_number_that_changes_while_the_login_is_asked_for_is_not_dialed(self):
+        uuid = self.nm.add_gsm("Umts")
+        shown, result = self.dial("Umts", "--user", "ich", "--password", "neu", "--when-asked",
+                                  f"nmcli connection modify {uuid} gsm.apn teuer", flags=FORCE_PROMPT)
+        self.assertEqual(result, "result 1237 none")
+        self.assertNotIn("failed", " ".join(shown))  # it is asked about, then dialed again
+        self.assertNotIn("Umts", self.nm.active())
+        self.assertEqual(self.nm.nmcli("-g", "gsm.username", "connection", "show", uuid), "")
+
+    def test_a_dial_ends_before_its_line_is_up(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.add_gsm("Umts")
+        self.nm.tell("ppp", delay=1)
+        self.nm.tell("modem", delay=6)
+        for name, options, result, least, most in (
+                ("T-DSL", ("--cancel-at", "begin"), 1223, 0, 2), ("T-DSL", ("--cancel-at", "connecting"), 1223, 0, 2),
+                ("Umts", ("--clock-rate", 45), 678, 1.9, 10)):  # given up after ninety seconds
+            with self.subTest(options):
+                start = time.monotonic()
+                self.check(f"result {result} none", name, *options)
+                self.assertTrue(least <= time.monotonic() - start < most)
+                self.nm.await_end(name)
+
+    def test_a_daemon_that_stops_ends_the_dial(self):
+        self.nm.add_pppoe("T-DSL")
+        self.nm.tell("ppp", delay=2)
+        driver = self.nm.start(DRIVER, "dial", "T-DSL", stdout=subprocess.PIPE, text=True)
+        rig.wait_for(lambda: "T-DSL" in self.nm.active(), "the dial")
+        self.nm.stop_daemon()
+        self.assertRegex(driver.communicate(timeout=10)[0], "result 6.. none")
 
 
 class DialUpLines(LineCase):
     def watch(self):
         return rig.Watch(self, self.nm.into)
 
-    def await_sent(self, watch, device, address, line=0, already=0):
+    def await_sent(self, watch, device, address, line=0):
         """The program tells what the kernel has counted of packets that are sent now."""
-        self.nm.run(sys.executable, "-c", rig.SEND, device, 20, address)
+        self.nm.run(*rig.sender(device, 20, address))
 
         def counted():
-            sent = self.nm.counted(device)[1] - already
+            sent = self.nm.counted(device)[1]
             return sent > 20_000 and watch.lines()[line]["bytes_transmitted"] == sent and watch.lines()[line]
 
         return rig.wait_for(counted, "the kernel's counter")
@@ -41,8 +153,9 @@ class DialUpLines(LineCase):
         self.launch([rig.BIN / "korvalin-cli", "record"], self.nm.into)
         rig.wait_for(self.home.store.exists, "the recorder")
 
-    def recorded(self):
-        return rig.wait_for(lambda: self.home.json("records", "--closed"), "the record")[0]
+    def recorded(self, name):
+        return rig.wait_for(lambda: next((record for record in self.home.json("records", "--closed")
+                                          if record["line_name"] == name), None), f"the record of {name}")
 
     def test_a_line_is_followed_and_recorded_when_the_far_side_hangs_up(self):
         self.nm.add_pppoe("T-DSL")
@@ -55,20 +168,7 @@ class DialUpLines(LineCase):
         self.assertEqual((line["bytes_received"], line["kind"]), (self.nm.counted("ppp0")[0], "dial-up"))
         (self.nm.folder / "ppp.hangup").touch()
         watch.await_names()
-        record = self.recorded()
-        self.assertEqual(record["line_name"], "T-DSL")
-        self.assertGreaterEqual(record["bytes_transmitted"], 20_000)
-
-    def test_a_second_call_over_the_same_modem_begins_at_zero(self):
-        self.nm.add_gsm("Umts")
-        watch = self.watch()
-        for _ in range(2):
-            watch.await_names()
-            before = self.nm.counted("wwan0")[1]
-            self.nm.up("Umts")
-            watch.await_names("Umts")
-            self.await_sent(watch, "wwan0", "10.78.0.1", already=before)
-            self.nm.nmcli("connection", "down", "Umts")
+        self.assertGreaterEqual(self.recorded("T-DSL")["bytes_transmitted"], 20_000)
 
     def test_a_vpn_is_followed_beside_the_line_it_runs_over_which_has_its_age(self):
         self.nm.start_vpn_server()
@@ -88,7 +188,7 @@ class DialUpLines(LineCase):
         self.await_sent(watch, "tun0", "10.99.0.1", line=1)
         self.nm.nmcli("connection", "down", "Firma")
         watch.await_names("T-DSL")
-        self.assertEqual(self.recorded()["line_name"], "Firma")
+        self.recorded("Firma")
 
     def test_lines_end_with_the_daemon_and_are_seen_again(self):
         self.nm.add_pppoe("T-DSL")
@@ -103,7 +203,7 @@ class DialUpLines(LineCase):
         rig.wait_for(lambda: len(watch.history) > seen + 1, "two more looks")
         self.assertEqual(watch.lines(), [])  # the kernel still routes over the line, which is no network for that
         self.nm.cut_lines()
-        self.assertEqual(self.recorded()["line_name"], "T-DSL")
+        self.recorded("T-DSL")
         self.nm.start_daemon()
         self.nm.up("T-DSL")
         watch.await_names("T-DSL")
@@ -119,22 +219,20 @@ class DialUpLines(LineCase):
         self.nm.add_pppoe("T-DSL")
         self.nm.add_gsm("Umts")
         await_state, file = self.follow()
-        for name, end in (("T-DSL", lambda: self.nm.nmcli("connection", "down", "T-DSL")),
-                          ("Umts", lambda: self.nm.nmcli("connection", "down", "Umts")),
-                          ("T-DSL", (self.nm.folder / "ppp.hangup").touch)):
+        down = lambda name: self.nm.nmcli("connection", "down", name)
+        hang_up = lambda _: (self.nm.folder / "ppp.hangup").touch()
+        for name, end in (("T-DSL", down), ("Umts", down), ("T-DSL", hang_up), ("T-DSL", None)):
             await_state(INSTALLED)
             self.nm.up(name)
             await_state(UP)
-            end()
-        await_state(INSTALLED)
-        self.nm.up("T-DSL")
-        await_state(UP)
+            if end:
+                end(name)
+        self.assertEqual([flags for flags in file.read_text().split() if int(flags, 16) & LAN], [])
         self.nm.stop_bus()
         await_state(INSTALLED)
         self.nm.start_bus()
         self.nm.up("T-DSL")
         await_state(UP)
-        self.assertEqual([flags for flags in file.read_text().split() if int(flags, 16) & LAN], [])
 
 
 class WithoutService(rig.Case):

@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """The Debian package of the tested build: what it holds, and its life on a system of its own."""
 
-import json
 import os
 import pathlib
 import pwd
@@ -12,7 +11,6 @@ import tempfile
 
 import rig
 
-USER = "nobody"
 CONTENTS = {
     "bin/korvalin", "bin/korvalin-cli",
     "lib/systemd/user/korvalin-record.service",
@@ -86,21 +84,13 @@ class Package(rig.DesktopCase):
     def version(self):
         return rig.run("dpkg-query", f"--admindir={self.root}/var/lib/dpkg", "-W", "-f", "${Version}", "korvalin").stdout
 
-    def as_user(self, program, *arguments):
-        return ["setpriv", f"--reuid={USER}", f"--regid={pwd.getpwnam(USER).pw_gid}", "--clear-groups", "--no-new-privs",
-                self.root / "usr/bin" / program, *arguments]
-
-    def cli(self, *arguments):
-        return rig.run(*self.as_user("korvalin-cli", *arguments), env=self.home.env, cwd="/").stdout.strip()
-
     def received(self):
         """Of the wire, by session."""
-        records = json.loads(self.cli("records", "--closed", "--format", "json"))
-        return [record["bytes_received"] for record in records if record["line_name"] == "wire0"]
+        return [record["bytes_received"] for record in self.home.json("records", "--closed") if record["line_name"] == "wire0"]
 
     def session(self, packets, meanwhile=lambda: None):
         """Starts the window, moves packets, and ends it."""
-        process = self.launch(self.as_user("korvalin"), self.network.prefix(), cwd="/", stderr=subprocess.PIPE)
+        process = self.launch([*self.home.prefix, self.home.bin / "korvalin"], self.network.prefix(), cwd="/", stderr=subprocess.PIPE)
         self.main_window()
         self.picture(f"installed {self.version()}")
         self.network.send("wire0", packets)
@@ -113,14 +103,16 @@ class Package(rig.DesktopCase):
     def test_an_ordinary_user_lives_with_it_from_installation_to_removal(self):
         self.network = self.enterContext(rig.Network())
         self.network.send("wire0", 2)
-        os.chown(self.home.path, pwd.getpwnam(USER).pw_uid, pwd.getpwnam(USER).pw_gid)
+        user = pwd.getpwnam("nobody")
+        os.chown(self.home.path, user.pw_uid, user.pw_gid)
+        self.home.prefix = ("setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--no-new-privs")
         self.new_system()
+        self.home.bin = self.root / "usr/bin"
         older = pack(self.folder / "old", "-D", "CPACK_PACKAGE_VERSION=0.9.0")
 
         self.dpkg("-i", older)
         self.assertEqual(self.version(), "0.9.0")
-        for setting in (("Language", "ENG"), ("ChartLineNo", "1"), ("picWidthMin", "7")):
-            self.cli("settings", "set", *setting)
+        self.home.set(Language="ENG", ChartLineNo=1, picWidthMin=7)
         earlier = self.network.counted("wire0")[0]
         # The system replaces the program while it runs.
         self.session(50, meanwhile=lambda: self.dpkg("-i", self.package))
@@ -130,7 +122,7 @@ class Package(rig.DesktopCase):
         self.assertGreater(before[0], 50 * 1000)
 
         self.session(20)
-        self.assertEqual(self.cli("settings", "get", "picWidthMin"), "7")
+        self.assertEqual(self.home.get("picWidthMin"), "7")
         self.assertEqual(self.received()[:1], before)
         self.assertEqual(sum(self.received()), self.network.counted("wire0")[0] - earlier)
 

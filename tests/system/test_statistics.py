@@ -9,6 +9,7 @@ import subprocess
 import rig
 
 BY_SYSTEM = "System shut down or user logged off"
+NOBODY = 65534
 
 
 class Recording(rig.RecorderCase):
@@ -25,17 +26,14 @@ class Recording(rig.RecorderCase):
         self.send("wire0", 100, sent=30)
         self.network.ip("link set wire0 down")
         received, sent = self.check_record(rig.wait_for(self.closed, "the record")[0], first, "Disconnected")
-        header, row = rig.wait_for(lambda: list(csv.reader(io.StringIO(self.export()))), "the export")
+        path = self.home.data / "Korvalin_Stats.csv"
+        header, row = csv.reader(rig.wait_for(lambda: path.exists() and path.read_text().splitlines(), "the export"))
         self.assertEqual(header, "Line,LogIn,LogOut,Duration,Bytes Transmitted,Bytes Received,Bytes Total,User,IP,Info".split(","))
         self.assertEqual(row[4:9], [str(sent), str(received), str(sent + received), "root", "10.77.0.1"])
         second = self.launch([rig.BIN / "korvalin-cli", "record"], self.network.prefix(), stderr=subprocess.PIPE)
         self.assertIn("Another program records", second.communicate(timeout=10)[1])
         self.assertEqual((second.returncode, self.end(recorder)), (1, 0))
         self.assertEqual(len(self.closed()), 1, "what has ended is not recorded again")
-
-    def export(self):
-        path = self.home.data / "Korvalin_Stats.csv"
-        return path.read_bytes().decode() if path.exists() else ""
 
     def test_the_window_records_what_is_open_when_it_closes(self):
         self.home.set(ShowTitle="True", DisplayChoiceDL="1")
@@ -53,6 +51,53 @@ class Recording(rig.RecorderCase):
                 window.wait(timeout=10)
                 self.assertEqual(len(self.closed()), before + 1)
                 self.check_record(self.closed()[-1], first, BY_SYSTEM)
+
+
+class OrdinaryUser(rig.RecorderCase):
+    """Folders that are closed to a user: nothing is lost, nothing is silent."""
+
+    def setUp(self):
+        super().setUp()
+        self.home.data.mkdir(parents=True, exist_ok=True)
+        self.give(self.home.path)
+        self.home.prefix = ("setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups")
+
+    def give(self, folder):
+        rig.run("chown", "-R", f"{NOBODY}:{NOBODY}", folder)
+
+    def recorder(self):
+        return self.record(prefix=self.home.prefix, stderr=subprocess.PIPE)
+
+    def recorded(self):
+        return self.home.moved("records")["wire0"]
+
+    def test_a_record_waits_until_it_can_be_written(self):
+        # A data folder that takes nothing for a while, and so do the statistics in it.
+        change = lambda mode: rig.run("chmod", mode, self.home.data, *self.home.data.glob("Korvalin_Stats*"))
+        recorder, first = self.recorder(), self.counted("wire0")
+        self.send("wire0", 500)
+        change("a-w")
+        for state in ("down", "up"):
+            self.network.ip(f"link set wire0 {state}")
+        self.network.await_carrier()
+        self.network.ip("route add default via 10.77.0.2")
+        self.send("wire0", 50)
+        self.assertNotEqual(self.end(recorder), 0)
+        self.assertIn('Korvalin_Stats.db: "wire0",#', recorder.stderr.read())
+        change("u+w")
+        self.end(self.recorder())
+        self.assertEqual(self.recorded(), rig.grown(self.counted("wire0"), first))
+
+    def test_what_cannot_be_read_is_said(self):
+        self.end(self.recorder())
+        for closed in (self.home.data, self.home.data / "Korvalin_Stats.db"):
+            mode = closed.stat().st_mode
+            closed.chmod(0)
+            for command in (("records",), ("repair",), ("sums", "--period", "month")):
+                run = self.home.run(*command)
+                self.assertEqual(run.returncode, 1, (closed, command))
+                self.assertIn("no permission", run.stderr)
+            closed.chmod(mode)
 
 
 class Records(rig.Case):

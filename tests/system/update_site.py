@@ -6,6 +6,7 @@ then every request; it ends when its input does. `folder`/ca.pem is what its cer
 """
 
 import base64
+import contextlib
 import gzip
 import hashlib
 import http.server
@@ -70,13 +71,12 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.server.site.note(self.path)
         parts = urllib.parse.urlsplit(self.path)
         name, _, more = parts.path.strip("/").partition("/")
-        try:
+        # The other side may have had enough.
+        with contextlib.suppress(BrokenPipeError, ConnectionResetError, ssl.SSLError):
             if name in ANSWERS:
                 self.answer(**ANSWERS[name](more or parts.query.partition("=")[2]))
             else:
                 getattr(self, "do_" + name, self.serve_file)(parts.path)
-        except (BrokenPipeError, ConnectionResetError, ssl.SSLError):
-            self.server.site.given_up.append(self.path)  # the other side has had enough
 
     def log_message(self, *_):
         pass
@@ -98,11 +98,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def do_silent(self, *_):
         """Silence, until the other side closes the connection."""
         self.connection.settimeout(60)
-        try:
+        with contextlib.suppress(OSError):
             self.connection.recv(1)
-        except OSError:
-            pass
-        self.server.site.given_up.append(self.path)
         self.close_connection = True
 
     def do_echo(self, _):
@@ -177,7 +174,7 @@ class Site:
     """Serves a folder on http, and on https when certificates are asked for."""
 
     def __init__(self, folder, certificates=False):
-        self.folder, self.requests, self.given_up = pathlib.Path(folder), [], []
+        self.folder, self.requests = pathlib.Path(folder), []
         self.slow, self.go_on = set(), threading.Event()  # what comes slowly, until the end
         self.note = self.requests.append
         self.servers = [self.listen()]
