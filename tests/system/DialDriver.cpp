@@ -1,5 +1,4 @@
-// The back end on NetworkManager without the program around it, for the tests and measurements of the scripts
-// beside.
+// The back end on NetworkManager without the program around it, for tests and measurements.
 #include "platform/DialDialog.h"
 #include "platform/Events.h"
 #include "platform/linux/dialup/NetworkManagerInternet.h"

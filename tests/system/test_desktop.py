@@ -70,12 +70,6 @@ class Desktop(rig.DesktopCase):
             stored = stored or self.stored_place()
             self.assertEqual(self.stored_place(), stored, auto_show)
 
-    def test_a_machine_without_network_has_the_window_out_of_sight(self):
-        network = self.enterContext(rig.Network())
-        network.ip("route delete default")
-        self.start(prefix=network.prefix())
-        self.wait_for_state("Iconic")
-
     def test_a_second_start_raises_the_first_ones_window_and_a_killed_one_is_no_hindrance(self):
         process = self.start(AutoShow="False")
         self.wait_for_state("Iconic")

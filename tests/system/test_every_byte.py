@@ -10,10 +10,6 @@ BY_SYSTEM, BY_TASK_MANAGER = "System shut down or user logged off", "Korvalin wa
 
 
 class EveryByte(rig.RecorderCase):
-    def setUp(self):
-        super().setUp()
-        self.ip = self.network.ip
-
     def add(self, name, net):
         """One more adapter that has moved something."""
         self.network.join(name, net)
@@ -49,7 +45,7 @@ class EveryByte(rig.RecorderCase):
             self.assertEqual(self.records("--closed"), closed, "what is open is shown, and is not closed")
             self.assertEqual(self.end(recorder, how), -how if killed else 0)
             if killed:
-                self.ip("link delete usb0")
+                self.network.ip("link delete usb0")
                 self.end(self.record())
             self.assertTrue(any(record["info"].endswith(reason) for record in self.closed()[len(closed):]), reason)
             self.send("wire0", 50)
@@ -65,8 +61,8 @@ class EveryByte(rig.RecorderCase):
             self.send("tun0", 200, 79)
             total = [a + b for a, b in zip(total, self.counted("tun0"))]
             # The kernel forgets what the end of a pair has received when the pair goes, not when the end moves away.
-            self.ip(f"link set tun0 netns {self.network.there}")
-            self.ip("link delete tun0", self.network.there)
+            self.network.ip(f"link set tun0 netns {self.network.there}")
+            self.network.ip("link delete tun0", self.network.there)
             if slowly:
                 self.await_lines("wire0")
         self.end(recorder)

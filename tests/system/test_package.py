@@ -90,9 +90,9 @@ class Package(rig.DesktopCase):
 
     def session(self, packets, meanwhile=lambda: None):
         """Starts the window, moves packets, and ends it."""
-        process = self.launch([*self.home.prefix, self.home.bin / "korvalin"], self.network.prefix(), cwd="/", stderr=subprocess.PIPE)
+        process = self.launch([*self.home.prefix, self.home.bin / "korvalin"], self.network.prefix(), cwd="/",
+                              stderr=subprocess.PIPE)
         self.main_window()
-        self.picture(f"installed {self.version()}")
         self.network.send("wire0", packets)
         meanwhile()
         self.assertEqual(self.end(process, seconds=20), 0)

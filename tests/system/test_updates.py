@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Updates from a site on loopback: found, asked for, downloaded, and installed by the new program over the old one."""
 
-import contextlib
 import os
 import pathlib
 import shutil
@@ -29,13 +28,8 @@ class ProgramFolder:
 
     def running(self):
         """The processes by their programs' names, also when a file was replaced since."""
-        found = {}
-        for process in pathlib.Path("/proc").glob("[0-9]*"):
-            with contextlib.suppress(OSError):
-                executable = pathlib.Path(os.readlink(process / "exe").removesuffix(" (deleted)"))
-                if executable.parent == self.path:
-                    found[executable.name] = int(process.name)
-        return found
+        found = rig.run("pgrep", "-af", f"^{self.path}/", check=False).stdout.splitlines()
+        return {pathlib.Path(line.split()[1]).name: int(line.split()[0]) for line in found}
 
     def names(self):
         return {file.name for file in self.path.iterdir()}

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """A web server on loopback that plays the maker's site, and misbehaves where it is asked to.
 
-Started by itself it serves a folder, prints its ports (http, https, https with another host's certificate, proxies) on one line and
-then every request; it ends when its input does. `folder`/ca.pem is what its certificates are trusted by.
+Started by itself it serves a folder, prints its ports (http, https, https with another host's certificate, proxies) on one
+line and then every request; it ends when its input does. `folder`/ca.pem is what its certificates are trusted by.
 """
 
 import base64
