@@ -10,7 +10,6 @@ import unittest
 
 import rig
 
-
 PACKAGING = rig.ROOT / "packaging"
 COMPLETIONS = PACKAGING / "completions"
 COMMANDS = ([], ["settings"], ["settings", "get"], ["lines"], ["network"], ["records"], ["sums"], ["repair"], ["record"])
