@@ -151,10 +151,9 @@ class DialUpLines(LineCase):
 
     def start_recording(self):
         self.launch([rig.BIN / "korvalin-cli", "record"], self.nm.into)
-        rig.wait_for(self.home.store.exists, "the recorder")
 
-    def recorded(self, name):
-        return rig.wait_for(lambda: next((record for record in self.home.json("records", "--closed")
+    def recorded(self, name, *options):
+        return rig.wait_for(lambda: next((record for record in self.home.json("records", *options)
                                           if record["line_name"] == name), None), f"the record of {name}")
 
     def test_a_line_is_followed_and_recorded_when_the_far_side_hangs_up(self):
@@ -166,9 +165,10 @@ class DialUpLines(LineCase):
         watch.await_names("T-DSL")
         line = self.await_sent(watch, "ppp0", "10.64.64.64")
         self.assertEqual((line["bytes_received"], line["kind"]), (self.nm.counted("ppp0")[0], "dial-up"))
+        self.recorded("T-DSL")  # which is open
         (self.nm.folder / "ppp.hangup").touch()
         watch.await_names()
-        self.assertGreaterEqual(self.recorded("T-DSL")["bytes_transmitted"], 20_000)
+        self.assertGreaterEqual(self.recorded("T-DSL", "--closed")["bytes_transmitted"], 20_000)
 
     def test_a_vpn_is_followed_beside_the_line_it_runs_over_which_has_its_age(self):
         self.nm.start_vpn_server()
@@ -186,9 +186,10 @@ class DialUpLines(LineCase):
         self.nm.up("Firma")
         watch.await_names("T-DSL", "Firma")
         self.await_sent(watch, "tun0", "10.99.0.1", line=1)
+        self.recorded("Firma")
         self.nm.nmcli("connection", "down", "Firma")
         watch.await_names("T-DSL")
-        self.recorded("Firma")
+        self.recorded("Firma", "--closed")
 
     def test_lines_end_with_the_daemon_and_are_seen_again(self):
         self.nm.add_pppoe("T-DSL")
@@ -197,13 +198,14 @@ class DialUpLines(LineCase):
         watch.await_names()
         self.nm.up("T-DSL")
         watch.await_names("T-DSL")
+        self.recorded("T-DSL")
         self.nm.stop_daemon()
         watch.await_names()
         seen = len(watch.history)
         rig.wait_for(lambda: len(watch.history) > seen + 1, "two more looks")
         self.assertEqual(watch.lines(), [])  # the kernel still routes over the line, which is no network for that
         self.nm.cut_lines()
-        self.recorded("T-DSL")
+        self.recorded("T-DSL", "--closed")
         self.nm.start_daemon()
         self.nm.up("T-DSL")
         watch.await_names("T-DSL")
