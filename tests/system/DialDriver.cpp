@@ -1,10 +1,8 @@
-// The back end on NetworkManager without the program around it, for the tests and measurements of the scripts
-// beside.
+// The back end on NetworkManager without the program around it, for tests and measurements.
 #include "platform/DialDialog.h"
 #include "platform/Events.h"
 #include "platform/linux/dialup/NetworkManagerInternet.h"
 #include "platform/linux/dialup/NetworkManagerLines.h"
-#include "platform/linux/dialup/NetworkManagerNetworks.h"
 #include "platform/linux/dialup/NetworkManagerRas.h"
 #include "platform/linux/system/SystemClock.h"
 
@@ -74,7 +72,6 @@ struct BackEnd {
     NetworkManagerLines Lines{Client, Clock};
     NetworkManagerRas Ras{Client, Lines};
     NetworkManagerInternet Internet{{Client, Lines, Clock}};
-    NetworkManagerNetworks Networks{Client};
 };
 
 // Every change of the connected state, until somebody ends it.
@@ -86,68 +83,23 @@ void FollowState(Internet& internet) {
     }
 }
 
-// The adapters' networks whenever one changes, until somebody ends it.
-void FollowNetworks(Networks& networks, const std::vector<std::string>& adapters) {
-    for (std::string last;; std::this_thread::sleep_for(std::chrono::microseconds(300))) {
-        std::string told;
-        for (const std::string& adapter : adapters)
-            told += fmt::format("{}={};", adapter, networks.NetworkOf(adapter));
-        if (told != last) fmt::print("{}\n", told);
-        last = told;
-    }
-}
-
-void PrintEntries(Ras& ras) {
-    for (const std::string& name : ras.EnumEntries().Names) {
-        const PhoneEntry entry = ras.GetEntryProperties(name).value();
-        fmt::print("{}|{}|{}\n", name, entry.DeviceType, entry.LocalPhoneNumber);
-    }
-}
-
-// As a pass of the reader: everything about every line.
-void ReadLines(Ras& ras, bool print) {
-    for (const RasConnection& connection : ras.EnumConnections()) {
-        const RasStatistics statistics = ras.GetConnectionStatistics(connection.Handle);
-        static_cast<void>(ras.GetConnectStatus(connection.Handle));
-        if (print) {
-            fmt::print("{}|{}|{}|{}|{}|{}|{}\n", connection.Handle, connection.EntryName,
-                       connection.DeviceName, statistics.BytesReceived, statistics.BytesTransmitted,
-                       statistics.ConnectDurationMilliseconds, statistics.InterfaceIndex);
+// As passes of the reader: everything about every line.
+void ReadLines(Ras& ras, int passes) {
+    for (int i = 0; i < passes; ++i) {
+        for (const RasConnection& connection : ras.EnumConnections()) {
+            static_cast<void>(ras.GetConnectionStatistics(connection.Handle));
+            static_cast<void>(ras.GetConnectStatus(connection.Handle));
         }
     }
 }
 
-void Measure(Ras& ras, int passes) {
-    ReadLines(ras, true);
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < passes; ++i)
-        ReadLines(ras, false);
-    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
-    fmt::print("microseconds {:.2f}\n", time.count() / passes);
-}
-
-// As the program does it: one line a pass, until none is up.
-void HangUpAll(BackEnd& system) {
-    for (int pass = 1; pass <= 11; ++pass) {
-        const std::vector<RasConnection> connections = system.Ras.EnumConnections();
-        if (connections.empty()) return;
-        fmt::print("hang up {}\n", connections[0].EntryName);
-        system.Ras.HangUp(connections[0].Handle);
-        system.Events.Sleep(100);
-    }
-}
-
-// Runs a command that changes an entry, and waits until the change is seen.
+// Runs a command that changes an entry's number, and waits until the change is seen.
 void ChangeEntry(BackEnd& system, const std::string& entryName, const std::string& command) {
-    constexpr int looks = 200;
-    const auto before = system.Ras.GetEntryProperties(entryName);
+    const auto number = [&] { return system.Ras.GetEntryProperties(entryName).value().LocalPhoneNumber; };
+    const std::string before = number();
     if (std::system(command.c_str()) != 0) fmt::print("cannot run {}\n", command);
-    for (int i = 0; i < looks; ++i) {
-        const auto now = system.Ras.GetEntryProperties(entryName);
-        if (now.has_value() != before.has_value()) return;
-        if (now && now->LocalPhoneNumber != before->LocalPhoneNumber) return;
+    for (int looks = 0; looks < 200 && number() == before; ++looks)
         system.Events.Sleep(20);
-    }
 }
 
 } // namespace
@@ -158,15 +110,8 @@ int main(int argc, char** argv) {
     BackEnd system;
     std::string name, user, password, change;
     std::uint32_t flags = 0;
-    std::vector<std::string> adapters;
-    int passes = 1000;
-    double rate = 1;
-    app.add_subcommand("entries");
-    app.add_subcommand("state");
+    int passes = 1;
     app.add_subcommand("follow");
-    app.add_subcommand("networks")->add_option("adapters", adapters)->required();
-    app.add_subcommand("lines");
-    app.add_subcommand("hangup");
     app.add_subcommand("measure")->add_option("passes", passes);
     CLI::App* dial = app.add_subcommand("dial");
     dial->add_option("name", name)->required();
@@ -175,27 +120,18 @@ int main(int argc, char** argv) {
     dial->add_option("--password", password);
     dial->add_option("--when-asked", change, "a command that changes the entry");
     dial->add_option("--cancel-at", system.Dialog.CancelAt);
-    dial->add_option("--clock-rate", rate);
+    dial->add_option("--clock-rate", system.Clock.Rate);
     CLI11_PARSE(app, argc, argv);
 
     setvbuf(stdout, nullptr, _IOLBF, 0);
-    system.Clock.Rate = rate;
+    if (app.got_subcommand("follow")) FollowState(system.Internet);
+    if (app.got_subcommand("measure")) ReadLines(system.Ras, passes);
+    if (!dial->parsed()) return 0;
     system.Internet.Dialer().Plug(system.Events);
     system.Internet.Dialer().PlugDialog(&system.Dialog);
     if (dial->count("--user") > 0) system.Dialog.Answer = Login{user, password};
-    if (!change.empty()) {
-        system.Dialog.WhenAsked = [&](const std::string& entryName) {
-            ChangeEntry(system, entryName, change);
-        };
-    }
-    if (app.got_subcommand("entries")) PrintEntries(system.Ras);
-    if (app.got_subcommand("state")) fmt::print("{:#x}\n", system.Internet.GetConnectedState().Flags);
-    if (app.got_subcommand("follow")) FollowState(system.Internet);
-    if (app.got_subcommand("networks")) FollowNetworks(system.Networks, adapters);
-    if (app.got_subcommand("lines")) ReadLines(system.Ras, true);
-    if (app.got_subcommand("hangup")) HangUpAll(system);
-    if (app.got_subcommand("measure")) Measure(system.Ras, passes);
-    if (!dial->parsed()) return 0;
+    if (!change.empty())
+        system.Dialog.WhenAsked = [&](const std::string& entry) { ChangeEntry(system, entry, change); };
     const DialResult result = system.Internet.Dial(name, flags);
     fmt::print("result {} {}\n", result.Error, result.Connection > 0 ? "line" : "none");
     if (system.Events.Pumped > 0) fmt::print("windows alive\n");

@@ -17,42 +17,32 @@ string string_view system_error thread tuple type_traits unordered_map unordered
 fmt/format.h""".split())
 
 
-def gui_sources():
-    """The files that belong to the windows, and the headers beside them."""
-    listed = re.findall(r"^\s+([\w/]+\.cpp)\)?$", (SOURCE / "gui.cmake").read_text(), re.M)
-    names = {pathlib.Path(name).with_suffix("") for name in listed} | {pathlib.Path("desktop/main")}
-    return names
+GUI = {pathlib.Path(name).with_suffix("") for name in
+       re.findall(r"^\s+([\w/]+\.cpp)\)?$", (SOURCE / "gui.cmake").read_text(), re.M)} | {pathlib.Path("desktop/main")}
 
 
 def folder_of(name):
     """The floor's folder: the first that is in the list, from the whole path down."""
-    parents = [str(parent) for parent in pathlib.PurePath(name).parents]
-    return next(folder for folder in parents if folder in LEVELS)
+    return next(str(parent) for parent in pathlib.PurePath(name).parents if str(parent) in LEVELS)
 
 
 faults, checked = [], 0
-gui = gui_sources()
-for path in sorted(SOURCE.rglob("*")):
-    if path.suffix not in (".cpp", ".h"):
-        continue
-    name = path.relative_to(SOURCE)
-    folder, is_gui = folder_of(name), name.with_suffix("") in gui
-    text = path.read_text()
+for path in sorted([*SOURCE.rglob("*.cpp"), *SOURCE.rglob("*.h")]):
+    name, text = path.relative_to(SOURCE), path.read_text()
+    folder, is_gui = folder_of(name), name.with_suffix("") in GUI
     checked += 1
     includes = re.findall(r'^#include ([<"])([^>"]+)[>"]', text, re.M)
     # A window that is asked for by its name is a dependency too.
-    includes += [('"', str(form.relative_to(SOURCE))) for name_ in re.findall(r'IsFormLoaded\("(\w+)"', text)
-                 for form in SOURCE.rglob(f"{name_}.h")]
+    includes += [('"', str(form.relative_to(SOURCE))) for asked in re.findall(r'IsFormLoaded\("(\w+)"', text)
+                 for form in SOURCE.rglob(f"{asked}.h")]
     for kind, header in includes:
-        if kind == '"':
-            if "/" not in header:  # made by the toolkit from a form
-                continue
+        if kind == '"' and "/" in header:  # the toolkit makes others from a form
             other = folder_of(header)
             if other != folder and LEVELS[other] >= LEVELS[folder]:
                 faults.append(f"{name} includes {header}, which does not stand below it")
-            if not is_gui and folder != "forms" and (other == "forms" or pathlib.Path(header).with_suffix("") in gui):
+            if not is_gui and folder != "forms" and (other == "forms" or pathlib.Path(header).with_suffix("") in GUI):
                 faults.append(f"{name} is core and includes the window {header}")
-        elif not (is_gui or folder in ("forms", "cli", "platform/linux", "platform/qt") or header in STANDARD):
+        elif kind == "<" and not (is_gui or folder in ("forms", "cli", "platform/linux", "platform/qt") or header in STANDARD):
             faults.append(f"{name} is core and includes <{header}>")
 if checked < 60:
     faults.append(f"only {checked} files: this check no longer sees the sources")

@@ -5,22 +5,19 @@ data port wwan0 (modem_manager.py), and, when asked for, an OpenVPN server that 
 second network namespace.
 """
 
-import contextlib
 import json
 import os
 import pathlib
 import re
 import shutil
-import signal
 import subprocess
 import unittest
 
 import rig
-from rig import PYTHON, ended, python_has, wait_for
+from rig import PYTHON, ended, wait_for
 
 DRIVER = rig.BIN.parent / "tests/dialdriver" if rig.BIN else None  # DialDriver.cpp
 SCRIPTS = pathlib.Path(__file__).resolve().parent
-NEEDED = ("ip", "unshare", "nsenter", "NetworkManager", "nmcli", "dbus-daemon", "pppd")
 BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
 "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig><type>system</type><listen>unix:path={folder}/bus</listen>
@@ -59,23 +56,21 @@ exec openvpn --dev tun --dev-type tun --proto udp --port 1194 --server 10.99.0.0
   --username-as-common-name --script-security 2 --auth-user-pass-verify {folder}/login via-file --ping 1 --log server.log"""
 
 
-class NetworkManager:
+class NetworkManager(rig.Namespaces):
     def __init__(self, folder):
-        missing = [tool for tool in NEEDED if not shutil.which(tool)]
-        if os.geteuid() != 0 or missing or not python_has("dbus", "dbusmock"):
-            raise unittest.SkipTest(f"needs root, {', '.join(missing) or 'dbusmock'}")
+        rig.need("unshare", "nsenter", "NetworkManager", "nmcli", "dbus-daemon", "pppd", modules=("dbus", "dbusmock"))
+        super().__init__()
         self.folder = pathlib.Path(folder) / "nm"
-        self.here, self.there = f"kv-nm-{os.getpid()}", f"kv-isp-{os.getpid()}"
         self.processes = []
 
     def __enter__(self):
         for name in ("profiles", "conf.d"):
             (self.folder / name).mkdir(parents=True)
-        for name, text in (("bus.conf", BUS), ("nm.conf", CONFIGURATION), ("resolv.conf", "")):
-            (self.folder / name).write_text(text.format(folder=self.folder))
-        (self.folder / "pppd").write_text(
-            f'#!/bin/sh\nexec {PYTHON} -B {SCRIPTS}/pppd_stand_in.py {self.folder} {self.there} "$@"\n')
+        pppd = f'#!/bin/sh\nexec {PYTHON} -B {SCRIPTS}/pppd_stand_in.py {self.folder} {self.there} "$@"\n'
+        for name, text in (("bus.conf", BUS), ("nm.conf", CONFIGURATION), ("resolv.conf", ""), ("pppd", pppd)):
+            (self.folder / name).write_text(text.replace("{folder}", str(self.folder)))
         (self.folder / "pppd").chmod(0o755)
+        super().__enter__()
         try:
             self.begin()
         except BaseException:
@@ -83,15 +78,22 @@ class NetworkManager:
             raise
         return self
 
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            ended(process)
+        super().__exit__()
+
     def begin(self):
-        try:
-            self.make_network()
-        except subprocess.CalledProcessError as error:
-            raise unittest.SkipTest(f"no network namespaces here: {error.stderr}") from error
+        for near, far, address in (("wan0", "isp0", "10.66.0.1/24"), ("wwan0", "gprs0", "10.78.0.1/24")):
+            self.ip(f"link add {near} type veth peer name {far} netns {self.there}")
+            self.ip(f"addr add {address} dev {far}", self.there)
+            self.ip(f"link set {far} up", self.there)
+        for name in (self.here, self.there):
+            self.ip("link set lo up", name)
         self.env = dict(os.environ, DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={self.folder}/bus", LC_ALL="C.UTF-8",
                         KORVALIN_MODEM=str(self.folder / "modem.json"))
-        self.holder = self.launch(["ip", "netns", "exec", self.here, "unshare", "-m", "sh", "-ec",
-                                   INSIDE.format(folder=self.folder)])
+        holder = self.launch([*self.prefix(), "unshare", "-m", "sh", "-ec", INSIDE.replace("{folder}", str(self.folder))])
+        self.into = ["nsenter", "-t", str(holder.pid), "-n", "-m"]  # what starts a command beside NetworkManager
         wait_for((self.folder / "ready").exists, "the namespaces")
         self.start_bus()
 
@@ -104,43 +106,20 @@ class NetworkManager:
                                 "--logfile", self.folder / "modem.log")
         self.start_daemon()
 
-    def __exit__(self, *_):
-        for process in reversed(self.processes):
-            ended(process)
-        for name in (self.here, self.there):
-            self.kill(self.processes_in(name))
-            subprocess.run(["ip", "netns", "delete", name], stderr=subprocess.DEVNULL, check=False)
-
-    def make_network(self):
-        def ip(words):
-            subprocess.run(["ip", *words.split()], check=True, capture_output=True, text=True)
-
-        for name in (self.here, self.there):
-            ip(f"netns add {name}")
-            ip(f"-n {name} link set lo up")
-        for near, far, address in (("wan0", "isp0", "10.66.0.1/24"), ("wwan0", "gprs0", "10.78.0.1/24")):
-            ip(f"link add {near} netns {self.here} type veth peer name {far} netns {self.there}")
-            ip(f"-n {self.there} addr add {address} dev {far}")
-            ip(f"-n {self.there} link set {far} up")
-
     def launch(self, command, **options):
         options = {"env": self.env, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options}
         process = subprocess.Popen([str(word) for word in command], **options)
         self.processes.append(process)
         return process
 
-    def inside(self, *command):
-        return ["nsenter", "-t", str(self.holder.pid), "-n", "-m", *command]
-
     def start(self, *command, **options):
         """A process in NetworkManager's namespaces."""
-        return self.launch(self.inside(*command), **options)
+        return self.launch([*self.into, *command], **options)
 
-    def run(self, *command, env=None, check=True, seconds=60):
+    def run(self, *command, env=None, check=True):
         """Runs a command there to its end; what it printed."""
-        run = subprocess.run([str(word) for word in self.inside(*command)], env={**self.env, **(env or {})}, check=check,
-                             text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=seconds)
-        return run.stdout.strip()
+        return rig.run(*self.into, *command, env={**self.env, **(env or {})}, check=check,
+                       stderr=subprocess.STDOUT).stdout.strip()
 
     def nmcli(self, *arguments, check=True):
         return self.run("nmcli", *arguments, check=check)
@@ -155,8 +134,7 @@ class NetworkManager:
 
     def stop_daemon(self):
         """Its PPP lines go on, as it leaves them to whoever manages services."""
-        self.daemon.kill()
-        self.daemon.wait()
+        ended(self.daemon)
 
     def stop_bus(self):
         for process in (self.bus, self.modem, self.daemon):
@@ -165,29 +143,18 @@ class NetworkManager:
 
     def cut_lines(self):
         """Ends PPP lines that outlived the daemon."""
-        self.kill(self.processes_in(self.here, "pppd_stand_in.py"))
-
-    @staticmethod
-    def processes_in(namespace, name=""):
-        listed = subprocess.run(["ip", "netns", "pids", namespace], capture_output=True, text=True, check=False).stdout
-        return [int(pid) for pid in listed.split() if name in pathlib.Path(f"/proc/{pid}/cmdline").read_text()]
-
-    @staticmethod
-    def kill(pids):
-        for pid in pids:
-            with contextlib.suppress(ProcessLookupError):
-                os.kill(pid, signal.SIGKILL)
+        self.kill(self.here, "pppd_stand_in.py")
 
     def add(self, kind, name, *settings):
         """A profile; its UUID."""
         told = self.nmcli("connection", "add", "type", kind, "con-name", name, "autoconnect", "no", *settings)
         return re.search(r"\(([0-9a-f-]{36})\) successfully added", told)[1]
 
-    def add_pppoe(self, name, password="p"):
-        return self.add("pppoe", name, "ifname", "wan0", "username", "u", "password", password)
+    def add_pppoe(self, name, password="p", *settings):
+        return self.add("pppoe", name, *(settings or ("ifname", "wan0")), "username", "u", "password", password)
 
-    def add_gsm(self, name, access_point="internet", number="*99#"):
-        return self.add("gsm", name, "ifname", "*", "apn", access_point, "gsm.number", number)
+    def add_gsm(self, name, *settings):
+        return self.add("gsm", name, "ifname", "*", "apn", "internet", *settings)
 
     def add_vpn(self, name, password="secret"):
         return self.add("vpn", name, "vpn-type", "openvpn", "vpn.data",
@@ -195,15 +162,18 @@ class NetworkManager:
                         "password-flags = 0, ping = 1, ping-exit = 4", "vpn.secrets", f"password={password}",
                         "ipv4.never-default", "yes")
 
+    def up(self, name):
+        self.nmcli("connection", "up", name)
+
     def start_vpn_server(self):
         """Once for all tests."""
-        if (self.folder / "server.log").exists():
+        log = self.folder / "server.log"
+        if log.exists():
             return
         if not shutil.which("openvpn") or not list(pathlib.Path("/usr/lib").rglob("nm-openvpn-service")):
             raise unittest.SkipTest("needs openvpn and NetworkManager's plugin for it")
-        self.launch(["ip", "netns", "exec", self.there, "sh", "-ec", VPN_SERVER.format(folder=self.folder)])
-        wait_for(lambda: (self.folder / "server.log").exists() and
-                 "Initialization Sequence Completed" in (self.folder / "server.log").read_text(), "the VPN server")
+        self.launch([*self.prefix(self.there), "sh", "-ec", VPN_SERVER.format(folder=self.folder)])
+        wait_for(lambda: log.exists() and "Initialization Sequence Completed" in log.read_text(), "the VPN server")
 
     def remove_all(self):
         """Every line and every profile, and what the far ends were told."""
@@ -225,6 +195,9 @@ class NetworkManager:
         """The names of the connections that are up or coming up."""
         return sorted(self.nmcli("-t", "-f", "NAME", "connection", "show", "--active").splitlines())
 
+    def await_end(self, name):
+        wait_for(lambda: name not in self.active(), f"the end of {name}")
+
     def calls_during(self, *command):
         """How many calls went over the bus while a command ran; NetworkManager and the modem talk now and then too."""
         file = self.folder / "calls"
@@ -237,24 +210,19 @@ class NetworkManager:
         ended(monitor)
         return sum(text.startswith("mc") for text in file.read_text().splitlines())
 
-    def counter(self, interface, which):
-        return int(self.run("cat", f"/sys/class/net/{interface}/statistics/{which}"))
-
 
 class LineCase(rig.Case):
-    """Tests that share one NetworkManager; each begins without profiles and lines."""
+    """Tests that share one NetworkManager; each begins without profiles and lines, in its namespaces."""
 
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        home = rig.Home()
-        cls.addClassCleanup(home.__exit__)
-        cls.nm = NetworkManager(home.path)
-        cls.nm.__enter__()
-        cls.addClassCleanup(cls.nm.__exit__)
+        cls.nm = cls.enterClassContext(NetworkManager(cls.enterClassContext(rig.Home()).path))
 
     def setUp(self):
         super().setUp()
+        self.home.env["DBUS_SYSTEM_BUS_ADDRESS"] = self.nm.env["DBUS_SYSTEM_BUS_ADDRESS"]
+        self.home.prefix = self.nm.into
         self.addCleanup(self.nm.remove_all)
 
     def drive(self, *arguments):

@@ -4,10 +4,11 @@ in the provider's namespace.
 
     pppd_stand_in.py FOLDER PROVIDER ARGUMENTS-OF-PPPD...
 
-FOLDER/ppp.json may hold "fails": the exit code after the search for the other end, "user" and "password" (else "u" and "p"),
-and "delay", seconds before each phase. A file FOLDER/ppp.hangup lets the far side hang up.
+FOLDER/ppp.json may hold "fails", the exit code after the search for the other end, and "delay", seconds before each phase. The
+login is "u" and "p". A file FOLDER/ppp.hangup lets the far side hang up.
 """
 
+import contextlib
 import ctypes
 import fcntl
 import json
@@ -67,14 +68,13 @@ def number(address):
 def carry(near, far, hang_up):
     while not hang_up.exists():
         for source in select.select([near, far], [], [], 0.05)[0]:
-            packet = os.read(source, 4096)
-            os.write(far if source == near else near, packet)
+            os.write(far if source == near else near, os.read(source, 4096))
     hang_up.unlink()
 
 
 def main():
     folder, provider, arguments = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3:]
-    told = {"fails": 0, "user": "u", "password": "p", "delay": 0.1}
+    told = {"fails": 0, "delay": 0.1}
     if (folder / "ppp.json").exists():
         told.update(json.loads((folder / "ppp.json").read_text()))
     path = arguments[arguments.index("ipparam") + 1]
@@ -86,11 +86,9 @@ def main():
         time.sleep(told["delay"])
 
     def end(code):
-        try:
+        with contextlib.suppress(dbus.DBusException):  # NetworkManager may have done with it
             for last in (DISCONNECT, DEAD):
                 manager.SetState(dbus.UInt32(last))
-        except dbus.DBusException:
-            pass  # NetworkManager has done with it
         sys.exit(code)
 
     for wish in (signal.SIGTERM, signal.SIGHUP):
@@ -102,7 +100,7 @@ def main():
     manager.SetState(dbus.UInt32(AUTHENTICATE))
     login = tuple(manager.NeedSecrets())
     time.sleep(told["delay"])
-    if login != (told["user"], told["password"]):
+    if login != ("u", "p"):
         end(LOGIN_REFUSED)
     phase(NETWORK)
     far = join(provider)

@@ -13,16 +13,25 @@ import time
 import unittest
 
 BIN = pathlib.Path(sys.argv[1]).resolve() if len(sys.argv) > 1 else None
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 SKIPPED = 77
 PYTHON = "/usr/bin/python3"  # the one that Debian's modules belong to
 FAKETIME = next(pathlib.Path("/usr/lib").glob("*/faketime/libfaketime.so.1"), None)
 SEND = """
-import socket, sys
+import socket, sys, time
+device, packets, address, rate = sys.argv[1], int(sys.argv[2]), sys.argv[3], float(sys.argv[4])
 out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-out.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, sys.argv[1].encode())
-for _ in range(int(sys.argv[2])):
-    out.sendto(b"x" * 1000, (sys.argv[3], 9))
+out.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, device.encode())
+start = time.monotonic()
+for sent in range(packets):
+    time.sleep(max(0, start + sent / rate - time.monotonic()))
+    out.sendto(b"x" * 1000, (address, 9))
 """
+
+
+def sender(device, packets, address, rate=1e9):
+    """What sends so many packets a second."""
+    return [sys.executable, "-c", SEND, device, str(packets), address, str(rate)]
 
 
 def wait_for(condition, what, seconds=20):
@@ -37,8 +46,32 @@ def wait_for(condition, what, seconds=20):
         time.sleep(0.02)
 
 
-def python_has(*modules):
-    return subprocess.run([PYTHON, "-c", f"import {', '.join(modules)}"], capture_output=True, check=False).returncode == 0
+def run(*command, check=True, **options):
+    """A command to its end."""
+    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "timeout": 60, "text": True, **options}
+    return subprocess.run([str(word) for word in command], check=check, **options)
+
+
+def need(*tools, modules=(), root=False):
+    """Skips where tools, Debian's modules for Python, or a right are missing."""
+    missing = [tool for tool in tools if not shutil.which(tool)]
+    missing += [name for name in modules if run(PYTHON, "-c", f"import {name}", check=False).returncode]
+    if missing or root > (os.geteuid() == 0):
+        raise unittest.SkipTest(f"needs {', '.join(missing) or 'root'}")
+
+
+def ended(process):
+    """Kills it, and closes its pipes."""
+    process.kill()
+    process.wait()
+    for pipe in (process.stdin, process.stdout, process.stderr):
+        if pipe:
+            with contextlib.suppress(BrokenPipeError):
+                pipe.close()
+
+
+def grown(now, before):
+    return [after - earlier for after, earlier in zip(now, before)]
 
 
 def at_time(moment):
@@ -57,16 +90,17 @@ def with_hardware(folder, *adapters):
 
 
 class Home:
-    """A user's folders for one test; `prefix` is what starts a command as that user."""
+    """A user's folders for one test; `prefix` is what starts a program of `bin` as that user."""
 
-    prefix = ()
+    prefix, bin = (), BIN
 
     def __init__(self):
         self.folder = tempfile.TemporaryDirectory(prefix="korvalin-")
         self.path = pathlib.Path(self.folder.name)
+        self.data, self.store = self.path / "data/Korvalin", self.path / "config/korvalin/registry.db"
         self.env = dict(os.environ, HOME=str(self.path), XDG_CONFIG_HOME=str(self.path / "config"),
                         XDG_DATA_HOME=str(self.path / "data"), XDG_RUNTIME_DIR=str(self.path), LANG="C.UTF-8")
-        for name in ("LC_ALL", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "http_proxy", "https_proxy"):
+        for name in ("LC_ALL", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "DBUS_SESSION_BUS_ADDRESS", "http_proxy", "https_proxy"):
             self.env.pop(name, None)
 
     def __enter__(self):
@@ -75,101 +109,192 @@ class Home:
     def __exit__(self, *_):
         self.folder.cleanup()
 
-    @property
-    def store(self):
-        return self.path / "config/korvalin/registry.db"
+    def run(self, *arguments, check=False):
+        return run(*self.prefix, self.bin / "korvalin-cli", *arguments, env=self.env, check=check)
 
-    def cli(self, *arguments, check=True):
-        return subprocess.run([*self.prefix, BIN / "korvalin-cli", *arguments], env=self.env, check=check, text=True,
-                              capture_output=True, timeout=30).stdout.strip()
+    def cli(self, *arguments):
+        return self.run(*arguments, check=True).stdout.strip()
+
+    def json(self, *arguments):
+        return json.loads(self.cli(*arguments, "--format", "json"))
+
+    def get(self, name):
+        return self.cli("settings", "get", name)
 
     def set(self, **settings):
         for name, value in settings.items():
-            self.cli("settings", "set", name, str(value))
+            self.cli("settings", "set", name, value)
 
     def moved(self, *command):
         """What each line has received and transmitted, as a command of the statistics tells."""
         found = {}
-        for row in json.loads(self.cli(*command, "--format", "json")):
+        for row in self.json(*command):
             received, transmitted = found.get(row["alias"], (0, 0))
             found[row["alias"]] = [received + row["bytes_received"], transmitted + row["bytes_transmitted"]]
         return found
 
 
-class Network:
-    """Two network namespaces joined by a veth pair: "here" with a default route through "there". Nothing but the test's
-    own packets travels between them."""
+class Namespaces:
+    """Two network namespaces; nothing that runs in them outlives them."""
 
     def __init__(self):
-        if os.geteuid() != 0 or not shutil.which("ip"):
-            raise unittest.SkipTest("network namespaces need root and iproute2")
-        self.here, self.there = f"kv-here-{os.getpid()}", f"kv-there-{os.getpid()}"
+        need("ip", root=True)
+        self.here, self.there = (f"kv-{type(self).__name__}-{side}-{os.getpid()}" for side in ("here", "there"))
 
     def __enter__(self):
         try:
             for name in (self.here, self.there):
-                self.run("ip", "netns", "add", name)
+                run("ip", "netns", "add", name)
         except subprocess.CalledProcessError as error:
             self.__exit__()
             raise unittest.SkipTest(f"no network namespaces here: {error.stderr.strip()}")
-        for name in (self.here, self.there):
-            # IPv6 would send packets of its own; a kernel without it has nothing to switch off.
-            self.inside(name, "sh", "-c",
-                        "for f in /proc/sys/net/ipv6/conf/*/disable_ipv6; do [ ! -e $f ] || echo 1 > $f; done")
-        self.run("ip", "link", "add", "wire0", "netns", self.here, "type", "veth", "peer", "name", "wire1", "netns",
-                 self.there)
-        for name, link, address in ((self.here, "wire0", "10.77.0.1/24"), (self.there, "wire1", "10.77.0.2/24")):
-            self.inside(name, "ip", "address", "add", address, "dev", link)
-            self.inside(name, "ip", "link", "set", link, "up")
-        for name, link, other, address in ((self.here, "wire0", (self.there, "wire1"), "10.77.0.2"),
-                                           (self.there, "wire1", (self.here, "wire0"), "10.77.0.1")):
-            shown = json.loads(self.inside(other[0], "ip", "-json", "link", "show", other[1]).stdout)
-            # A fixed neighbour: no ARP that would count as traffic.
-            self.inside(name, "ip", "neighbour", "replace", address, "lladdr", shown[0]["address"], "dev", link, "nud",
-                        "permanent")
-        self.inside(self.here, "ip", "route", "add", "default", "via", "10.77.0.2")
         return self
 
     def __exit__(self, *_):
         for name in (self.here, self.there):
-            subprocess.run(["ip", "netns", "delete", name], stderr=subprocess.DEVNULL, check=False)
+            self.kill(name)
+            run("ip", "netns", "delete", name, check=False)
 
     @staticmethod
-    def run(*command):
-        return subprocess.run(command, check=True, capture_output=True, text=True)
+    def kill(namespace, name=""):
+        """Whatever runs there, or what has that name in its command."""
+        for process in run("ip", "netns", "pids", namespace, check=False).stdout.split():
+            with contextlib.suppress(OSError):
+                if name in pathlib.Path(f"/proc/{process}/cmdline").read_text():
+                    os.kill(int(process), signal.SIGKILL)
 
-    def inside(self, name, *command):
-        return self.run("ip", "netns", "exec", name, *command)
+    def prefix(self, where=None):
+        """What starts a command there."""
+        return ["ip", "netns", "exec", where or self.here]
 
-    def start(self, name, command, **options):
-        return subprocess.Popen(["ip", "netns", "exec", name, *command], **options)
+    def inside(self, where, *command):
+        return run(*self.prefix(where), *command).stdout
 
-    def counter(self, name, link, which):
-        return int(self.inside(name, "cat", f"/sys/class/net/{link}/statistics/{which}").stdout)
+    def ip(self, words, where=None):
+        run("ip", "-n", where or self.here, *words.split())
 
-    def counted(self, link):
-        return [self.counter(self.here, link, which) for which in ("rx_bytes", "tx_bytes")]
+    def link(self, name, where=None):
+        """What iproute2 tells of an adapter."""
+        return json.loads(run("ip", "-n", where or self.here, "-json", "-stats", "link", "show", name).stdout)[0]
 
-    def await_carrier(self, link, peer):
+    def counted(self, name):
+        """What the kernel has counted: received and transmitted."""
+        link = self.link(name)
+        return [link["stats64"][way]["bytes"] for way in ("rx", "tx")]
+
+
+class Network(Namespaces):
+    """The two are joined by wire0, and "here" has a default route over it. Nothing but the test's own packets travels."""
+
+    def __enter__(self):
+        super().__enter__()
+        for name in (self.here, self.there):
+            # IPv6 would send packets of its own; a kernel without it has nothing to switch off.
+            self.inside(name, "sh", "-c",
+                        "for f in /proc/sys/net/ipv6/conf/*/disable_ipv6; do [ ! -e $f ] || echo 1 > $f; done")
+        self.join("wire0", 77)
+        self.ip("route add default via 10.77.0.2")
+        return self
+
+    def join(self, name, net):
+        """An adapter, and its peer on the other side."""
+        self.ip(f"link add {name} type veth peer name {name}p netns {self.there}")
+        ends = ((self.here, name, 1), (self.there, name + "p", 2))
+        for where, link, number in ends:
+            self.ip(f"address add 10.{net}.0.{number}/24 dev {link}", where)
+            self.ip(f"link set {link} up", where)
+        for (where, link, _), (other, peer, number) in (ends, ends[::-1]):
+            # A fixed neighbour: no ARP that would count as traffic.
+            address = self.link(peer, other)["address"]
+            self.ip(f"neighbour replace 10.{net}.0.{number} lladdr {address} dev {link} nud permanent", where)
+        self.await_carrier(name)
+
+    def await_carrier(self, link="wire0"):
         """Before that the kernel drops what is sent."""
-        for where, name in ((self.here, link), (self.there, peer)):
-            wait_for(lambda: json.loads(self.inside(where, "ip", "-json", "link", "show", name).stdout)[0]["operstate"] == "UP",
-                     f"the carrier of {name}")
+        for where, name in ((self.here, link), (self.there, link + "p")):
+            wait_for(lambda: self.link(name, where)["operstate"] == "UP", f"the carrier of {name}")
 
-    def send(self, link, packets, address="77", sent=None):
+    def send(self, link, packets, net=77, sent=None):
         """Packets in both directions: an adapter counts when it has received something."""
-        peer = "wire1" if link == "wire0" else link + "p"
-        for where, over, to, number in ((self.there, peer, 1, packets), (self.here, link, 2, packets if sent is None else sent)):
-            self.inside(where, sys.executable, "-c", SEND, over, str(number), f"10.{address}.0.{to}")
+        self.inside(self.there, *sender(link + "p", packets, f"10.{net}.0.1"))
+        self.inside(self.here, *sender(link, packets if sent is None else sent, f"10.{net}.0.2"))
+
+
+class Display:
+    """An Xvfb with a window manager that is ready for windows."""
+
+    def __enter__(self):
+        need("Xvfb", "openbox", "xdotool", "xprop")
+        self.stack = contextlib.ExitStack()
+        # Servers that look for a free display at the same moment can take each other's socket away.
+        return wait_for(self.started, "a display", seconds=30)
+
+    def __exit__(self, *_):
+        self.stack.close()
+
+    def launch(self, *command, **options):
+        process = subprocess.Popen(command, stderr=subprocess.DEVNULL, **options)
+        self.stack.callback(ended, process)
+        return process
+
+    def started(self):
+        self.stack.close()
+        read, write = os.pipe()
+        self.server = self.launch("Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+                                  pass_fds=[write])
+        os.close(write)
+        with open(read) as announced:
+            self.name = ":" + announced.readline().strip()
+        self.launch("openbox", env=dict(os.environ, DISPLAY=self.name))
+        with contextlib.suppress(AssertionError):
+            wait_for(lambda: "window id" in self.tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "openbox", seconds=10)
+            return self
+
+    def tool(self, *command):
+        return run(*command, env=dict(os.environ, DISPLAY=self.name), check=False).stdout
+
+    def window(self, title):
+        """The identifier of the visible window of that title, or nothing."""
+        return self.tool("xdotool", "search", "--onlyvisible", "--name", title).strip().split("\n")[0]
+
+    def geometry(self, window):
+        lines = self.tool("xdotool", "getwindowgeometry", "--shell", window).split()
+        return {key: int(value) for key, value in (line.split("=") for line in lines)}
+
+
+class Case(unittest.TestCase):
+    """A test in folders of its own; what it starts ends with it."""
+
+    def setUp(self):
+        self.home = self.enterContext(Home())
+
+    def launch(self, command, prefix=(), **options):
+        process = subprocess.Popen([*prefix, *command], env=self.home.env, text=True, **options)
+        self.addCleanup(ended, process)
+        return process
+
+    def end(self, process, how=signal.SIGTERM, seconds=10):
+        """Ends it as a session's end does; its status."""
+        process.send_signal(how)
+        return process.wait(timeout=seconds)
+
+    def bus(self, name):
+        """The address of a bus of its own."""
+        need("dbus-daemon")
+        path = self.home.path / name
+        self.launch(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address=unix:path={path}"],
+                    stderr=subprocess.DEVNULL)
+        wait_for(path.exists, "the bus")
+        return f"unix:path={path}"
 
 
 class Watch:
-    """korvalin-cli lines --watch: the lines of every second. `start` makes a process of a command."""
+    """korvalin-cli lines --watch: the lines of every second."""
 
-    def __init__(self, home, start):
-        self.file = home.path / "watched"
+    def __init__(self, case, prefix):
+        self.file = case.home.path / "watched"
         with open(self.file, "w", encoding="utf-8") as output:
-            self.process = start([BIN / "korvalin-cli", "lines", "--watch", "--format", "json"], stdout=output)
+            self.process = case.launch([BIN / "korvalin-cli", "lines", "--watch", "--format", "json"], prefix, stdout=output)
 
     @property
     def history(self):
@@ -182,69 +307,42 @@ class Watch:
         wait_for(lambda: self.history and [line["name"] for line in self.lines()] == list(names), names)
 
 
-class Display:
-    """An Xvfb with a window manager that is ready for windows."""
+class RecorderCase(Case):
+    """Records in a network of its own, whose adapter wire0 has moved something."""
 
-    def __enter__(self):
-        for tool in ("Xvfb", "openbox", "xdotool", "xprop"):
-            if not shutil.which(tool):
-                raise unittest.SkipTest(f"{tool} is not installed")
-        for _ in range(3):
-            self.stack = contextlib.ExitStack()
-            if self.started():
-                return self
-            # Servers that look for a free display at the same moment can take each other's socket away.
-            self.stack.close()
-        raise AssertionError("no display comes up")
+    def setUp(self):
+        super().setUp()
+        self.home.set(Language="ENG", AutoStart="False", ChartLineNo="1")
+        self.network = self.enterContext(Network())
+        self.send, self.counted = self.network.send, self.network.counted
+        self.send("wire0", 2)
 
-    def started(self):
-        read, write = os.pipe()
-        server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
-                                  pass_fds=[write], stderr=subprocess.DEVNULL)
-        self.server = server
-        self.stack.callback(server.wait)
-        self.stack.callback(server.kill)
-        os.close(write)
-        with open(read) as announced:
-            self.name = ":" + announced.readline().strip()
-        manager = subprocess.Popen(["openbox"], env=dict(os.environ, DISPLAY=self.name), stderr=subprocess.DEVNULL)
-        self.stack.callback(manager.wait)
-        self.stack.callback(manager.kill)
-        with contextlib.suppress(AssertionError):
-            return wait_for(lambda: "window id" in self.tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
-                            "the window manager", seconds=10)
+    def record(self, *lines, prefix=(), **options):
+        """The recorder, once it follows these lines."""
+        process = self.launch([*prefix, BIN / "korvalin-cli", "record"], self.network.prefix(), **options)
+        self.await_lines(*(lines or ("wire0",)))
+        return process
 
-    def __exit__(self, *_):
-        self.stack.close()
+    def await_lines(self, *names):
+        wait_for(lambda: {record["line_name"] for record in self.records() if record["info"] == "Running"} == set(names),
+                 f"{names} to be followed")
 
-    def tool(self, *command):
-        return subprocess.run(command, env=dict(os.environ, DISPLAY=self.name), text=True, capture_output=True,
-                              check=False).stdout
+    def records(self, *arguments):
+        return self.home.json("records", *arguments)
 
-    def window(self, title):
-        """The identifier of the visible window of that title, or nothing."""
-        return self.tool("xdotool", "search", "--onlyvisible", "--name", title).strip().split("\n")[0]
-
-    def geometry(self, window):
-        lines = self.tool("xdotool", "getwindowgeometry", "--shell", window).split()
-        return {key: int(value) for key, value in (line.split("=") for line in lines)}
-
-
-def ended(process):
-    """Kills it, and closes its pipes."""
-    process.kill()
-    process.wait()
-    for pipe in (process.stdin, process.stdout, process.stderr):
-        if pipe:
-            pipe.close()
+    def closed(self):
+        return sorted(self.records("--closed"), key=lambda record: record["file_index"])
 
 
 class NotifierHost:
-    """sni_host.py as a process of its own; `host` is whether a panel is there from the start."""
+    """sni_host.py, on a session bus that is the case's; `host` is whether a panel is there from the start."""
 
-    def __init__(self, env, host=True):
-        self.process = subprocess.Popen([PYTHON, "-B", pathlib.Path(__file__).with_name("sni_host.py"), *["host"] * host],
-                                        env=env, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    def __init__(self, case, host=True):
+        need(modules=("dbus", "gi"))
+        if "DBUS_SESSION_BUS_ADDRESS" not in case.home.env:
+            case.home.env["DBUS_SESSION_BUS_ADDRESS"] = case.bus("session-bus")
+        self.process = case.launch([PYTHON, "-B", ROOT / "tests/system/sni_host.py", *["host"] * host],
+                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.process.stdout.readline()
 
     def tell(self, *command):
@@ -255,95 +353,33 @@ class NotifierHost:
     def item(self):
         return self.tell("item")
 
-    def close(self):
-        with contextlib.suppress(BrokenPipeError):
-            ended(self.process)
-
-
-class Case(unittest.TestCase):
-    """A test in folders of its own; what it starts ends with it."""
-
-    def setUp(self):
-        self.home = self.enter(Home())
-
-    def enter(self, context):
-        value = context.__enter__()
-        self.addCleanup(context.__exit__, None, None, None)
-        return value
-
-    def launch(self, command, inside=None, **options):
-        """A process, perhaps in a network namespace."""
-        command = ["ip", "netns", "exec", inside, *command] if inside else command
-        process = subprocess.Popen(command, env=self.home.env, text=True, **options)
-        self.addCleanup(ended, process)
-        return process
-
-
-class RecorderCase(Case):
-    """Records in a network of its own, whose adapter wire0 has moved something."""
-
-    def setUp(self):
-        super().setUp()
-        self.home.set(Language="ENG", AutoStart="False", ChartLineNo="1")
-        self.network = self.enter(Network())
-        self.here, self.there = self.network.here, self.network.there
-        self.send, self.counted = self.network.send, self.network.counted
-        self.network.await_carrier("wire0", "wire1")
-        self.send("wire0", 2)
-
-    def record(self, *lines, prefix=()):
-        """The recorder, once it follows these lines."""
-        process = self.launch([*prefix, BIN / "korvalin-cli", "record"], self.here)
-        self.await_lines(*(lines or ("wire0",)))
-        return process
-
-    def await_lines(self, *names):
-        wait_for(lambda: {record["line_name"] for record in self.records() if record["info"] == "Running"} == set(names),
-                 f"{names} to be followed")
-
-    def records(self, *arguments):
-        return json.loads(self.home.cli("records", "--format", "json", *arguments))
-
-    def end(self, process, how=signal.SIGTERM):
-        process.send_signal(how)
-        return process.wait(timeout=10)
-
 
 class DesktopCase(Case):
     """The window, on a display that the tests of a class share."""
 
     @classmethod
     def setUpClass(cls):
-        cls.display = Display()
-        cls.display.__enter__()
-        cls.addClassCleanup(cls.display.__exit__)
+        super().setUpClass()
+        cls.display = cls.enterClassContext(Display())
 
     def setUp(self):
         super().setUp()
         self.home.env["DISPLAY"] = self.display.name
 
-    def session_bus(self):
-        if not shutil.which("dbus-daemon") or not python_has("dbus", "gi"):
-            self.skipTest("dbus-daemon, python3-dbus or python3-gi is not installed")
-        bus = self.launch(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
-                           f"--address=unix:path={self.home.path}/bus"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.home.env["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
-
-    def host(self, made):
-        self.addCleanup(made.close)
-        return made
-
-    def start(self, program="korvalin", inside=None, **settings):
+    def start(self, program="korvalin", prefix=(), **settings):
         """The program past the first start's question."""
         self.home.set(**{"Language": "ENG", **settings})
-        return self.launch([BIN / program], inside, stderr=subprocess.PIPE)
+        return self.launch([BIN / program], prefix, stderr=subprocess.PIPE)
 
     # Its windows have no title without a caption; their class tells them, and their width what they are.
 
-    def find(self, matches, *options):
+    def windows(self, matches, *options):
         found = self.display.tool("xdotool", "search", *options, "--class", "korvalin").split()
         places = ((window, self.display.geometry(window)) for window in found)
-        return next((window for window, place in places if place and matches(place)), None)
+        return [window for window, place in places if place and matches(place)]
+
+    def find(self, matches, *options):
+        return next(iter(self.windows(matches, *options)), None)
 
     def any_window(self):
         """The main window, also while it is out of sight."""
@@ -355,6 +391,9 @@ class DesktopCase(Case):
     def menu(self):
         return self.find(lambda place: 64 < place["WIDTH"] < 200, "--onlyvisible")
 
+    def titled(self, title):
+        return wait_for(lambda: self.display.window(title), title)
+
     def wait_for_state(self, state):
         """Normal, Iconic, or Withdrawn: out of sight for the taskbar too."""
         def told():
@@ -364,6 +403,9 @@ class DesktopCase(Case):
 
         wait_for(told, state)
 
+    def setting(self, name, expected):
+        wait_for(lambda: self.home.get(name) == expected, f"{name} = {expected}")
+
     def color(self, window, x, y):
         place = self.display.geometry(window)
         text = self.display.tool("import", "-window", "root", "-crop", f"1x1+{place['X'] + x}+{place['Y'] + y}", "-depth",
@@ -371,40 +413,44 @@ class DesktopCase(Case):
         return next((word[1:] for word in text.split() if word.startswith("#") and len(word) == 7), "")
 
     def click(self, window, x, y, button="1"):
-        self.display.tool("xdotool", "mousemove", "--window", window, str(x), str(y), "click", button)
+        self.display.tool("xdotool", "mousemove", "--window", window, x, y, "click", button)
 
-    def open_menu(self, window, x, y, menu):
-        """Opens a popup menu by a right click; `menu` finds it."""
-        def opened():
-            # A window that is just being decorated anew may lose a click.
-            self.click(window, x, y, "3")
+    def press(self, window, *keys):
+        self.display.tool("xdotool", "windowactivate", "--sync", window, "key", *keys)
+
+    def gone(self, window):
+        return window not in self.display.tool("xdotool", "search", "--onlyvisible", "--class", "korvalin").split()
+
+    def again(self, act, condition, what):
+        """Acts until it helps: a window that is just coming or being decorated anew may lose a click or a key."""
+        def tried():
+            act()
             time.sleep(0.3)
-            return menu()
+            return condition()
 
-        wait_for(opened, "the menu")
+        return wait_for(tried, what)
 
     def choose(self, window, entry):
         """Takes an entry of the main window's menu by its access key."""
-        self.open_menu(window, 60, 50, self.menu)
+        self.again(lambda: self.click(window, 60, 50, "3"), self.menu, "the menu")
         self.display.tool("xdotool", "key", entry)
+
+    def answer(self, title, *keys):
+        """Presses keys in the window of that title, until it is gone."""
+        box = self.titled(title)
+        self.picture(title)
+        self.again(lambda: self.press(box, *keys), lambda: self.gone(box), f"the end of {title}")
+
+    def close(self, window):
+        """By the window manager's key."""
+        self.again(lambda: self.display.tool("xdotool", "windowactivate", window, "key", "alt+F4"),
+                   lambda: self.gone(window), "the window's end")
 
     def picture(self, what):
         """Keeps a picture of the screen where KORVALIN_PICTURES names a folder."""
         if folder := os.environ.get("KORVALIN_PICTURES"):
             time.sleep(0.7)
-            self.display.tool("import", "-window", "root", f"{folder}/{what.replace(' ', '-')}.png")
-
-    def press(self, window, *keys):
-        self.display.tool("xdotool", "windowactivate", "--sync", window, "key", *keys)
-
-    def close(self, window):
-        """By the window manager's key, which a window that is just coming to the screen may miss."""
-        def closed():
-            self.display.tool("xdotool", "windowactivate", window, "key", "alt+F4")
-            time.sleep(0.3)
-            return window not in self.display.tool("xdotool", "search", "--onlyvisible", "--class", "korvalin").split()
-
-        wait_for(closed, "the window's end")
+            self.display.tool("import", "-window", "root", f"{folder}/{''.join(filter(str.isalnum, what))}.png")
 
 
 def main():

@@ -1,12 +1,6 @@
 #!/usr/bin/python3
-"""A desktop's list of StatusNotifierItem icons and the panel that shows them, without a picture: does what it is told on
-standard input, one command a line, and answers each with one line of JSON.
-
-    host           a panel registers with the list (with the argument "host" one is there from the start)
-    item           the icon: its tooltip and pictures; null while there is none
-    activate       a left click on the icon
-    menu           the menu's visible entries
-    choose LABEL   a click on that entry
+"""A desktop's list of StatusNotifierItem icons and the panel that shows them, without a picture: calls the method of Host
+that it is told on standard input, one a line, and answers with one line of JSON.
 """
 
 import json
@@ -38,11 +32,6 @@ class Watcher(dbus.service.Object):
     @dbus.service.method(WATCHER, in_signature="s", sender_keyword="sender")
     def RegisterStatusNotifierItem(self, service, sender):
         self.items.append((sender, service if service.startswith("/") else "/StatusNotifierItem"))
-        self.StatusNotifierItemRegistered(sender)
-
-    @dbus.service.signal(WATCHER, signature="s")
-    def StatusNotifierItemRegistered(self, service):
-        pass
 
     @dbus.service.signal(WATCHER)
     def StatusNotifierHostRegistered(self):
@@ -66,33 +55,35 @@ class Host:
         self.bus, self.watcher = bus, watcher
 
     def host(self):
+        """It registers with the list; with the argument "host" it is there from the start."""
         self.watcher.has_host = True
         self.watcher.StatusNotifierHostRegistered()
 
-    def item_object(self):
-        return self.bus.get_object(*self.watcher.items[-1], introspect=False)
+    def part(self, path, interface):
+        name, item = self.watcher.items[-1]
+        return dbus.Interface(self.bus.get_object(name, path or item, introspect=False), interface)
 
     def properties(self):
-        return dbus.Interface(self.item_object(), dbus.PROPERTIES_IFACE).GetAll(ITEM)
+        return self.part(None, dbus.PROPERTIES_IFACE).GetAll(ITEM)
 
     def item(self):
+        """The icon: its tooltip and pictures; nothing while there is none."""
         if not self.watcher.items:
             return None
         found = self.properties()
-        return {"id": found["Id"], "tip": found["ToolTip"][2],
+        return {"tip": found["ToolTip"][2],
                 "pictures": [{"size": [int(width), int(height)], "argb": bytes(pixels).hex()}
                              for width, height, pixels in found["IconPixmap"]]}
 
     def activate(self):
-        dbus.Interface(self.item_object(), ITEM).Activate(10, 10)
+        self.part(None, ITEM).Activate(10, 10)
 
     def layout(self):
-        menu = dbus.Interface(self.bus.get_object(self.watcher.items[-1][0], self.properties()["Menu"], introspect=False),
-                              MENU)
+        menu = self.part(self.properties()["Menu"], MENU)
         menu.AboutToShow(0)
-        _, (_, _, entries) = menu.GetLayout(0, -1, dbus.Array([], signature="s"))
-        return menu, {str(entry[1]["label"]).replace("_", ""): entry[0] for entry in entries
-                      if entry[1].get("visible", True) and "label" in entry[1]}
+        entries = menu.GetLayout(0, -1, dbus.Array([], signature="s"))[1][2]
+        return menu, {str(shown["label"]).replace("_", ""): number for number, shown, _ in entries
+                      if shown.get("visible", True) and "label" in shown}
 
     def menu(self):
         return list(self.layout()[1])
@@ -102,28 +93,24 @@ class Host:
         menu.Event(entries[label], "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
 
 
-def main():
-    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
-    bus = dbus.SessionBus()
-    host = Host(bus, Watcher(bus, "host" in sys.argv[1:]))
-    loop = GLib.MainLoop()
-
-    def obey(*_):
-        words = sys.stdin.readline().split()
-        if not words:
-            loop.quit()
-            return False
-        try:
-            answer = getattr(host, words[0])(*words[1:])
-        except dbus.DBusException as error:  # the program is ending
-            answer = {"error": str(error)}
-        print(json.dumps(answer), flush=True)
-        return True
-
-    GLib.io_add_watch(sys.stdin, GLib.IO_IN | GLib.IO_HUP, obey)
-    print(json.dumps("ready"), flush=True)
-    loop.run()
+dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+session, loop = dbus.SessionBus(), GLib.MainLoop()
+panel = Host(session, Watcher(session, "host" in sys.argv[1:]))
 
 
-if __name__ == "__main__":
-    main()
+def obey(*_):
+    words = sys.stdin.readline().split()
+    if not words:
+        loop.quit()
+        return False
+    try:
+        answer = getattr(panel, words[0])(*words[1:])
+    except dbus.DBusException as error:  # the program is ending
+        answer = {"error": str(error)}
+    print(json.dumps(answer), flush=True)
+    return True
+
+
+GLib.io_add_watch(sys.stdin, GLib.IO_IN | GLib.IO_HUP, obey)
+print(json.dumps("ready"), flush=True)
+loop.run()

@@ -1,91 +1,98 @@
 #!/usr/bin/env python3
-"""korvalin-cli and the settings store: kinds, ranges, rights, folders that fail."""
+"""korvalin-cli: settings, the month's use, the network, and what it says of itself."""
 
 import contextlib
 import datetime
+import ipaddress
 import json
 import os
+import re
 import shutil
 import signal
 import sqlite3
 import subprocess
 import time
+import unittest
 
 import rig
 
 UMASK = os.umask(0o022)
 os.umask(UMASK)
+PACKAGING = rig.ROOT / "packaging"
+COMPLETIONS = PACKAGING / "completions"
+COMMANDS = ([], ["settings"], ["settings", "get"], ["lines"], ["network"], ["records"], ["sums"], ["repair"], ["record"],
+            ["status"], ["metrics"], ["import"], ["import", "vnstat"])
+CHOICES = (["lines", "--format"], ["records", "--format"], ["sums", "--format"], ["sums", "--period"],
+           ["status", "--format"])
+
+
+def help_of(*command):
+    return rig.run(rig.BIN / "korvalin-cli", *command, "--help").stdout
+
+
+def words_behind(command):
+    """The commands and options that --help lists, or the words that an option takes."""
+    if command[-1:] and command[-1].startswith("--"):
+        return set(re.search(rf"{command[-1]} (\S+)", help_of(*command[:-1]))[1].split("|"))
+    text = help_of(*command)
+    options = set(re.findall(r"(?<![\w-])--?[a-z]+(?:-[a-z]+)*(?=[, \n])", text.split("Options:")[1]))
+    return options | set(re.findall(r"^  ([a-z]+)\s", text.partition("Subcommands:")[2], re.MULTILINE))
 
 
 class Settings(rig.Case):
-    def test_defaults_kinds_and_ranges(self):
-        for name, value, expected in (("ChartMax", None, "100"), ("connDATAmax", "30", "60"), ("ShowTitle", "TRUE", "True"),
-                                      ("FontName", "Größe 'x' \"y\"", None), ("eth0_FreeVolume", "2000000", "10000")):
-            with self.subTest(name):
-                if value is not None:
-                    self.home.cli("settings", "set", name, value, check=False)
-                self.assertEqual(self.home.cli("settings", "get", name), expected or value)
-        listed = self.home.cli("settings", "list").splitlines()
-        self.assertTrue(any(line.split()[:3] == ["TimeLinesSec", "number", "60"] for line in listed))
-        self.assertTrue(any(line.split()[:3] == ["eth0_FreeVolume", "number", "10000"] for line in listed))
+    def break_folder(self):
+        """Root may write everywhere, so the folder is made impossible instead of forbidden."""
+        shutil.rmtree(self.home.path / "config", ignore_errors=True)
+        (self.home.path / "config").write_text("a file where the folder should be")
 
-    def test_only_the_user_can_read_the_store(self):
-        self.home.set(ChartMax=5)
-        self.assertEqual(self.home.store.stat().st_mode & 0o777, 0o600)
-        self.assertEqual(self.home.store.parent.stat().st_mode & 0o777, 0o700)
+    def test_a_value_is_stored_as_its_kind_allows_and_what_differs_is_said(self):
+        for name, value, stored, code in (
+                ("ChartMax", "80", "80", 0), ("ChartMax", "80.0", "80", 0), ("ChartMax", "-3", "1", 1),
+                ("ChartMax", "", "100", 0), ("ShowTitle", "TRUE", "True", 0), ("FontName", "Größe 'x' \"y\"", None, 0),
+                ("eth0_FreeVolume", "2000000", "10000", 1)):
+            run = self.home.run("settings", "set", name, value)
+            self.assertEqual((run.returncode, bool(run.stderr)), (code, code != 0), value)
+            self.assertEqual((run.stdout.strip(), self.home.get(name)), (stored or value,) * 2)
+        listed = [line.split()[:3] for line in self.home.cli("settings", "list").splitlines()]
+        for row in (["TimeLinesSec", "number", "60"], ["eth0_FreeVolume", "number", "10000"]):
+            self.assertIn(row, listed)
+        # Only the user can read the store.
+        self.assertEqual([path.stat().st_mode & 0o777 for path in (self.home.store, self.home.store.parent)], [0o600, 0o700])
 
     def test_folders_that_cannot_be_used(self):
-        # Root may write everywhere, so the folders are made impossible instead of forbidden.
-        (self.home.path / "config").write_text("a file where the folder should be")
-        self.assertEqual(self.home.cli("settings", "get", "ChartMax"), "100")
+        self.break_folder()
+        self.assertEqual(self.home.get("ChartMax"), "100")
+        run = self.home.run("settings", "set", "ChartMax", "80")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("cannot be written", run.stderr)
         self.home.env["XDG_DATA_HOME"] = "/proc/none"
         self.assertIn("line", self.home.cli("lines"))
 
-    def run_cli(self, *arguments):
-        return subprocess.run([rig.BIN / "korvalin-cli", *arguments], env=self.home.env, text=True, capture_output=True,
-                              check=False)
-
     def test_usage_is_explained(self):
-        for arguments, code, said in ((["lines", "--format", "xml"], None, "xml"), ([], 0, "settings"),
-                                      (["--version"], 0, "korvalin-cli "), (["sums"], 0, "period_begin"),
-                                      (["settings", "get", "CharMax"], 2, "ChartMax"),
-                                      (["provider", "", "5"], 2, "needed"),
-                                      (["settings", "set", "Home_FreeVolum", "5"], 2, "Home_FreeVolume")):
-            with self.subTest(arguments):
-                run = self.run_cli(*arguments)
+        for words, code, said in (("lines --format xml", None, "xml"), ("", 0, "settings"), ("--version", 0, "korvalin-cli "),
+                                  ("sums", 0, "period_begin"), ("settings get CharMax", 2, "ChartMax"),
+                                  ("settings set Home_FreeVolum 5", 2, "Home_FreeVolume")):
+            with self.subTest(words):
+                run = self.home.run(*words.split())
                 self.assertTrue(run.returncode == code or (code is None and run.returncode != 0), run)
                 self.assertIn(said, run.stderr if code != 0 else run.stdout)
 
-    def test_a_value_that_is_not_stored_as_given_is_said(self):
-        for value, stored, code in (("80", "80", 0), ("80.0", "80", 0), ("-3", "1", 1), ("", "100", 0)):
-            run = self.run_cli("settings", "set", "ChartMax", value)
-            self.assertEqual((run.stdout.strip(), run.returncode, bool(run.stderr)), (stored, code, code != 0), value)
-        shutil.rmtree(self.home.path / "config")
-        (self.home.path / "config").write_text("a file where the folder should be")
-        run = self.run_cli("settings", "set", "ChartMax", "80")
-        self.assertEqual(run.returncode, 1)
-        self.assertIn("cannot be written", run.stderr)
-
     def test_use_and_forecast(self):
-        today = datetime.date.today()
-        data = self.home.path / "statistics"
-        data.mkdir()
-        (data / "Korvalin_Stats.db").write_text(
-            f'"Home",#{today} 00:00:00#,#00:00:00#,1000000,2000000,"",""\r\n', newline="")
-        self.home.set(DataPath=str(data), Home_FreeVolume=100, Home_Up1MB="False")
-        status = json.loads(self.home.cli("status", "--alias", "home", "--format", "json"))
+        self.home.data.mkdir(parents=True)
+        (self.home.data / "Korvalin_Stats.db").write_text(
+            f'"Home",#{datetime.date.today()} 00:00:00#,#00:00:00#,1000000,2000000,"",""\r\n', newline="")
+        self.home.set(Home_FreeVolume=100, Home_Up1MB="False")
+        status = self.home.json("status", "--alias", "home")
         self.assertEqual((status["alias"], status["bytes"]["used"], status["bytes"]["left"], status["percentage"]),
                          ("Home", 3_000_000, 97_000_000, 3))
         self.assertIn("period 3.0 MB  left 97 MB", self.home.cli("status", "--alias", "Home"))
         metrics = self.home.cli("metrics").splitlines()
         self.assertEqual(metrics[-1], "# EOF")
-        for sample in ("period_used_bytes", "today_used_bytes"):
-            self.assertIn(f'korvalin_{sample}{{alias="Home"}} 3000000', metrics)
-        self.assertIn('korvalin_period_allowance_bytes{alias="Home"} 100000000', metrics)
+        for sample, value in (("period_used_bytes", 3_000_000), ("today_used_bytes", 3_000_000),
+                              ("period_allowance_bytes", 100_000_000)):
+            self.assertIn(f'korvalin_{sample}{{alias="Home"}} {value}', metrics)
         names = [line.split()[2] for line in metrics if line.startswith("# HELP")]
         self.assertEqual(len(names), len(set(names)), "each family once")
-        if shutil.which("promtool"):
-            subprocess.run(["promtool", "check", "metrics"], input="\n".join(metrics) + "\n", text=True, check=True)
         self.assertIn("corrected by +47 MB, used 50 MB", self.home.cli("provider", "Home", "50"))
         self.assertIn("period 50 MB", self.home.cli("status", "--alias", "Home"))
         self.assertEqual(self.home.moved("records"), {"Home": [2_000_000, 1_000_000]})
@@ -108,10 +115,10 @@ class Settings(rig.Case):
     def test_an_unknown_alias_is_an_error(self):
         self.home.set(Office_Alias="Work")
         for command in ("status", "sums", "records"):
-            run = self.run_cli(command, "--alias", "Wrok")
+            run = self.home.run(command, "--alias", "Wrok")
             self.assertEqual((run.returncode, run.stdout), (2, ""))
             self.assertIn("Did you mean Work?", run.stderr)
-            self.assertEqual(self.run_cli(command, "--alias", "work").returncode, 0)
+            self.assertEqual(self.home.run(command, "--alias", "work").returncode, 0)
 
     def test_metrics_into_a_file(self):
         file = self.home.path / "korvalin.prom"
@@ -120,7 +127,7 @@ class Settings(rig.Case):
             self.assertTrue(file.read_text().endswith("# EOF\n"))
             self.assertEqual(file.stat().st_mode & 0o777, 0o666 & ~UMASK)
         self.assertEqual(list(self.home.path.glob("korvalin.prom*")), [file])
-        self.assertEqual(self.run_cli("metrics", "--output", "/proc/none/x.prom").returncode, 1)
+        self.assertEqual(self.home.run("metrics", "--output", "/proc/none/x.prom").returncode, 1)
 
 
 class Import(rig.Case):
@@ -149,8 +156,7 @@ class Import(rig.Case):
             database.commit()
 
     def run_import(self, *options, file=None):
-        run = subprocess.run([rig.BIN / "korvalin-cli", "import", "vnstat", *options, file or self.file], env=self.home.env,
-                             text=True, capture_output=True, check=False)
+        run = self.home.run("import", "vnstat", *options, file or self.file)
         return run.returncode, run.stdout + run.stderr
 
     def test_days_become_records_once(self):
@@ -160,14 +166,13 @@ class Import(rig.Case):
         self.assertEqual(self.run_import("--interface", "eth0", "--dry-run"), (0, taken + "nothing was written\n"))
         self.assertEqual(self.run_import("--interface", "eth2")[0], 2)
         self.assertEqual(len(list(self.data.iterdir())), 1, "nothing is written yet")
-        recorder = subprocess.Popen([rig.BIN / "korvalin-cli", "record"], env=self.home.env)
-        self.addCleanup(rig.ended, recorder)
+        recorder = self.launch([rig.BIN / "korvalin-cli", "record"])
         rig.wait_for(lambda: (self.data / "Korvalin_Journal.db").exists(), "the recorder")
         code, said = self.run_import()
         self.assertEqual(code, 0)
         self.assertTrue(said.startswith(taken + "eth1: 1 days taken\n"), said)
         self.assertIn("eth0: 0 days taken; 1 left: imported before; 1 left: there are", self.run_import()[1])
-        self.assertEqual(self.home.moved("records", "--till", "2024-12-31"), 
+        self.assertEqual(self.home.moved("records", "--till", "2024-12-31"),
                          {"eth0": [5_000_000_004, 73], "eth1": [1, 2]})
         first = json.loads(self.home.cli("records", "--till", "2024-03-13", "--format", "json"))[0]
         self.assertIn("Imported from vnStat", first["info"])
@@ -197,6 +202,95 @@ class Import(rig.Case):
                 self.assertEqual(code, 1)
                 self.assertIn(said, text)
         self.assertEqual(list(self.data.iterdir()), [])
+
+
+class Network(rig.Case):
+    """What is told of adapters and addresses is what iproute2 tells of them."""
+
+    def setUp(self):
+        super().setUp()
+        self.network = self.enterContext(rig.Network())
+        self.home.set(Language="ENG")
+        self.home.prefix = self.network.prefix()
+        self.network.ip("link set lo up")
+
+    def shown(self):
+        """What the program tells, its adapters by their names."""
+        told = json.loads(self.home.cli("network", "--json"))
+        return {adapter["description"]: adapter for adapter in told["adapters"]}, told["addresses"]
+
+    def inside(self, *command):
+        return self.network.inside(None, *command)
+
+    def test_adapters_are_the_kernels(self):
+        self.network.ip("link add spare0 mtu 1280 type veth peer name spare1")
+        self.network.ip("link set spare0 up")  # without a carrier, as its peer is down
+        self.network.send("wire0", 20)
+        links = lambda: json.loads(self.inside("ip", "-json", "-stats", "link"))
+
+        def steady():
+            before, (adapters, _) = links(), self.shown()
+            return (before, adapters) if before == links() else None
+
+        links_then, adapters = rig.wait_for(steady, "counters that rest")
+        self.assertEqual([link["ifname"] for link in links_then], list(adapters))
+        for link, told in zip(links_then, adapters.values()):
+            expected = {"interface index": str(link["ifindex"]), "Maximum Transmission Unit": str(link["mtu"]),
+                        "physical address (hex)": "".join(f"{int(byte, 16):X} " for byte in link["address"].split(":")),
+                        "data received (octets)": f'{link["stats64"]["rx"]["bytes"]:,}',
+                        "data sent (octets)": f'{link["stats64"]["tx"]["bytes"]:,}'}
+            self.assertEqual({name: told[name] for name in expected}, expected)
+        self.assertEqual([adapters[name]["interface operational status"] for name in ("wire0", "spare0")],
+                         ["5 Operational", "2 Disconnected"])
+
+    def test_addresses_of_both_versions(self):
+        for address in ("10.9.0.1/20 broadcast +", "10.77.0.9/24 broadcast 10.77.0.200",
+                        "10.100.0.1/32 valid_lft 1000 preferred_lft 1000"):
+            self.network.ip(f"address add {address} dev wire0")
+        if self.inside("sh", "-c", "cat /proc/sys/net/ipv6/conf/wire0/disable_ipv6 || true"):
+            self.network.ip("link set wire0 addrgenmode none")
+            self.inside("sh", "-c", "echo 0 > /proc/sys/net/ipv6/conf/wire0/disable_ipv6")
+            for address in ("fd77::10/64", "fd77::9/64", "fe80::1/64"):
+                self.network.ip(f"address add {address} dev wire0 nodad")
+        expected = []
+        for link in json.loads(self.inside("ip", "-json", "address")):
+            for info in link["addr_info"]:
+                address = ipaddress.ip_interface(f"{info['local']}/{info['prefixlen']}")
+                row = [str(link["ifindex"]), str(address.ip)]
+                if address.version == 4:
+                    kind = (0 if info.get("secondary") else 1) + (4 if info.get("dynamic") else 0)
+                    row += [str(address.netmask), info.get("broadcast", "0.0.0.0"), "65535", "0", str(kind)]
+                else:
+                    row += [f"/{address.network.prefixlen}", "", "", "", ""]
+                expected.append((address.version, address.ip, row))
+        expected.sort(key=lambda entry: entry[:2])
+        _, addresses = self.shown()
+        self.assertGreaterEqual(len(addresses), 5)
+        self.assertEqual([list(address.values()) for address in addresses], [row for _, _, row in expected])
+        self.assertEqual({row[6] for version, _, row in expected if version == 4}, {"1", "0", "5"})
+
+
+class Completion(unittest.TestCase):
+    """What the shells complete, and what the manual tells, is what korvalin-cli says of itself."""
+
+    def test_bash(self):
+        script = (f'. {COMPLETIONS}/korvalin-cli.bash; COMP_WORDS=(korvalin-cli "$@" ""); COMP_CWORD=$(($# + 1)); '
+                  '_korvalin_cli; printf "%s\\n" "${COMPREPLY[@]}"')
+        for command in (*COMMANDS, *CHOICES):
+            with self.subTest(command):
+                self.assertEqual(set(rig.run("bash", "-c", script, "bash", *command).stdout.split()), words_behind(command))
+
+    def test_the_program_prints_them(self):
+        for shell, name in (("bash", "korvalin-cli.bash"), ("zsh", "_korvalin-cli"), ("fish", "korvalin-cli.fish")):
+            self.assertEqual(rig.run(rig.BIN / "korvalin-cli", "completion", shell).stdout, (COMPLETIONS / name).read_text())
+
+    def test_every_word_is_in_all_files(self):
+        words = set().union(*map(words_behind, (*COMMANDS, *CHOICES))) - {"-h", "--help"}
+        manual = (PACKAGING / "korvalin-cli.1.in").read_text().replace("\\-", "-")
+        fish = re.sub(r"-l ([\w-]+)", r"--\1", (COMPLETIONS / "korvalin-cli.fish").read_text())
+        for name, text in (("manual", manual), ("fish", fish), ("zsh", (COMPLETIONS / "_korvalin-cli").read_text())):
+            with self.subTest(name):
+                self.assertEqual({word for word in words if not re.search(rf"(?<![\w-]){word}(?!\w)", text)}, set())
 
 
 if __name__ == "__main__":

@@ -1,21 +1,17 @@
 #!/usr/bin/env python3
 """The Debian package of the tested build: what it holds, and its life on a system of its own."""
 
-import json
 import os
 import pathlib
 import pwd
 import shutil
-import signal
 import subprocess
 import sys
 import tempfile
-import unittest
 
 import rig
 
-USER = "nobody"
-MANUAL = pathlib.Path(__file__).resolve().parents[2] / "docs/manual"
+MANUAL = rig.ROOT / "docs/manual"
 CONTENTS = {
     "bin/korvalin", "bin/korvalin-cli",
     *(f"lib/systemd/user/korvalin-{unit}" for unit in ("record.service", "metrics.service", "metrics.timer")),
@@ -34,9 +30,9 @@ CONTENTS = {
 
 
 def pack(folder, *options):
-    """The package of the tested build."""
-    subprocess.run(["cpack", "--config", rig.BIN.parent / "CPackConfig.cmake", "-B", folder, *options], cwd=folder,
-                   check=True, capture_output=True)
+    """The package of the tested build, in a new folder."""
+    folder.mkdir()
+    rig.run("cpack", "--config", rig.BIN.parent / "CPackConfig.cmake", "-B", folder, *options, cwd=folder)
     return next(folder.glob("*.deb"))
 
 
@@ -47,34 +43,23 @@ def files(folder):
 class Package(rig.DesktopCase):
     @classmethod
     def setUpClass(cls):
-        for tool in ("cpack", "dpkg", "dpkg-deb", "dpkg-shlibdeps", "file", "strip"):
-            if not shutil.which(tool):
-                raise unittest.SkipTest(f"{tool} is not installed")
+        rig.need("cpack", "dpkg", "dpkg-deb", "dpkg-shlibdeps", "file", "strip", "setpriv")
         super().setUpClass()
-        folder = tempfile.TemporaryDirectory(prefix="korvalin-package-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
+        cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="korvalin-package-")))
         cls.folder.chmod(0o755)  # the programs in it are for everybody
-        cls.package = pack(cls.made("new"))
-
-    @classmethod
-    def made(cls, name):
-        (cls.folder / name).mkdir()
-        return cls.folder / name
-
-    # ---- what it holds
+        cls.package = pack(cls.folder / "new")
 
     def check_with(self, *command):
         """A checker of the system's, where it is installed."""
         if not shutil.which(command[0]):
             print(f"{command[0]} is not installed, so it checks nothing", file=sys.stderr)
             return
-        run = subprocess.run(command, capture_output=True, text=True, check=False)
+        run = rig.run(*command, check=False)
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
 
     def test_it_holds_what_a_desktop_expects(self):
         content = self.folder / "content"
-        subprocess.run(["dpkg-deb", "-x", self.package, content], check=True)
+        rig.run("dpkg-deb", "-x", self.package, content)
         self.assertEqual(files(content / "usr"), CONTENTS)
         self.assertEqual(os.listdir(content), ["usr"])
         units = content / "usr/lib/systemd/user"
@@ -86,71 +71,51 @@ class Package(rig.DesktopCase):
         self.check_with("lintian", "--allow-root", "--fail-on", "error,warning", self.package)
 
     def test_the_same_build_gives_the_same_package(self):
-        self.assertEqual(pack(self.made("again")).read_bytes(), self.package.read_bytes())
-
-    # ---- its life
+        self.assertEqual(pack(self.folder / "again").read_bytes(), self.package.read_bytes())
 
     def dpkg(self, *arguments):
-        return subprocess.run(["dpkg", f"--root={self.root}", "--log=/dev/null", "--force-depends", *arguments], check=True,
-                              capture_output=True, text=True).stdout
+        rig.run("dpkg", f"--root={self.root}", "--log=/dev/null", "--force-depends", *arguments)
 
     def new_system(self):
         """A root without anything but dpkg's own records."""
-        self.root = self.made("root")
+        self.root = self.folder / "root"
         database = self.root / "var/lib/dpkg"
         for name in ("info", "updates"):
             (database / name).mkdir(parents=True)
         (database / "status").touch()
 
-    def installed(self):
-        """What lies on that system beside dpkg's records, folders too."""
-        return {path for path in self.root.rglob("*") if not path.is_relative_to(self.root / "var")}
-
     def version(self):
-        shown = subprocess.run(["dpkg-query", f"--admindir={self.root}/var/lib/dpkg", "-W", "-f", "${Version}", "korvalin"],
-                               check=True, capture_output=True, text=True)
-        return shown.stdout
-
-    def as_user(self, program, *arguments):
-        return ["setpriv", f"--reuid={USER}", f"--regid={pwd.getpwnam(USER).pw_gid}", "--clear-groups", "--no-new-privs",
-                self.root / "usr/bin" / program, *arguments]
-
-    def cli(self, *arguments):
-        return subprocess.run(self.as_user("korvalin-cli", *arguments), env=self.home.env, cwd="/", check=True,
-                              capture_output=True, text=True, timeout=30).stdout.strip()
+        return rig.run("dpkg-query", f"--admindir={self.root}/var/lib/dpkg", "-W", "-f", "${Version}", "korvalin").stdout
 
     def received(self):
         """Of the wire, by session."""
-        records = json.loads(self.cli("records", "--closed", "--format", "json"))
-        return [record["bytes_received"] for record in records if record["line_name"] == "wire0"]
+        return [record["bytes_received"] for record in self.home.json("records", "--closed") if record["line_name"] == "wire0"]
 
     def session(self, packets, meanwhile=lambda: None):
         """Starts the window, moves packets, and ends it."""
-        process = self.launch(self.as_user("korvalin"), self.network.here, cwd="/", stderr=subprocess.PIPE)
+        process = self.launch([*self.home.prefix, self.home.bin / "korvalin"], self.network.prefix(), cwd="/",
+                              stderr=subprocess.PIPE)
         self.main_window()
-        self.picture(f"installed {self.version()}")
         self.network.send("wire0", packets)
         meanwhile()
-        process.send_signal(signal.SIGTERM)
-        self.assertEqual(process.wait(timeout=20), 0)
+        self.assertEqual(self.end(process, seconds=20), 0)
 
     def data(self):
         return {name: (self.home.path / name).read_bytes() for name in files(self.home.path)}
 
     def test_an_ordinary_user_lives_with_it_from_installation_to_removal(self):
-        if not shutil.which("setpriv"):
-            self.skipTest("setpriv is not installed")
-        self.network = self.enter(rig.Network())
-        self.network.await_carrier("wire0", "wire1")
+        self.network = self.enterContext(rig.Network())
         self.network.send("wire0", 2)
-        os.chown(self.home.path, pwd.getpwnam(USER).pw_uid, pwd.getpwnam(USER).pw_gid)
+        user = pwd.getpwnam("nobody")
+        os.chown(self.home.path, user.pw_uid, user.pw_gid)
+        self.home.prefix = ("setpriv", f"--reuid={user.pw_uid}", f"--regid={user.pw_gid}", "--clear-groups", "--no-new-privs")
         self.new_system()
-        older = pack(self.made("old"), "-D", "CPACK_PACKAGE_VERSION=0.9.0")
+        self.home.bin = self.root / "usr/bin"
+        older = pack(self.folder / "old", "-D", "CPACK_PACKAGE_VERSION=0.9.0")
 
         self.dpkg("-i", older)
         self.assertEqual(self.version(), "0.9.0")
-        for setting in (("Language", "ENG"), ("ChartLineNo", "1"), ("picWidthMin", "7")):
-            self.cli("settings", "set", *setting)
+        self.home.set(Language="ENG", ChartLineNo=1, picWidthMin=7)
         earlier = self.network.counted("wire0")[0]
         # The system replaces the program while it runs.
         self.session(50, meanwhile=lambda: self.dpkg("-i", self.package))
@@ -160,7 +125,7 @@ class Package(rig.DesktopCase):
         self.assertGreater(before[0], 50 * 1000)
 
         self.session(20)
-        self.assertEqual(self.cli("settings", "get", "picWidthMin"), "7")
+        self.assertEqual(self.home.get("picWidthMin"), "7")
         self.assertEqual(self.received()[:1], before)
         self.assertEqual(sum(self.received()), self.network.counted("wire0")[0] - earlier)
 
@@ -169,7 +134,7 @@ class Package(rig.DesktopCase):
         kept = self.data()
         self.assertIn("data/Korvalin/Korvalin_Stats.db", kept)
         self.dpkg("--purge", "korvalin")
-        self.assertEqual(self.installed(), set())
+        self.assertEqual({path for path in self.root.rglob("*") if not path.is_relative_to(self.root / "var")}, set())
         self.assertEqual(self.data(), kept)
 
 

@@ -3,22 +3,19 @@
 
 import csv
 import io
-import json
 import signal
 import subprocess
 
 import rig
 
-BY_SYSTEM, BY_TASK_MANAGER = "System shut down or user logged off", "Korvalin was closed by the task manager"
+BY_SYSTEM = "System shut down or user logged off"
+NOBODY = 65534
 
 
 class Recording(rig.RecorderCase):
-    def closed(self):
-        return sorted(self.records("--closed"), key=lambda record: record["file_index"])
-
     def check_record(self, record, first, info):
         """It is what the adapter has moved since then."""
-        moved = [now - then for now, then in zip(self.counted("wire0"), first)]
+        moved = rig.grown(self.counted("wire0"), first)
         self.assertEqual([record["bytes_received"], record["bytes_transmitted"]], moved)
         self.assertEqual((record["line_name"], record["user"]), ("wire0", "root"))
         self.assertRegex(record["info"], r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d " + info + "$")
@@ -27,24 +24,16 @@ class Recording(rig.RecorderCase):
     def test_an_adapter_that_goes_down_is_recorded_and_exported_with_what_it_has_moved(self):
         first, recorder = self.counted("wire0"), self.record()
         self.send("wire0", 100, sent=30)
-        self.network.inside(self.here, "ip", "link", "set", "wire0", "down")
+        self.network.ip("link set wire0 down")
         received, sent = self.check_record(rig.wait_for(self.closed, "the record")[0], first, "Disconnected")
-        header, row = rig.wait_for(lambda: list(csv.reader(io.StringIO(self.export()))), "the export")
+        path = self.home.data / "Korvalin_Stats.csv"
+        header, row = csv.reader(rig.wait_for(lambda: path.exists() and path.read_text().splitlines(), "the export"))
         self.assertEqual(header, "Line,LogIn,LogOut,Duration,Bytes Transmitted,Bytes Received,Bytes Total,User,IP,Info".split(","))
         self.assertEqual(row[4:9], [str(sent), str(received), str(sent + received), "root", "10.77.0.1"])
-        self.assertEqual(self.end(recorder), 0)
+        second = self.launch([rig.BIN / "korvalin-cli", "record"], self.network.prefix(), stderr=subprocess.PIPE)
+        self.assertIn("Another program records", second.communicate(timeout=10)[1])
+        self.assertEqual((second.returncode, self.end(recorder)), (1, 0))
         self.assertEqual(len(self.closed()), 1, "what has ended is not recorded again")
-
-    def export(self):
-        path = self.home.path / "data/Korvalin/Korvalin_Stats.csv"
-        return path.read_bytes().decode() if path.exists() else ""
-
-    def test_signals_end_the_recorder_and_say_why(self):
-        for number, info in ((signal.SIGTERM, BY_SYSTEM), (signal.SIGINT, BY_TASK_MANAGER), (signal.SIGHUP, BY_TASK_MANAGER)):
-            before, first, recorder = len(self.closed()), self.counted("wire0"), self.record()
-            self.assertEqual(self.end(recorder, number), 0)
-            self.assertEqual(len(self.closed()), before + 1, "each is a record of its own")
-            self.check_record(self.closed()[-1], first, info)
 
     def test_the_window_records_what_is_open_when_it_closes(self):
         self.home.set(ShowTitle="True", DisplayChoiceDL="1")
@@ -52,7 +41,7 @@ class Recording(rig.RecorderCase):
             with rig.Display() as display:
                 before, first = len(self.closed()), self.counted("wire0")
                 self.home.env["DISPLAY"] = display.name
-                window = self.launch([rig.BIN / "korvalin"], self.here, stderr=subprocess.DEVNULL)
+                window = self.launch([rig.BIN / "korvalin"], self.network.prefix(), stderr=subprocess.DEVNULL)
                 # Traffic that comes and stays away has been counted before the last pass.
                 rig.wait_for(lambda: display.window("^Korvalin  UL/DL"), "the first pass")
                 self.send("wire0", 300, sent=40)
@@ -63,14 +52,52 @@ class Recording(rig.RecorderCase):
                 self.assertEqual(len(self.closed()), before + 1)
                 self.check_record(self.closed()[-1], first, BY_SYSTEM)
 
-    def test_one_program_at_a_time_records(self):
-        first = self.record()
-        second = self.launch([rig.BIN / "korvalin-cli", "record"], self.here, stderr=subprocess.PIPE)
-        self.assertIn("Another program records", second.communicate(timeout=10)[1])
-        self.assertEqual(second.returncode, 1)
-        self.end(first, signal.SIGKILL)
-        self.assertEqual(self.end(self.record()), 0)
-        self.assertEqual([record["info"].split()[-1] for record in self.closed()], ["Interrupted", "off"])
+
+class OrdinaryUser(rig.RecorderCase):
+    """Folders that are closed to a user: nothing is lost, nothing is silent."""
+
+    def setUp(self):
+        super().setUp()
+        self.home.data.mkdir(parents=True, exist_ok=True)
+        self.give(self.home.path)
+        self.home.prefix = ("setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups")
+
+    def give(self, folder):
+        rig.run("chown", "-R", f"{NOBODY}:{NOBODY}", folder)
+
+    def recorder(self):
+        return self.record(prefix=self.home.prefix, stderr=subprocess.PIPE)
+
+    def recorded(self):
+        return self.home.moved("records")["wire0"]
+
+    def test_a_record_waits_until_it_can_be_written(self):
+        # A data folder that takes nothing for a while, and so do the statistics in it.
+        change = lambda mode: rig.run("chmod", mode, self.home.data, *self.home.data.glob("Korvalin_Stats*"))
+        recorder, first = self.recorder(), self.counted("wire0")
+        self.send("wire0", 500)
+        change("a-w")
+        for state in ("down", "up"):
+            self.network.ip(f"link set wire0 {state}")
+        self.network.await_carrier()
+        self.network.ip("route add default via 10.77.0.2")
+        self.send("wire0", 50)
+        self.assertNotEqual(self.end(recorder), 0)
+        self.assertIn('Korvalin_Stats.db: "wire0",#', recorder.stderr.read())
+        change("u+w")
+        self.end(self.recorder())
+        self.assertEqual(self.recorded(), rig.grown(self.counted("wire0"), first))
+
+    def test_what_cannot_be_read_is_said(self):
+        self.end(self.recorder())
+        for closed in (self.home.data, self.home.data / "Korvalin_Stats.db"):
+            mode = closed.stat().st_mode
+            closed.chmod(0)
+            for command in (("records",), ("repair",), ("sums", "--period", "month")):
+                run = self.home.run(*command)
+                self.assertEqual(run.returncode, 1, (closed, command))
+                self.assertIn("no permission", run.stderr)
+            closed.chmod(mode)
 
 
 class Records(rig.Case):
@@ -79,11 +106,10 @@ class Records(rig.Case):
     def setUp(self):
         super().setUp()
         self.home.set(Language="ENG")
-        self.data = self.home.path / "data/Korvalin"
 
     def write(self, *lines):
-        self.data.mkdir(parents=True, exist_ok=True)
-        (self.data / "Korvalin_Stats.db").write_bytes("".join(line + "\r\n" for line in lines).encode())
+        self.home.data.mkdir(parents=True, exist_ok=True)
+        (self.home.data / "Korvalin_Stats.db").write_bytes("".join(line + "\r\n" for line in lines).encode())
 
     def test_records_and_sums_are_printed_in_every_format(self):
         self.write('"Line1",#2004-12-31 22:22:22#,#01:23:45#,1843212,20571190,"","user1"',
@@ -92,50 +118,37 @@ class Records(rig.Case):
         first = {"file_index": 1, "line_name": "Line1", "alias": "Home", "log_in": "2004-12-31T22:22:22+00:00",
                  "log_out": "2004-12-31T23:46:07+00:00", "duration_seconds": 5025, "bytes_received": 20571190,
                  "bytes_transmitted": 1843212, "info": "", "user": "user1"}
-        records = json.loads(self.home.cli("records", "--format", "json"))
+        records = self.home.json("records")
         self.assertEqual([record["file_index"] for record in records], [2, 1], "sorted by line")
         self.assertEqual(records[1], first)
-        self.assertEqual(json.loads(self.home.cli("records", "--alias", "HOME", "--format", "json")), [first])
-        self.home.env["TZ"] = "Europe/Berlin"
-        self.assertEqual(json.loads(self.home.cli("records", "--format", "json"))[1]["log_in"], "2004-12-31T22:22:22+01:00")
-        del self.home.env["TZ"]
         rows = list(csv.DictReader(io.StringIO(self.home.cli("records", "--format", "csv"))))
-        self.assertEqual(rows[0]["line_name"], "B, 'q'")
-        self.assertEqual(rows[1], {key: str(value) for key, value in first.items()})
-        for filters, expected in ((["--from", "2005-01-01"], [2]), (["--till", "2004-12-31"], [1]),
+        self.assertEqual((rows[0]["line_name"], rows[1]), ("B, 'q'", {key: str(value) for key, value in first.items()}))
+        for filters, expected in ((["--alias", "HOME"], [1]), (["--from", "2005-01-01"], [2]), (["--till", "2004-12-31"], [1]),
                                   (["--from", "2004-12-31", "--till", "2005-01-01"], [2, 1]), (["--from", "2006-01-01"], [])):
-            shown = json.loads(self.home.cli("records", "--format", "json", *filters))
+            shown = self.home.json("records", *filters)
             self.assertEqual([record["file_index"] for record in shown], expected, filters)
-        month = json.loads(self.home.cli("sums", "--period", "month", "--alias", "Home", "--format", "json"))
-        self.assertEqual(month, [{"alias": "Home", "period_begin": "2004-12-01", "period_end": "2004-12-31",
-                                  "label": "December 2004", "connections": 1, "duration_seconds": 5025,
-                                  "duration_rounded_seconds": 5040, "bytes_received": 20571190, "bytes_transmitted": 1843212,
-                                  "volume_rounded": 23000000}])
+        self.assertEqual(self.home.json("sums", "--period", "month", "--alias", "Home"), [
+            {"alias": "Home", "period_begin": "2004-12-01", "period_end": "2004-12-31", "label": "December 2004",
+             "connections": 1, "duration_seconds": 5025, "duration_rounded_seconds": 5040, "bytes_received": 20571190,
+             "bytes_transmitted": 1843212, "volume_rounded": 23000000}])
         week = self.home.cli("sums", "--period", "week").splitlines()
         self.assertEqual(week[0].split()[:3], ["alias", "period_begin", "period_end"])
         self.assertIn("2004-12-26-2005-01-01", week[1])
         for wrong in (["records", "--from", "yesterday"], ["sums", "--period", "year"]):
-            bad = subprocess.run([rig.BIN / "korvalin-cli", *wrong], env=self.home.env, capture_output=True, check=False)
-            self.assertNotEqual(bad.returncode, 0, wrong)
+            self.assertNotEqual(self.home.run(*wrong).returncode, 0, wrong)
+        self.home.env["TZ"] = "Europe/Berlin"
+        self.assertEqual(self.home.json("records")[1]["log_in"], "2004-12-31T22:22:22+01:00")
 
     def test_repair_says_what_it_did_and_keeps_the_old_file(self):
         good = ['"a",#2004-01-01 10:00:00#,#00:05:00#,1,2,"",""', '"b",#2004-01-01 10:00:00#,#00:05:00#,1,2,"",""']
         self.write(good[1], "damaged", good[0])
-        damaged = (self.data / "Korvalin_Stats.db").read_bytes()
-        said = self.home.cli("repair")
+        file = self.home.data / "Korvalin_Stats.db"
+        damaged, said = file.read_bytes(), self.home.cli("repair")
         self.assertIn("merged: 0\ndropped: 1\nrewritten", said)
-        self.assertEqual((self.data / "Korvalin_Stats.db").read_text().split("\n")[:2], good)
-        backup = next(self.data.glob("Korvalin_Stats.db_*"))
-        self.assertIn(backup.name, said)
-        self.assertEqual(backup.read_bytes(), damaged)
+        self.assertEqual(file.read_text().split("\n")[:2], good)
+        backup = next(self.home.data.glob("Korvalin_Stats.db_*"))
+        self.assertEqual((backup.name in said, backup.read_bytes()), (True, damaged))
         self.assertNotIn("rewritten", self.home.cli("repair"))
-
-    def test_a_file_that_cannot_be_read_is_told(self):
-        (self.data / "Korvalin_Stats.db").mkdir(parents=True)
-        failed = subprocess.run([rig.BIN / "korvalin-cli", "records"], env=self.home.env, capture_output=True, text=True,
-                                check=False)
-        self.assertEqual(failed.returncode, 1)
-        self.assertIn("LoadStatFile", failed.stderr)
 
 
 if __name__ == "__main__":

@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """A web server on loopback that plays the maker's site, and misbehaves where it is asked to.
 
-Started by itself it serves a folder, prints its ports (http, https, https with another host's certificate, proxies) on one line and
-then every request; it ends when its input does. `folder`/ca.pem is what its certificates are trusted by.
+Started by itself it serves a folder, prints its ports (http, https, https with another host's certificate, proxies) on one
+line and then every request; it ends when its input does. `folder`/ca.pem is what its certificates are trusted by.
 """
 
 import base64
+import contextlib
 import gzip
 import hashlib
 import http.server
+import itertools
 import pathlib
 import re
 import select
@@ -21,7 +23,25 @@ import time
 import urllib.parse
 
 PAGE = b"<p>All is well.</p>" * 20
-# What is answered to the first part of a path, with the second part or the parameter.
+
+
+def slowly(body, wait):
+    """Its pieces, with a wait behind each."""
+    size = len(body) // 20 + 1
+    for at in range(0, len(body), size):
+        yield body[at:at + size]
+        wait()
+
+
+def chunks(end):
+    """As a transfer of unknown length sends them; "cut" leaves out the last one."""
+    for at in range(0, len(PAGE), 100):
+        yield b"%x\r\n%s\r\n" % (len(PAGE[at:at + 100]), PAGE[at:at + 100])
+    if end != "cut":
+        yield b"0\r\n\r\n"
+
+
+# What is answered to the first part of a path, with the second part or the parameter; a body may come in pieces.
 ANSWERS = {
     "page": lambda _: {"body": PAGE},
     "more": lambda _: {"body": PAGE + b"and more", "length": len(PAGE), "end": "hang up"},
@@ -38,6 +58,9 @@ ANSWERS = {
     "gzip": lambda _: {"body": gzip.compress(PAGE), "Content-Encoding": "gzip"},
     "bomb": lambda size: {"body": gzip.compress(b"<" * int(size) * 1_000_000), "Content-Encoding": "gzip"},
     "long": lambda size: {"body": b"y" * int(size) * 1_000_000},
+    "slow": lambda _: {"body": slowly(PAGE, lambda: time.sleep(0.01)), "length": len(PAGE)},
+    "trickle": lambda _: {"body": (time.sleep(0.2) or b"<p>" for _ in itertools.count()), "length": 100_000},
+    "chunked": lambda end: {"body": chunks(end), "length": None, "end": end and "hang up", "Transfer-Encoding": "chunked"},
 }
 
 
@@ -48,16 +71,12 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.server.site.note(self.path)
         parts = urllib.parse.urlsplit(self.path)
         name, _, more = parts.path.strip("/").partition("/")
-        trick = getattr(self, "trick_" + name, None)
-        try:
+        # The other side may have had enough.
+        with contextlib.suppress(BrokenPipeError, ConnectionResetError, ssl.SSLError):
             if name in ANSWERS:
                 self.answer(**ANSWERS[name](more or parts.query.partition("=")[2]))
-            elif trick:
-                trick(more)
             else:
-                self.serve_file(parts.path)
-        except (BrokenPipeError, ConnectionResetError, ssl.SSLError):
-            self.server.site.given_up.append(self.path)  # the other side has had enough
+                getattr(self, "do_" + name, self.serve_file)(parts.path)
 
     def log_message(self, *_):
         pass
@@ -65,101 +84,64 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def answer(self, body, code=200, length=-1, end=None, **headers):
         self.send_response(code)
         if length is not None:
-            self.send_header("Content-Length", str(len(body) if length < 0 else length))
+            headers["Content-Length"] = str(len(body) if length < 0 else length)
         for key, value in headers.items():
             self.send_header(key, value)
         self.end_headers()
-        self.wfile.write(body)
-        self.wfile.flush()
+        for piece in [body] if isinstance(body, bytes) else body:
+            self.wfile.write(piece)
+            self.wfile.flush()
         if end == "silence":
-            self.wait_for_the_other_side()
-        self.close_connection = self.close_connection or end is not None
+            self.do_silent()
+        self.close_connection = self.close_connection or bool(end)
 
-    def wait_for_the_other_side(self):
-        """Silence, until it closes the connection."""
+    def do_silent(self, *_):
+        """Silence, until the other side closes the connection."""
         self.connection.settimeout(60)
-        try:
+        with contextlib.suppress(OSError):
             self.connection.recv(1)
-        except OSError:
-            pass
-        self.server.site.given_up.append(self.path)
         self.close_connection = True
+
+    def do_echo(self, _):
+        self.answer("\n".join(self.headers.get(name, "") for name in ("User-Agent", "Authorization")).encode())
+
+    def do_headers(self, _):
+        self.wfile.write(b"HTTP/1.1 200 OK\r\n")
+        while True:
+            self.wfile.write(b"X-More: of the same\r\n" * 1000)
 
     def serve_file(self, path):
         site = self.server.site
         file = site.folder / path.strip("/")
-        if path in site.slow:
-            self.answer_slowly(file.read_bytes(), lambda: site.go_on.wait(0.2))
-        elif file.is_file():
-            self.answer(file.read_bytes())
-        else:
-            self.answer(b"<h1>Nothing here</h1>", 404)
-
-    def answer_slowly(self, body, wait):
-        self.send_response(200)
-        self.send_header("Content-Length", str(len(body)))
-        self.end_headers()
-        piece = len(body) // 20 + 1
-        for at in range(0, len(body), piece):
-            self.wfile.write(body[at:at + piece])
-            self.wfile.flush()
-            wait()
-
-    def trick_echo(self, _):
-        self.answer("\n".join(self.headers.get(name, "") for name in ("User-Agent", "Authorization")).encode())
-
-    def trick_trickle(self, _):
-        self.send_response(200)
-        self.send_header("Content-Length", "100000")
-        self.end_headers()
-        while True:
-            self.wfile.write(b"<p>")
-            self.wfile.flush()
-            time.sleep(0.2)
-
-    def trick_slow(self, _):
-        self.answer_slowly(PAGE, lambda: time.sleep(0.01))
-
-    def trick_chunked(self, end):
-        self.send_response(200)
-        self.send_header("Transfer-Encoding", "chunked")
-        self.end_headers()
-        for at in range(0, len(PAGE), 100):
-            piece = PAGE[at:at + 100]
-            self.wfile.write(b"%x\r\n%s\r\n" % (len(piece), piece))
-        if end == "cut":
-            self.close_connection = True
-        else:
-            self.wfile.write(b"0\r\n\r\n")
-
-    def trick_silent(self, _):
-        self.wait_for_the_other_side()
-
-    def trick_headers(self, _):
-        self.wfile.write(b"HTTP/1.1 200 OK\r\n")
-        while True:
-            self.wfile.write(b"X-More: of the same\r\n" * 1000)
+        if not file.is_file():
+            return self.answer(b"<h1>Nothing here</h1>", 404)
+        body = file.read_bytes()
+        self.answer(slowly(body, lambda: path in site.slow and site.go_on.wait(0.2)), length=len(body))
 
 
 class ProxyHandler(http.server.BaseHTTPRequestHandler):
     """A company's proxy: it asks for an account, by Basic or Digest, and connects to this machine only."""
 
     protocol_version = "HTTP/1.1"
-    account = ("j doe", "p@ss:/wörd#")
+    account = "j doe", "p@ss:/wörd#"
 
     def log_message(self, *_):
         pass
 
     def do_CONNECT(self):
-        shown = self.headers.get("Proxy-Authorization", "-")
+        shown, scheme = self.headers.get("Proxy-Authorization", "-"), self.server.scheme
         self.server.site.note(f"CONNECT {shown.split()[0]}")
-        if not (self.is_basic(shown) if self.server.scheme == "Basic" else self.is_digest(shown)):
-            return self.refuse()
-        self.send_response(200)
+        known = self.is_basic(shown) if scheme == "Basic" else self.is_digest(shown)
+        self.send_response(200 if known else 407)
+        if not known:
+            extra = ', nonce="once"' if scheme == "Digest" else ""
+            self.send_header("Proxy-Authenticate", f'{scheme} realm="korvalin"{extra}')
+            self.send_header("Content-Length", "0")
         self.end_headers()
-        self.close_connection = True
-        with socket.create_connection(("127.0.0.1", int(self.path.rpartition(":")[2]))) as other:
-            self.join(other)
+        if known:
+            self.close_connection = True
+            with socket.create_connection(("127.0.0.1", int(self.path.rpartition(":")[2]))) as other:
+                self.join(other)
 
     def is_basic(self, shown):
         return shown == "Basic " + base64.b64encode(":".join(self.account).encode()).decode()
@@ -170,13 +152,6 @@ class ProxyHandler(http.server.BaseHTTPRequestHandler):
         secret, wanted = md5(f"{self.account[0]}:korvalin:{self.account[1]}"), md5(f"CONNECT:{self.path}")
         return shown.startswith("Digest ") and given.get("nonce") == "once" and \
             given.get("response") == md5(f"{secret}:once:{wanted}")
-
-    def refuse(self):
-        self.send_response(407)
-        extra = ', nonce="once"' if self.server.scheme == "Digest" else ""
-        self.send_header("Proxy-Authenticate", f'{self.server.scheme} realm="korvalin"{extra}')
-        self.send_header("Content-Length", "0")
-        self.end_headers()
 
     def join(self, other):
         ends = {self.connection: other, other: self.connection}
@@ -199,10 +174,10 @@ class Site:
     """Serves a folder on http, and on https when certificates are asked for."""
 
     def __init__(self, folder, certificates=False):
-        self.folder, self.requests, self.given_up = pathlib.Path(folder), [], []
+        self.folder, self.requests = pathlib.Path(folder), []
         self.slow, self.go_on = set(), threading.Event()  # what comes slowly, until the end
         self.note = self.requests.append
-        self.servers = [self.listen(None)]
+        self.servers = [self.listen()]
         if certificates:
             self.servers += [self.listen(self.certificate(name, host)) for name, host in
                              (("ca", "IP:127.0.0.1"), ("wrong", "DNS:elsewhere.example"))]
@@ -211,22 +186,21 @@ class Site:
 
     def certificate(self, name, host):
         """A certificate that vouches for itself; what trusts "ca" trusts both."""
-        pem = self.folder / f"{name}.pem"
+        pem, key, trusted = (self.folder / file for file in (f"{name}.pem", f"{name}.key", "ca.pem"))
         subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
                         "-subj", f"/CN=Korvalin test {name}", "-addext", f"subjectAltName={host}", "-days", "2", "-keyout",
-                        self.folder / f"{name}.key", "-out", pem], check=True, capture_output=True)
-        with open(self.folder / "ca.pem", "a") as trusted:
-            if name != "ca":
-                trusted.write(pem.read_text())
-        return name
+                        key, "-out", pem], check=True, capture_output=True)
+        if pem != trusted:
+            trusted.write_text(trusted.read_text() + pem.read_text())
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(pem, key)
+        return context
 
-    def listen(self, certificate, handler=Handler, scheme=None):
+    def listen(self, certificate=None, handler=Handler, scheme=None):
         server = Server(("127.0.0.1", 0), handler)
         server.site, server.scheme = self, scheme
         if certificate:
-            context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-            context.load_cert_chain(self.folder / f"{certificate}.pem", self.folder / f"{certificate}.key")
-            server.socket = context.wrap_socket(server.socket, server_side=True)
+            server.socket = certificate.wrap_socket(server.socket, server_side=True)
         threading.Thread(target=server.serve_forever, kwargs={"poll_interval": 0.02}, daemon=True).start()
         return server
 
