@@ -3,7 +3,6 @@
 #include "platform/NotificationArea.h"
 
 #include <QIcon>
-#include <QMenu>
 #include <QPixmap>
 
 namespace korvalin {
@@ -15,7 +14,6 @@ class FakeNotificationArea : public NotificationArea {
     bool Shown = false;
     QIcon Icon;
     std::string Tip;
-    QMenu* Menu = nullptr;
     int IconsSet = 0;
     int TipsSet = 0;
     std::vector<int> Sizes = {16};
@@ -31,12 +29,11 @@ class FakeNotificationArea : public NotificationArea {
 
     void Plug(Hooks hooks) override { hooks_ = std::move(hooks); }
     TrayHost Host() const override { return State; }
-    void Add(const QIcon& icon, const std::string& tip, QMenu& menu) override {
+    void Add(const QIcon& icon, const std::string& tip, QMenu&) override {
         if (State != TrayHost::Present) return;
         Shown = true;
         Icon = icon;
         Tip = tip;
-        Menu = &menu;
     }
     void Remove() override { Shown = false; }
     void SetIcon(const QIcon& icon) override {

@@ -187,18 +187,4 @@ TEST_F(PosixFilesTest, CreatesFoldersForTheUserAlone) {
     EXPECT_NE(files.CreateFolders(""), 0);
 }
 
-TEST(PosixFiles, TellsOfAFolderThatMayNotBeWritten) {
-    const WithoutRoot somebody;
-    const TemporaryFolder folder;
-    folder.Write("data.txt", "old");
-    fs::permissions(folder.Path(), fs::perms(0500));
-    PosixFiles files;
-    EXPECT_EQ(files.CreateFolders(folder / "new"), EACCES);
-    EXPECT_EQ(files.AppendLines(folder / "new.txt", "", "new", "", Files::Flush::Yes), EACCES);
-    EXPECT_FALSE(files.ReplaceKeeping(folder / "data.txt", folder / "kept",
-                                      [](const Files::Sink& sink) { return sink("new"); }));
-    EXPECT_EQ(folder.Read("data.txt"), "old");
-    fs::permissions(folder.Path(), fs::perms(0700));
-}
-
 } // namespace

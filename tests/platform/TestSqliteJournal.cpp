@@ -209,16 +209,16 @@ TEST_F(TestSqliteJournal, NotesAreWrittenWhenTheyDifferAndRemovedWithTheLastOpen
     EXPECT_EQ(OnlyFileIn(runtime), earlier) << "belongs to no Save of this run";
     ASSERT_TRUE(Save(PictureOf("A")));
     EXPECT_TRUE(runtime.Entries().empty()) << "the earlier run's";
-    journal->Note({NoteOf(1), NoteOf(2)});
+    journal->Note({NoteOf(1)});
     const fs::path notes = OnlyFileIn(runtime);
     data.Write(notes, "touched");
-    journal->Note({NoteOf(1), NoteOf(2)});
+    journal->Note({NoteOf(1)});
     EXPECT_EQ(data.Read(notes), "touched") << "the same again";
-    journal->Note({NoteOf()});
-    EXPECT_EQ(Load(), Known(Noted(PictureOf("A"))));
-    fs::remove(notes);
-    journal->Note({NoteOf()});
-    EXPECT_EQ(Load(), Known(Noted(PictureOf("A")))) << "made anew";
+    for (int time = 1; time <= 2; ++time) {
+        journal->Note({NoteOf()});
+        EXPECT_EQ(Load(), Known(Noted(PictureOf("A"))));
+        fs::remove(notes); // is made anew
+    }
     ASSERT_TRUE(Save({}));
     EXPECT_TRUE(runtime.Entries().empty());
 }
@@ -241,7 +241,10 @@ TEST_F(TestSqliteJournal, FilesAreTheUsersAloneAlsoWithoutAFolderForNotes) {
 TEST_F(TestSqliteJournal, WhatIsNoJournalIsMovedAsideAndANewOneBegun) {
     const fs::path target = another.Write("target", "not to be touched");
     const auto instead = [&](const std::function<void()>& make) {
-        return [this, make] { fs::remove(file), make(); };
+        return [this, make] {
+            fs::remove(file);
+            make();
+        };
     };
     const std::pair<const char*, std::function<void()>> rows[] = {
         {"cut in the middle", [&] { fs::resize_file(file, fs::file_size(file) / 2); }},
@@ -296,9 +299,6 @@ TEST_F(TestSqliteJournal, FollowsTheProgramIntoAnotherFolder) {
     fs::create_directory_symlink(data.Path(), another / "link");
     ASSERT_TRUE(journal->Save(another / "link", PictureOf("B"), Durability::Process));
     EXPECT_EQ(Load(), Known(PictureOf("B"))) << "the same folder";
-    fs::remove(file);
-    ASSERT_TRUE(Save(PictureOf("C")));
-    EXPECT_EQ(Load(), Known(PictureOf("C"))) << "made anew";
     fs::rename(data.Path(), another / "renamed");
     ASSERT_TRUE(journal->Save(another / "renamed", PictureOf("D"), Durability::Process));
     EXPECT_EQ(Describe(Make()->Load(another / "renamed")), Known(PictureOf("D")));

@@ -40,6 +40,11 @@ class TestSqliteRegistry : public testing::Test {
         for (int i = 0; i < count; ++i)
             ASSERT_TRUE(store.Write("Value" + std::to_string(i), std::string(100, 'v')));
     }
+    void Execute(const char* sql) const {
+        SqliteDatabase database;
+        ASSERT_EQ(database.OpenFile(file, SQLITE_OPEN_READWRITE, 1000), SQLITE_OK);
+        ASSERT_EQ(database.Execute(sql), SQLITE_OK);
+    }
 
     TemporaryFolder folder;
     fs::path file = folder / "korvalin/registry.db";
@@ -68,9 +73,7 @@ TEST_F(TestSqliteRegistry, AKilledWriterLosesNothingItWasToldIsWritten) {
 
 TEST_F(TestSqliteRegistry, FindsNamesThatAnEarlierReleaseFoldedOtherwise) {
     ASSERT_TRUE(Store(file).Write("ЖАБА_Alias", "kept"));
-    SqliteDatabase database;
-    ASSERT_EQ(database.OpenFile(file, SQLITE_OPEN_READWRITE, 1000), SQLITE_OK);
-    ASSERT_EQ(database.Execute("UPDATE RegistryValues SET LowerName = 'ЖАБА_alias'"), SQLITE_OK);
+    Execute("UPDATE RegistryValues SET LowerName = 'ЖАБА_alias'");
     EXPECT_EQ(Store(file).Read("жаба_Alias"), "kept");
 }
 
@@ -79,21 +82,15 @@ TEST_F(TestSqliteRegistry, MovesADamagedFileAsideAndBeginsANewOne) {
         {"cut in the middle", [&] { fs::resize_file(file, fs::file_size(file) / 2); }},
         {"scribbled over", [&] { folder.Overwrite(file, 8192, std::string(4096, 'x')); }},
         {"another program's", [&] { folder.Overwrite(file, 68, "GPKG"); }},
-        {"without its tables", [&] {
-             std::string content = folder.Read(file);
-             for (std::size_t at; (at = content.find("RegistryKeys")) != std::string::npos;)
-                 content[at] = 'X';
-             folder.Overwrite(file, 0, content);
-         }}};
+        {"without its tables", [&] { Execute("DROP TABLE RegistryKeys"); }}};
     for (const auto& [what, damage] : rows) {
         fs::remove_all(file.parent_path());
         Fill(200);
         damage();
         const std::string before = folder.Read(file);
         Store store(file);
-        EXPECT_EQ(store.Read("Value1"), "") << what;
         EXPECT_TRUE(store.Write("New")) << what;
-        EXPECT_EQ(Store(file).Read("New"), "1") << what;
+        EXPECT_EQ(Store(file).Read("New") + Store(file).Read("Value1"), "1") << what;
         EXPECT_TRUE(store.TellsOf(damaged)) << what;
         EXPECT_EQ(folder.Read(damaged), before) << what;
         EXPECT_EQ(fs::status(damaged).permissions(), fs::perms(0600)) << what;
