@@ -3,6 +3,7 @@
 #include "platform/NotificationArea.h"
 
 #include <QIcon>
+#include <QMenu>
 #include <QPixmap>
 
 namespace korvalin {

@@ -90,6 +90,12 @@ TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
         // One that receives from a peer which goes with it has told what it had received when it was seen
         // last.
         const Names both = {"v0 0 10000", "v1 5000 0"};
+        const Names pairLeft = {"v0", "v1"};
+        const std::string bridge =
+            pair + "; ip link add t0 up type bridge mcast_snooping 0; ip link set v0 master t0";
+        const std::string pairUp = samePair + "; ip link set v0 up; ip link set v1 up";
+        const std::string shortLived = "ip link add t0 type veth peer name t1; ip link delete t0";
+        const std::string renamed = "ip link set v0 down name w0; ip link delete w0";
         struct {
             std::string Before;
             const char* Sender;
@@ -97,26 +103,14 @@ TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
             Names Removed, Left;
         } const rows[] = {
             {pair, "v0", "ip link delete v0", both, {}},
-            {pair, "v0", "ip link delete v0; " + pair, both, {"v0", "v1"}},
-            {samePair + "; ip link set v0 up; ip link set v1 up",
-             "v0",
-             "ip link delete v0; " + samePair,
-             both,
-             {"v0", "v1"}},
-            {pair, "v0", "ip link set v0 down name w0; ip link delete w0", {"w0 0 10000", "v1 5000 0"}, {}},
+            {pair, "v0", "ip link delete v0; " + pair, both, pairLeft},
+            {pairUp, "v0", "ip link delete v0; " + samePair, both, pairLeft},
+            {pair, "v0", renamed, {"w0 0 10000", "v1 5000 0"}, {}},
             {pair, "v0", moving, {"v0 0 10000"}, {"v1"}},
             {pair, "v1", moving, {"v0 10000 0"}, {"v1"}},
-            {pair, "v0", "ip link set v0 down; ip link set v0 up", {}, {"v0", "v1"}},
-            {pair,
-             "v0",
-             "ip link add t0 type veth peer name t1; ip link delete t0",
-             {"t0 0 0", "t1 0 0"},
-             {"v0", "v1"}},
-            {pair + "; ip link add t0 up type bridge mcast_snooping 0; ip link set v0 master t0",
-             "t0",
-             "ip link set v0 nomaster; ip link delete t0",
-             {"t0 0 10000"},
-             {"v0", "v1"}},
+            {pair, "v0", "ip link set v0 down; ip link set v0 up", {}, pairLeft},
+            {pair, "v0", shortLived, {"t0 0 0", "t1 0 0"}, pairLeft},
+            {bridge, "t0", "ip link set v0 nomaster; ip link delete t0", {"t0 0 10000"}, pairLeft},
             {"ip link add t0 up type ifb", "t0", "ip link delete t0", {"t0 10000 0"}, {}},
         };
         for (const auto& row : rows) {

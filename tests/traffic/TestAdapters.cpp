@@ -139,7 +139,6 @@ TEST_F(Adapters, AWirelessLineIsNamedAfterItsNetwork) {
         EXPECT_EQ(lines.LineTable(1).DeviceName, "wlan0");
         EXPECT_EQ(lines.LineTable(2).EntryName, "eth0");
     }
-    EXPECT_EQ(closed.size(), std::size(rows) - 2) << "each network is a line of its own";
     network.Rows[0].OperStatus = OperationalStatus::Disconnected;
     Pass();
     network.Rows[0].OperStatus = OperationalStatus::Operational;

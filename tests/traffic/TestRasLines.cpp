@@ -16,17 +16,21 @@ class RasLines : public TrafficFixture {
 };
 
 TEST_F(RasLines, TheTypeFollowsTheFlags) {
-    const std::pair<std::uint32_t, LineType> rows[] = {
-        {InternetConnectionModem | InternetRasInstalled, LineType::Ras},
-        {InternetConnectionModem, LineType::Unknown},
-        {InternetConnectionLan, LineType::Lan},
-        {0, LineType::Undecided}};
-    for (const auto& [flags, expected] : rows) {
-        internet.State = {flags != 0, flags};
-        LineState state;
-        LineMonitor fresh{MonitorOf(state)};
-        fresh.Get_Bytes_Transmitted();
-        EXPECT_EQ(state.MonitoredLineType, expected) << flags;
+    struct {
+        bool RasInstalled;
+        std::uint32_t Flags;
+        LineType Expected;
+    } const rows[] = {{true, InternetConnectionModem, LineType::Ras},
+                      {false, InternetConnectionModem, LineType::Unknown},
+                      {true, InternetConnectionLan, LineType::Lan},
+                      {true, 0, LineType::Undecided}};
+    Pass();
+    for (const auto& row : rows) {
+        lines = LineState();
+        lines.RasInstalled = row.RasInstalled;
+        internet.State.Flags = row.Flags;
+        Pass();
+        EXPECT_EQ(lines.MonitoredLineType, row.Expected) << row.Flags;
     }
 }
 
