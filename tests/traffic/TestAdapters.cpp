@@ -148,6 +148,26 @@ TEST_F(Adapters, AWirelessLineIsNamedAfterItsNetwork) {
         << "what it was on does not outlast the adapter's going down";
 }
 
+TEST_F(Adapters, AConnectionCountsFromWhereNobodyHasCountedYet) {
+    network.Add("eth0", 5000, 70);
+    const JournalFound never;
+    JournalFound known{true, true, {}};
+    known.Picture.Entries = {{1, "eth0", 4000, 60, 0, {}}};
+    JournalFound booted = known;
+    booted.SameBoot = false;
+    JournalFound ahead = known;
+    ahead.Picture.Entries[0].Received = 6000;
+    const std::tuple<JournalFound, double, double> rows[] = {
+        {never, 0, 0}, {known, 1000, 10}, {booted, 5000, 70}, {ahead, 5000, 10}};
+    for (const auto& [found, received, transmitted] : rows) {
+        ledger.Begin(found);
+        book.ForgetLines();
+        Pass();
+        EXPECT_EQ(lines.LineTable(1).BytesReceived, received);
+        EXPECT_EQ(lines.LineTable(1).BytesTransmitted, transmitted);
+    }
+}
+
 TEST_F(Adapters, AnotherOneUnderTheNameIsAnotherSourceOfCounters) {
     network.Add("eth0", 1000, 0);
     Pass();
