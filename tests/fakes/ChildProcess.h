@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,6 +44,17 @@ class ChildProcess {
   private:
     pid_t process_ = -1;
 };
+
+/// Runs `body` where no file can grow beyond `bytes`, as on a full disk.
+template <typename Body>
+void WithFileLimit(rlim_t bytes, Body&& body) {
+    ChildProcess([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{bytes, RLIM_INFINITY};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        body();
+    }).Finish();
+}
 
 /// A pipe between processes: one side writes a word, the other waits for it.
 class Signal {

@@ -19,11 +19,7 @@ class FakeHttp : public Http {
   public:
     struct Answer {
         std::string Body;
-        int StatusCode = 200;
-        bool EndIsKnown = true;
-        /// The transfer breaks off behind the body.
-        bool Breaks = false;
-        std::optional<std::uint64_t> Length = std::nullopt;
+        bool IsMissing = false;
     };
     std::map<std::string, Answer> Answers;
     std::vector<HttpRequest> Requests;
@@ -31,7 +27,7 @@ class FakeHttp : public Http {
     std::unique_ptr<HttpStream> Open(const HttpRequest& request) override {
         Requests.push_back(request);
         const auto found = Answers.find(request.Address);
-        return std::make_unique<Stream>(found == Answers.end() ? Answer{"", 0, false, true} : found->second);
+        return std::make_unique<Stream>(found == Answers.end() ? Answer{"", true} : found->second);
     }
     /// The addresses asked for since the last call.
     std::vector<std::string> TakeAddresses() {
@@ -47,11 +43,11 @@ class FakeHttp : public Http {
         std::optional<std::string> Read(std::size_t bytes) override {
             std::string part = Given.Body.substr(Taken, bytes);
             Taken += part.size();
-            return part.empty() && Given.Breaks ? std::nullopt : std::optional(part);
+            return Given.IsMissing ? std::nullopt : std::optional(part);
         }
-        HttpHead Head() override { return {Given.StatusCode, Given.Length, Given.EndIsKnown}; }
+        HttpHead Head() override { return {Given.IsMissing ? 0 : 200, std::nullopt, !Given.IsMissing}; }
         HttpFailure Failure() override {
-            return Given.Breaks ? HttpFailure{7, "no connection"} : HttpFailure();
+            return Given.IsMissing ? HttpFailure{7, "no connection"} : HttpFailure();
         }
         Answer Given;
         std::size_t Taken = 0;

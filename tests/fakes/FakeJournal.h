@@ -35,8 +35,7 @@ class FakeJournal : public Journal {
     void Note(const std::vector<JournalNote>& notes) override {
         if (!savedInRun_) return; // there is nothing that they belong to
         for (const JournalNote& note : notes) {
-            const auto entry = std::find_if(Kept.Entries.begin(), Kept.Entries.end(),
-                                            [&](const JournalEntry& e) { return e.Index == note.Index; });
+            const auto entry = std::ranges::find(Kept.Entries, note.Index, &JournalEntry::Index);
             if (entry == Kept.Entries.end() || !entry->Open) continue;
             entry->Received = note.Received;
             entry->Transmitted = note.Transmitted;

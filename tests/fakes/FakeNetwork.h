@@ -5,6 +5,8 @@
 #include "platform/Networks.h"
 #include "platform/Ras.h"
 
+#include <algorithm>
+#include <deque>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -19,7 +21,6 @@ class FakeNetworkTables : public NetworkTables {
     std::vector<InterfaceEntry> Entries;
     std::vector<IpAddressRow> Addresses;
     std::vector<UnicastIpAddressRow> Addresses6;
-    TcpStatistics Tcp;
     bool IsUnreadable = false; ///< every table of adapters and addresses
     bool Throws = false;
 
@@ -33,7 +34,7 @@ class FakeNetworkTables : public NetworkTables {
     std::optional<std::vector<UnicastIpAddressRow>> GetUnicastIpAddressTable() override {
         return Give(Addresses6);
     }
-    TcpStatistics GetTcpStatistics() override { return Tcp; }
+    TcpStatistics GetTcpStatistics() override { return {}; }
 
     /// Adds an Ethernet adapter that counts in 64 bits.
     InterfaceRow& Add(const std::string& description, std::uint64_t in, std::uint64_t out) {
@@ -109,7 +110,7 @@ class FakeRas : public Ras {
     };
     std::vector<Entry> Entries;
     /// Errors of the coming looks at the entries, in order; 0 once they are used up.
-    std::vector<int> EntriesErrors;
+    std::deque<int> EntriesErrors;
     std::vector<std::int32_t> HungUp;
     bool Stubborn = false; ///< connections stay up although they are hung up
 
@@ -117,7 +118,7 @@ class FakeRas : public Ras {
         PhoneBookNames names;
         if (!EntriesErrors.empty()) {
             names.Error = EntriesErrors.front();
-            EntriesErrors.erase(EntriesErrors.begin());
+            EntriesErrors.pop_front();
         }
         for (const Entry& entry : Entries)
             if (names.Error == 0) names.Names.push_back(entry.Name);
@@ -136,10 +137,10 @@ class FakeRas : public Ras {
 
   private:
     Line& Find(std::int32_t handle) {
-        for (Line& line : Lines) {
-            if (line.Connection.Handle == handle) return line;
-        }
-        throw std::logic_error("unknown handle");
+        const auto found =
+            std::ranges::find(Lines, handle, [](Line& line) { return line.Connection.Handle; });
+        if (found == Lines.end()) throw std::logic_error("unknown handle");
+        return *found;
     }
 };
 

@@ -15,7 +15,6 @@ class FakeNotificationArea : public NotificationArea {
     bool Shown = false;
     QIcon Icon;
     std::string Tip;
-    QMenu* Menu = nullptr;
     int IconsSet = 0;
     int TipsSet = 0;
     std::vector<int> Sizes = {16};
@@ -31,12 +30,11 @@ class FakeNotificationArea : public NotificationArea {
 
     void Plug(Hooks hooks) override { hooks_ = std::move(hooks); }
     TrayHost Host() const override { return State; }
-    void Add(const QIcon& icon, const std::string& tip, QMenu& menu) override {
+    void Add(const QIcon& icon, const std::string& tip, QMenu&) override {
         if (State != TrayHost::Present) return;
         Shown = true;
         Icon = icon;
         Tip = tip;
-        Menu = &menu;
     }
     void Remove() override { Shown = false; }
     void SetIcon(const QIcon& icon) override {

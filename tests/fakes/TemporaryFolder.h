@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -27,13 +28,22 @@ class TemporaryFolder {
     const std::filesystem::path& Path() const { return path_; }
     std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
 
-    std::filesystem::path Write(std::string_view name, std::string_view content) const {
+    std::filesystem::path Write(const std::filesystem::path& name, std::string_view content) const {
         std::ofstream(path_ / name, std::ios::binary) << content;
         return path_ / name;
     }
-    std::string Read(std::string_view name) const {
+    std::string Read(const std::filesystem::path& name) const {
         std::ifstream file(path_ / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
+    }
+    /// Writes over a part of a file.
+    void Overwrite(const std::filesystem::path& name, std::streamoff from, std::string_view bytes) const {
+        std::fstream(path_ / name, std::ios::binary | std::ios::in | std::ios::out).seekp(from) << bytes;
+    }
+    /// The paths of what lies in it.
+    std::set<std::filesystem::path> Entries() const {
+        const std::filesystem::directory_iterator all(path_);
+        return {begin(all), end(all)};
     }
 
   private:

@@ -11,23 +11,13 @@ using namespace korvalin;
 namespace {
 
 TEST(DialProfiles, GivesEachProfileANameOfItsOwn) {
-    struct {
-        const char* What;
-        std::vector<ProfileName> Profiles;
-        std::vector<std::string> Names;
-    } const rows[] = {
-        {"different", {{"A", "1"}, {"B", "2"}}, {"A", "B"}},
-        {"the lowest identifier keeps the name",
-         {{"A", "2"}, {"A", "1"}, {"A", "3"}},
-         {"A (2)", "A", "A (3)"}},
-        {"a counted name that is taken", {{"A", "1"}, {"A", "2"}, {"A (2)", "9"}}, {"A", "A (3)", "A (2)"}},
-        {"a counted name that is twice itself",
-         {{"A", "1"}, {"A", "2"}, {"A (2)", "3"}, {"A (2)", "4"}},
-         {"A", "A (3)", "A (2)", "A (2) (2)"}},
-        {"blanks make no difference", {{"A", "1"}, {" A ", "2"}, {"  ", "3"}}, {"A", "A (2)", "3"}},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(UniqueNames(row.Profiles), row.Names) << row.What;
+    using Names = std::vector<std::string>;
+    // The lowest identifier keeps a name, and blanks make no difference.
+    EXPECT_EQ(UniqueNames({{"A", "2"}, {"A", "1"}, {" A ", "3"}, {"  ", "4"}}),
+              (Names{"A (2)", "A", "A (3)", "4"}));
+    EXPECT_EQ(UniqueNames({{"A", "1"}, {"A", "2"}, {"A (2)", "3"}, {"A (2)", "4"}}),
+              (Names{"A", "A (3)", "A (2)", "A (2) (2)"}))
+        << "a counted name that is twice itself";
 }
 
 // A profile of one kind, with the settings that belong to it.
@@ -51,12 +41,6 @@ class Profile {
     GObjectPointer<NMConnection> connection_;
 };
 
-Profile Gsm(const char* number, const char* accessPoint) {
-    Profile profile("gsm");
-    profile.With(nm_setting_gsm_new(), "number", number, "apn", accessPoint);
-    return profile;
-}
-
 Profile Vpn(const char* service, const char* connectionType) {
     Profile profile("vpn");
     NMSetting* setting = profile.With(nm_setting_vpn_new(), "service-type", service);
@@ -66,60 +50,38 @@ Profile Vpn(const char* service, const char* connectionType) {
 }
 
 TEST(DialProfiles, TellsDeviceTypeAndNumber) {
-    Profile cdma("cdma"), pppoe("pppoe"), dun("bluetooth"), wireguard("wireguard"), adslOverAtm("adsl"),
-        adsl("adsl");
+    Profile cdma("cdma"), dun("bluetooth"), wireguard("wireguard"), adslOverAtm("adsl"), adsl("adsl");
     cdma.With(nm_setting_cdma_new(), "number", "#777");
-    pppoe.With(nm_setting_pppoe_new(), "username", "u", "service", "s");
     dun.With(nm_setting_bluetooth_new(), "type", "dun");
     dun.With(nm_setting_gsm_new(), "apn", "net");
     adslOverAtm.With(nm_setting_adsl_new(), "protocol", "pppoa");
     adsl.With(nm_setting_adsl_new(), "protocol", "pppoe");
-    const Profile gsm = Gsm("*99#", "internet"), changed = Gsm("*99#", "evil"),
-                  onlyApn = Gsm(nullptr, "internet"), onlyNumber = Gsm("*99#", nullptr),
-                  vpn = Vpn("org.freedesktop.NetworkManager.vpnc", nullptr);
-    struct {
-        const Profile& Told;
-        const char *DeviceType, *Number;
-    } const rows[] = {
-        {gsm, "modem", "*99# (internet)"},
-        {changed, "modem", "*99# (evil)"},
-        {onlyApn, "modem", "internet"},
-        {onlyNumber, "modem", "*99#"},
-        {cdma, "modem", "#777"},
-        {dun, "modem", "net"},
-        {pppoe, "PPPoE", ""},
-        {adsl, "PPPoE", ""},
-        {adslOverAtm, "ATM", ""},
-        {vpn, "vpn", ""},
-        {wireguard, "vpn", ""},
-    };
-    for (const auto& row : rows) {
-        const PhoneEntry entry = DescribeProfile(row.Told.Get());
-        EXPECT_EQ(entry.DeviceType, row.DeviceType);
-        EXPECT_EQ(entry.LocalPhoneNumber, row.Number);
+    Profile gsm("gsm"), numberOnly("gsm");
+    gsm.With(nm_setting_gsm_new(), "number", "*99#", "apn", "internet");
+    numberOnly.With(nm_setting_gsm_new(), "number", "*99#");
+    using Row = std::tuple<const Profile&, const char*, const char*>;
+    const Row rows[] = {{gsm, "modem", "*99# (internet)"},
+                        {numberOnly, "modem", "*99#"},
+                        {cdma, "modem", "#777"},
+                        {dun, "modem", "net"},
+                        {adsl, "PPPoE", ""},
+                        {adslOverAtm, "ATM", ""},
+                        {wireguard, "vpn", ""}};
+    for (const auto& [profile, deviceType, number] : rows) {
+        const PhoneEntry entry = DescribeProfile(profile.Get());
+        EXPECT_EQ(entry.DeviceType, deviceType);
+        EXPECT_EQ(entry.LocalPhoneNumber, number);
         EXPECT_EQ(entry.AreaCode, "");
-        EXPECT_TRUE(IsDialUp(row.Told.Get())) << row.DeviceType;
+        EXPECT_TRUE(IsDialUp(profile.Get())) << deviceType;
     }
-    Profile network("bluetooth"), ethernet("802-3-ethernet");
+    Profile network("bluetooth");
     network.With(nm_setting_bluetooth_new(), "type", "panu");
     EXPECT_FALSE(IsDialUp(network.Get()));
-    EXPECT_FALSE(IsDialUp(ethernet.Get()));
 }
 
-TEST(ProfileLogin, IsKeptWhereTheKindOfLineLooksForIt) {
+TEST(ProfileLogin, IsKeptWhereTheServiceLooksForIt) {
     const Login login{"ich", "geheim"};
-    Profile pppoe("pppoe"), wireguard("wireguard");
-    NMSetting* dsl = pppoe.With(nm_setting_pppoe_new(), "username", "u", "password-flags",
-                                static_cast<guint>(NM_SETTING_SECRET_FLAG_AGENT_OWNED));
-    EXPECT_EQ(StoredUserName(pppoe.Get()), "u");
-    StoreLogin(pppoe.Get(), login);
-    EXPECT_EQ(StoredUserName(pppoe.Get()), "ich");
-    EXPECT_STREQ(nm_setting_pppoe_get_password(NM_SETTING_PPPOE(dsl)), "geheim");
-    EXPECT_EQ(nm_setting_pppoe_get_password_flags(NM_SETTING_PPPOE(dsl)), NM_SETTING_SECRET_FLAG_NONE);
-    EXPECT_EQ(LoginSetting(pppoe.Get()), "pppoe");
-    EXPECT_EQ(LoginSetting(Gsm("1", "a").Get()), "gsm");
-    EXPECT_FALSE(TakesLogin(wireguard.Get()));
-
+    EXPECT_FALSE(TakesLogin(Profile("wireguard").Get()));
     struct {
         const char *Service, *ConnectionType, *User, *Password;
         bool TakesLogin;

@@ -1,45 +1,27 @@
+#include "fakes/ChildProcess.h"
 #include "fakes/TemporaryFolder.h"
 #include "platform/linux/system/LinuxShell.h"
 
-#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <optional>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 using namespace korvalin;
 
 namespace {
 
-/// A variable of the environment, set (or not) until the end of the scope.
-class Variable {
-  public:
-    Variable(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
-    }
-    ~Variable() { old_ ? setenv(name_, old_->c_str(), 1) : unsetenv(name_); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-  private:
-    const char* name_;
-    std::optional<std::string> old_;
-};
-
 TEST(LinuxShell, TakesTheLanguageFromTheFirstVariableThatIsSet) {
-    struct {
-        const char *All, *Messages, *Lang, *Expected;
-    } const rows[] = {{"de_DE.UTF-8", "fr_FR", "it_IT", "de"},
-                      {"", "fr_FR@euro", "it_IT", "fr"},
-                      {"C", "fr_FR", "it_IT", "en"},
-                      {nullptr, nullptr, "ast_ES.UTF-8", "en"}};
-    for (const auto& row : rows) {
-        const Variable all("LC_ALL", row.All);
-        const Variable messages("LC_MESSAGES", row.Messages);
-        const Variable lang("LANG", row.Lang);
-        EXPECT_EQ(LinuxShell().UserLanguage(), row.Expected) << row.Expected;
+    const std::array<const char*, 4> rows[] = {{"de_DE.UTF-8", "fr_FR", "it_IT", "de"},
+                                               {"", "fr_FR@euro", "it_IT", "fr"},
+                                               {"C", "fr_FR", "it_IT", "en"},
+                                               {"", "", "ast_ES.UTF-8", "en"}};
+    for (const auto& [all, messages, lang, expected] : rows) {
+        ChildProcess([&] {
+            setenv("LC_ALL", all, 1);
+            setenv("LC_MESSAGES", messages, 1);
+            setenv("LANG", lang, 1);
+            EXPECT_EQ(LinuxShell().UserLanguage(), expected);
+        }).Finish();
     }
 }
 
@@ -83,9 +65,9 @@ TEST_F(LinuxShellTest, StartsAProgramThatStandsForItselfOrSaysThatItCannot) {
 
 TEST_F(LinuxShellTest, OpensPagesOfTheWebAndAddressesOfAnySchemeButNoOptionsOrPaths) {
     LinuxShell shell(program.string());
-    for (const char* address :
+    for (const char* page :
          {"file:///etc/passwd", "javascript:alert(1)", "--help", "", "http://a b", "https://a\nb"})
-        EXPECT_FALSE(shell.OpenPage(address)) << address;
+        EXPECT_FALSE(shell.OpenPage(page)) << page;
     for (const char* address :
          {"", ":", "mailto:", "--help:x", "/etc/passwd", "a path:x", "mailto:a b", "x:a\nb"})
         EXPECT_FALSE(shell.OpenAddress(address)) << address;

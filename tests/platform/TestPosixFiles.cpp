@@ -4,10 +4,8 @@
 #include "platform/linux/files/PosixFiles.h"
 
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace korvalin;
@@ -21,19 +19,7 @@ class PosixFilesTest : public testing::Test {
     unsigned ModeOf(const char* name) const {
         return static_cast<unsigned>(fs::status(folder / name).permissions());
     }
-    auto Entries() const {
-        return std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator());
-    }
-    // Runs `body` where no file can grow beyond `bytes`.
-    static void WithFileLimit(rlim_t bytes, const std::function<void()>& body) {
-        ChildProcess limited([&] {
-            std::signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{bytes, RLIM_INFINITY};
-            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-            body();
-        });
-        limited.Finish();
-    }
+    std::size_t Entries() const { return folder.Entries().size(); }
 
     TemporaryFolder folder;
     PosixFiles files;
@@ -48,7 +34,6 @@ TEST_F(PosixFilesTest, AppendsWhollyOrNotAtAllToAPrivateFile) {
         EXPECT_TRUE(files.Append(folder / "log.txt", "fits\n"));
     });
     EXPECT_EQ(folder.Read("log.txt"), lines + "fits\n");
-    EXPECT_FALSE(files.Append(folder.Path(), "x"));
 }
 
 TEST_F(PosixFilesTest, ReplacesWhollyOrNotAtAll) {
@@ -71,21 +56,17 @@ TEST_F(PosixFilesTest, AppendsDurablyWhollyOrNotAtAll) {
     const auto append = [&](const fs::path& path) {
         return files.AppendLines(path, "head\n", "line\n", "\n", Files::Flush::Yes);
     };
-    const std::pair<const char*, const char*> rows[] = {
-        {"", "head\nline\n"}, {"whole\n", "whole\nline\n"}, {"torn", "torn\nline\n"}};
+    const std::string full(98, 'x');
+    const std::pair<std::string, std::string> rows[] = {
+        {"", "head\nline\n"}, {"whole\n", "whole\nline\n"}, {"torn", "torn\nline\n"}, {full, full}};
     for (const auto& [before, after] : rows) {
         folder.Write("data.txt", before);
-        EXPECT_EQ(append(folder / "data.txt"), 0);
+        WithFileLimit(100, [&] { EXPECT_EQ(append(folder / "data.txt"), before == full ? ENOSPC : 0); });
         EXPECT_EQ(folder.Read("data.txt"), after);
     }
     EXPECT_EQ(append(folder / "new.txt"), 0);
     EXPECT_EQ(folder.Read("new.txt"), "head\nline\n");
     EXPECT_EQ(ModeOf("new.txt"), 0600U);
-
-    const std::string torn(98, 'x');
-    folder.Write("data.txt", torn);
-    WithFileLimit(100, [&] { EXPECT_EQ(append(folder / "data.txt"), ENOSPC); });
-    EXPECT_EQ(folder.Read("data.txt"), torn);
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     const std::pair<fs::path, int> wrong[] = {
         {folder / "none/data.txt", ENOENT}, {folder.Path(), EISDIR}, {folder / "pipe", EINVAL}};
@@ -121,8 +102,7 @@ TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {
     };
     // Forked before the file is held: a lock lives until the last copy of its descriptor is closed.
     folder.Write("data", "");
-    Signal held;
-    Signal begun;
+    Signal held, begun;
     ChildProcess one([&] { isHeld("flocked"); });
     ChildProcess two([&] { isHeld("locked"); });
     ChildProcess patient([&] {
@@ -154,31 +134,12 @@ TEST_F(PosixFilesTest, ReplacesAndKeepsTheOldFileUnderAnotherName) {
     fs::permissions(folder.Write("data", "old"), fs::perms(0640));
     fs::create_symlink(folder / "elsewhere", folder / "data.new"); // nothing is written through it
     ASSERT_TRUE(replace("kept", "new content"));
-    EXPECT_EQ(folder.Read("data") + " " + folder.Read("kept"), "new content old");
     EXPECT_EQ(ModeOf("data"), 0640U);
     EXPECT_FALSE(replace("kept", "newer")) << "the name is taken";
     EXPECT_FALSE(files.ReplaceKeeping(folder / "data", folder / "kept2", [](const auto&) { return false; }));
     WithFileLimit(10, [&] { EXPECT_FALSE(replace("kept2", std::string(20, 'x'))); });
     EXPECT_EQ(folder.Read("data") + " " + folder.Read("kept"), "new content old");
     EXPECT_EQ(Entries(), 2) << "something half-written is left";
-
-    for (int run = 0; run < 2; ++run) {
-        Signal written;
-        ChildProcess killed([&] {
-            static_cast<void>(files.ReplaceKeeping(folder / "data", folder / "kept2", [&](const auto& sink) {
-                EXPECT_TRUE(sink("half"));
-                written.Send();
-                return pause() == 0;
-            }));
-        });
-        written.Await();
-        killed.Kill();
-        EXPECT_EQ(folder.Read("data"), "new content");
-        EXPECT_EQ(Entries(), 3) << "killed runs leave one file, whatever their number";
-    }
-    ASSERT_TRUE(replace("kept2", "newest"));
-    EXPECT_EQ(folder.Read("data") + " " + folder.Read("kept2"), "newest new content");
-    EXPECT_EQ(Entries(), 3);
 }
 
 TEST_F(PosixFilesTest, CopiesContentAndPermissions) {
@@ -201,10 +162,9 @@ TEST_F(PosixFilesTest, KnowsAFileThatNobodyElseCanWrite) {
         fs::permissions(inner, ofFolder);
         return files.IsOursAlone(file);
     };
-    EXPECT_TRUE(check(fs::perms(0755), fs::perms(0755)));
     EXPECT_FALSE(check(fs::perms(0757), fs::perms(0755)));
     EXPECT_FALSE(check(fs::perms(0755), fs::perms(0757)));
-    EXPECT_TRUE(check(fs::perms(0600), fs::perms(0700)));
+    EXPECT_TRUE(check(fs::perms(0755), fs::perms(0755)));
     fs::create_symlink(file, folder / "link");
     EXPECT_FALSE(files.IsOursAlone(folder / "link"));
     fs::create_hard_link(file, folder / "second");
@@ -217,28 +177,14 @@ TEST_F(PosixFilesTest, CreatesFoldersForTheUserAlone) {
     folder.Write("file", "");
     fs::create_symlink(folder / "nowhere", folder / "dangling");
     fs::create_directory_symlink(folder.Path(), folder / "here");
-    const std::pair<const char*, int> rows[] = {{"a/b/c", 0},        {"a/b/c", 0},        {"a/x/", 0},
-                                                {"file", ENOTDIR},   {"file/x", ENOTDIR}, {"here/y", 0},
-                                                {"dangling", EEXIST}};
+    const std::pair<const char*, int> rows[] = {
+        {"a/b/c", 0}, {"a/x/", 0}, {"here/y", 0}, {"file/x", ENOTDIR}, {"dangling", EEXIST}};
     for (const auto& [path, code] : rows)
-        EXPECT_EQ(files.CreateFolders(folder / path), code) << path;
+        for (int time = 1; time <= 2; ++time)
+            EXPECT_EQ(files.CreateFolders(folder / path), code) << path;
     for (const char* path : {"a", "a/b", "a/b/c", "a/x", "y"})
         EXPECT_EQ(ModeOf(path), 0700U) << path;
     EXPECT_NE(files.CreateFolders(""), 0);
-}
-
-TEST(PosixFiles, TellsOfAFolderThatMayNotBeWritten) {
-    const WithoutRoot somebody;
-    const TemporaryFolder folder;
-    folder.Write("data.txt", "old");
-    fs::permissions(folder.Path(), fs::perms(0500));
-    PosixFiles files;
-    EXPECT_EQ(files.CreateFolders(folder / "new"), EACCES);
-    EXPECT_EQ(files.AppendLines(folder / "new.txt", "", "new", "", Files::Flush::Yes), EACCES);
-    EXPECT_FALSE(files.ReplaceKeeping(folder / "data.txt", folder / "kept",
-                                      [](const Files::Sink& sink) { return sink("new"); }));
-    EXPECT_EQ(folder.Read("data.txt"), "old");
-    fs::permissions(folder.Path(), fs::perms(0700));
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <net/if.h>
 #include <sched.h>
@@ -89,6 +90,12 @@ TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
         // One that receives from a peer which goes with it has told what it had received when it was seen
         // last.
         const Names both = {"v0 0 10000", "v1 5000 0"};
+        const Names pairLeft = {"v0", "v1"};
+        const std::string bridge =
+            pair + "; ip link add t0 up type bridge mcast_snooping 0; ip link set v0 master t0";
+        const std::string pairUp = samePair + "; ip link set v0 up; ip link set v1 up";
+        const std::string shortLived = "ip link add t0 type veth peer name t1; ip link delete t0";
+        const std::string renamed = "ip link set v0 down name w0; ip link delete w0";
         struct {
             std::string Before;
             const char* Sender;
@@ -96,31 +103,14 @@ TEST(RealLinks, TellTheirLastCountersWhenTheyGo) {
             Names Removed, Left;
         } const rows[] = {
             {pair, "v0", "ip link delete v0", both, {}},
-            {pair, "v0", "ip link delete v0; " + pair, both, {"v0", "v1"}},
-            {samePair + "; ip link set v0 up; ip link set v1 up",
-             "v0",
-             "ip link delete v0; " + samePair,
-             both,
-             {"v0", "v1"}},
-            {pair, "v0", "ip link set v0 down name w0; ip link delete w0", {"w0 0 10000", "v1 5000 0"}, {}},
+            {pair, "v0", "ip link delete v0; " + pair, both, pairLeft},
+            {pairUp, "v0", "ip link delete v0; " + samePair, both, pairLeft},
+            {pair, "v0", renamed, {"w0 0 10000", "v1 5000 0"}, {}},
             {pair, "v0", moving, {"v0 0 10000"}, {"v1"}},
             {pair, "v1", moving, {"v0 10000 0"}, {"v1"}},
-            {pair, "v0", "ip link set v0 down; ip link set v0 up", {}, {"v0", "v1"}},
-            {pair,
-             "v0",
-             "ip link add t0 type veth peer name t1; ip link delete t0",
-             {"t0 0 0", "t1 0 0"},
-             {"v0", "v1"}},
-            {pair + "; ip link add t0 link v0 up type macvlan",
-             "t0",
-             "ip link delete t0",
-             {"t0 0 10000"},
-             {"v0", "v1"}},
-            {pair + "; ip link add t0 up type bridge mcast_snooping 0; ip link set v0 master t0",
-             "t0",
-             "ip link set v0 nomaster; ip link delete t0",
-             {"t0 0 10000"},
-             {"v0", "v1"}},
+            {pair, "v0", "ip link set v0 down; ip link set v0 up", {}, pairLeft},
+            {pair, "v0", shortLived, {"t0 0 0", "t1 0 0"}, pairLeft},
+            {bridge, "t0", "ip link set v0 nomaster; ip link delete t0", {"t0 0 10000"}, pairLeft},
             {"ip link add t0 up type ifb", "t0", "ip link delete t0", {"t0 10000 0"}, {}},
         };
         for (const auto& row : rows) {
@@ -175,31 +165,35 @@ TEST(RealLinks, NeverGoUnnoticed) {
     });
 }
 
-TEST(RealLinks, AreKnownByTheirDevicesUntilTheyAreGone) {
+TEST(RealLinks, TellSinceWhenTheyAreInTheirStatus) {
     InOwnNetwork([] {
-        const TemporaryFolder net;
-        for (const char* name : {"lo", "card0"})
-            std::filesystem::create_directories(net.Path() / name / "device");
-        ASSERT_TRUE(Shell("ip link add card0 type veth peer name v1; ip link add br0 type bridge; "
-                          "ip link set card0 master br0"));
-        NetlinkNetworkTables tables("/proc/net", net.Path());
-        const std::vector<InterfaceRow> links = tables.GetIfTable().value();
-        const std::vector<InterfaceEntry> entries = tables.GetIfTable2().value();
-        EXPECT_EQ(links.size(), 4U);
-        for (const InterfaceRow& link : links) {
-            EXPECT_EQ(link.HasHardware, link.Description == "card0") << link.Description;
-            EXPECT_FALSE(link.IsPort) << link.Description;
+        NetlinkNetworkTables tables;
+        const auto now = [] {
+            timespec time{};
+            clock_gettime(CLOCK_BOOTTIME, &time);
+            return static_cast<std::uint32_t>(time.tv_sec * 100 + time.tv_nsec / 10'000'000);
+        };
+        const auto lastChange = [&] {
+            const std::vector<InterfaceEntry> entries = tables.GetIfTable2().value();
+            const auto v0 = std::ranges::find(entries, "v0", &InterfaceEntry::Description);
+            return v0 != entries.end() ? v0->LastChange : 1;
+        };
+        const std::string pair = "ip link add v0 type veth peer name v1; ip link set v1 up";
+        ASSERT_TRUE(Shell(pair));
+        EXPECT_EQ(lastChange(), 0U) << "the first look";
+        for (const std::string& change :
+             {std::string("ip link set v0 up"), std::string("ip link set v0 down"),
+              std::string("ip link set v0 up; ip link set v0 down"), "ip link delete v0; " + pair}) {
+            const std::uint32_t before = now() + 1;
+            while (now() < before)
+                std::this_thread::yield();
+            ASSERT_TRUE(Shell(change));
+            while (change.ends_with("v0 up") && !IsUp(tables, "v0"))
+                std::this_thread::yield();
+            const std::uint32_t told = lastChange();
+            EXPECT_TRUE(before <= told && told <= now()) << change;
+            EXPECT_EQ(lastChange(), told) << change;
         }
-        for (const InterfaceEntry& entry : entries)
-            EXPECT_EQ(entry.HasHardware, entry.Description == "card0") << entry.Description;
-
-        ASSERT_TRUE(Shell("ip link delete card0"));
-        std::filesystem::remove_all(net.Path() / "card0");
-        ASSERT_TRUE(tables.GetIfTable());
-        const std::vector<InterfaceRow> removed = tables.TakeRemoved();
-        EXPECT_EQ(NamesOf(removed), (Names{"card0", "v1"}));
-        for (const InterfaceRow& link : removed)
-            EXPECT_EQ(link.HasHardware, link.Description == "card0") << link.Description;
     });
 }
 

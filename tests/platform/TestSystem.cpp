@@ -3,6 +3,7 @@
 #include "platform/linux/files/Descriptor.h"
 #include "platform/linux/files/FileLocks.h"
 #include "platform/linux/system/ExitWatch.h"
+#include "platform/linux/system/LinuxLocale.h"
 #include "platform/linux/system/SystemClock.h"
 
 #include <fmt/format.h>
@@ -37,33 +38,13 @@ TEST(SystemClock, FollowsTheTimeZoneWhileItRunsAndTellsPartsOfASecond) {
     unsetenv("TZ");
 }
 
-TEST(FlockInstanceLock, IsHeldByTheEarlierProcessUntilItEnds) {
-    const TemporaryFolder folder;
-    Signal held;
-    ChildProcess earlier([&] {
-        FlockInstanceLock lock(folder / "new/folder", "Korvalin");
-        held.Send(lock.PreviousInstanceRunning() || lock.PreviousInstanceRunning() ? 0 : 1);
-        pause();
-    });
-    ASSERT_EQ(held.Await(), 1);
-    FlockInstanceLock lock(folder / "new/folder", "Korvalin");
-    EXPECT_TRUE(lock.PreviousInstanceRunning());
-    earlier.Kill();
-    EXPECT_FALSE(lock.PreviousInstanceRunning());
-    EXPECT_TRUE(FlockInstanceLock(folder / "new/folder", "Korvalin").PreviousInstanceRunning());
-    folder.Write("file", "");
-    EXPECT_FALSE(FlockInstanceLock(folder / "file", "Korvalin").PreviousInstanceRunning())
-        << "holds nobody up";
-}
-
 TEST(FileRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
-    const TemporaryFolder folder;
-    const TemporaryFolder another;
+    const TemporaryFolder folder, another;
     Signal held;
     ChildProcess earlier([&] {
         FileRecordingLock lock;
-        held.Send(lock.Take(folder.Path()) && lock.Take(folder.Path()) && !lock.IsTaken(folder.Path()) ? 1
-                                                                                                       : 0);
+        EXPECT_TRUE(lock.Take(folder.Path()) && lock.Take(folder.Path()) && !lock.IsTaken(folder.Path()));
+        held.Send(HasFailure() ? 0 : 1);
         pause();
     });
     ASSERT_EQ(held.Await(), 1);
@@ -75,7 +56,6 @@ TEST(FileRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {
     EXPECT_TRUE(lock.Take(folder / "none")) << "holds nobody up";
     EXPECT_FALSE(lock.IsTaken(folder / "none"));
     earlier.Kill();
-    EXPECT_FALSE(lock.IsTaken(folder.Path()));
     EXPECT_TRUE(lock.Take(folder.Path()));
     EXPECT_TRUE(FileRecordingLock().Take(another.Path())) << "still held after another folder was taken";
 }
@@ -101,17 +81,26 @@ TEST(FileRecordingLock, CannotBeTakenAwayByWhoCanReadOrWriteTheFolder) {
 
 TEST(ExitWatch, RunsItsTaskOnlyWhenTheProcessIsEndedInsideItsScope) {
     Signal told;
-    ChildProcess normalEnd([&] {
+    ChildProcess([&] {
         {
             const ExitWatch watch([&] { told.Send(1); });
         }
         std::exit(0);
-    });
-    normalEnd.Finish();
-    ChildProcess endedByALibrary([&] {
+    }).Finish();
+    ChildProcess([&] {
         const ExitWatch watch([&] { told.Send(2); });
         std::exit(0);
-    });
+    }).Finish();
     EXPECT_EQ(told.Await(), 2);
-    endedByALibrary.Finish();
+}
+
+TEST(LinuxLocale, TranslatesPatternsThatLocaleCanExpress) {
+    const std::pair<const char*, std::optional<std::string>> rows[] = {
+        {"%d.%m.%Y", "dd.mm.yyyy"},         {"%m/%d/%y", "mm/dd/yy"},    {"%-d/%-m/%Y", "d/m/yyyy"},
+        {"%e. %m. %Y", "d. mm. yyyy"},      {"%r", "hh:nn:ss AMPM"},     {"%I:%M:%S %p", "hh:nn:ss AMPM"},
+        {"%H:%M:%S %Z", "hh:nn:ss"},        {"%OH:%OM:%OS", "hh:nn:ss"}, {"%F", "yyyy-mm-dd"},
+        {"%Y年%m月%d日", "yyyy年mm月dd日"}, {"%d %b %Y", std::nullopt},  {"%d de %m", std::nullopt},
+        {"%d.%m.%", std::nullopt},          {"", std::nullopt}};
+    for (const auto& [format, pattern] : rows)
+        EXPECT_EQ(PatternFromStrftime(format), pattern) << format;
 }

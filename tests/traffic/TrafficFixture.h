@@ -52,18 +52,15 @@ class TrafficFixture : public CoreFixture {
                          .Settings = settings,
                          .Errors = errors,
                          .Clock = clock}};
-    LineMonitor::Parts MonitorOf(LineState& state) {
-        return {.LineState = state,
-                .LineBook = book,
-                .RasReader = rasReader,
-                .LanReader = lanReader,
-                .TrafficOptions = options,
-                .Internet = internet,
-                .User = user,
-                .Clock = clock,
-                .Errors = errors};
-    }
-    LineMonitor monitor{MonitorOf(lines)};
+    LineMonitor monitor{{.LineState = lines,
+                         .LineBook = book,
+                         .RasReader = rasReader,
+                         .LanReader = lanReader,
+                         .TrafficOptions = options,
+                         .Internet = internet,
+                         .User = user,
+                         .Clock = clock,
+                         .Errors = errors}};
     std::vector<Closed> closed;
     int historyResizes = 0;
 };
