@@ -26,21 +26,17 @@ TEST(Numbers, FormatsWithGroupingDecimalsAndSign) {
 }
 
 TEST(Numbers, WholeNumbersRoundToEvenAndRefuseWhatIsNone) {
-    struct {
-        const char* Text;
-        std::optional<std::int32_t> Expected;
-    } const rows[] = {{"42", 42},
-                      {" 7 ", 7},
-                      {"2.5", 2},
-                      {"3.5", 4},
-                      {"-2147483648", INT32_MIN},
-                      {"2147483648", std::nullopt},
-                      {"1e3", 1000},
-                      {"", std::nullopt},
-                      {"12x", std::nullopt},
-                      {"nan", std::nullopt},
-                      {"0x10", std::nullopt}};
-    for (const auto& row : rows)
-        EXPECT_EQ(ParseWholeNumber(row.Text), row.Expected) << row.Text;
+    const std::pair<const char*, std::optional<std::int32_t>> rows[] = {{" 7 ", 7},
+                                                                        {"2.5", 2},
+                                                                        {"3.5", 4},
+                                                                        {"-2147483648", INT32_MIN},
+                                                                        {"1e3", 1000},
+                                                                        {"", std::nullopt},
+                                                                        {"12x", std::nullopt},
+                                                                        {"2147483648", std::nullopt},
+                                                                        {"nan", std::nullopt},
+                                                                        {"0x10", std::nullopt}};
+    for (const auto& [text, expected] : rows)
+        EXPECT_EQ(ParseWholeNumber(text), expected) << text;
     EXPECT_EQ(UnsignedToDouble(-1), 4294967295.0);
 }

@@ -66,33 +66,25 @@ TEST_F(Curves, WhatAnotherAdapterHasLeftInTheSlotIsNeitherShownNorScaledTo) {
 TEST_F(Curves, TheNewestStandsAtTheRightEdgeAndTimeStampsPlaceTheRest) {
     Fill({10, 20, 30});
     history.Append(1, 1010).RateDL[0] = 40; // eight seconds without a sample
-    const auto points = Points(60);
-    ASSERT_EQ(points.size(), 4U);
-    EXPECT_EQ(points[3].X, 60);
-    EXPECT_EQ(points[3].Y, 40);
-    EXPECT_EQ(points[2].X, 52) << "one straight segment spans the gap";
-    EXPECT_EQ(points[0].X, 50);
-}
-
-TEST_F(Curves, EndAtTheLeftEdgeAndAtTheFirstEmptySample) {
-    Fill(std::vector<float>(50, 5));
-    EXPECT_EQ(Points(60).size(), 50U);
-    const auto points = Points(20);
-    EXPECT_EQ(points.size(), 20U);
-    EXPECT_EQ(points.front().X, 1);
+    std::vector<double> places;
+    for (const ChartPoint& point : Points(60))
+        places.push_back(point.X);
+    EXPECT_EQ(places, (std::vector<double>{50, 51, 52, 60})) << "one straight segment spans the gap";
+    EXPECT_EQ(Points(60).back().Y, 40);
     EXPECT_EQ(Points(60, 4).back().Y, 4) << "clipped";
+    Fill(std::vector<float>(50, 5));
+    EXPECT_EQ(Points(20).size(), 20U);
+    EXPECT_EQ(Points(20).front().X, 1) << "ends at the left edge";
 }
 
 TEST(LineLabelText, CutsLongNamesAtALateBlank) {
-    struct {
-        const char* Name;
-        const char* Expected;
-    } const rows[] = {{"eth0", "eth0"},
-                      {"seventeen letters", "seventeen letter"},
-                      {"Big Provider GmbH & Co", "Big Provider"},
-                      {"Größenwahn Prov. Düsseldorf", "Größenwahn Prov."}};
-    for (const auto& row : rows)
-        EXPECT_EQ(ShortLineName(row.Name), row.Expected);
+    const std::pair<const char*, const char*> rows[] = {
+        {"eth0", "eth0"},
+        {"seventeen letters", "seventeen letter"},
+        {"Big Provider GmbH & Co", "Big Provider"},
+        {"Größenwahn Prov. Düsseldorf", "Größenwahn Prov."}};
+    for (const auto& [name, expected] : rows)
+        EXPECT_EQ(ShortLineName(name), expected);
 }
 
 TEST(LineLabelText, ShowsNameTimeAndThatSeveralAreOnline) {
@@ -103,16 +95,16 @@ TEST(LineLabelText, ShowsNameTimeAndThatSeveralAreOnline) {
     lines.LineTable(1).Duration = 0.0625;
     InfoTexts texts;
     texts.LineIndex = 1;
-    EXPECT_EQ(LineLabel(lines, texts, "of"), "eth0");
+    const auto label = [&] { return LineLabel(lines, texts, "of"); };
+    EXPECT_EQ(label(), "eth0");
     lines.LineTable(1).Connected = true;
-    EXPECT_EQ(LineLabel(lines, texts, "of"), "eth0 01:30:00");
+    EXPECT_EQ(label(), "eth0 01:30:00");
     texts.ShowDuration = false;
-    EXPECT_EQ(LineLabel(lines, texts, "of"), "eth0");
+    EXPECT_EQ(label(), "eth0");
     lines.LineTable(1).IsRas = true;
     texts.ShowLineName = false;
-    EXPECT_EQ(LineLabel(lines, texts, "of"), "On 01:30:00");
     lines.LineTable(2).Connected = true;
-    EXPECT_EQ(LineLabel(lines, texts, "of"), "of On 01:30:00");
+    EXPECT_EQ(label(), "of On 01:30:00");
 }
 
 } // namespace

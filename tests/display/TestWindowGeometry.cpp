@@ -4,10 +4,7 @@
 
 using namespace korvalin;
 
-namespace {
-
-class WindowGeometryTest : public CoreFixture {
-  protected:
+struct WindowGeometryTest : CoreFixture {
     WindowGeometry geometry{settings, screen};
 };
 
@@ -32,14 +29,9 @@ TEST(Fade, ReachesItsEndInStepsOfATwentieth) {
     for (const bool in : {true, false}) {
         Fade fade;
         fade.Start(in ? Fade::Direction::In : Fade::Direction::Out);
-        int ticks = 1;
-        Fade::Tick tick = fade.Next(200);
-        for (; !tick.Finished; ++ticks)
-            tick = fade.Next(200);
-        EXPECT_EQ(ticks, in ? 16 : 20);
-        EXPECT_EQ(tick.Alpha, in ? 200 : 0);
-        EXPECT_EQ(tick.Unload, !in);
+        for (int ticks = 1; ticks < (in ? 16 : 20); ++ticks)
+            EXPECT_FALSE(fade.Next(200).Finished);
+        const Fade::Tick last = fade.Next(200);
+        EXPECT_TRUE(last.Finished && last.Alpha == (in ? 200 : 0) && last.Unload == !in);
     }
 }
-
-} // namespace

@@ -15,9 +15,8 @@ constexpr int height = 120;
 class Chart : public CoreFixture {
   protected:
     Chart() {
-        for (auto* shows : {&texts().LineDLShow, &texts().LineULShow})
-            shows->fill(false);
-        texts().LineDLShow[0] = true;
+        texts().LineDLShow = {true};
+        texts().LineULShow = {};
         texts().LineDLColor[0] = downloadColor;
         texts().LineULColor[0] = uploadColor;
         texts().LineDLColor[2] = 0x800000; // of the texts: another colour than the curves'
@@ -30,9 +29,7 @@ class Chart : public CoreFixture {
     void Online(float rate, int seconds) {
         LineState& lines = program->lines;
         lines.LineCount = 1;
-        lines.AnyLineConnected = true;
-        lines.LineTable(1).Connected = true;
-        lines.LineTable(1).LineName = "eth0";
+        lines.AnyLineConnected = lines.LineTable(1).Connected = true;
         for (int t = 1; t <= seconds; ++t) {
             HistorySample& sample = program->rateHistory.Append(1, t);
             sample.RateDL[0] = rate;
@@ -47,18 +44,15 @@ class Chart : public CoreFixture {
     // A pixel has not the precision of a palette's colours.
     static QRgb Rgb(std::int32_t color) { return ToColor(color).rgb(); }
     QRgb At(int x, int y) const { return picture.Picture().pixel(x, y); }
-    // The row of the first pixel of a colour in a column, from the top; -1 when there is none.
-    int RowOf(int x, std::int32_t color) const {
-        for (int y = 0; y < height; ++y)
+    // The row of the first pixel of a colour in a column, from one row on; -1 when there is none.
+    int RowOf(int x, std::int32_t color, int from = 0, int step = 1) const {
+        for (int y = from; y >= 0 && y < height; y += step)
             if (At(x, y) == Rgb(color)) return y;
         return -1;
     }
+    // Between the texts.
     int RuleRow(bool top) const {
-        const int x = width / 2; // between the texts
-        const int begin = top ? 5 : height - 5;
-        for (int y = begin; y > 0 && y < height; y += top ? 1 : -1)
-            if (At(x, y) == Rgb(ColorApplicationWorkspace)) return y;
-        return -1;
+        return RowOf(width / 2, ColorApplicationWorkspace, top ? 5 : height - 5, top ? 1 : -1);
     }
     bool started = StartProgram();
     ChartPainter painter{
@@ -70,15 +64,14 @@ TEST_F(Chart, ACurveStandsAtItsShareOfTheScale) {
     Online(9000, 100);
     Draw();
     EXPECT_EQ(painter.ScaleMaximum(), 10000);
-    const int top = RuleRow(true);
     const int bottom = RuleRow(false);
-    const double expected = bottom - 0.9 * (bottom - top);
-    EXPECT_NEAR(RowOf(width - 20, downloadColor), expected, 1.5);
+    const int area = bottom - RuleRow(true);
+    EXPECT_NEAR(RowOf(width - 20, downloadColor), bottom - 0.9 * area, 1.5);
     EXPECT_EQ(RowOf(width - 20, uploadColor), -1) << "upload is switched off";
     EXPECT_EQ(RowOf(20, downloadColor), -1) << "nothing was measured then";
     texts().LineULShow[0] = true;
     Draw();
-    EXPECT_NEAR(RowOf(width - 20, uploadColor), bottom - 0.45 * (bottom - top), 1.5);
+    EXPECT_NEAR(RowOf(width - 20, uploadColor), bottom - 0.45 * area, 1.5);
     texts().ChartUseMax = true;
     texts().ChartMax = 5;
     Draw();
@@ -104,34 +97,27 @@ TEST_F(Chart, RowsHaveRoomForFeetAndLosePiecesBeforeTheyOverlap) {
     Online(9000, 3);
     program->lines.LineTable(1).LineName = "(gjpqy)";
     texts().ShowDuration = false;
-    const auto ink = [this](int y) {
-        int count = 0;
-        for (int x = 0; x < picture.width(); ++x)
-            count += At(x, y) == Rgb(0) ? 1 : 0;
-        return count;
-    };
-    for (const int size : {8, 9, 11}) {
-        texts().FontSize = size;
-        Draw();
-        EXPECT_EQ(ink(height - 1), 0) << size;
-        const double descent = QFontMetricsF(QFont(QStringLiteral("DejaVu Sans"), size)).descent();
-        EXPECT_GT(RuleRow(true) - descent, 8) << "the upper digits end a descent above the rule";
-    }
-    texts().FontSize = 8;
     texts().LineDLColor[2] = texts().LineULColor[2] = 0;
-    const auto darkColumns = [this](int from, int to) { // of the lower row
+    const auto ink = [this](QRect area) {
         int count = 0;
-        for (int x = from; x < to; ++x)
-            for (int y = RuleRow(false) + 1; y < height; ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            for (int y = area.top(); y <= area.bottom(); ++y)
                 count += At(x, y) == Rgb(0) ? 1 : 0;
         return count;
     };
-    Draw();
-    const int label = darkColumns(width - 40, width);
+    for (const int size : {11, 9, 8}) {
+        texts().FontSize = size;
+        Draw();
+        EXPECT_EQ(ink({0, height - 1, width, 1}), 0) << size;
+        const double descent = QFontMetricsF(QFont(QStringLiteral("DejaVu Sans"), size)).descent();
+        EXPECT_GT(RuleRow(true) - descent, 8) << "the upper digits end a descent above the rule";
+    }
+    const int lowerRow = RuleRow(false) + 1;
+    const int label = ink({width - 40, lowerRow, 40, height - lowerRow});
     EXPECT_GT(label, 0);
     picture.resize(130, height);
     Draw();
-    EXPECT_EQ(darkColumns(130 - 40, 130), label)
+    EXPECT_EQ(ink({130 - 40, lowerRow, 40, height - lowerRow}), label)
         << "the line's name stays while there is room for the volumes";
 }
 

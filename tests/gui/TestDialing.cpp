@@ -21,9 +21,8 @@ class DialingWindow : public MainWindow {
             dialog.End();
         };
     }
-    void Add(const std::string& name, const std::string& number = "123",
-             const std::string& device = "modem") {
-        ras.Entries.push_back({name, {"", number, device}});
+    void Add(const std::string& name, const std::string& number = "123") {
+        ras.Entries.push_back({name, {"", number, "modem"}});
     }
     QMenu* LogIn() { return window->findChild<QMenu*>(QStringLiteral("mnuLogIn")); }
     QMenu* Menu() { return window->findChild<QMenu*>(QStringLiteral("mnuTrayIcon")); }
@@ -55,12 +54,10 @@ class DialingWindow : public MainWindow {
             names.push_back(entry);
         return names;
     }
-    template <typename Window = QDialog>
-    Window* Shown(const char* name) {
+    static QDialog* DialWindow() {
         for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->isVisible() && widget->objectName() == QLatin1String(name))
-                return qobject_cast<Window*>(widget);
-        ADD_FAILURE() << name << " is not shown";
+            if (widget->isVisible() && widget->objectName() == QLatin1String("frmDial"))
+                return qobject_cast<QDialog*>(widget);
         return nullptr;
     }
     static std::string TextOf(const QWidget* window, const char* label) {
@@ -73,32 +70,27 @@ class DialingWindow : public MainWindow {
 
 TEST_F(DialingWindow, TheMenuOffersWhatCanBeDoneAlsoWhileItIsOpen) {
     Start();
-    EXPECT_EQ(Offered(), "");
-    EXPECT_FALSE(Item("mnuTrennEinwahl")->isVisible());
+    EXPECT_TRUE(Offered().empty() && !Item("mnuTrennEinwahl")->isVisible());
     Add("Work & Co");
     OpenMenu();
-    EXPECT_EQ(Offered(), "Work && Co");
-    EXPECT_TRUE(Item("mnuTrennEinwahl")->isVisible());
+    EXPECT_TRUE(Offered() == "Work && Co" && Item("mnuTrennEinwahl")->isVisible()) << Offered();
     Add("Home");
     EXPECT_TRUE(QTest::qWaitFor([&] {
         clock.Advance(1.001);
         return Offered() == "Home|Work && Co";
     }));
     LogIn()->popup(window->pos());
-    settings.SetReg("LineLast", std::string("Work & Co"));
+    settings.SetReg("LineLast", "Work & Co");
     window->RefreshDialMenus();
-    EXPECT_EQ(Offered(), "Work && Co|Home|Work && Co");
     program->language.UseLanguage("GER");
     ApplyTextsToLoadedForms(program->language);
     EXPECT_EQ(LogIn()->title().toStdString() + "|" + Offered(), "Ein&wählen|Work && Co|Home|Work && Co");
-    EXPECT_TRUE(LogIn()->isVisible());
     ras.Lines.push_back({{1, "Home", "Modem"}, {}, RascsConnected});
     internet.State.Flags = InternetConnectionModem | InternetRasInstalled;
     network.Rows.clear();
     Run(2);
     EXPECT_EQ(Offered(), "Verbindung &trennen");
-    EXPECT_FALSE(LogIn()->isVisible());
-    EXPECT_TRUE(Item("mnuTrennEinwahl")->isVisible());
+    EXPECT_TRUE(!LogIn()->isVisible() && Item("mnuTrennEinwahl")->isVisible());
     Menu()->close();
     Do("mnuLogOut");
     EXPECT_EQ(ras.HungUp, std::vector<std::int32_t>{1});
@@ -113,7 +105,6 @@ TEST_F(DialingWindow, NamesOfEveryKindAreShownAndDialed) {
     for (int i = 0; i < 100; ++i)
         Add("y" + std::to_string(i));
     Start();
-    EXPECT_EQ(LogIn()->actions().size(), 103);
     for (const char* item : {"mnuLogInLine1", "mnuLogInLine2", "mnuLogInLine3"})
         Do(item);
     EXPECT_EQ(Dialed(), names) << "they are sorted like this";
@@ -123,55 +114,35 @@ TEST_F(DialingWindow, NamesOfEveryKindAreShownAndDialed) {
     EXPECT_TRUE(Item("mnuLogInLine3")->toolTip().contains(QStringLiteral("xxx&lt;b&gt;")));
     LogIn()->popup(QPoint(0, 0));
     EXPECT_LE(LogIn()->height(), window->screen()->size().height()) << "it scrolls";
-    EXPECT_LE(LogIn()->width(), window->screen()->size().width());
     QTest::keyClick(LogIn(), Qt::Key_End);
     QTest::keyClick(LogIn(), Qt::Key_Return);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Dialed().back() == "y99"; }));
 }
 
 TEST_F(DialingWindow, TheProgramsEndAnswersTheQuestionWithCancel) {
-    settings.SetReg("Phone_Home", std::string("111"));
+    settings.SetReg("Phone_Home", "111");
     Add("Home", "222");
     Start();
     QtMessageBoxes messages;
     boxes.AnswersBy = [&](const auto&... question) { return messages.Show(question...); };
     const WhenPopupShows popup([&](frmPopupMsg&) { Choose("mnuBeenden"); });
     Do("mnuLogInLine1");
-    EXPECT_EQ(internet.Dials.size(), 0U);
-    EXPECT_EQ(settings.Get(Keys::Phone("Home")), "111");
+    EXPECT_EQ(settings.Get(Keys::Phone("Home")) + std::to_string(internet.Dials.size()), "1110");
     boxes.Shown.clear();
-}
-
-TEST_F(DialingWindow, AnEndOfTheWindowBelowCancels) {
-    Start();
-    QDialog below;
-    below.show();
-    below.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&below));
-    dialog.Begin("Home");
-    EXPECT_EQ(Shown("frmDial")->parentWidget(), &below) << "so that it stays above";
-    EXPECT_FALSE(dialog.Cancelled());
-    delete Shown("frmDial"); // as the end of its parent does
-    EXPECT_TRUE(dialog.Cancelled());
-    dialog.ShowStage(DialStage::Connecting);
-    dialog.End();
-    EXPECT_FALSE(dialog.Cancelled());
 }
 
 TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
     const std::function<void(QDialog&)> ways[] = {
         [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); },
-        [](QDialog& box) {
-            QTest::mouseClick(box.findChild<QPushButton*>(QStringLiteral("cmdCancel")), Qt::LeftButton);
-        }};
+        [](QDialog& box) { box.findChild<QPushButton*>(QStringLiteral("cmdCancel"))->click(); },
+        [](QDialog& box) { delete &box; }}; // as the end of its parent does
     Add("Home <b>");
     Start();
-    internet.DialResults = {ErrorCancelled, ErrorCancelled};
+    internet.DialResults = {ErrorCancelled, ErrorCancelled, ErrorCancelled};
     for (const auto& cancel : ways) {
         whileDialing = [&] {
-            auto* box = Shown("frmDial");
-            ASSERT_NE(box, nullptr);
-            EXPECT_TRUE(box->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+            const QPointer<QDialog> box = DialWindow();
+            ASSERT_TRUE(box && QTest::qWaitForWindowActive(box));
             EXPECT_EQ(TextOf(box, "lblEntry"), "Home <b>");
             std::string stages;
             for (const DialStage stage : {DialStage::Preparing, DialStage::Connecting, DialStage::LoggingIn,
@@ -181,23 +152,24 @@ TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
             }
             EXPECT_EQ(stages, "Preparing the connection …|Connecting …|Logging in …|Getting an address …|");
             EXPECT_FALSE(dialog.Cancelled());
-            EXPECT_TRUE(QTest::qWaitForWindowActive(box));
             cancel(*box);
             EXPECT_TRUE(dialog.Cancelled()) << &cancel - ways;
             dialog.ShowStage(DialStage::Connecting);
-            EXPECT_EQ(TextOf(box, "lblStage"), "Canceling …");
-            EXPECT_TRUE(box->isVisible()) << "until whoever dials is done";
+            EXPECT_TRUE(!box || (box->isVisible() && TextOf(box, "lblStage") == "Canceling …"))
+                << "until whoever dials is done";
+            OpenMenu(); // rebuilds it
+            Menu()->close();
+            for (const QAction* item : {LogIn()->menuAction(), Item("mnuLogOut"), Item("mnuLogInQuick")})
+                EXPECT_FALSE(item->isEnabled());
         };
         Do("mnuLogInLine1");
         EXPECT_FALSE(dialog.Cancelled());
     }
-    EXPECT_EQ(internet.Dials.size(), 2U);
+    EXPECT_EQ(internet.Dials.size(), 3U);
 }
 
 TEST_F(DialingWindow, AFailureIsTold) {
-    Start();
-    dialog.Plug(program->language);
-    const std::string failed = "<b>Home\nThe connection could not be established.\n";
+    dialog.Plug(language); // without texts: the English ones
     const std::pair<int, std::string> rows[] = {
         {ErrorCannotFindPhonebookEntry, "This entry is no longer in the phone book.\nError 623"},
         {ErrorNoCarrier, "The remote station does not answer.\nError 678"},
@@ -205,68 +177,36 @@ TEST_F(DialingWindow, AFailureIsTold) {
         {ErrorAuthenticationFailure, "The user name or the password was not accepted.\nError 691"},
         {619, "Error 619"}};
     for (const auto& [error, text] : rows) {
-        const WhenPopupShows popup([&, expected = failed + text](frmPopupMsg& box) {
-            EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText().toStdString(), expected);
+        const WhenPopupShows popup([&, text = text](frmPopupMsg& box) {
+            EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText().toStdString(),
+                      "<b>Home\nThe connection could not be established.\n" + text);
             EXPECT_EQ(PopupCaptions(box), "OK");
-            QTest::keyClick(&box, Qt::Key_Escape);
-            EXPECT_FALSE(box.isVisible());
         });
         dialog.ShowFailure("<b>Home", error);
     }
 }
 
 TEST_F(DialingWindow, TheLoginPromptHidesThePasswordAndForgetsIt) {
-    Start();
-    dialog.Plug(program->language);
-    const auto ask = [&](const std::string& name, const std::function<void(QDialog&)>& action) {
-        const WhenPopupShows<QDialog> prompt(action);
-        return dialog.AskLogin("Home", name);
+    const auto ask = [&](const std::function<void(QDialog&, QLineEdit&)>& action) {
+        const WhenPopupShows<QDialog> prompt(
+            [&](QDialog& box) { action(box, *box.findChild<QLineEdit*>(QStringLiteral("txtPassword"))); });
+        return dialog.AskLogin("Home", "alice");
     };
-    const auto field = [](QDialog& box, const char* name) {
-        return box.findChild<QLineEdit*>(QString::fromLatin1(name));
-    };
-    const auto answer = ask("alice", [&](QDialog& box) {
-        EXPECT_EQ(TextOf(&box, "lblEntry"), "Home");
-        EXPECT_EQ(box.focusWidget(), field(box, "txtPassword"));
+    const auto answer = ask([](QDialog& box, QLineEdit& password) {
         QTest::keyClicks(box.focusWidget(), QStringLiteral("Sesame "));
-        field(box, "txtPassword")->insert(QStringLiteral("öffne"));
-        EXPECT_FALSE(field(box, "txtPassword")->displayText().contains(QLatin1Char('S')));
-        QTest::keyClick(box.focusWidget(), Qt::Key_Return);
+        password.insert(QStringLiteral("öffne"));
+        EXPECT_FALSE(password.displayText().contains(QLatin1Char('S')));
+        QTest::keyClick(&password, Qt::Key_Return);
     });
-    ASSERT_TRUE(answer.has_value());
-    EXPECT_EQ(answer->UserName + "|" + answer->Password, "alice|Sesame öffne");
-    EXPECT_FALSE(ask("", [&](QDialog& box) {
-                     EXPECT_EQ(box.focusWidget(), field(box, "txtUser"));
-                     EXPECT_EQ(field(box, "txtPassword")->text(), QString()) << "whatever was typed before";
-                     QTest::keyClick(&box, Qt::Key_Escape);
-                 }).has_value());
-    dialog.Begin("Home");
-    EXPECT_FALSE(ask("", [&](QDialog& box) {
-                     EXPECT_EQ(box.parentWidget(), Shown("frmDial"));
-                     dialog.End(); // takes the prompt along
-                 }).has_value());
-}
-
-TEST_F(DialingWindow, WhileItDialsNothingElseBeginsAndTheProgramMayEnd) {
-    Add("Home");
-    Add("Work");
-    Start();
-    whileDialing = [&] {
-        for (const QAction* item : {LogIn()->menuAction(), Item("mnuLogOut"), Item("mnuLogInQuick")})
-            EXPECT_FALSE(item->isEnabled());
-        Item("mnuLogInLine2")->trigger(); // a desktop that draws the menu itself may be late
-        ras.Entries.erase(ras.Entries.begin());
-        OpenMenu(); // and rebuilds it
-        EXPECT_FALSE(LogIn()->menuAction()->isEnabled());
-        Menu()->close();
-        Choose("mnuBeenden");
-        EXPECT_TRUE(dialog.Cancelled());
-        QCoreApplication::processEvents();
+    EXPECT_EQ(answer.value().UserName + "|" + answer.value().Password, "alice|Sesame öffne");
+    const auto giveUp = [](QDialog& box, QLineEdit& password) {
+        EXPECT_EQ(password.text(), QString()) << "whatever was typed before";
+        QTest::keyClick(&box, Qt::Key_Escape);
     };
-    internet.DialResults = {ErrorAuthenticationFailure};
-    Do("mnuLogInLine1");
-    EXPECT_EQ(Dialed(), Lines{"Home"}) << "no further attempt after the program's end";
-    EXPECT_EQ(closings, std::vector<int>{static_cast<int>(CloseReason::Program)});
+    EXPECT_FALSE(ask(giveUp).has_value());
+    dialog.Begin("Home");
+    EXPECT_FALSE(ask([&](QDialog&, QLineEdit&) { dialog.End(); }).has_value())
+        << "which takes the prompt along";
 }
 
 } // namespace

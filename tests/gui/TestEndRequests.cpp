@@ -11,17 +11,14 @@ TEST(EndRequests, TellWhoAsksTheProgramToEnd) {
     const EndRequests requests(termination);
     QObject::connect(&requests, &EndRequests::EndRequested,
                      [&](CloseReason reason) { reasons.push_back(reason); });
-    const std::pair<int, CloseReason> rows[] = {{SIGTERM, CloseReason::SystemEnd},
-                                                {SIGINT, CloseReason::TaskManager},
-                                                {SIGHUP, CloseReason::TaskManager}};
-    for (const auto& [signal, reason] : rows) {
-        reasons.clear();
+    const auto asked = [&] { return std::exchange(reasons, {}); };
+    for (const auto& [signal, reason] :
+         {std::pair(SIGTERM, CloseReason::SystemEnd), {SIGINT, CloseReason::TaskManager}}) {
         raise(signal);
         EXPECT_TRUE(QTest::qWaitFor([&] { return !reasons.empty(); })) << signal;
-        EXPECT_EQ(reasons, std::vector<CloseReason>{reason}) << signal;
+        EXPECT_EQ(asked(), std::vector<CloseReason>{reason}) << signal;
     }
-    reasons.clear();
     QEvent quit(QEvent::Quit); // the session manager's way
     QApplication::sendEvent(qApp, &quit);
-    EXPECT_EQ(reasons, std::vector<CloseReason>{CloseReason::SystemEnd});
+    EXPECT_EQ(asked(), std::vector<CloseReason>{CloseReason::SystemEnd});
 }

@@ -19,13 +19,13 @@ class SettingsDialog : public MainWindow, protected Driver {
             dialog = MakeSettingsDialog(*program, AllPorts(), *window);
             dialog->setAttribute(Qt::WA_DeleteOnClose);
             dialog->Plug([this](QWidget&, std::int32_t initial, const CustomColors& custom) {
-                askedFor.push_back(initial);
+                askedFor = initial;
                 offered = custom;
                 whileAsked();
                 return nextColor;
             });
             dialog->Plug([this](QWidget*, const QString&, const QString& current) {
-                startFolders.push_back(current.toStdString());
+                startFolder = current.toStdString();
                 whileAsked();
                 return QString::fromStdString(nextFolder);
             });
@@ -43,8 +43,7 @@ class SettingsDialog : public MainWindow, protected Driver {
     void Gone() {
         QTest::qWait(0);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        EXPECT_TRUE(dialog.isNull());
-        EXPECT_FALSE(IsFormLoaded("frmEinstellungen"));
+        EXPECT_TRUE(dialog.isNull() && !IsFormLoaded("frmEinstellungen"));
     }
     QWidget* Driven() const override { return dialog; }
     std::string Stored(const std::string& name) { return Settings::TextForm(settings.GetReg(name)); }
@@ -79,44 +78,30 @@ class SettingsDialog : public MainWindow, protected Driver {
 
     QPointer<frmEinstellungen> dialog;
     std::optional<std::int32_t> nextColor;
-    std::vector<std::int32_t> askedFor;
+    std::int32_t askedFor = 0;
     CustomColors offered{};
-    std::string nextFolder;
-    std::vector<std::string> startFolders;
+    std::string nextFolder, startFolder;
     std::function<void()> whileAsked = [] {}; // for a colour or a folder
 };
 
-// One change to a control: what is clicked or typed, what the control shows
-// then, corrected where it must be, and what stands in the store once it is applied.
+// What is typed into a control, or else it is clicked, what it shows then, corrected where it must be, and
+// what stands in the store once it is applied.
 struct Change {
     std::string Page, Control, Entry, Shows, Setting, Stored;
 };
 
 std::vector<Change> Changes() {
     std::vector<Change> changes = {
-        {"tvAllg", "boxAlwaysOnTop", "", "False", "ForeGround", "False"},
-        {"tvAllg", "boxCloseTrayIcon", "", "False", "CloseTrayOnly", "False"},
-        {"tvAllg", "boxAutoStart", "", "False", "AutoStart", "False"},
-        {"tvAllg", "boxAutoZeigen", "", "False", "AutoShow", "False"},
-        {"tvAllg", "boxMultiInstance", "", "True", "MultiInstance", "True"},
-        {"tvAllg", "boxMultiScreen", "", "True", "MultiScreen", "True"},
-        {"tvAllg", "boxProgRunTime", "", "False", "ProgRunTime", "False"},
         {"tvAllg", "cboLANactive", "1.000", "1,000", "LANActive", "1000"},
-        {"tvAllg", "boxLANByNetwork", "", "False", "LANByNetwork", "False"},
-        {"tvAllg", "boxLANVirtual", "", "True", "LANVirtual", "True"},
-        {"tvAllg", "boxLANProt", "", "False", "LANProt", "False"},
         {"tvDarst", "boxChartUseMax", "", "True", "ChartUseMax", "True"},
         {"tvDarst", "txtChartMax", "250", "250", "ChartMax", "250"},
         {"tvDarst", "txtChartMinMax", "x", "1", "ChartMinMax", "1"},
         {"tvDarst", "cboFontSize", "12", "12", "FontSize", "12"},
-        {"tvDarst", "boxFett", "", "False", "FontBold", "False"},
         {"tvDarst", "cboTimeLinesSec", "400", "300", "TimeLinesSec", "300"},
-        {"tvDarst", "boxShowTimeLines", "", "False", "ShowTimeLines", "False"},
         {"tvDarst", "cboPicWidthMin", "99", "60", "picWidthMin", "60"},
         {"tvDarst", "cboOpacity", "25.4", "25%", "Opacity", "191"},
         {"tvEinheit", "optKB2", "", "True", "UnitKB", "Kbit"},
         {"tvEinheit", "optMB0", "", "True", "UnitMB", "MiB"},
-        {"tvTray", "boxTrayAnimated", "", "False", "TrayAnimated", "False"},
         {"tvTray", "cboTrayMaxRate", "45", "45", "TrayMaxRate", "45"},
         {"tvTray", "cboTrayMaxVol", "20,000", "20,000", "TrayMaxVol", "20000"},
         {"tvTray", "boxTrayLine", "", "False", "TrayTexts", "254"},
@@ -124,16 +109,26 @@ std::vector<Change> Changes() {
         {"tvInternet", "boxFirewallUse", "", "True", "FirewallUse", "True"},
         {"tvInternet", "txtFirewallUser", "alice", "alice", "FirewallUser", "alice"},
         {"tvInternet", "optUpdateInterval1", "", "True", "UpdateInterval", "4"},
+        {"tvAllg", "boxAlwaysOnTop", "", "False", "ForeGround", "False"},
+        {"tvAllg", "boxCloseTrayIcon", "", "False", "CloseTrayOnly", "False"},
+        {"tvAllg", "boxAutoStart", "", "False", "AutoStart", "False"},
+        {"tvAllg", "boxAutoZeigen", "", "False", "AutoShow", "False"},
+        {"tvAllg", "boxMultiInstance", "", "True", "MultiInstance", "True"},
+        {"tvAllg", "boxMultiScreen", "", "True", "MultiScreen", "True"},
+        {"tvAllg", "boxProgRunTime", "", "False", "ProgRunTime", "False"},
+        {"tvAllg", "boxLANByNetwork", "", "False", "LANByNetwork", "False"},
+        {"tvAllg", "boxLANVirtual", "", "True", "LANVirtual", "True"},
+        {"tvAllg", "boxLANProt", "", "False", "LANProt", "False"},
+        {"tvDarst", "boxFett", "", "False", "FontBold", "False"},
+        {"tvDarst", "boxShowTimeLines", "", "False", "ShowTimeLines", "False"},
+        {"tvTray", "boxTrayAnimated", "", "False", "TrayAnimated", "False"},
         {"tvInternet", "boxAutoUpdate", "", "False", "AutoUpdate", "False"},
-        {"tvInternet", "boxNoInet", "", "True", "NoInet", "True"},
-    };
+        {"tvInternet", "boxNoInet", "", "True", "NoInet", "True"}};
     for (int i = 0; i < 8; ++i) {
-        const std::string shown = i == 2 ? "False" : "True"; // the third curves are there from the start
-        for (const std::string direction : {"DL", "UL"}) {
-            const std::string page = direction == "DL" ? "tvDownload" : "tvUpload";
-            changes.push_back({page, fmt::format("box{}{}", direction, i), "", shown,
-                               fmt::format("Line{}{}Show", direction, i + 1), shown});
-        }
+        const char* shown = i == 2 ? "False" : "True"; // the third curves are there from the start
+        for (const auto& [page, way] : {std::pair("tvDownload", "DL"), {"tvUpload", "UL"}})
+            changes.push_back({page, fmt::format("box{}{}", way, i), "", shown,
+                               fmt::format("Line{}{}Show", way, i + 1), shown});
     }
     return changes;
 }
@@ -155,8 +150,6 @@ TEST_F(SettingsDialog, EveryControlIsAppliedAndFoundAgain) {
     Type("txtFirewallPassword", "secret");
     Click("cmdOK");
     Gone();
-    EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "secret");
-
     program->LoadRecords(); // as at the next start
     Open();
     for (const Change& change : Changes())
@@ -173,7 +166,6 @@ TEST_F(SettingsDialog, WhatIsAppliedTakesEffectAtOnce) {
     const auto& live = program->infoTexts;
     EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     Click("boxAlwaysOnTop");
-    Click("boxCloseTrayIcon");
     Click("boxLANProt");
     GoTo("tvDarst");
     Type("cboPicWidthMin", "10");
@@ -190,38 +182,29 @@ TEST_F(SettingsDialog, WhatIsAppliedTakesEffectAtOnce) {
 
     ASSERT_TRUE(QTest::qWaitFor([&] { return live.RateUnitText == "Mbit"; }));
     EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_FALSE(Item("mnuVordergrund")->isChecked());
-    EXPECT_FALSE(live.CloseTrayOnly);
-    EXPECT_FALSE(program->trafficOptions.LanProt);
+    EXPECT_FALSE(Item("mnuVordergrund")->isChecked() || program->trafficOptions.LanProt);
     EXPECT_EQ(program->rateHistory.Samples(), 600U);
     EXPECT_EQ(Picture()->grab().toImage().pixelColor(40, 40), QColor(Qt::green));
-    EXPECT_EQ(live.KBFactor, 125000);
     EXPECT_EQ(area.Tip, "Korvalin");
     Run(2, 50000);
     EXPECT_LE(area.IconsSet, iconsSet + 1) << "the icon is drawn although it shows no values";
-    EXPECT_EQ(Stored("ConnDataMax"), "600");
 }
 
 TEST_F(SettingsDialog, TheHistoryIsNeverShorterThanTheChart) {
     Open();
     GoTo("tvDarst");
-    Type("cboPicWidthMin", "3");
-    Type("cboConnDataMax", "4");
-    Click("cmdApply");
-    EXPECT_EQ(Stored("ConnDataMax"), "300");
-    EXPECT_EQ(Shown("cboConnDataMax"), "5");
-    Type("cboPicWidthMin", "10");
-    Click("cmdApply");
-    EXPECT_EQ(Stored("ConnDataMax"), "600");
-    for (const char* minutes : {"60", "2"}) { // more than there is, less than the chart shows
-        Type("cboConnDataMax", minutes);
-        EXPECT_EQ(Shown("cboConnDataMax"), "10");
-        EXPECT_NE(Find<QLabel>("lblHistoryInForce")->text().indexOf(QStringLiteral("10 min")), -1)
-            << "the reason";
+    struct {
+        const char *Chart, *History, *Shown, *Stored;
+    } const rows[] = {{"3", "4", "5", "300"}, {"10", "60", "10", "600"}, {"10", "2", "10", "600"}};
+    for (const auto& row : rows) {
+        Type("cboPicWidthMin", row.Chart);
+        Click("cmdApply");
+        Type("cboConnDataMax", row.History);
+        Click("cmdApply");
+        EXPECT_EQ(Shown("cboConnDataMax"), row.Shown);
+        EXPECT_NE(Shown("lblHistoryInForce").find(row.Shown + std::string(" min")), std::string::npos);
+        EXPECT_EQ(Stored("ConnDataMax"), row.Stored);
     }
-    Type("cboPicWidthMin", "3");
-    Click("cmdApply");
-    EXPECT_EQ(Stored("ConnDataMax"), "300") << "at once";
 }
 
 TEST_F(SettingsDialog, AStoreThatCannotBeWrittenIsToldAndNothingChanges) {
@@ -238,152 +221,108 @@ TEST_F(SettingsDialog, AStoreThatCannotBeWrittenIsToldAndNothingChanges) {
     EXPECT_FALSE(std::filesystem::exists(folder / "elsewhere"));
 }
 
-TEST_F(SettingsDialog, CancellingLeavesTheStoreAndKeepsTheOpacity) {
+TEST_F(SettingsDialog, CancellingLeavesTheStoreAndKeepsTheOpacityThatIsNeverNone) {
     settings.SetReg("Opacity", 200);
     Open();
+    const auto opacity = [this] { return std::lround(window->windowOpacity() * 255); };
     Click("boxMultiScreen");
     GoTo("tvDarst");
     EXPECT_EQ(Shown("cboOpacity"), "21%");
-    EXPECT_NEAR(window->windowOpacity() * 255, 201, 0.6);
     Type("txtChartMinMax", "77");
-    Type("cboOpacity", "50");
-    GoTo("tvTray");
-    Click("boxTrayDuration");
+    Pick("cboOpacity", "25%");
+    EXPECT_EQ(opacity(), 191) << "at once";
+    Reach("cboOpacity")->setFocus();
+    Find<QComboBox>("cboOpacity")->lineEdit()->selectAll();
+    QTest::keyClicks(Find("cboOpacity"), QStringLiteral("100"));
+    EXPECT_EQ(opacity(), 0) << "as it is typed";
     const std::string stored = StoredSettings();
     Click("cmdCancel");
     Gone();
     EXPECT_EQ(StoredSettings(), stored);
     EXPECT_EQ(program->infoTexts.ChartMinMax, 5);
-    EXPECT_NEAR(window->windowOpacity() * 255, 128, 0.6);
-}
-
-TEST_F(SettingsDialog, TheMainWindowHasItsOpacityAtOnceButIsNeverLeftInvisible) {
-    Open();
-    GoTo("tvDarst");
-    Pick("cboOpacity", "25%");
-    EXPECT_NEAR(window->windowOpacity() * 255, 191, 0.6);
-    Type("cboOpacity", "0");
-    EXPECT_EQ(window->windowOpacity(), 1);
-    Reach("cboOpacity")->setFocus();
-    Find<QComboBox>("cboOpacity")->lineEdit()->selectAll();
-    QTest::keyClicks(Find("cboOpacity"), QStringLiteral("100"));
-    EXPECT_EQ(window->windowOpacity(), 0) << "as it is typed";
-    QTest::keyClick(dialog, Qt::Key_Escape);
-    Gone();
-    EXPECT_NEAR(window->windowOpacity() * 255, 13, 0.6);
+    EXPECT_EQ(opacity(), 13) << "never left invisible";
 }
 
 TEST_F(SettingsDialog, ColoursAreChosenSwappedAndPreviewed) {
     Open();
     GoTo("tvDownload");
     const std::int32_t old = 255; // the preset third colour
-    nextColor = std::nullopt;
-    Click("lblColorDL2");
-    EXPECT_EQ(Shown("lblColorDL2"), std::to_string(old)) << "the choice was cancelled";
-    nextColor = 0x123456;
-    Click("lblColorDL2");
-    EXPECT_EQ(Shown("lblColorDL2"), std::to_string(0x123456));
-    EXPECT_EQ(askedFor, (std::vector<std::int32_t>{old, old}));
+    for (const std::optional<std::int32_t> choice : {std::optional<std::int32_t>(), {0x123456}}) {
+        nextColor = choice;
+        Click("lblColorDL2");
+        EXPECT_EQ(Shown("lblColorDL2"), std::to_string(choice.value_or(old)));
+        EXPECT_EQ(askedFor, old);
+    }
     EXPECT_EQ(offered[2], old) << "as it is stored";
     EXPECT_EQ(offered[8], Setting(Keys::LineUL1Color));
-    EXPECT_EQ(Setting(Keys::LineDL3Color), old);
     GoTo("tvUpload");
     const std::string upload = Shown("lblColorUL2");
     Click("cmdSwapColors");
-    EXPECT_EQ(Shown("lblColorUL2"), std::to_string(0x123456));
-    EXPECT_EQ(Shown("lblColorDL2"), upload);
-    Find<ColorField>("lblColorUL0")->setFocus();
+    Find("lblColorUL0")->setFocus();
     nextColor = 0x00ff00;
-    QTest::keyClick(Find<ColorField>("lblColorUL0"), Qt::Key_Space);
+    QTest::keyClick(Find("lblColorUL0"), Qt::Key_Space);
+    EXPECT_EQ(Setting(Keys::LineDL3Color), old);
     Click("cmdApply");
     EXPECT_EQ(Setting(Keys::LineUL3Color), 0x123456);
     EXPECT_EQ(Setting(Keys::LineUL1Color), 0x00ff00);
     EXPECT_EQ(std::to_string(Setting(Keys::LineDL3Color)), upload);
 
     GoTo("tvDarst");
-    const QColor before = Find<PictureBox>("Pic")->grab().toImage().pixelColor(60, 50);
-    EXPECT_EQ(before, ToColor(Setting(Keys::ChartBackgroundColor)));
+    const QColor before = Picture()->grab().toImage().pixelColor(60, 50);
     nextColor = 0x0000ff;
     Click("lblColorBackground");
-    EXPECT_EQ(askedFor.back(), Setting(Keys::ChartBackgroundColor));
+    EXPECT_EQ(askedFor, ToColorValue(before));
     EXPECT_EQ(Find<PictureBox>("Pic")->grab().toImage().pixelColor(60, 50), QColor(Qt::red));
     EXPECT_EQ(Picture()->grab().toImage().pixelColor(60, 50), before) << "only previewed";
 }
 
 TEST_F(SettingsDialog, TheTextOfTheChartIsTheChosenCurveOrThePresetOne) {
     Open();
-    GoTo("tvDownload");
-    Click("optTextDL8");
-    Click("cmdApply");
-    EXPECT_EQ(program->infoTexts.DisplayChoiceDL, 8);
-    EXPECT_EQ(Stored("DisplayChoiceDL"), "3") << "it holds for this run";
-    Click("optTextDL0");
-    GoTo("tvUpload");
-    Click("cmdSwapColors");
-    EXPECT_EQ(Shown("optTextDL0"), "True") << "only the colours are swapped";
-    Click("optTextUL1");
-    Click("cmdApply");
-    EXPECT_EQ(program->infoTexts.DisplayChoiceDL, 3);
-    EXPECT_EQ(program->infoTexts.DisplayChoiceUL, 1);
+    for (const auto& [button, choice] : {std::pair("optTextDL8", 8), {"optTextDL0", 3}}) {
+        GoTo("tvDownload");
+        Click(button);
+        GoTo("tvUpload");
+        Click("cmdSwapColors");
+        Click("cmdApply");
+        EXPECT_EQ(program->infoTexts.DisplayChoiceDL, choice) << "only the colours are swapped";
+        EXPECT_EQ(Stored("DisplayChoiceDL"), "3") << "it holds for this run";
+    }
     Run(2, 1000); // draws with it
 }
 
-TEST_F(SettingsDialog, PagesShowTheirFramesInAnyLetterCase) {
+TEST_F(SettingsDialog, PagesShowTheirFramesAloneInAnyLetterCase) {
     const std::pair<const char*, Lines> rows[] = {{"tvDarst", {"frmGrafikAllgemein"}},
-                                                  {"tvEinheit", {"frmKBRate", "frmMBVol"}},
-                                                  {"tvDownload", {"frmDownload", "frmTextUpDown"}},
                                                   {"tvUpload", {"frmUpload", "frmTextUpDown"}},
-                                                  {"tvTray", {"frmTrayIcon", "frmTrayIconTxt"}},
-                                                  {"tvInternet", {"frmFirewall", "frmUpdate"}},
-                                                  {"tvNetInfo", {"frmConnInfo"}},
                                                   {"tvNetAdapter", {}},
-                                                  {"tvNetIP", {}},
                                                   {"tvAllg", {"frmSystem", "frmConnection"}}};
     Open();
-    const QSize size = dialog->size();
     for (const auto& [key, frames] : rows) {
-        GoTo(key);
-        EXPECT_EQ(VisibleFrames(), frames) << key;
-        dialog->TreeAct(QStringLiteral("tvallg"));
         dialog->TreeAct(QString::fromLatin1(key).toUpper());
         EXPECT_EQ(VisibleFrames(), frames) << key;
     }
-    EXPECT_EQ(dialog->size(), size) << "the dialog keeps its size";
     auto* tree = Find<QTreeWidget>("TreeView1");
     tree->setCurrentItem(tree->topLevelItem(1));
-    QTest::keyClick(tree, Qt::Key_Left);
-    EXPECT_TRUE(tree->topLevelItem(1)->isExpanded());
     QTest::keyClick(tree, Qt::Key_Down);
     EXPECT_EQ(VisibleFrames(), (Lines{"frmKBRate", "frmMBVol"})) << "by keyboard";
 }
 
 TEST_F(SettingsDialog, NetworkPagesShowWhatTheSystemTells) {
-    InterfaceEntry entry;
-    entry.Index = 2;
-    network.Entries = {entry};
+    network.Entries.emplace_back().Index = 2;
     Open();
     GoTo("tvNetInfo");
     EXPECT_EQ(Shown("txtConnInfo0") + Shown("txtConnInfo1") + Shown("txtConnInfo3"), "YesNoYes");
-    EXPECT_NE(Find<QPlainTextEdit>("txtConnInfo5")->toPlainText(), QString());
-
+    EXPECT_FALSE(Find<QPlainTextEdit>("txtConnInfo5")->toPlainText().isEmpty());
     GoTo("tvNetAdapter");
     auto* list = Reach<QTableView>("ListView1");
-    entry.Index = 3;
-    network.Entries.push_back(entry);
-    EXPECT_EQ(list->model()->columnCount(), 2);
+    network.Entries.emplace_back().Index = 3;
     Click("cmdButton1");
-    EXPECT_EQ(list->model()->columnCount(), 3) << "refreshed: one column more, the captions once";
+    EXPECT_EQ(list->model()->columnCount(), 3) << "refreshed: the captions once, a column more";
     list->setFocus();
     list->selectRow(1);
     QTest::keySequence(list, QKeySequence::Copy);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("interface index\t2\t3\n"));
-
     GoTo("tvNetIP");
     EXPECT_EQ(list->model()->columnCount(), 7);
-    EXPECT_EQ(list->model()->rowCount(), 0);
-    network.Addresses.emplace_back();
-    Click("cmdButton1");
-    EXPECT_EQ(list->model()->rowCount(), 1);
     GoTo("tvAllg");
     EXPECT_FALSE(list->isVisible() || Find("cmdButton1")->isVisible());
 }
@@ -400,6 +339,8 @@ TEST_F(SettingsDialog, AnotherLanguageRelabelsEveryWindowAtOnce) {
     const std::pair<QString, const char*> rows[] = {
         {dialog->windowTitle(), "Einstellungen"},
         {Find<QAbstractButton>("boxAlwaysOnTop")->text(), "Immer im &Vordergrund"},
+        {Find<QGroupBox>("frmSystem")->title(), "Programm"},
+        {Find<QLabel>("lblLANactive")->text(), "&Adapter aktiv bei mehr als"},
         {Find<QTreeWidget>("TreeView1")->topLevelItem(0)->text(0), "Allgemein"},
         {Item("mnuBeenden")->text(), "&Beenden"},
         {toolkitText(), "Suchen in:"},
@@ -407,63 +348,54 @@ TEST_F(SettingsDialog, AnotherLanguageRelabelsEveryWindowAtOnce) {
         {Find<QAbstractButton>("optKB1")->text(), "Standard: KB/s (Kilobyte) = 1.000 Bytes"}};
     for (const auto& [shown, german] : rows)
         EXPECT_EQ(shown, QString::fromUtf8(german));
+    EXPECT_EQ(Find("cboLANactive")->toolTip(), Find("lblLANactive")->toolTip());
+    EXPECT_FALSE(Find("cboLANactive")->toolTip().isEmpty());
     Pick("cboLanguage", "ENG - English");
     EXPECT_EQ(toolkitText(), QStringLiteral("Look in:"));
-    EXPECT_EQ(Find<QAbstractButton>("optKB1")->text(),
-              QStringLiteral("Default: KB/s (Kilobyte) = 1.000 Bytes"));
-    EXPECT_EQ(Find("cboLANactive")->toolTip(), Find("lblLANactive")->toolTip());
 }
 
 TEST_F(SettingsDialog, DependentFieldsFollowTheirBoxes) {
     struct {
         const char *Page, *Box;
-        bool EnabledAtFirst;
         Lines Fields;
-    } const rows[] = {{"tvAllg",
-                       "boxLANProt",
-                       true,
-                       {"boxLANByNetwork", "boxLANVirtual", "boxProgRunTime", "cboLANactive"}},
-                      {"tvDarst", "boxChartUseMax", false, {"txtChartMax", "lblMaximum"}},
-                      {"tvDarst", "boxShowTimeLines", true, {"cboTimeLinesSec"}},
-                      {"tvInternet",
-                       "boxFirewallUse",
-                       false,
-                       {"txtFirewallUser", "txtFirewallPassword", "lblFirewallUser"}}};
+    } const rows[] = {
+        {"tvAllg", "boxLANProt", {"boxLANByNetwork", "boxLANVirtual", "boxProgRunTime", "cboLANactive"}},
+        {"tvDarst", "boxChartUseMax", {"txtChartMax", "lblMaximum"}},
+        {"tvDarst", "boxShowTimeLines", {"cboTimeLinesSec"}},
+        {"tvInternet", "boxFirewallUse", {"txtFirewallUser", "txtFirewallPassword", "lblFirewallUser"}},
+    };
     Open();
     for (const auto& row : rows) {
         GoTo(row.Page);
-        for (const bool enabled : {row.EnabledAtFirst, !row.EnabledAtFirst}) {
+        for (int i = 0; i < 2; ++i) {
             for (const std::string& field : row.Fields)
-                EXPECT_EQ(Find(field)->isEnabled(), enabled) << field;
+                EXPECT_EQ(Find(field)->isEnabled(), Shown(row.Box) == "True") << field;
             Click(row.Box);
         }
     }
 }
 
-// ---- the data folder
-
 TEST_F(SettingsDialog, TheStatisticsMoveToTheChosenFolderUnlessThatFails) {
     Open();
     const std::filesystem::path oldFolder = program->dataFolder.GetDataPath();
     std::ofstream(oldFolder / "Korvalin_Stats.db") << "records";
-    const std::filesystem::path newFolder = folder / "new";
-    std::filesystem::create_directory(newFolder);
-    Click("cmdChooseDir");
-    EXPECT_EQ(Shown("txtDataPath"), oldFolder.string()) << "nothing was chosen";
-    nextFolder = newFolder.string();
+    std::filesystem::create_directory(folder / "new");
     for (const bool fails : {true, false}) {
-        files.CopyFails = fails;
+        nextFolder.clear();
         Click("cmdChooseDir");
-        EXPECT_EQ(startFolders.back(), oldFolder.string());
-        EXPECT_EQ(Shown("txtDataPath"), newFolder.string());
+        EXPECT_EQ(Shown("txtDataPath"), oldFolder.string()) << "nothing was chosen";
+        nextFolder = (folder / "new").string();
+        Click("cmdChooseDir");
+        EXPECT_EQ(startFolder, oldFolder.string());
+        EXPECT_EQ(Shown("txtDataPath"), nextFolder);
+        files.CopyFails = fails;
         boxes.Answers = {MessageAnswer::Yes};
         Click("cmdApply");
         EXPECT_EQ(TakeBoxes().size(), fails ? 2U : 1U) << "the question, and the failure";
-        const std::filesystem::path kept = fails ? oldFolder : newFolder / "";
+        const std::filesystem::path kept = fails ? oldFolder : folder / "new/";
         EXPECT_EQ(std::filesystem::path(Stored("DataPath")) / "", kept);
         EXPECT_EQ(std::filesystem::path(Shown("txtDataPath")) / "", kept);
-        EXPECT_EQ(std::filesystem::exists(newFolder / "Korvalin_Stats.db"), !fails);
-        EXPECT_EQ(std::filesystem::exists(oldFolder / "Korvalin_Stats.db"), fails);
+        EXPECT_TRUE(std::filesystem::exists(kept / "Korvalin_Stats.db"));
     }
 }
 
@@ -471,10 +403,6 @@ TEST_F(SettingsDialog, AFolderThatDoesNotServeKeepsTheFocusAndTheOldOne) {
     Open();
     const std::string oldFolder = Stored("DataPath");
     auto* field = Find<QLineEdit>("txtDataPath");
-    const auto focused = [field] {
-        QTest::qWait(0);
-        return QTest::qWaitFor([field] { return field->hasFocus(); });
-    };
     // Left by the keyboard, and by the mouse on another page: asked once each time.
     const std::function<void()> ways[] = {[field] { QTest::keyClick(field, Qt::Key_Tab); },
                                           [field] { QTest::keyClick(field, Qt::Key_Return); },
@@ -484,39 +412,22 @@ TEST_F(SettingsDialog, AFolderThatDoesNotServeKeepsTheFocusAndTheOldOne) {
         field->setText(QString::fromStdString((folder / "missing").string()));
         leave();
         EXPECT_EQ(TakeBoxes().size(), 1U) << "whether to create it";
-        EXPECT_TRUE(focused());
-        EXPECT_TRUE(dialog && dialog->isVisible());
+        QTest::qWait(0);
+        EXPECT_TRUE(QTest::qWaitFor([field] { return field->hasFocus(); }) && dialog->isVisible());
     }
     Type("txtDataPath", "");
-    EXPECT_TRUE(focused());
     EXPECT_EQ(Shown("txtDataPath"), (folder / "data/Korvalin").string());
-    field->setText(QStringLiteral("/nowhere"));
-    Click("cmdCancel"); // who cancels is not asked
-    Gone();
-    EXPECT_EQ(Stored("DataPath"), oldFolder);
-}
-
-// The next start would not find the statistics there.
-TEST_F(SettingsDialog, AFolderThatTheSettingsCannotHoldIsRefused) {
-    Open();
-    const std::string oldFolder = Stored("DataPath");
+    // The settings cannot hold its name: the next start would not find the statistics there.
     nextFolder = folder.Path().string();
     while (nextFolder.size() < 1024)
         nextFolder += "/" + std::string(200, 'a');
     std::filesystem::create_directories(nextFolder);
-    const std::function<void()> ways[] = {
-        [this] { Click("cmdChooseDir"); },
-        [this] {
-            Find("txtDataPath")->setFocus();
-            Find<QLineEdit>("txtDataPath")->setText(QString::fromStdString(nextFolder));
-            Click("cmdOK");
-        }};
-    for (const auto& choose : ways) {
-        choose();
-        EXPECT_EQ(TakeBoxes(), Lines{program->language.Lng("frmEinstellungen", 33)});
-        EXPECT_TRUE(dialog && dialog->isVisible());
-        EXPECT_EQ(Stored("DataPath"), oldFolder);
-    }
+    Click("cmdChooseDir");
+    EXPECT_EQ(TakeBoxes(), Lines{program->language.Lng("frmEinstellungen", 33)});
+    field->setText(QStringLiteral("/nowhere"));
+    Click("cmdCancel"); // asks nothing
+    Gone();
+    EXPECT_EQ(Stored("DataPath"), oldFolder);
 }
 
 TEST_F(SettingsDialog, TheProgramMayEndWhileTheUserIsAsked) {
@@ -555,8 +466,6 @@ TEST_F(SettingsDialog, TheProgramMayEndWhileTheUserIsAsked) {
     }
 }
 
-// ---- the rest
-
 TEST_F(SettingsDialog, APasswordThatCannotBeStoredIsToldAndTheOldOneStays) {
     settings.SetRegPassword(Keys::FirewallPassword, "old");
     Open();
@@ -567,21 +476,15 @@ TEST_F(SettingsDialog, APasswordThatCannotBeStoredIsToldAndTheOldOneStays) {
     EXPECT_EQ(TakeBoxes(), Lines{program->language.Lng("frmEinstellungen", 32)});
     EXPECT_EQ(settings.GetRegPassword(Keys::FirewallPassword), "old");
     EXPECT_EQ(Stored("FirewallUse"), "True") << "the rest is stored";
-    Find<QLineEdit>("txtFirewallPassword")->clear();
-    Click("cmdApply");
-    EXPECT_EQ(settings.Get(Keys::FirewallPassword), "");
 }
 
 TEST_F(SettingsDialog, AFontThatIsNotInstalledStaysUntilAnotherIsChosen) {
     settings.SetReg("FontName", "Nowhere Sans");
     Open();
-    EXPECT_EQ(Shown("cboFontName"), "Nowhere Sans");
     Click("cmdApply");
-    EXPECT_EQ(Stored("FontName"), "Nowhere Sans");
+    EXPECT_EQ(Stored("FontName") + Shown("cboFontName"), "Nowhere SansNowhere Sans");
     GoTo("tvDarst");
     auto* fonts = Find<QComboBox>("cboFontName");
-    ASSERT_GT(fonts->count(), 1);
-    fonts->setFocus();
     QTest::keyClick(fonts, Qt::Key_Down);
     Click("cmdApply");
     EXPECT_EQ(Stored("FontName"), fonts->itemText(1).toStdString());
@@ -593,8 +496,7 @@ TEST_F(SettingsDialog, StaysAboveAndKeepsTheMainWindowWhereItIs) {
     EXPECT_TRUE(dialog->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     window->ShowMainWindow(false);
     EXPECT_TRUE(window->isVisible());
-    // The line that is charted is chosen elsewhere while the dialog is open.
-    program->infoTexts.ChartLineNo = 2;
+    program->infoTexts.ChartLineNo = 2; // is chosen elsewhere meanwhile
     Click("cmdOK");
     Gone();
     EXPECT_EQ(program->infoTexts.ChartLineNo, 2);
@@ -604,14 +506,12 @@ TEST_F(SettingsDialog, StaysAboveAndKeepsTheMainWindowWhereItIs) {
 
 TEST_F(SettingsDialog, EveryControlHasANameForThoseWhoCannotSeeIt) {
     Open();
-    for (const QWidget* control : dialog->findChildren<QWidget*>()) {
-        const bool isPart =
-            control->objectName().isEmpty() || control->objectName().startsWith(QLatin1String("qt_"));
-        if (control->focusPolicy() == Qt::NoFocus || isPart) continue;
-        QAccessibleInterface* interface =
-            QAccessible::queryAccessibleInterface(const_cast<QWidget*>(control));
-        EXPECT_FALSE(interface == nullptr || interface->text(QAccessible::Name).isEmpty())
-            << control->objectName().toStdString();
+    for (QWidget* control : dialog->findChildren<QWidget*>()) {
+        const QString name = control->objectName();
+        if (control->focusPolicy() == Qt::NoFocus || name.isEmpty() || name.startsWith(QLatin1String("qt_")))
+            continue;
+        QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(control);
+        EXPECT_TRUE(interface && !interface->text(QAccessible::Name).isEmpty()) << name.toStdString();
     }
 }
 

@@ -18,9 +18,9 @@ class Statistics : public CoreFixture, protected Driver {
     Statistics() {
         screen.Size = screen.Mode = ScreenSize{800, 800};
         clock.SetWallClock(DateSerial(2005, 2, 10) + TimeSerial(12, 0, 0));
-        for (const auto& [line, alias] :
-             {std::pair("Line1", "Home"), {"Line2", "Mobile"}, {"Line3", "Mobile"}})
-            settings.SetReg(std::string(line) + "_Alias", std::string(alias));
+        settings.SetReg("Line1_Alias", "Home");
+        settings.SetReg("Line2_Alias", "Mobile");
+        settings.SetReg("Line3_Alias", "Mobile");
         settings.SetReg("Stat_Dimension", std::string("KB"));
     }
     ~Statistics() override { window.reset(); }
@@ -28,7 +28,7 @@ class Statistics : public CoreFixture, protected Driver {
     void Open(const std::string& content = file) {
         if (!program) {
             ASSERT_TRUE(StartProgram());
-            folder.Write((program->dataFolder.GetDataPath() / "Korvalin_Stats.db").string(), content);
+            WriteFile(content);
             program->LoadStatistics();
         }
         window = std::make_unique<frmStatistik>(frmStatistik::Parts{
@@ -41,16 +41,34 @@ class Statistics : public CoreFixture, protected Driver {
     void AwaitRecords() {
         ASSERT_TRUE(QTest::qWaitFor([&] { return !window->Loading(); }));
     }
-    std::filesystem::path StatFilePath() const { return program->statFile.StatFilePath(); }
     void Append(const std::string& line) {
-        std::ofstream(StatFilePath(), std::ios::app | std::ios::binary) << line;
+        std::ofstream(program->statFile.StatFilePath(), std::ios::app | std::ios::binary) << line;
+    }
+    // A connection in every hour since the year began, with its number as the note.
+    static std::string Hourly(int count) {
+        std::string content;
+        for (int i = 0; i < count; ++i) {
+            content += "\"Line1\",#" + FormatDateIso(DateSerial(2005, 1, 1) + (i + 0.5) / 24) +
+                       "#,#00:00:10#,0,0,\"" + std::to_string(i) + "\",\"\"\r\n";
+        }
+        return content;
     }
     QWidget* Driven() const override { return window.get(); }
     QTableView* List(const char* name = "ListStats") { return Find<QTableView>(name); }
-    QAction* Item(const char* name) { return Find<QAction>(name); }
+    // Chooses an entry of the menu; its question, if any, is answered like this.
+    void Do(const char* name, std::optional<MessageAnswer> answer = {}) {
+        if (answer) boxes.Answers = {*answer};
+        Find<QAction>(name)->trigger();
+    }
     void Page(int index) { Find<QTabWidget>("SSTab")->setCurrentIndex(index); }
     std::string Cell(int row, int column, const char* list = "ListStats") {
         return List(list)->model()->index(row, column).data().toString().toStdString();
+    }
+    std::string Cells(int row, int begin, int end) {
+        std::string cells;
+        for (int column = begin; column < end; ++column)
+            cells += (column > begin ? "|" : "") + Cell(row, column);
+        return cells;
     }
     // One column of the list, cell by cell.
     Lines Rows(int column = 7, const char* list = "ListStats") {
@@ -65,26 +83,24 @@ class Statistics : public CoreFixture, protected Driver {
             List()->selectionModel()->select(List()->model()->index(row, 0),
                                              QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
-    std::vector<int> Selected() {
-        std::vector<int> rows;
+    std::set<int> Selected() {
+        std::set<int> rows;
         for (const QModelIndex& index : List()->selectionModel()->selectedRows())
-            rows.push_back(index.row());
-        std::sort(rows.begin(), rows.end());
+            rows.insert(index.row());
         return rows;
     }
-    // Long enough for pauses in its load.
-    void WriteLongFile() {
+    // Reads a file that is long enough for pauses in its load.
+    void ReopenWithALongFile() {
         std::string content;
         for (int i = 0; i < 5000; ++i)
             content += file;
-        folder.Write("data/Korvalin/Korvalin_Stats.db", content);
+        WriteFile(content);
+        window->close();
+        window->Open();
     }
-    std::string StatFileText() const { return folder.Read("data/Korvalin/Korvalin_Stats.db"); }
-    std::size_t Backups() const {
-        std::size_t count = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(folder / "data/Korvalin"))
-            count += entry.path().filename().string().starts_with("Korvalin_Stats.db_") ? 1 : 0;
-        return count;
+    std::string FileText() const { return folder.Read("data/Korvalin/Korvalin_Stats.db"); }
+    void WriteFile(const std::string& content) {
+        folder.Write((program->dataFolder.GetDataPath() / "Korvalin_Stats.db").string(), content);
     }
 
     QString savePath;
@@ -94,9 +110,8 @@ class Statistics : public CoreFixture, protected Driver {
 TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
     Open();
     EXPECT_EQ(Rows(), (Lines{"three", "four", "2 KB", "one"})) << "newest first; the damaged line is none";
-    EXPECT_EQ(Cell(3, 0) + "|" + Cell(3, 1) + "|" + Cell(3, 2) + "|" + Cell(3, 3),
-              "Home|2004-12-31 22:22:22|1:23:45|2004-12-31 23:46:07");
-    EXPECT_EQ(Cell(3, 4) + "|" + Cell(3, 5) + "|" + Cell(3, 6), "1,000.00 KB|2,500.00 KB|3,500.00 KB");
+    EXPECT_EQ(Cells(3, 0, 7), "Home|2004-12-31 22:22:22|1:23:45|2004-12-31 23:46:07|1,000.00 KB|"
+                              "2,500.00 KB|3,500.00 KB");
     EXPECT_TRUE(List()->isColumnHidden(8)) << "the position in the file is not for display";
     EXPECT_EQ(Rows(1, "ListStatsSum"),
               (Lines{"2004-12-31 Fri", "2005-02-01 Tue", "2005-01-31 Mon", "2005-01-10 Mon"}));
@@ -123,7 +138,7 @@ TEST_F(Statistics, ListsConnectionsAndSumsFilteredByAliasInTheChosenUnit) {
 
 TEST_F(Statistics, TheKeyboardReachesEverything) {
     Open();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == window.get(); }));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     const auto pressTab = [&] {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         return QApplication::focusWidget()->objectName().toStdString();
@@ -137,8 +152,7 @@ TEST_F(Statistics, TheKeyboardReachesEverything) {
     EXPECT_EQ(controls, (Lines{"cboKBMB", "qt_tabwidget_tabbar", "optStatSum0", "ListStatsSum", "cboLines",
                                "txtAlias", "cboFreeHours", "cboFreeVolume", "cboMonthStartDay",
                                "cboRoundSeconds", "boxUp1MB", "boxTrayVolumeLine", "cboFilter"}));
-    for (const char* name : {"ListStats", "ListStatsSum"})
-        EXPECT_FALSE(List(name)->accessibleName().isEmpty());
+    EXPECT_FALSE(List()->accessibleName().isEmpty() || List("ListStatsSum")->accessibleName().isEmpty());
 }
 
 TEST_F(Statistics, AHeaderSortsWhileSelectionAndCurrentRowStay) {
@@ -153,7 +167,7 @@ TEST_F(Statistics, AHeaderSortsWhileSelectionAndCurrentRowStay) {
     clickHeader(5);
     EXPECT_EQ(Rows(), (Lines{"four", "2 KB", "one", "three"}));
     EXPECT_EQ(List()->currentIndex().row(), 3);
-    EXPECT_EQ(Selected(), (std::vector<int>{2, 3}));
+    EXPECT_EQ(Selected(), (std::set<int>{2, 3}));
     EXPECT_EQ(Shown("lblRows"), "Rows: 4   Selected: 2   Duration: 1:24:15   Sent: 1,000.00 KB   "
                                 "Received: 7,500.00 KB   Total: 8,500.00 KB");
     clickHeader(5);
@@ -161,7 +175,7 @@ TEST_F(Statistics, AHeaderSortsWhileSelectionAndCurrentRowStay) {
     Pick("cboFilter", "Mobile");
     EXPECT_EQ(Rows(), (Lines{"three", "2 KB", "four"})) << "sorted as before";
     EXPECT_EQ(Cell(List()->currentIndex().row(), 7), "three");
-    EXPECT_EQ(Selected(), std::vector<int>{0});
+    EXPECT_EQ(Selected(), (std::set<int>{0}));
     window.reset();
     Open();
     EXPECT_EQ(Rows(), (Lines{"three", "2 KB", "four"})) << "the order is kept";
@@ -169,15 +183,15 @@ TEST_F(Statistics, AHeaderSortsWhileSelectionAndCurrentRowStay) {
 
 TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
     Open();
-    Item("mnuSelectAll")->trigger();
+    Do("mnuSelectAll");
     EXPECT_EQ(Selected().size(), 4U);
-    Item("mnuSelectNone")->trigger();
+    Do("mnuSelectNone");
     EXPECT_TRUE(Selected().empty());
     List()->setCurrentIndex(List()->model()->index(1, 0));
-    Item("mnuSelectMonth")->trigger();
-    EXPECT_EQ(Selected(), (std::vector<int>{1, 2})) << "January 2005, its end not counted";
+    Do("mnuSelectMonth");
+    EXPECT_EQ(Selected(), (std::set<int>{1, 2})) << "January 2005, its end not counted";
     Select({3, 2});
-    Item("mnuCopy")->trigger();
+    Do("mnuCopy");
     EXPECT_EQ(
         QGuiApplication::clipboard()->text().toStdString(),
         "Alias\tConnected\tDuration\tDisconnected\tSent\tReceived\tTotal\tNote\t\r\n"
@@ -185,81 +199,64 @@ TEST_F(Statistics, SelectsAllNoneOrTheMonthAndCopiesForASpreadsheet) {
         "Home\t2004-12-31 22:22:22\t1:23:45\t2004-12-31 23:46:07\t1,000.00\t2,500.00\t3,500.00\tone\t\r\n");
 }
 
-TEST_F(Statistics, DeletesWhatTheUserConfirmsAndKeepsABackup) {
+TEST_F(Statistics, DeletesWhatTheUserConfirms) {
     Open();
-    const std::string before = StatFileText();
+    const std::string before = FileText();
     Select({1});
-    boxes.Answers = {MessageAnswer::Cancel};
-    Item("mnuDelete")->trigger();
+    Do("mnuDelete", MessageAnswer::Cancel);
     EXPECT_NE(boxes.Take().Text.find("selected record"), std::string::npos);
-    EXPECT_EQ(StatFileText(), before);
-    EXPECT_EQ(Rows().size(), 4U);
+    EXPECT_EQ(FileText(), before);
 
     // A connection that ended after the window was opened must not be lost.
     const std::string appended = "\"Line9\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n";
     Append(appended);
     Select({0, 1, 3});
-    boxes.Answers = {MessageAnswer::Yes};
-    Item("mnuDelete")->trigger();
+    Do("mnuDelete", MessageAnswer::Yes);
     EXPECT_EQ(boxes.Take().Text.substr(0, 17), "Total 3 records a");
     EXPECT_EQ(Rows(), (Lines{"2 KB"}));
     EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile"}));
-    EXPECT_EQ(StatFileText(),
-              "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"2 KB\",\"\"\r\n" + appended);
-    EXPECT_EQ(Backups(), 2U) << "one of the repair at the start";
+    EXPECT_EQ(FileText(), "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"2 KB\",\"\"\r\n" + appended);
 }
 
 TEST_F(Statistics, ADeletionThatFailsSaysSoAndLosesNothing) {
-    struct {
-        const char* Case;
-        std::function<void()> Break;
-        const char* Message;
-    } const rows[] = {
-        {"held", [&] { files.Held = true; }, "Another program is using"},
-        {"full", [&] { files.DiskFull = true; }, "could not be written"},
-        {"replaced", [&] { folder.Write("data/Korvalin/Korvalin_Stats.db", "short"); }, "has changed"},
-    };
+    const std::pair<std::function<void()>, const char*> rows[] = {
+        {[&] { files.Held = true; }, "Another program is using"},
+        {[&] { files.DiskFull = true; }, "could not be written"},
+        {[&] { WriteFile("short"); }, "has changed"}};
     Open();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.Case);
-        files.Held = files.DiskFull = false;
-        row.Break();
-        const std::string before = StatFileText();
+    for (const auto& [breakIt, message] : rows) {
+        breakIt();
+        const std::string before = FileText();
         Select({0});
-        boxes.Answers = {MessageAnswer::Yes, MessageAnswer::No};
         clock.Advance(10);
-        Item("mnuDelete")->trigger();
-        boxes.Take(); // the question
-        EXPECT_NE(boxes.Take().Text.find(row.Message), std::string::npos);
-        EXPECT_EQ(StatFileText(), before);
-        EXPECT_EQ(Rows().size(), 4U);
-        EXPECT_EQ(Selected(), std::vector<int>{0}) << "to try again";
+        Do("mnuDelete", MessageAnswer::Yes);
+        EXPECT_NE(TakeBoxes().at(1).find(message), std::string::npos) << message;
+        EXPECT_EQ(FileText(), before) << message;
+        EXPECT_EQ(Selected(), (std::set<int>{0})) << "to try again";
+        files.Held = files.DiskFull = false;
     }
-    files.DiskFull = false;
 }
 
 TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     Open();
     Page(2);
     Pick("cboLines", "Line2");
-    EXPECT_EQ(settings.Get(Keys::Z_StatLineChosen), "Line2");
-    EXPECT_EQ(Shown("txtAlias"), "Mobile");
+    const auto use = [this] { return program->monthSums.UseOf("Line2"); };
+    EXPECT_EQ(settings.Get(Keys::Z_StatLineChosen) + Shown("txtAlias"), "Line2Mobile");
     Type("cboFreeVolume", "2000000");
-    EXPECT_EQ(settings.Get(Keys::FreeVolume("Mobile")), 10000) << "corrected";
-    EXPECT_EQ(Shown("cboFreeVolume"), "10000");
-    EXPECT_EQ(program->monthSums.UseOf("Line2").FreeBytes, 1e10);
-    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 6e6) << "5 MB, rounded up";
+    EXPECT_EQ(Shown("cboFreeVolume"), "10000") << "corrected";
+    EXPECT_EQ(use().FreeBytes, 1e10);
+    EXPECT_EQ(use().UsedBytes, 6e6) << "5 MB, rounded up";
     Click("boxUp1MB");
-    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 5e6);
+    EXPECT_EQ(use().UsedBytes, 5e6);
     Click("boxTrayVolumeLine");
-    EXPECT_TRUE(program->monthSums.UseOf("Line2").TrayVol);
+    EXPECT_TRUE(use().TrayVol);
     Pick("cboMonthStartDay", "5");
-    EXPECT_EQ(program->monthSums.UseOf("Line2").UsedBytes, 0) << "the period began on the fifth";
+    EXPECT_EQ(use().UsedBytes, 0) << "the period began on the fifth";
     Pick("cboRoundSeconds", "60");
     EXPECT_EQ(Cell(3, 7, "ListStatsSum"), "6:00");
 
     Type("txtAlias", "  Travel ");
-    EXPECT_EQ(settings.Get(Keys::Alias("Line2")), "Travel");
     EXPECT_EQ(settings.Get(Keys::FreeVolume("Travel")), 10000) << "inherited";
     EXPECT_EQ(Rows(0), (Lines{"Travel", "Mobile", "Travel", "Home"}));
     Pick("cboLines", "Line3");
@@ -267,11 +264,10 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     EXPECT_EQ(settings.Get(Keys::FreeVolume("Home")), 0) << "a line that joins an alias takes its tariff";
 }
 
-TEST_F(Statistics, AnAliasThatIsRenamedStaysChosen) {
+TEST_F(Statistics, AnAliasThatIsRenamedStaysChosenAndFitsTheSettingsAndTheWindow) {
     Open();
     Pick("cboFilter", "Home");
     Page(2);
-    Pick("cboLines", "Line1");
     Type("txtAlias", "Office");
     EXPECT_EQ(Shown("cboFilter") + Shown("cboGAlias"), "OfficeOffice");
     EXPECT_EQ(settings.Get(Keys::Z_StatFilter) + settings.Get(Keys::GAlias), "OfficeOffice");
@@ -280,35 +276,22 @@ TEST_F(Statistics, AnAliasThatIsRenamedStaysChosen) {
     Pick("cboLines", "Line3");
     Type("txtAlias", "Office");
     EXPECT_EQ(Shown("cboFilter"), "Mobile") << "another line has it still";
-}
-
-TEST_F(Statistics, ALongAliasFitsTheSettingsAndTheWindow) {
-    Open();
-    Page(2);
     const int width = window->minimumSizeHint().width();
     Type("txtAlias", std::string(2000, 'x'));
-    EXPECT_EQ(settings.Get(Keys::Alias("Line1")).size(), 255U);
-    EXPECT_EQ(Cell(3, 0), settings.Get(Keys::Alias("Line1")));
+    EXPECT_EQ(settings.Get(Keys::Alias("Line3")).size(), 255U);
     QCoreApplication::processEvents();
     EXPECT_LE(window->minimumSizeHint().width(), width + 200);
 }
 
-TEST_F(Statistics, AnEditedLineStaysChosenWhenAnotherOneHasCome) {
+TEST_F(Statistics, AnEditedLineStaysChosenAndWhatIsBeingTypedCountsAtTheClose) {
     Open();
     window->close();
     Append("\"A\",#2005-01-01 10:00:00#,#00:00:10#,0,0,\"\",\"\"\r\n"); // sorted before the others
     window->Open();
     AwaitRecords();
     Page(2);
-    ASSERT_EQ(Shown("cboLines"), "Line1");
     Type("txtAlias", "Office");
-    EXPECT_EQ(Shown("cboLines"), "Line1");
-    EXPECT_EQ(Shown("txtAlias"), "Office");
-}
-
-TEST_F(Statistics, WhatIsBeingTypedCountsWhenTheWindowIsClosed) {
-    Open();
-    Page(2);
+    EXPECT_EQ(Shown("cboLines") + Shown("txtAlias"), "Line1Office");
     Pick("cboLines", "Line2");
     const double used = program->monthSums.UseOf("Line2").UsedBytes;
     Type("txtAlias", "Travel", Qt::Key_End);
@@ -320,32 +303,21 @@ TEST_F(Statistics, WhatIsBeingTypedCountsWhenTheWindowIsClosed) {
 
 TEST_F(Statistics, AFileWithoutRecordsLeavesListsAndLinesEmpty) {
     Open("");
-    EXPECT_TRUE(Rows().empty());
-    EXPECT_TRUE(Rows(0, "ListStatsSum").empty());
-    EXPECT_EQ(Find<QComboBox>("cboLines")->count(), 0);
-    EXPECT_FALSE(Find<QLineEdit>("txtAlias")->isEnabled());
-    EXPECT_EQ(Shown("cboFreeHours"), "10");
+    EXPECT_TRUE(Rows().empty() && Rows(0, "ListStatsSum").empty());
+    EXPECT_TRUE(Shown("cboLines").empty() && !Find("txtAlias")->isEnabled());
     EXPECT_EQ(List()->findChild<QLabel*>()->text(), QStringLiteral("Nothing has been recorded yet."));
     QGuiApplication::clipboard()->setText(QStringLiteral("kept"));
     for (const char* item : {"mnuSelectAll", "mnuSelectMonth", "mnuDelete", "mnuCopy"})
-        Item(item)->trigger();
+        Do(item);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("kept"));
-    EXPECT_TRUE(StatFileText().empty());
 }
 
 TEST_F(Statistics, ADeletionLeavesTheUserWhereHeWas) {
-    std::string content;
-    for (int i = 0; i < 500; ++i) {
-        content += "\"Line1\",#" + FormatDateIso(DateSerial(2005, 1, 1) + (i + 0.5) / 24) +
-                   "#,#00:00:10#,0,0,\"" + std::to_string(i) + "\",\"\"\r\n";
-    }
-    Open(content);
+    Open(Hourly(500));
     List()->verticalScrollBar()->setValue(300);
     List()->setCurrentIndex(List()->model()->index(302, 0));
     for (const char* shown : {"196", "195"}) {
-        boxes.Answers = {MessageAnswer::Yes};
-        Item("mnuDelete")->trigger();
-        boxes.Take();
+        Do("mnuDelete", MessageAnswer::Yes);
         clock.Advance(1);
         EXPECT_EQ(List()->verticalScrollBar()->value(), 300);
         ASSERT_EQ(List()->currentIndex().row(), 302);
@@ -353,25 +325,19 @@ TEST_F(Statistics, ADeletionLeavesTheUserWhereHeWas) {
         EXPECT_TRUE(Selected().empty()) << "nothing more is deleted by chance";
         Select({302});
     }
-    boxes.Answers = {MessageAnswer::Yes};
-    Item("mnuSelectAll")->trigger();
-    Item("mnuDelete")->trigger();
-    boxes.Take();
-    EXPECT_TRUE(Rows().empty());
-    EXPECT_TRUE(StatFileText().empty());
+    TakeBoxes();
 }
 
 TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     Open();
     savePath = QString::fromStdString((folder / "out").string());
-    Item("mnuExportTXT")->trigger();
+    Select({1});
+    Do("mnuExportTXT");
+    EXPECT_EQ(Shown("lblRows").substr(0, 16), "Exported rows: 4") << "one is selected by a right click, too";
     const std::string text = folder.Read("out");
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5) << "a header and all rows";
-    Select({1});
-    Item("mnuExportTXT")->trigger();
-    EXPECT_EQ(Shown("lblRows").substr(0, 16), "Exported rows: 4") << "one is selected by a right click, too";
     Select({1, 2});
-    Item("mnuExportHTML")->trigger();
+    Do("mnuExportHTML");
     EXPECT_EQ(Shown("lblRows").substr(0, 16), "Exported rows: 2");
     const std::string page = folder.Read("out");
     EXPECT_NE(page.find("<td>2 KB</td>"), std::string::npos);
@@ -379,27 +345,22 @@ TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     EXPECT_NE(page.find("All aliases, 2004-12-31 - 2005-02-01, KB"), std::string::npos);
     EXPECT_EQ(page.find("<svg"), std::string::npos);
     Page(1);
-    Item("mnuExportHTML")->trigger();
+    Do("mnuExportHTML");
     EXPECT_NE(folder.Read("out").find("<svg"), std::string::npos) << "with the graph";
     savePath = QString::fromStdString((folder / "missing/out").string());
-    Item("mnuExportTXT")->trigger();
+    Do("mnuExportTXT");
     EXPECT_NE(boxes.Take().Text.find("missing/out"), std::string::npos);
 }
 
 TEST_F(Statistics, NewConnectionsAppearBelowTheUsersHands) {
-    std::string content;
-    for (int i = 0; i < 300; ++i) {
-        content += "\"Line1\",#" + FormatDateIso(DateSerial(2005, 1, 1) + (i + 0.5) / 24) +
-                   "#,#00:00:10#,0,0,\"" + std::to_string(i) + "\",\"\"\r\n";
-    }
-    Open(content);
+    Open(Hourly(300));
     List()->verticalScrollBar()->setValue(100);
     Select({101, 103});
     Append("\"Line1\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n");
     ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 301; }));
     EXPECT_EQ(Cell(0, 7), "new");
     EXPECT_EQ(List()->verticalScrollBar()->value(), 101);
-    EXPECT_EQ(Selected(), (std::vector<int>{102, 104}));
+    EXPECT_EQ(Selected(), (std::set<int>{102, 104}));
     clock.Advance(20 * SecondsPerDay);
     Page(1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Shown("cboGTill") == "2005-03-31"; })) << Shown("cboGTill");
@@ -407,39 +368,30 @@ TEST_F(Statistics, NewConnectionsAppearBelowTheUsersHands) {
 
 TEST_F(Statistics, KeysReloadAndClose) {
     Open();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == window.get(); }));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     Append("\"Line1\",#2005-02-10 11:00:00#,#00:10:00#,1,2,\"new\",\"\"\r\n");
     QTest::keyClick(List(), Qt::Key_F5);
     EXPECT_EQ(Rows().size(), 5U);
-    for (const QKeyCombination key : {QKeyCombination(Qt::Key_Escape), Qt::CTRL | Qt::Key_W}) {
-        window->Open();
-        AwaitRecords();
-        QTest::keyClick(List(), key.key(), key.keyboardModifiers());
-        EXPECT_FALSE(window->isVisible());
-    }
+    QTest::keyClick(List(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(Statistics, TheWheelIsForTheBoxWithTheFocus) {
     Open();
     Page(2);
     auto* box = Find<QComboBox>("cboMonthStartDay");
-    const auto turn = [&] {
-        const QPointF at = box->rect().center();
-        QWheelEvent wheel(at, box->mapToGlobal(at), {}, QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+    for (const char* shown : {"1", "2"}) {
+        QWheelEvent wheel({9, 9}, box->mapToGlobal(QPointF(9, 9)), {}, QPoint(0, -120), Qt::NoButton, {},
                           Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(box, &wheel);
-        return Shown("cboMonthStartDay");
-    };
-    EXPECT_EQ(turn(), "1");
-    box->setFocus();
-    EXPECT_EQ(turn(), "2");
+        EXPECT_EQ(Shown("cboMonthStartDay"), shown);
+        box->setFocus();
+    }
 }
 
 TEST_F(Statistics, ColumnsFitWhatTheyShow) {
+    settings.SetReg("Line1_Alias", "An alias of some length");
     Open("\"Line1\",#2004-12-31 22:22:22#,#23:23:45#,1234567890123,2500000,\"one\",\"user1\"\r\n");
-    Page(2);
-    Type("txtAlias", "An alias of some length");
-    Page(0);
     Pick("cboKBMB", "Byte");
     for (int column = 0; column < 7; ++column) {
         const QString text = QString::fromStdString(Cell(0, column));
@@ -450,13 +402,13 @@ TEST_F(Statistics, ColumnsFitWhatTheyShow) {
 TEST(LongJob, RunsBesideTheWindowAndEndsWhenCancelled) {
     LongJob job;
     int told = 0;
-    QObject::connect(&job, &LongJob::Progress, [&](double fraction) { told += fraction > 0.4 ? 1 : 0; });
-    QTimer::singleShot(200, [&] { job.Cancel(); });
+    QObject::connect(&job, &LongJob::Progress, [&] {
+        if (++told == 2) job.Cancel();
+    });
     EXPECT_FALSE(job.Run([&] {
         for (;;)
             job.At(0.5);
     }));
-    EXPECT_GT(told, 0);
     EXPECT_TRUE(job.Run([] {}));
     EXPECT_THROW(job.Run([] { throw std::runtime_error("full"); }), std::runtime_error);
 }
@@ -477,9 +429,8 @@ TEST_F(Statistics, ComesBackWhereItWasLeft) {
     EXPECT_EQ(settings.Get(Keys::STATS_Width), 700 * TwipsPerPixel) << "its size when it is not";
 }
 
-TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
+TEST_F(Statistics, ALongLoadShowsProgressCanBeCancelledAndRunsOnce) {
     Open();
-    WriteLongFile();
     int pauses = 0;
     events.OnProcessPending = [&] {
         if (++pauses != 5) return;
@@ -487,28 +438,17 @@ TEST_F(Statistics, ALongLoadShowsProgressAndCanBeCancelled) {
         EXPECT_FALSE(Find("SSTab")->isEnabled());
         Click("cmdCancel");
     };
-    window->close();
-    window->Open();
+    ReopenWithALongFile();
     ASSERT_TRUE(QTest::qWaitFor([&] { return pauses == 5 && !window->isVisible(); }));
     EXPECT_TRUE(Rows().empty());
-}
-
-TEST_F(Statistics, ClosedAndOpenedAgainItLoadsOnce) {
-    Open();
-    WriteLongFile();
-    int pauses = 0;
-    bool reopened = false;
+    pauses = 0;
     events.OnProcessPending = [&] {
-        ++pauses;
-        if (std::exchange(reopened, true)) return;
+        if (++pauses > 1) return;
         window->close();
         window->Open();
         QCoreApplication::processEvents(); // would begin a load within the load
         EXPECT_EQ(pauses, 1);
     };
-    window->close();
-    window->Open();
-    window->close();
     window->Open();
     AwaitRecords();
     EXPECT_EQ(Rows().size(), 4U);

@@ -4,8 +4,6 @@
 
 using namespace korvalin;
 
-namespace {
-
 constexpr std::int32_t background = 15323561; // the chart's, by default
 constexpr std::int32_t blue = 0xFF0000;
 constexpr std::int32_t green = 0x008000;
@@ -34,7 +32,6 @@ class Tray : public MainWindow {
   protected:
     Tray() { area.State = TrayHost::Present; }
 
-    std::int32_t ColorAt(int x, int y) { return ToColorValue(area.Picture(16).pixelColor(x, y)); }
     bool IsStatic() { return area.Picture(32) == ProgramIcon().pixmap(32).toImage(); }
     // The network is gone for a second, or back.
     void GoOffline() {
@@ -44,50 +41,28 @@ class Tray : public MainWindow {
     std::vector<InterfaceRow> offline;
 };
 
-TEST_F(Tray, ShowsTheRatesAsBarsInThePanelsSizes) {
-    Start();
-    OpenConnection earlier;
-    earlier.LineName = "eth0";
-    earlier.LogIn = earlier.End = clock.Now() - 1;
-    earlier.BytesReceived = 499'000'000; // what is open now is rounded up to the next megabyte
-    program->monthSums.Add(earlier);
-    Run(30, 15'000); // of 30 kilobytes that fill the bar
-    EXPECT_TRUE(ColorAt(0, 8) == blue && ColorAt(0, 7) == background) << "half of 1000 megabytes";
-    EXPECT_TRUE(ColorAt(13, 8) == red && ColorAt(13, 7) == background);
-    area.Sizes = {24};
-    Run(1, 15'000);
-    EXPECT_EQ(area.Icon.availableSizes(), QList<QSize>{QSize(24, 24)}) << "the panel was made larger";
-}
-
-TEST_F(Tray, IsLeftAloneWhileNothingChanges) {
+TEST_F(Tray, IsLeftAloneWhileNothingChangesAndStaticWhileTheMachineIsOffline) {
     settings.SetReg("TrayTexts", 1); // the line's name
     Start();
-    Run(3);
-    const std::pair before(area.IconsSet, area.TipsSet);
-    Run(5);
-    EXPECT_EQ(std::pair(area.IconsSet, area.TipsSet), before);
-    program->infoTexts.ChartBackgroundColor = 0;
-    Run(1);
-    EXPECT_EQ(area.IconsSet, before.first + 1);
-    EXPECT_EQ(ColorAt(0, 0), 0);
-}
-
-TEST_F(Tray, ShowsTheProgramsIconOnceWhileTheMachineIsOffline) {
-    Start();
-    Run(3, 1000);
-    EXPECT_FALSE(IsStatic());
-    GoOffline();
-    EXPECT_TRUE(IsStatic());
-    EXPECT_EQ(area.Tip, "Korvalin - Monitor");
-    const int icons = area.IconsSet;
-    Run(3);
-    EXPECT_EQ(area.IconsSet, icons);
+    for (const bool online : {true, false}) {
+        if (!online) GoOffline();
+        Run(3);
+        EXPECT_EQ(IsStatic(), !online);
+        EXPECT_EQ(area.Tip, online ? "eth0" : "Korvalin - Monitor");
+        const std::pair before(area.IconsSet, area.TipsSet);
+        Run(5);
+        EXPECT_EQ(std::pair(area.IconsSet, area.TipsSet), before);
+    }
     area.Become(TrayHost::Absent);
     area.Become(TrayHost::Present);
     EXPECT_TRUE(IsStatic()) << "for a host that comes later too";
     GoOffline(); // and back
-    Run(3, 1000);
-    EXPECT_FALSE(IsStatic());
+    area.Sizes = {24};
+    Run(30, 15'000); // of 30 kilobytes that fill the bar
+    EXPECT_EQ(area.Icon.availableSizes(), QList<QSize>{QSize(24, 24)}) << "the panel was made larger";
+    const QImage bars = area.Picture(24);
+    EXPECT_EQ(bars.pixelColor(20, 12), ToColor(red));
+    EXPECT_EQ(bars.pixelColor(20, 11), ToColor(background));
 }
 
 TEST_F(Tray, WithoutAnimationOnlyTheTooltipFollows) {
@@ -96,29 +71,23 @@ TEST_F(Tray, WithoutAnimationOnlyTheTooltipFollows) {
     Run(5, 2000);
     EXPECT_TRUE(IsStatic() && area.IconsSet == 0);
     EXPECT_NE(area.Tip.find("DL 2.0"), std::string::npos) << area.Tip;
-    program->infoTexts.TrayAnimated = true;
-    Run(1, 2000);
-    EXPECT_FALSE(IsStatic());
-    program->infoTexts.TrayAnimated = false;
-    Run(1, 2000);
-    EXPECT_TRUE(IsStatic()) << "bars that stand still would lie";
+    for (const bool animated : {true, false}) { // bars that stand still would lie
+        program->infoTexts.TrayAnimated = animated;
+        Run(1, 2000);
+        EXPECT_EQ(IsStatic(), !animated);
+    }
 }
 
-TEST_F(Tray, AHostThatComesLaterGetsTheIconAndTheWindowThatWasPutAway) {
+TEST_F(Tray, AHostThatComesAndGoesTakesAndGivesTheWindowThatWasPutAway) {
     area.State = TrayHost::Unknown;
     settings.SetReg("AutoShow", false);
     Start();
     EXPECT_FALSE(window->isVisible()) << "waits for the desktop's answer";
     area.Become(TrayHost::Absent);
-    Run(2, 15'000);
-    EXPECT_TRUE(window->isMinimized());
-    area.Become(TrayHost::Present);
-    EXPECT_TRUE(area.Shown);
-    EXPECT_FALSE(IsStatic());
-    EXPECT_EQ(area.Tip, program->infoTexts.TrayTipText);
-    EXPECT_FALSE(window->isVisible());
-    area.Become(TrayHost::Absent);
     EXPECT_TRUE(window->isVisible() && window->isMinimized()) << "nothing else brings it back";
+    area.Become(TrayHost::Present);
+    EXPECT_TRUE(area.Shown && !window->isVisible());
+    area.Become(TrayHost::Absent);
     window->showNormal();
     area.Become(TrayHost::Present);
     EXPECT_TRUE(window->isVisible()) << "the user looks at it";
@@ -161,5 +130,3 @@ TEST_F(Tray, EveryEndIsRecordedOnceWithItsReasonAfterTheIconIsGone) {
         EXPECT_FALSE(window->isVisible()) << reason;
     }
 }
-
-} // namespace

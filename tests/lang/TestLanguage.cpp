@@ -61,28 +61,24 @@ TEST_F(LanguageTest, LogsFaultsOfTheFileAndKeepsTheFirstText) {
 
 TEST_F(LanguageTest, LogsAMissingTextOncePerLoad) {
     ASSERT_TRUE(Load("GER", "GER\ts\t1\tx\n"));
-    for (const bool tooltip : {false, false, true, true})
-        EXPECT_EQ(language.Lng("s", 2, {.Tooltip = tooltip, .TrimIt = true, .ReportMissing = true}),
-                  "text not found");
-    EXPECT_EQ(LogLines(),
-              (Lines{"language GER\ttext not found s 002C", "language GER\ttext not found s 002T"}));
-    language.LoadLanguageTexts();
-    language.Lng("s", 2, {.ReportMissing = true});
-    EXPECT_EQ(LogLines().size(), 3U);
+    for (int load = 1; load <= 2; ++load) {
+        for (const bool tooltip : {false, false, true, true})
+            EXPECT_EQ(language.Lng("s", 2, {.Tooltip = tooltip, .TrimIt = true, .ReportMissing = true}),
+                      "text not found");
+        EXPECT_EQ(LogLines().size(), 2U * load);
+        language.LoadLanguageTexts();
+    }
+    EXPECT_EQ(LogLines()[1], "language GER\ttext not found s 002T");
 }
 
 TEST_F(LanguageTest, SurvivesDamagedFiles) {
     const std::string good = "GER\ts\t1\tx\n";
-    std::string twins;
-    while (twins.size() < 6'000'000)
-        twins += good;
     const std::pair<std::string, bool> rows[] = {
         {"", false},
         {std::string("h\nGER\ts\t1\tx\0\n", 13), false},
         {std::string(3'000'000, '\0') + "\n" + good, true},
-        {"h\n" + std::string(64 * 1024 - 1, 'x') + "\n" + good, true},
         {"h\n\xFF\xFE\t\xC3\t\x80\n" + good, true},
-        {"h\n" + twins, true}};
+        {"h\n" + ReplaceAll(std::string(500'000, 'x'), "x", good), true}};
     settings.SetReg("Language", "GER");
     for (const auto& [content, loads] : rows) {
         folder.Write("program/Korvalin.lng", content);
@@ -94,14 +90,9 @@ TEST_F(LanguageTest, SurvivesDamagedFiles) {
 }
 
 TEST_F(LanguageTest, ListsTheLanguagesInTheFilesOrder) {
-    const std::pair<const char*, Lines> rows[] = {
-        {"LNG\tx\nENGL\tx\n#GER\tx\nEN\tx\n", {"GER"}},
-        {" FRA \tx\nENG#\tx\nFRA\tx\neng\tx\n\xC4\xD6\xDC", {"FRA", "ENG", "eng", "ÄÖÜ"}}};
-    for (const auto& [texts, expected] : rows) {
-        WriteTexts(texts);
-        EXPECT_TRUE(language.LoadLanguageChoices());
-        EXPECT_EQ(language.LanguageCodes(), expected);
-    }
+    WriteTexts(" FRA \tx\nENG#\tx\nEN\tx\nLNG\tx\nFRA\tx\neng\tx\n\xC4\xD6\xDC");
+    EXPECT_TRUE(language.LoadLanguageChoices());
+    EXPECT_EQ(language.LanguageCodes(), (Lines{"FRA", "ENG", "eng", "ÄÖÜ"}));
 }
 
 TEST_F(LanguageTest, StartsWithTheStoredLanguageOrSaysWhyNot) {
@@ -145,10 +136,8 @@ TEST_F(LanguageTest, AnInstalledProgramFindsItsTextsInTheDataFolder) {
 }
 
 TEST_F(LanguageTest, TellsAboutAFileThatCannotBeRead) {
-    // Opens, but gives an error for its first byte, also to the superuser.
-    const std::filesystem::path unreadable = "/proc/self/mem";
-    if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no unreadable file on this system";
-    std::filesystem::create_symlink(unreadable, language.LanguageFilePath());
+    std::filesystem::create_symlink("/proc/self/mem",
+                                    language.LanguageFilePath()); // gives no byte, also to root
     EXPECT_FALSE(language.LoadLanguageTexts());
     EXPECT_EQ(TakeBoxes(), Lines{"LoadLanguageTexts, 0, The language file cannot be read."});
 }
@@ -157,18 +146,15 @@ TEST_F(LanguageTest, AsksForTheLanguageAtTheFirstStart) {
     WriteTexts("GER\ts\t1\tx\nENG\ts\t1\ty\nFRA\ts\t1\tz\nLNG\tlngDefinition\tGER\tGER - Deutsch\n"
                "LNG\tlngDefinition\tFRA\tFRA - Français");
     shell.Language = "fr";
-    std::size_t selected = 0;
     language.PlugAskLanguage([&] {
         const auto choices = language.FillLanguageChoices();
         EXPECT_EQ(choices.Names, (Lines{"GER - Deutsch", "ENG - language", "FRA - Français"}));
+        EXPECT_EQ(choices.Selected, 1U) << "English for whoever speaks no German";
         EXPECT_FALSE(language.ChooseLanguage("XXX - unknown"));
-        selected = choices.Selected;
         EXPECT_TRUE(language.ChooseLanguage(choices.Names[2]));
-        EXPECT_EQ(language.Lng("s", 1), "z");
     });
     EXPECT_TRUE(language.InitProgramTexts());
-    EXPECT_EQ(selected, 1U); // English for whoever speaks no German
-    EXPECT_EQ(settings.Get(Keys::Language), "FRA");
+    EXPECT_EQ(language.Lng("s", 1) + settings.Get(Keys::Language), "zFRA");
     const std::string file = folder.Read("program/Korvalin.lng");
     EXPECT_TRUE(file.ends_with("Français\r\nLNG\tlngDefinition\tENG\tENG - language\r\n")) << file;
 }
