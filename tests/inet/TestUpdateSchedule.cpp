@@ -42,6 +42,15 @@ TEST_F(UpdateScheduleTest, ChecksOnceWhenDue) {
     EXPECT_FALSE(Call());
     EXPECT_FALSE(HasAsked());
     EXPECT_EQ(Log(), "");
+    settings.SetReg("UpdateCheckLast", Date(0));
+    Restart();
+    settings.SetReg("NoInet", true);
+    EXPECT_FALSE(Call());
+    EXPECT_FALSE(Call());
+    settings.SetReg("NoInet", false);
+    EXPECT_EQ(callAgain, 0) << "over without the internet";
+    EXPECT_FALSE(Call());
+    EXPECT_FALSE(HasAsked());
 }
 
 TEST_F(UpdateScheduleTest, KnowsWhenACheckIsDue) {
@@ -79,16 +88,6 @@ TEST_F(UpdateScheduleTest, TriesAgainAfterAnHourAndSaysSo) {
     EXPECT_TRUE(Call());
     EXPECT_EQ(shell.Started.size(), 1U);
     EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), 0) << "the new version looks for itself";
-}
-
-TEST_F(UpdateScheduleTest, IsOverWithoutInternet) {
-    settings.SetReg("NoInet", true);
-    EXPECT_FALSE(Call());
-    EXPECT_FALSE(Call());
-    settings.SetReg("NoInet", false);
-    EXPECT_EQ(callAgain, 0);
-    EXPECT_FALSE(Call());
-    EXPECT_FALSE(HasAsked());
 }
 
 TEST_F(UpdateScheduleTest, WaitsForACheckOnDemand) {

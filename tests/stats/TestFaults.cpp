@@ -145,21 +145,6 @@ TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
     }
 }
 
-TEST_F(StatFaults, ProgramsThatAppendAtOnceWriteWholeLines) {
-    constexpr int each = 200;
-    const auto append = [&](int first) {
-        for (int i = 0; i < each; ++i)
-            ASSERT_EQ(AppendLines(Numbered(first + i)), 0);
-    };
-    ChildProcess one([&] { append(1); });
-    ChildProcess two([&] { append(1 + each); });
-    one.Finish();
-    two.Finish();
-    EXPECT_EQ(stats.LoadStatFile(records, false), 2 * each);
-    EXPECT_EQ(Stored(), NumberedUpTo(2 * each));
-    EXPECT_EQ(stats.Report().Dropped, 0U);
-}
-
 TEST_F(StatFaults, NothingAppendedDuringRepairsIsLost) {
     constexpr int count = 300;
     ASSERT_EQ(AppendLines(Numbered(1)), 0);
