@@ -43,9 +43,10 @@ class CoreFixture : public testing::Test {
         program = std::make_unique<Program>(AllPorts(), Locale());
         return program->Main();
     }
-    Ports AllPorts() {
-        return {registry, network, internet, ras,           clock,   events,   boxes, screen,    shell,
-                user,     lock,    files,    recordingLock, journal, networks, http,  signatures};
+    Ports AllPorts() { return PortsWith(files, recordingLock, journal, signatures); }
+    Ports PortsWith(Files& someFiles, RecordingLock& someLock, Journal& someJournal, Signatures& makers) {
+        return {registry, network,   internet, ras,         clock,    events, boxes, screen, shell, user,
+                lock,     someFiles, someLock, someJournal, networks, http,   makers};
     }
     /// Has the data in the fixture's folder.
     void KeepDataInFolder() { settings.SetReg("DataPath", folder.Path().string()); }

@@ -1,4 +1,9 @@
-#include "inet/WebFixture.h"
+#include "fakes/CoreFixture.h"
+#include "inet/WebServer.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/web/CurlHttp.h"
+#include "platform/qt/CurlTransferControl.h"
+#include "platform/qt/QtEvents.h"
 
 #include <cstdlib>
 #include <sys/resource.h>
@@ -9,20 +14,62 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Transports : public WebFixture, public testing::WithParamInterface<Transport> {
+enum class Transport { Loop, Control };
+
+/// While something is waited for, `SecondsPerWait` pass by the fake clock.
+class HurriedEvents : public QtEvents {
+  public:
+    explicit HurriedEvents(FakeClock& clock) : clock_(clock) {}
+    void Wait(int) override {
+        QtEvents::Wait(2);
+        clock_.Advance(SecondsPerWait);
+    }
+    double SecondsPerWait = 0;
+
+  private:
+    FakeClock& clock_;
+};
+
+/// Real transfers from the misbehaving server, under a clock that stands still unless a test lets it run.
+class Transports : public CoreFixture, public testing::WithParamInterface<Transport> {
   protected:
-    Transports() : WebFixture(WebServer::Certificates::Yes) {
+    Transports() {
+        KeepDataInFolder();
         WriteTexts("ENG\tsection\t1\ttext\r\n");
         EXPECT_TRUE(language.LoadLanguageChoices() && language.UseLanguage("ENG"));
-        Use(GetParam());
+        fetch.UseControl(IsLoop() ? nullptr : &control);
     }
+    ~Transports() override { fetch.UseControl(nullptr); }
+
     bool IsLoop() const { return GetParam() == Transport::Loop; }
-    bool Download(const std::string& url) { return fetch.HtmDownloadFile(url, folder.Path(), "file.htm"); }
+    std::string Page(const std::string& path) { return fetch.HtmLoadPage(server.Http() + path); }
+    bool Download(const std::string& path) {
+        return fetch.HtmDownloadFile(server.Http() + path, folder.Path(), "file.htm");
+    }
     std::string Account(const std::string& url) { // of the user and the password that the server was shown
         const std::string seen = fetch.HtmLoadPage(url);
         return seen.substr(seen.find('\n') + 1);
     }
 
+    WebServer server;
+    // What the loop waits a minute for is over in a second here; the control goes by the clock.
+    CurlRules rules{5, 1, 120, (server.Folder / "ca.pem").string()};
+    HurriedEvents hurried{clock};
+    PosixFiles realFiles;
+    CurlHttp curl{rules};
+    CurlTransferControl control{{5, 60, 120, rules.TrustedCertificates}};
+    WebFetch::Parts FetchParts(Http& transport) {
+        return {.Http = transport,
+                .Settings = settings,
+                .Errors = errors,
+                .Files = realFiles,
+                .Events = hurried,
+                .Clock = clock,
+                .Language = language,
+                .DataFolder = dataFolder,
+                .Version = {2, 3, 12}};
+    }
+    WebFetch fetch{FetchParts(curl)};
     const std::string page = [] {
         std::string text;
         for (int i = 0; i < 20; ++i)
@@ -62,9 +109,9 @@ TEST_P(Transports, BringPagesAndFilesWholeOrNotAtAll) {
         {"loop", false, false, "47:", "47:"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(fetch.HtmLoadPage(server.Http() + row.Path), row.Page ? page : "") << row.Path;
+        EXPECT_EQ(Page(row.Path), row.Page ? page : "") << row.Path;
         fs::remove(folder / "file.htm");
-        EXPECT_EQ(Download(server.Http() + row.Path), row.File) << row.Path;
+        EXPECT_EQ(Download(row.Path), row.File) << row.Path;
         const std::string& status = fetch.State().Status;
         EXPECT_TRUE(status.starts_with(IsLoop() ? row.LoopStatus : row.ControlStatus))
             << row.Path << " " << status;
@@ -74,27 +121,26 @@ TEST_P(Transports, BringPagesAndFilesWholeOrNotAtAll) {
             EXPECT_EQ(folder.Read("file.htm"), page) << row.Path;
         }
     }
-    EXPECT_FALSE(Download("http://127.0.0.1:1/nobody-listens"));
-    EXPECT_FALSE(Download("no address"));
+    for (const char* address : {"http://127.0.0.1:1/nobody-listens", "no address"})
+        EXPECT_FALSE(fetch.HtmDownloadFile(address, folder.Path(), "file.htm"));
 }
 
 TEST_P(Transports, TakeAPageThatSays404AtItsBeginningForMissing) {
-    const std::string words = server.Http() + "words?before=";
-    EXPECT_EQ(fetch.HtmLoadPage(words + "998"), "");
-    EXPECT_EQ(fetch.HtmLoadPage(words + "999") != "", IsLoop());
-    EXPECT_FALSE(Download(words + "0"));
-    EXPECT_TRUE(Download(words + "1100"));
+    EXPECT_EQ(Page("words?before=998"), "");
+    EXPECT_EQ(Page("words?before=999") != "", IsLoop());
+    EXPECT_FALSE(Download("words?before=0"));
+    EXPECT_TRUE(Download("words?before=1100"));
 }
 
 TEST_P(Transports, CutLongPagesOffAndRefuseLongFiles) {
     constexpr std::size_t longest = 4 * 1024 * 1024;
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "long/5").size(), longest);
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "bomb/50").size(), longest);
-    EXPECT_FALSE(Download(server.Http() + "huge"));
+    EXPECT_EQ(Page("long/5").size(), longest);
+    EXPECT_EQ(Page("bomb/50").size(), longest);
+    EXPECT_FALSE(Download("huge"));
     EXPECT_EQ(fetch.State().Status, "0:too long");
     std::vector<FetchProgress> seen;
     fetch.Plug({[&](const FetchProgress& progress) { seen.push_back(progress); }, [](const std::string&) {}});
-    EXPECT_TRUE(Download(server.Http() + "slow"));
+    EXPECT_TRUE(Download("slow"));
     EXPECT_GT(seen.size(), 5U) << "the bar moves";
     EXPECT_EQ(seen.back().ChunkSize, IsLoop() ? 2048U : 1024U);
     EXPECT_EQ(seen.back().Received, 380U);
@@ -105,12 +151,12 @@ TEST_P(Transports, GiveASilentServerUp) {
     hurried.SecondsPerWait = 7; // a minute of silence
     for (const char* path : {"stall", "silent"}) {
         if (IsLoop() && path == std::string("silent")) continue; // takes its time
-        EXPECT_EQ(fetch.HtmLoadPage(server.Http() + path), "") << path;
+        EXPECT_EQ(Page(path), "") << path;
         EXPECT_EQ(fetch.State().Status, IsLoop() ? "28:Timeout was reached" : "0:timed out");
     }
     EXPECT_EQ(Log().find("\tInet\tInet timed out\r\n") != std::string::npos, !IsLoop()) << Log();
     hurried.SecondsPerWait = 0;
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "page"), page) << "the next one is not disturbed";
+    EXPECT_EQ(Page("page"), page) << "the next one is not disturbed";
 }
 
 TEST_P(Transports, TrustNobodyWithoutACertificateAndSendNothingInTheClear) {
@@ -122,7 +168,7 @@ TEST_P(Transports, TrustNobodyWithoutACertificateAndSendNothingInTheClear) {
     // A machine may call itself by any address; only the loopback's own is let through without encryption.
     const std::string port = server.Http().substr(server.Http().rfind(':'));
     EXPECT_EQ(fetch.HtmLoadPage("http://0.0.0.0" + port + "page"), "");
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "away?to=http://0.0.0.0" + port + "page"), "");
+    EXPECT_EQ(Page("away?to=http://0.0.0.0" + port + "page"), "");
     EXPECT_EQ(fetch.HtmLoadPage("http://localhost" + port + "page"), page);
     EXPECT_EQ(fetch.HtmLoadPage("ftp://127.0.0.1" + port + "page"), "");
     EXPECT_EQ(fetch.HtmLoadPage("file://" + (server.Folder / "ca.pem").string()), "");
@@ -157,7 +203,7 @@ TEST_P(Transports, PutLargeFilesOnTheDiskAsTheyCome) {
         return usage.ru_maxrss; // kilobytes
     };
     [[maybe_unused]] const long before = peak();
-    EXPECT_TRUE(Download(server.Http() + "long/150"));
+    EXPECT_TRUE(Download("long/150"));
     EXPECT_EQ(fs::file_size(folder / "file.htm"), 150'000'000U);
 #ifndef __SANITIZE_ADDRESS__ // which keeps what was freed for a while
     EXPECT_LT(peak() - before, 40 * megabyte);
@@ -168,7 +214,7 @@ TEST_P(Transports, PutLargeFilesOnTheDiskAsTheyCome) {
                 },
                 [](const std::string&) {}});
     fs::remove(folder / "file.htm");
-    EXPECT_FALSE(Download(server.Http() + "long/150"));
+    EXPECT_FALSE(Download("long/150"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 1) << "only the program's folder";
 }
 
@@ -194,9 +240,9 @@ TEST_P(Transports, TellTheAccountToTheProxyThatAsksAndToNobodyElse) {
 }
 
 TEST_P(Transports, TellWhoTheyAreAndKeepTheAccountOutOfSight) {
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "echo"), "Korvalin-V2312; ENG\n");
+    EXPECT_EQ(Page("echo"), "Korvalin-V2312; ENG\n");
     settings.SetReg("Test", true);
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "echo"), "Korvalin-Test V2312\n");
+    EXPECT_EQ(Page("echo"), "Korvalin-Test V2312\n");
     settings.SetReg("FirewallUse", true);
     settings.SetReg("FirewallUser", std::string("j doe"));
     settings.SetRegPassword(Keys::FirewallPassword, "p@ss:/wörd#");
@@ -212,11 +258,11 @@ TEST_P(Transports, TellWhoTheyAreAndKeepTheAccountOutOfSight) {
 
 TEST_P(Transports, AreGivenUpOnRequest) {
     fetch.Plug({[&](const FetchProgress&) { fetch.Cancel(); }, [](const std::string&) {}});
-    EXPECT_FALSE(Download(server.Http() + "long/20"));
+    EXPECT_FALSE(Download("long/20"));
     EXPECT_EQ(fetch.State().Status, "0:cancelled");
     EXPECT_FALSE(fs::exists(folder / "file.htm"));
     fetch.Plug({});
-    EXPECT_TRUE(Download(server.Http() + "page"));
+    EXPECT_TRUE(Download("page"));
 }
 
 TEST_P(Transports, SaveNothingWhereNothingCanBeSaved) {
@@ -227,15 +273,14 @@ TEST_P(Transports, SaveNothingWhereNothingCanBeSaved) {
     EXPECT_FALSE(fetch.HtmDownloadFile(server.Http() + "page", folder.Path(), "../file.htm"));
 }
 
-class BackgroundTransfer : public WebFixture {
-  protected:
-    BackgroundTransfer() { Use(Transport::Control); }
-};
+using BackgroundTransfer = Transports;
 
-TEST_F(BackgroundTransfer, RunsBesideEverythingElseOneAtATime) {
+INSTANTIATE_TEST_SUITE_P(Control, BackgroundTransfer, testing::Values(Transport::Control));
+
+TEST_P(BackgroundTransfer, RunsBesideEverythingElseOneAtATime) {
     ASSERT_TRUE(fetch.Inet_GetBgrd(server.Http() + "slow", folder / "slow.htm"));
     EXPECT_TRUE(fetch.Inet_GetBgrd(server.Http() + "page", {})) << "one is running";
-    EXPECT_EQ(fetch.HtmLoadPage(server.Http() + "page"), "") << "and this would be another";
+    EXPECT_EQ(Page("page"), "") << "and this would be another";
     EXPECT_EQ(fetch.State().Url, server.Http() + "slow");
     int turns = 0;
     for (; fetch.State().LastState != TransferState::Finished && turns < 10'000; ++turns)
@@ -247,7 +292,7 @@ TEST_F(BackgroundTransfer, RunsBesideEverythingElseOneAtATime) {
     EXPECT_FALSE(fetch.Inet_GetBgrd(server.Http() + "page", {}));
 }
 
-TEST_F(BackgroundTransfer, EndsByItselfAfterTwoMinutesOfSilence) {
+TEST_P(BackgroundTransfer, EndsByItselfAfterTwoMinutesOfSilence) {
     ASSERT_TRUE(fetch.Inet_GetBgrd(server.Http() + "stall", {}));
     while (fetch.State().LastState == TransferState::None)
         hurried.Wait(0);

@@ -58,6 +58,7 @@ TEST(UpdatePage, ComparesNumbersNotText) {
         EXPECT_TRUE(IsNewer(newer, running)) << newer.Numbers();
     for (const ProgramVersion& older : {running, {2, 3, 9}, {2, 2, 99}, {1, 99, 99}})
         EXPECT_FALSE(IsNewer(older, running)) << older.Numbers();
+    EXPECT_EQ((ProgramVersion{2, 1, 129}.Text()), "V2.1.12") << "the rest tells builds apart";
 }
 
 } // namespace

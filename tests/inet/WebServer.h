@@ -10,13 +10,10 @@ namespace korvalin {
 /// The misbehaving web server of the system tests, for as long as the object lives.
 class WebServer {
   public:
-    enum class Certificates { No, Yes };
-
-    explicit WebServer(Certificates certificates = Certificates::No) {
-        QStringList arguments = {QStringLiteral("-B"), QStringLiteral(KORVALIN_WEB_SERVER),
-                                 QString::fromStdString(Folder.Path().string())};
-        if (certificates == Certificates::Yes) arguments << QStringLiteral("certificates");
-        process_.start(QStringLiteral("python3"), arguments);
+    WebServer() {
+        process_.start(QStringLiteral("python3"),
+                       {QStringLiteral("-B"), QStringLiteral(KORVALIN_WEB_SERVER),
+                        QString::fromStdString(Folder.Path().string()), QStringLiteral("certificates")});
         for (const QByteArray& port : ReadLine().split(' '))
             ports_.push_back(port.toInt());
         EXPECT_GT(ports_[0], 0) << process_.readAllStandardError().toStdString();

@@ -52,11 +52,10 @@ class DataFolderTest : public CoreFixture {
     /// "name=content" of all files of a folder but the texts, in order, without "Korvalin_Stats.".
     static std::string Contents(const fs::path& place) {
         std::map<std::string, std::string> found;
-        if (fs::exists(place)) {
-            for (const auto& entry : fs::directory_iterator(place)) {
-                std::ifstream file(entry.path());
-                found[entry.path().filename().string()] = {std::istreambuf_iterator<char>(file), {}};
-            }
+        std::error_code missing;
+        for (const auto& entry : fs::directory_iterator(place, missing)) {
+            std::ifstream file(entry.path());
+            found[entry.path().filename().string()] = {std::istreambuf_iterator<char>(file), {}};
         }
         std::string all;
         for (const auto& [name, content] : found) {
@@ -81,34 +80,32 @@ class DataFolderTest : public CoreFixture {
     DataFolder data{Parts(), programFolder};
 };
 
-TEST_F(DataFolderTest, MovesOlderStatisticsAtTheFirstStartUnlessTheDiskIsFull) {
-    Put(programFolder / "Korvalin_Stats.db", "old");
-    disk.CopyFails = true;
-    EXPECT_EQ(data.GetDataPath(), programFolder / "");
-    EXPECT_NE(boxes.Take().Text.find("t214"), std::string::npos);
-    EXPECT_EQ(Contents(programFolder), "db=old ");
-    EXPECT_EQ(Contents(share), "");
-    EXPECT_EQ(settings.Get(Keys::DataPath), "");
-    disk.CopyFails = false;
-    DataFolder next(Parts(), programFolder);
-    EXPECT_EQ(next.GetDataPath().string(), (share / "").string());
-    EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
-    EXPECT_EQ(Contents(share), "db=old ");
-    EXPECT_EQ(Contents(programFolder), "db_20240315-120000=old ");
-}
-
-TEST_F(DataFolderTest, JoinsStatisticsOfTheProgramFolderToThoseOfTheDataFolder) {
-    Put(programFolder / "Korvalin_Stats.db", "a\r\nboth\nb");
-    Put(share / "Korvalin_Stats.db", "both\r\nc\r\n");
-    disk.DurableResult = ENOSPC;
-    EXPECT_EQ(data.GetDataPath(), programFolder / "");
-    EXPECT_NE(boxes.Take().Text.find("t209"), std::string::npos);
-    EXPECT_EQ(Contents(share), "db=both\r\nc\r\n ");
-    disk.DurableResult = 0;
-    DataFolder next(Parts(), programFolder);
-    EXPECT_EQ(next.GetDataPath(), share / "");
-    EXPECT_EQ(Contents(share), "db=both\r\nc\r\na\r\nb\r\n ");
-    EXPECT_EQ(Contents(programFolder), "db_20240315-120000=a\r\nboth\nb ");
+TEST_F(DataFolderTest, TakesStatisticsOfTheProgramFolderWhenTheDiskHasRoomAgain) {
+    struct {
+        std::string Old, New, Joined, Error;
+    } const rows[] = {{"old", "", "db=old ", "t214"},
+                      {"a\r\nboth\nb", "both\r\nc\r\n", "db=both\r\nc\r\na\r\nb\r\n ", "t209"}};
+    for (const auto& row : rows) {
+        settings.SetReg("DataPath", "");
+        fs::remove_all(share);
+        fs::remove(programFolder / "Korvalin_Stats.db_20240315-120000");
+        Put(programFolder / "Korvalin_Stats.db", row.Old);
+        if (!row.New.empty()) Put(share / "Korvalin_Stats.db", row.New);
+        const std::string before = Contents(share);
+        disk.CopyFails = true;
+        disk.DurableResult = ENOSPC;
+        EXPECT_EQ(DataFolder(Parts(), programFolder).GetDataPath(), programFolder / "");
+        EXPECT_NE(boxes.Take().Text.find(row.Error), std::string::npos);
+        EXPECT_EQ(Contents(programFolder), "db=" + row.Old + " ");
+        EXPECT_EQ(Contents(share), before);
+        EXPECT_EQ(settings.Get(Keys::DataPath), "");
+        disk.CopyFails = false;
+        disk.DurableResult = 0;
+        EXPECT_EQ(DataFolder(Parts(), programFolder).GetDataPath(), share / "");
+        EXPECT_EQ(settings.Get(Keys::DataPath), share.string());
+        EXPECT_EQ(Contents(share), row.Joined);
+        EXPECT_EQ(Contents(programFolder), "db_20240315-120000=" + row.Old + " ");
+    }
 }
 
 TEST_F(DataFolderTest, FallsBackWithoutAskingTwice) {

@@ -1,7 +1,4 @@
-#include "fakes/CoreFixture.h"
-#include "inet/UpdateSite.h"
-#include "inet/WebFetch.h"
-#include "program/UpdateInstallation.h"
+#include "inet/UpdateFixture.h"
 
 using namespace korvalin;
 
@@ -10,62 +7,27 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::hours;
 
-class UpdateInstallationTest : public CoreFixture {
+class UpdateInstallationTest : public UpdateFixture {
   protected:
     UpdateInstallationTest() {
-        WriteTexts(
-            "GER\tmodAllgemein\t18\tStill there:\nGER\tmodAllgemein\t19\t!\nGER\tmodAllgemein\t23\tbut\n"
-            "GER\tmodInternet\t36\tSet aside: \nGER\tmodAllgemein\t25\tis "
-            "new.\nGER\tmodAllgemein\t27\t?\nGER\tmodAllgemein\t45\tWait\n");
+        WriteTexts("GER\tmodAllgemein\t18\tStill there:\nGER\tmodAllgemein\t19\t!\n"
+                   "GER\tmodAllgemein\t23\tbut\nGER\tmodInternet\t36\tSet aside: \n"
+                   "GER\tmodAllgemein\t25\tis new.\nGER\tmodAllgemein\t27\t?\nGER\tmodAllgemein\t45\tWait\n");
         settings.SetReg("Language", "GER");
     }
 
-    fs::path Put(const char* name, std::size_t length, hours age = hours(0)) {
+    void Put(const char* name, std::size_t length, hours age = hours(0)) {
         const fs::path file = folder.Write(std::string("program/") + name, std::string(length, 'x'));
+        fs::permissions(file, fs::perms::owner_all);
         fs::last_write_time(file, now_ - age);
-        return file;
-    }
-    void PutRunnable(std::size_t length = 200'000) {
-        Put("Korvalin_new.exe", length);
-        fs::permissions(new_, fs::perms::owner_all);
     }
     bool Run(const char* executable) {
         shell.Executable = programFolder / executable;
-        UpdateSite site({.Site = "https://maker.example/", .VersionHistoryPage = "", .PublicKey = key_},
-                        {.WebFetch = fetch_,
-                         .Signatures = signatures,
-                         .Settings = settings,
-                         .Errors = errors,
-                         .Clock = clock,
-                         .Executable = programFolder / "Korvalin.exe",
-                         .Version = {2, 3, 12}});
-        return UpdateInstallation({.Settings = settings,
-                                   .Language = language,
-                                   .Errors = errors,
-                                   .MessageBoxes = boxes,
-                                   .Files = files,
-                                   .Shell = shell,
-                                   .Events = events,
-                                   .Clock = clock,
-                                   .InstanceLock = lock,
-                                   .UpdateSite = site},
-                                  programFolder)
-            .Run();
+        program = std::make_unique<Program>(AllPorts(), locale);
+        return program->updateInstallation.Run();
     }
 
-    WebFetch fetch_{{.Http = http,
-                     .Settings = settings,
-                     .Errors = errors,
-                     .Files = files,
-                     .Events = events,
-                     .Clock = clock,
-                     .Language = language,
-                     .DataFolder = dataFolder,
-                     .Version = {2, 3, 12}}};
-    std::string key_; ///< the maker's
     const fs::file_time_type now_ = fs::file_time_type::clock::now();
-    const fs::path old_ = programFolder / "Korvalin.exe";
-    const fs::path new_ = programFolder / "Korvalin_new.exe";
 };
 
 TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
@@ -77,53 +39,51 @@ TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
     EXPECT_FALSE(Run("Korvalin.exe")) << "there is none";
     for (const auto& row : rows) {
         Put("Korvalin.exe", 10, hours(row.CurrentAge));
-        fs::permissions(old_, fs::perms::owner_all);
         Put("Korvalin_new.exe", row.NewLength, hours(row.NewAge));
-        fs::permissions(new_, fs::perms::owner_all);
         EXPECT_EQ(Run("Korvalin.exe"), row.Started);
-        EXPECT_EQ(fs::exists(new_), row.Started) << "what is of no use is removed";
-        fs::remove(new_);
+        EXPECT_EQ(fs::exists(newProgram), row.Started) << "what is of no use is removed";
+        fs::remove(newProgram);
     }
-    EXPECT_EQ(shell.Started, std::vector<fs::path>{new_});
+    EXPECT_EQ(shell.Started, std::vector<fs::path>{newProgram});
 }
 
 TEST_F(UpdateInstallationTest, RunsNothingThatNoUpdateHasBrought) {
     Put("Korvalin.exe", 10, hours(1));
-    PutRunnable();
-    fs::permissions(new_, fs::perms::owner_exec, fs::perm_options::remove);
+    Put("Korvalin_new.exe", 200'000);
+    fs::permissions(newProgram, fs::perms::owner_exec, fs::perm_options::remove);
     EXPECT_FALSE(Run("Korvalin.exe")) << "as a browser puts it there";
-    PutRunnable();
+    Put("Korvalin_new.exe", 200'000);
     files.Foreign = true;
     EXPECT_FALSE(Run("Korvalin.exe"));
     files.Foreign = false;
-    fs::rename(new_, programFolder / "other");
-    fs::create_symlink(programFolder / "other", new_);
+    fs::rename(newProgram, programFolder / "other");
+    fs::create_symlink(programFolder / "other", newProgram);
     EXPECT_FALSE(Run("Korvalin.exe"));
-    fs::remove(new_);
+    fs::remove(newProgram);
     EXPECT_TRUE(boxes.Shown.empty());
 
-    key_ = "key";
+    setenv("KORVALIN_UPDATE_KEY", "6b6579", 1);
     signatures.Valid = std::string(64, 's');
-    const auto manifest = [this](const char* version, const char* expires, const std::string& signedContent) {
-        std::string signature = "signature ";
-        for (int i = 0; i < 64; ++i)
-            signature += "73";
-        folder.Write("program/Korvalin_new.manifest",
-                     signature + "\nKorvalin update 1\nversion " + version + "\nexpires " + expires +
-                         "\nfile 200000 " + FakeSignatures::Sum(signedContent) + " setup.exe\n");
-    };
-    const std::string content(200'000, 'x');
-    PutRunnable();
+    Put("Korvalin_new.exe", 200'000);
     EXPECT_FALSE(Run("Korvalin.exe")) << "nothing tells that the maker has signed it";
-    manifest("2.4.1", "2024-04-01", "another program");
-    EXPECT_FALSE(Run("Korvalin.exe"));
-    manifest("2.3.11", "2024-04-01", content);
-    EXPECT_FALSE(Run("Korvalin.exe"));
-    manifest("2.4.1", "2024-03-01", content);
-    EXPECT_FALSE(Run("Korvalin.exe"));
-    EXPECT_TRUE(shell.Started.empty());
-    manifest("2.4.1", "2024-04-01", content);
-    EXPECT_TRUE(Run("Korvalin.exe"));
+    struct {
+        const char *Version, *Expires;
+        std::string Content;
+        bool Runs;
+    } const rows[] = {{"9.4.1", "2024-04-01", "another program", false},
+                      {"0.3.11", "2024-04-01", std::string(200'000, 'x'), false},
+                      {"9.4.1", "2024-03-01", std::string(200'000, 'x'), false},
+                      {"9.4.1", "2024-04-01", std::string(200'000, 'x'), true}};
+    for (const auto& row : rows) {
+        Put("Korvalin_new.exe", 200'000);
+        folder.Write(
+            "program/Korvalin_new.manifest",
+            fmt::format("signature {}\nKorvalin update 1\nversion {}\nexpires {}\nfile 200000 {} setup.exe\n",
+                        ReplaceAll(std::string(64, '*'), "*", "73"), row.Version, row.Expires,
+                        FakeSignatures::Sum(row.Content)));
+        EXPECT_EQ(Run("Korvalin.exe"), row.Runs) << row.Version << row.Expires;
+        EXPECT_EQ(shell.Started.size(), row.Runs ? 1U : 0U);
+    }
 }
 
 TEST_F(UpdateInstallationTest, SetsAsideWhatDoesNotRun) {
@@ -131,13 +91,13 @@ TEST_F(UpdateInstallationTest, SetsAsideWhatDoesNotRun) {
     const Lines told = {"Set aside: " + (programFolder / "Korvalin_failed.exe").string()};
     for (bool* fault : {&shell.Starts, &lock.NewProgramRuns}) {
         *fault = false;
-        PutRunnable();
+        Put("Korvalin_new.exe", 200'000);
         EXPECT_FALSE(Run("Korvalin.exe"));
         EXPECT_EQ(TakeBoxes(), told);
-        EXPECT_FALSE(fs::exists(new_));
+        EXPECT_FALSE(fs::exists(newProgram));
         *fault = true;
     }
-    PutRunnable(); // says that it runs, but does not get as far as installing itself
+    Put("Korvalin_new.exe", 200'000); // says that it runs, but does not get as far as installing itself
     EXPECT_TRUE(Run("Korvalin.exe"));
     EXPECT_TRUE(Run("Korvalin.exe"));
     EXPECT_FALSE(Run("Korvalin.exe"));
@@ -151,7 +111,7 @@ TEST_F(UpdateInstallationTest, KeepsAGoodLanguageFile) {
     EXPECT_TRUE(Run("Korvalin_new.exe"));
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), old);
     EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
-    EXPECT_EQ(fs::file_size(old_), 300U);
+    EXPECT_EQ(fs::file_size(running), 300U);
 }
 
 TEST_F(UpdateInstallationTest, InstallsItself) {
@@ -159,7 +119,7 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     Put("KORVALIN_NEW.EXE", 200'000, hours(-5)); // a clock that was set back since
     const double start = clock.AwakeSeconds();
     lock.OldProgramRuns = [&] {
-        EXPECT_EQ(fs::file_size(old_), 10U) << "its file could be deleted while it runs";
+        EXPECT_EQ(fs::file_size(running), 10U) << "its file could be deleted while it runs";
         return clock.AwakeSeconds() < start + 12;
     };
     folder.Write("program/KorvalinLng_new.lng", WholeTexts("of an update"));
@@ -168,8 +128,8 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     EXPECT_FALSE(boxes.WaitingOpen);
     EXPECT_GE(clock.AwakeSeconds(), start + 12);
     lock.OldProgramRuns = [] { return false; };
-    EXPECT_EQ(shell.Started, std::vector<fs::path>{old_});
-    EXPECT_EQ(fs::file_size(old_), 200'000U);
+    EXPECT_EQ(shell.Started, std::vector<fs::path>{running});
+    EXPECT_EQ(fs::file_size(running), 200'000U);
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), WholeTexts("of an update"));
     EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
     EXPECT_NEAR(settings.Get(Keys::UpdateLast), clock.Now(), OneSecond);
@@ -177,21 +137,21 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     EXPECT_TRUE(Run("KORVALIN_NEW.EXE"));
     EXPECT_EQ(folder.Read("program/Korvalin.lng"), WholeTexts("of the other name"));
     // The installed program must not hand over again.
-    fs::rename(programFolder / "KORVALIN_NEW.EXE", new_);
+    fs::rename(programFolder / "KORVALIN_NEW.EXE", newProgram);
     EXPECT_FALSE(Run("Korvalin.exe"));
 }
 
 TEST_F(UpdateInstallationTest, EndsWhileTheOldProgramIsHeld) {
-    const std::string held = "Still there: " + old_.string();
-    const Lines asked = {held + "!", held + " but " + new_.string() + " is new."};
+    const std::string held = "Still there: " + running.string();
+    const Lines asked = {held + "!", held + " but " + newProgram.string() + " is new."};
     const std::pair<double, Lines> rows[] = {{1e9, asked}, {40, {asked[0]}}, {20, {}}}; // released after
     for (const auto& [released, shown] : rows) {
         Put("Korvalin_new.exe", 300);
-        fs::remove_all(old_);
-        fs::create_directories(old_); // a folder of the file's name cannot be deleted
+        fs::remove_all(running);
+        fs::create_directories(running); // a folder of the file's name cannot be deleted
         const double start = clock.AwakeSeconds();
         events.OnProcessPending = [&] {
-            if (clock.AwakeSeconds() > start + released) fs::remove_all(old_);
+            if (clock.AwakeSeconds() > start + released) fs::remove_all(running);
         };
         shell.Started.clear();
         EXPECT_TRUE(Run("Korvalin_new.exe"));
@@ -208,7 +168,7 @@ TEST_F(UpdateInstallationTest, GoesOnItselfWhenTheDiskIsFull) {
     EXPECT_FALSE(Run("Korvalin_new.exe"));
     EXPECT_NE(boxes.Take().Text.find("Korvalin"), std::string::npos);
     EXPECT_TRUE(shell.Started.empty());
-    EXPECT_EQ(fs::file_size(old_), 10U) << "the old program is still there";
+    EXPECT_EQ(fs::file_size(running), 10U) << "the old program is still there";
     EXPECT_EQ(settings.Get(Keys::UpdateLast), 0);
 }
 

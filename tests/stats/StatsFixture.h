@@ -52,14 +52,17 @@ class StatsFixture : public TrafficFixture {
     PeriodSums periodSums{aliases, errors, locale};
     OpenConnections openConnections{
         {.LineState = lines, .DataFolder = dataFolder, .RecordingLock = recordingLock, .Journal = journal}};
-    StatFile statFile{{.DataFolder = dataFolder,
-                       .Files = files,
-                       .Events = events,
-                       .Clock = clock,
-                       .Errors = errors,
-                       .OpenConnections = openConnections,
-                       .Aliases = aliases,
-                       .Locale = locale}};
+    StatFile::Parts FileOn(Files& someFiles) {
+        return {.DataFolder = dataFolder,
+                .Files = someFiles,
+                .Events = events,
+                .Clock = clock,
+                .Errors = errors,
+                .OpenConnections = openConnections,
+                .Aliases = aliases,
+                .Locale = locale};
+    }
+    StatFile statFile{FileOn(files)};
     StatRecords records;
 };
 

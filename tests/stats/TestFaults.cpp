@@ -3,7 +3,6 @@
 #include "fakes/ChildProcess.h"
 #include "platform/linux/files/PosixFiles.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <poll.h>
@@ -40,54 +39,65 @@ class StatFaults : public StatsFixture {
         std::this_thread::sleep_for(part * whole); // chooses the moment, waits for nothing
         process.Kill();
     }
+    // Kills `change` at moments all over it: the file is the old one or the new one, which has kept the old.
+    // `goOn` then does what may come next. What is left half done is no hindrance.
+    template <typename Change, typename GoOn>
+    void KillAllOver(const std::string& before, const std::string& after, Change&& change, GoOn&& goOn) {
+        const auto finish = [&] {
+            Begin(before);
+            ChildProcess(change).Finish();
+            ASSERT_EQ(File(), after);
+        };
+        const auto begin = Clock::now();
+        finish();
+        const auto whole = Clock::now() - begin;
+        constexpr int runs = 60;
+        for (int run = 0; run < runs; ++run) {
+            Begin(before);
+            KillAfter(whole, 1.3 * run / runs, change);
+            const std::string left = File();
+            ASSERT_TRUE(left == before || left == after) << "half a file";
+            ASSERT_TRUE(left == before || Backups() == Lines{before}) << "the old file is gone";
+            goOn(left);
+        }
+        finish();
+        EXPECT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
+    }
+    // The file without backups, of which the last is a second name of the one before.
+    void Begin(const std::string& content) {
+        for (const fs::path& backup : BackupFiles())
+            fs::remove(backup);
+        fs::remove(folder / "Korvalin_Stats.db");
+        folder.Write("Korvalin_Stats.db", content);
+    }
+    std::vector<fs::path> BackupFiles() const {
+        std::vector<fs::path> found;
+        for (const auto& entry : fs::directory_iterator(folder.Path())) {
+            if (entry.path().filename().string().starts_with("Korvalin_Stats.db_")) found.push_back(entry);
+        }
+        return found;
+    }
     Lines Backups() const {
         Lines contents;
-        for (const auto& entry : fs::directory_iterator(folder.Path())) {
-            const std::string name = entry.path().filename();
-            if (name.starts_with("Korvalin_Stats.db_")) contents.push_back(folder.Read(name));
-        }
+        for (const fs::path& file : BackupFiles())
+            contents.push_back(folder.Read(file.filename().string()));
         return contents;
     }
     std::string File() const { return folder.Read("Korvalin_Stats.db"); }
 
     PosixFiles posix;
-    StatFile stats{{.DataFolder = dataFolder,
-                    .Files = posix,
-                    .Events = events,
-                    .Clock = clock,
-                    .Errors = errors,
-                    .OpenConnections = openConnections,
-                    .Aliases = aliases,
-                    .Locale = locale}};
+    StatFile stats{FileOn(posix)};
 };
 
 TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
     const std::string clean = NumberedUpTo(2000);
     const std::string damaged = "damaged\r\n" + clean + "damaged\r\n\r\n" + NumberedUpTo(10);
     const auto repair = [&] { stats.LoadStatFile(records, true); };
-    const auto begin = Clock::now();
-    folder.Write("Korvalin_Stats.db", damaged);
-    ChildProcess(repair).Finish();
-    const auto whole = Clock::now() - begin;
-    EXPECT_EQ(File(), clean);
-
-    constexpr int runs = 60;
-    std::mt19937 random(7);
-    std::uniform_real_distribution<double> jitter(0, 1.3 / runs);
-    for (int run = 0; run < runs; ++run) {
-        for (const auto& entry : fs::directory_iterator(folder.Path())) {
-            if (entry.is_regular_file()) fs::remove(entry.path());
-        }
-        folder.Write("Korvalin_Stats.db", damaged);
-        KillAfter(whole, 1.3 * run / runs + jitter(random), repair);
-        const std::string left = File();
-        ASSERT_TRUE(left == damaged || left == clean) << "half a file";
-        ASSERT_TRUE(left == damaged || Backups() == Lines{damaged}) << "the old file is gone";
+    KillAllOver(damaged, clean, repair, [&](const std::string&) {
         ASSERT_EQ(stats.LoadStatFile(records, true), 2000);
         ASSERT_EQ(Stored(), clean);
         ASSERT_EQ(File(), clean);
-        ASSERT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
-    }
+    });
 }
 
 TEST_F(StatFaults, ADeletionThatIsKilledLosesAndDoublesNothing) {
@@ -95,41 +105,18 @@ TEST_F(StatFaults, ADeletionThatIsKilledLosesAndDoublesNothing) {
     const std::string before = NumberedUpTo(count);
     const std::string appended = Numbered(count + 1); // since the load
     std::string after;
-    for (int i = 1; i <= count; ++i) {
-        if (i % 2 != 0) after += Numbered(i);
+    std::vector<std::uint32_t> evens;
+    for (int i = 1; i <= count; i += 2) {
+        after += Numbered(i);
+        evens.push_back(static_cast<std::uint32_t>(i));
     }
     folder.Write("Korvalin_Stats.db", before);
     ASSERT_EQ(stats.LoadStatFile(records, false), count);
-    ASSERT_EQ(AppendLines(appended), 0);
-    std::vector<std::uint32_t> evens;
-    for (std::uint32_t i = 1; i < count; i += 2)
-        evens.push_back(i);
     const auto deletion = [&] { ASSERT_EQ(stats.DeleteRecords(records, evens), StatFile::Deletion::Done); };
-    const auto begin = Clock::now();
-    ChildProcess(deletion).Finish();
-    const auto whole = Clock::now() - begin;
-    ASSERT_EQ(File(), after + appended);
-
-    constexpr int runs = 60;
-    for (int run = 0; run < runs; ++run) {
-        fs::remove(folder / "Korvalin_Stats.db"); // the backup is a second name of the one before
-        for (const auto& entry : fs::directory_iterator(folder.Path())) {
-            if (entry.path().filename().string().starts_with("Korvalin_Stats.db_")) fs::remove(entry.path());
-        }
-        folder.Write("Korvalin_Stats.db", before + appended);
-        KillAfter(whole, 1.2 * run / runs, deletion);
-        const std::string left = File();
-        const bool isOld = left == before + appended;
-        ASSERT_TRUE(isOld || left == after + appended) << "half a file";
-        ASSERT_TRUE(isOld || Backups() == Lines{before + appended}) << "the old file is gone";
-        // What was left half done is no hindrance, neither to the recorder nor to another try.
+    KillAllOver(before + appended, after + appended, deletion, [&](const std::string& left) {
         ASSERT_EQ(AppendLines(Numbered(count + 2)), 0);
         ASSERT_EQ(File(), left + Numbered(count + 2));
-    }
-    folder.Write("Korvalin_Stats.db", before);
-    ChildProcess(deletion).Finish();
-    EXPECT_EQ(File(), after);
-    EXPECT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
+    });
 }
 
 TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
@@ -156,21 +143,6 @@ TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
         ASSERT_EQ(AppendLines(Numbered(++acknowledged)), 0);
         ASSERT_EQ(stats.LoadStatFile(records, true), acknowledged);
     }
-}
-
-TEST_F(StatFaults, ProgramsThatAppendAtOnceWriteWholeLines) {
-    constexpr int each = 200;
-    const auto append = [&](int first) {
-        for (int i = 0; i < each; ++i)
-            ASSERT_EQ(AppendLines(Numbered(first + i)), 0);
-    };
-    ChildProcess one([&] { append(1); });
-    ChildProcess two([&] { append(1 + each); });
-    one.Finish();
-    two.Finish();
-    EXPECT_EQ(stats.LoadStatFile(records, false), 2 * each);
-    EXPECT_EQ(Stored(), NumberedUpTo(2 * each));
-    EXPECT_EQ(stats.Report().Dropped, 0U);
 }
 
 TEST_F(StatFaults, NothingAppendedDuringRepairsIsLost) {

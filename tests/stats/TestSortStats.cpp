@@ -70,30 +70,27 @@ TEST_F(SortStatsTest, NoOrderOfTheInputMakesItSlowOrWrong) {
         for (int i = 0; i < count; ++i)
             Add(i % 3 == 0 ? "eth0" : "wlan0", value(i), 0).FileIndex = i;
         std::vector<StatRecord> expected = records.List;
-        std::stable_sort(expected.begin(), expected.end(),
-                         [](const StatRecord& left, const StatRecord& right) {
-                             const int order = left.LineName.View().compare(right.LineName.View());
-                             return order != 0 ? order < 0 : left.LogIn < right.LogIn;
-                         });
+        std::ranges::stable_sort(expected, {}, [](const StatRecord& record) {
+            return std::pair(record.LineName.View(), record.LogIn);
+        });
         SortStats(records.List, {"LineName", true}, {"LogIn", true}, locale);
-        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), records.List.begin(),
-                               [](const StatRecord& left, const StatRecord& right) {
-                                   return left.FileIndex == right.FileIndex;
-                               }))
+        EXPECT_TRUE(
+            std::ranges::equal(expected, records.List, {}, &StatRecord::FileIndex, &StatRecord::FileIndex))
             << what;
     }
 }
 
 TEST_F(SortStatsTest, NotesOrderByTheirBytesAndEqualOnesKeepTheirOrder) {
-    const std::string_view notes[] = {"31.12.2004 22:22:22 off",
-                                      "31.12.2004 22:22:21 off",
-                                      "",
-                                      "31.12.2004 22:22",
-                                      "\xC3\xA4",
-                                      "31.12.2004 22:22:22 off",
-                                      "31.12.2",
-                                      std::string_view("31.12.2\0", 8),
-                                      "z"};
+    using namespace std::string_view_literals;
+    const auto notes = {"31.12.2004 22:22:22 off"sv,
+                        "31.12.2004 22:22:21 off"sv,
+                        ""sv,
+                        "31.12.2004 22:22"sv,
+                        "\xC3\xA4"sv,
+                        "31.12.2004 22:22:22 off"sv,
+                        "31.12.2"sv,
+                        "31.12.2\0"sv,
+                        "z"sv};
     for (const std::string_view note : notes)
         Add("a", 1, 0).Info = records.Texts.Store(note);
     std::vector<std::uint32_t> rows(records.List.size());

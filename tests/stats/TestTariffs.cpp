@@ -15,7 +15,7 @@ TEST_F(Tariffs, ALineIsItsOwnAliasUntilItGetsAnother) {
     EXPECT_EQ(aliases.GetAlias("ETH0"), "Home");
     EXPECT_EQ(aliases.GetAlias("wlan0"), "home");
     EXPECT_EQ(aliases.GetAlias("Office"), "Office");
-    EXPECT_EQ(settings.Get(Keys::Alias("Office")), "Office");
+    EXPECT_EQ(settings.Get(Keys::Alias("Office")), "Office") << "which is stored";
     settings.SetReg("Office_Alias", std::string("changed"));
     EXPECT_EQ(aliases.GetAlias("office"), "Office") << "known lines are not looked up again";
     EXPECT_EQ(aliases.AliasCount(), 2U) << "one for both lines";
@@ -130,59 +130,35 @@ TEST_F(Tariffs, MonthSumsHoldWhatEndedInTheCurrentPeriod) {
     EXPECT_EQ(monthSums.UseOf("eth0").UsedBytes, 0) << "neither recorded nor open";
 }
 
-TEST_F(Tariffs, TheMonthsUseIsWhatIsRecordedAndWhatIsOpenEachOnce) {
+// Without rounding EveryByte looks at it at every moment.
+TEST_F(Tariffs, TheMonthsUseIsRoundedForEachConnectionRecordedOrOpen) {
     settings.SetReg("eth1_Alias", std::string("eth0"));
-    settings.SetReg("ISP_FreeVolume", 10);
     monthSums.CalcStatsThisMonth(records, 0);
-    const auto open = [&](std::size_t line, const char* name, Date logIn, Date end, double received) {
-        if (lines.LineTable.Size() < line) lines.LineTable.Resize(line);
+    lines.LineTable.Resize(2);
+    const auto open = [&](std::size_t line, const char* name, Date logIn, double hours, double received) {
         LineRecord& record = lines.LineTable(line);
         record.EntryName = name;
         record.LogIn = logIn;
-        record.Duration = end - logIn;
+        record.Duration = hours / 24;
         record.BytesReceived = received;
         record.Connected = true;
     };
-    const auto used = [&](const char* line) { return monthSums.UseOf(line).UsedBytes / 1e6; };
-    open(1, "eth0", At("2024-03-15 11:00:00"), At("2024-03-15 12:00:00"), 1'500'000);
-    open(2, "eth1", At("2024-03-15 11:00:00"), At("2024-03-15 12:00:00"), 200'000);
-    EXPECT_EQ(used("eth1"), 2 + 1) << "all lines of the alias";
-    monthSums.Add(ConnectionOf(lines.LineTable(1)));
+    const auto used = [&] { return monthSums.UseOf("eth1").UsedBytes / 1e6; };
+    open(1, "eth0", At("2024-03-15 11:00:00"), 1, 1'500'000);
+    open(2, "eth1", At("2024-03-15 11:00:00"), 1, 200'000);
+    EXPECT_EQ(used(), 2 + 1) << "all lines of the alias";
+    OpenConnection part = ConnectionOf(lines.LineTable(1));
+    monthSums.Add(part);
     lines.LineTable(1).RecordedReceived = 1'500'000;
     lines.LineTable(1).Connected = false;
-    EXPECT_EQ(used("eth0"), 2 + 1) << "it has only become a record";
-
-    // A connection over midnight is rounded as one.
-    OpenConnection part = ConnectionOf(lines.LineTable(1));
+    EXPECT_EQ(used(), 2 + 1) << "it has only become a record";
     part.LogIn = At("2024-03-15 20:00:00");
     part.End = At("2024-03-15 23:59:59");
     part.BytesReceived = 400'000;
     monthSums.Add(part);
-    EXPECT_EQ(used("eth0"), 2 + 1 + 1);
-    open(1, "eth0", At("2024-03-16"), At("2024-03-16 01:00:00"), 1'500'000 + 500'000);
-    EXPECT_EQ(used("eth0"), 2 + 1 + 1) << "both parts together are below a unit";
-
-    // A dial-up line that was recorded when the program ended goes on.
-    OpenConnection isp{"ISP", At("2024-03-15 10:00:00"), At("2024-03-15 11:00:00"), 2'500'000, 0, "", "",
-                       true};
-    monthSums.Add(isp);
-    open(1, "isp", isp.LogIn + OneSecond, At("2024-03-15 12:00:00"), 4'200'000);
-    lines.LineTable(1).RecordedReceived = 0;
-    lines.LineTable(1).IsRas = true;
-    EXPECT_EQ(used("ISP"), 5);
-    isp.End = At("2024-03-15 12:30:00");
-    isp.BytesReceived = 5'100'000;
-    monthSums.Add(isp);
-    lines.LineTable(1).Connected = false;
-    EXPECT_EQ(used("ISP"), 6);
-    EXPECT_EQ(monthSums.Sum(aliases.AliasIndex("ISP")).ConnCount, 1);
-
-    // What the file does not hold yet when it is read again stays counted.
-    records = StatRecords();
-    monthSums.CalcStatsThisMonth(records, monthSums.RecordsMade() - 1);
-    EXPECT_EQ(used("ISP"), 6);
-    clock.SetWallClock(At("2024-04-01 00:00:01"));
-    EXPECT_EQ(used("ISP"), 0);
+    EXPECT_EQ(used(), 2 + 1 + 1);
+    open(1, "eth0", At("2024-03-16"), 1, 1'500'000 + 500'000);
+    EXPECT_EQ(used(), 2 + 1 + 1) << "both parts over midnight together are below a unit";
 }
 
 } // namespace
