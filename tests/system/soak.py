@@ -47,10 +47,10 @@ class Machine:
         self.moved = {}  # what each line has received and sent so far
         self.clock, self.net = self.home.path / "clock", self.home.path / "net"
         self.prepare_network()
-        bus = self.nm.launch(["dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
-                              f"--address=unix:path={self.home.path}/session"], stdout=subprocess.PIPE, text=True)
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
-        stack.callback(rig.NotifierHost(self.env).close)
+        desktop = rig.Case()
+        desktop.home = self.home
+        stack.callback(desktop.doCleanups)
+        rig.NotifierHost(desktop)
         self.set_clock(0)
         self.start_window()
 
@@ -61,13 +61,13 @@ class Machine:
         self.nm.nmcli("connection", "modify", "DSL", "ipv6.method", "disabled")
         for where in (self.nm.here, self.nm.there):
             # IPv6 would send packets of its own.
-            self.run(where, "sh", "-c", "for f in /proc/sys/net/ipv6/conf/*/disable_ipv6; do [ ! -e $f ] || echo 1 > $f; done")
+            self.nm.inside(where, "sh", "-c", "for f in /proc/sys/net/ipv6/conf/*/disable_ipv6; do [ ! -e $f ] || echo 1 > $f; done")
         for name in ("wan0", "lan0", "usb0", "usb1"):
             (self.net / name / "device").mkdir(parents=True)
         (self.net / "ppp0").symlink_to("/sys/devices/virtual/net/ppp0")  # its counters are read there
         self.add("lan0")
-        self.ip(self.nm.here, "route add default via 10.77.0.2")
-        self.before = self.counted("lan0")
+        self.nm.ip("route add default via 10.77.0.2")
+        self.before = self.nm.counted("lan0")
 
     def start_window(self):
         # The threshold is above what comes over wan0 of itself: followed and never pulled, it would keep the line that dials
@@ -84,23 +84,12 @@ class Machine:
         beside.write_text(f"{FIRST_EVENING.timestamp() + day * 86400 - time.time():+.0f}\n")  # from the true time
         beside.rename(self.clock)
 
-    @staticmethod
-    def run(where, *command):
-        subprocess.run(["ip", "netns", "exec", where, *command], check=True, capture_output=True, text=True)
-
-    @staticmethod
-    def ip(where, words, check=True):
-        subprocess.run(["ip", "-n", where, *words.split()], check=check, capture_output=True, text=True)
-
-    def counted(self, link):
-        return [self.nm.counter(link, which) for which in ("rx_bytes", "tx_bytes")]
-
     def add(self, name):
         far, near_address, far_address = FAR[name]
-        self.ip(self.nm.here, f"link add {name} type veth peer name {far} netns {self.nm.there}")
+        self.nm.ip(f"link add {name} type veth peer name {far} netns {self.nm.there}")
         for where, link, address in ((self.nm.there, far, far_address), (self.nm.here, name, near_address)):
-            self.ip(where, f"address add {address}/24 dev {link}")
-            self.ip(where, f"link set {link} address {self.hardware_address(address)} up")
+            self.nm.ip(f"address add {address}/24 dev {link}", where)
+            self.nm.ip(f"link set {link} address {self.hardware_address(address)} up", where)
         self.plugged_in(name)
         self.send(name, 2)
 
@@ -112,17 +101,17 @@ class Machine:
         """With a fixed neighbour: no ARP at odd times."""
         far, near_address, far_address = FAR[name]
         for where, link, other in ((self.nm.there, far, near_address), (self.nm.here, name, far_address)):
-            self.ip(where, f"neighbour replace {other} lladdr {self.hardware_address(other)} dev {link} nud permanent")
-        rig.wait_for(lambda: self.nm.run("cat", f"/sys/class/net/{name}/operstate") == "up", f"the carrier of {name}")
+            self.nm.ip(f"neighbour replace {other} lladdr {self.hardware_address(other)} dev {link} nud permanent", where)
+        rig.wait_for(lambda: self.nm.link(name)["operstate"] == "UP", f"the carrier of {name}")
 
     def send(self, name, packets):
         far, near_address, far_address = FAR[name]
         for where, link, to in ((self.nm.there, far, near_address), (self.nm.here, name, far_address)):
-            self.run(where, sys.executable, "-c", rig.SEND, link, str(packets), to)
+            self.nm.inside(where, *rig.sender(link, packets, to))
 
     def account(self, line, link, since=(0, 0)):
         """Until the statistics have what the line's adapter carried since; its counters."""
-        counted = self.counted(link)
+        counted = self.nm.counted(link)
         self.moved[line] = [a + b - c for a, b, c in zip(self.moved.get(line, (0, 0)), counted, since)]
         with contextlib.suppress(AssertionError):  # it is in the figures then
             rig.wait_for(lambda: self.bytes_off(line) == 0, f"the bytes of {line}", 15)
@@ -155,30 +144,31 @@ class Machine:
         self.add("usb0")
         self.send("usb0", 200)
         before = self.account("usb0", "usb0")
-        self.ip(self.nm.here, "link set usb0 down")
-        self.ip(self.nm.here, "link set usb0 name usb1 up")
+        self.nm.ip("link set usb0 down")
+        self.nm.ip("link set usb0 name usb1 up")
         self.plugged_in("usb1")
         self.send("usb1", 200)
         self.account("usb1", "usb1", before)
         for name in ("usb1", "veth5"):
-            self.ip(self.nm.here, f"link delete {name}")
+            self.nm.ip(f"link delete {name}")
 
     def dial(self):
-        self.ip(self.nm.there, "link set far77 down")  # while it is plugged in, adapters are followed
+        self.nm.ip("link set far77 down", self.nm.there)  # while it is plugged in, adapters are followed
         self.nm.nmcli("connection", "up", "DSL")
         self.send("ppp0", 50)
         self.account("DSL", "ppp0")
         self.nm.nmcli("connection", "down", "DSL")
-        self.ip(self.nm.there, "link set far77 up")
+        self.nm.ip("link set far77 up", self.nm.there)
         self.plugged_in("lan0")
 
     def tidy(self):
         """After a day that was broken off."""
         self.window.send_signal(signal.SIGCONT)
         for name in ("usb0", "usb1", "veth5"):
-            self.ip(self.nm.here, f"link delete {name}", check=False)
+            with contextlib.suppress(subprocess.CalledProcessError):
+                self.nm.ip(f"link delete {name}")
         self.nm.nmcli("connection", "down", "DSL", check=False)
-        self.ip(self.nm.there, "link set far77 up")
+        self.nm.ip("link set far77 up", self.nm.there)
         self.plugged_in("lan0")
 
     # ---- what it takes
