@@ -89,14 +89,14 @@ class Records:
         self.random = random.Random(2004)
         self.lines = []
 
-    def add(self, line, day, begin, hours, gigabytes, note=""):
+    def add(self, line, day, begin, hours, gigabytes):
         midnight = datetime.datetime.combine(day, datetime.time())
         log_in = midnight + datetime.timedelta(hours=begin, seconds=self.random.randrange(600))
         span = int(hours * 3600) + self.random.randrange(500)
         down = int(gigabytes * GIGABYTE * self.random.uniform(0.6, 1.3))
         up = int(down * self.random.uniform(0.07, 0.16))
         duration = f"{span // 3600:02}:{span // 60 % 60:02}:{span % 60:02}"
-        self.lines.append((log_in, f'"{line}",#{log_in:%Y-%m-%d %H:%M:%S}#,#{duration}#,{up},{down},"{note}",""\r\n'))
+        self.lines.append((log_in, f'"{line}",#{log_in:%Y-%m-%d %H:%M:%S}#,#{duration}#,{up},{down},"",""\r\n'))
 
     def day(self, day, weight):
         works = day.weekday() < 5
@@ -197,12 +197,9 @@ class Pictures(rig.DesktopCase):
     def test_pictures(self):
         self.start(prefix=self.network.prefix())
         main = self.main_window()
-        self.statistics(main)
-        self.settings(main)
-        time.sleep(max(0, SECONDS_OF_CHART + 8 - (time.monotonic() - self.begun)))
-        self.display.tool("xdotool", "windowactivate", "--sync", main)
-        self.window_shot("monitor", main)
-        self.tray()
+        for take in (self.statistics, self.settings, self.monitor, self.tray):
+            with self.subTest(take.__name__):  # one that fails leaves the others
+                take(main)
 
     def start(self, *arguments, **options):
         self.begun = time.monotonic()
@@ -211,10 +208,13 @@ class Pictures(rig.DesktopCase):
     def statistics(self, main):
         self.choose(main, "s")
         window = self.titled("^Statistics$")
-        for key, name in (("c", "connections"), ("g", "graph"), ("s", "sums")):
+        shown = set()
+        for key, page in (("c", "connections"), ("g", "graph"), ("s", "sums")):
             self.press(window, f"alt+{key}")
             time.sleep(1)
-            self.window_shot(name, window)
+            self.window_shot(page, window)
+            shown.add(self.seen(window))
+        self.assertEqual(len(shown), 3, "the tabs' access keys")
         self.close(window)
 
     def settings(self, main):
@@ -225,7 +225,13 @@ class Pictures(rig.DesktopCase):
         self.window_shot("settings", window)
         self.press(window, "Escape")
 
-    def tray(self):
+    def monitor(self, main):
+        """Once its chart is full."""
+        time.sleep(max(0, SECONDS_OF_CHART + 8 - (time.monotonic() - self.begun)))
+        self.display.tool("xdotool", "windowactivate", "--sync", main)
+        self.window_shot("monitor", main)
+
+    def tray(self, _):
         """The icon with its tooltip, at twice their size."""
         self.end(self.program)
         self.home.env["QT_SCALE_FACTOR"] = "2"
