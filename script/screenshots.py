@@ -154,8 +154,8 @@ class Pictures(rig.DesktopCase):
             self.home.set(**{f"{alias}_FreeVolume": megabytes, f"{alias}_MonthStartDay": begin, f"{alias}_Up1MB": "False"})
         self.home.set(**{f"{LINE}_Alias": "Home", "Home_TrayVol": "True", "Office_Up1MB": "False", "AutoStart": "False"})
         self.home.set(ShowTitle="True", ForeGround="False", MultiScreen="True", MON_Left_1024=600, MON_Top_768=600,
-                      MON_Width=9000, MON_Height=2500, picWidthMin=SECONDS_OF_CHART // 60, TimeLinesSec=30, FontSize=12,
-                      LineDL1Show="True", TrayMaxRate=1000)
+                      MON_Width=9000, MON_Height=2500, picWidthMin=SECONDS_OF_CHART // 60, ConnDataMax=300,
+                      TimeLinesSec=30, FontSize=12, LineDL1Show="True", TrayMaxRate=1000)
         self.home.set(Stat_Dimension="GB", z_optStatSum=2, GAlias="Home", GMaxPeriods=12, GPalette=int(DARK),
                       GFrom=datetime.date.today() - datetime.timedelta(days=DAYS),
                       STATS_Left=150, STATS_Top=300, STATS_Width=14500, STATS_Height=8700)
