@@ -46,35 +46,38 @@ void AddLineFamily(std::string& text, const std::vector<LineFigures>& lines, con
 struct AliasFamily {
     const char* Name;
     const char* Help;
-    bool NeedsAllowance;
+    bool (*Has)(const AllowanceUse&);
     double (*Value)(const AllowanceUse&);
 };
 
 void AddAliasFamilies(std::string& text, const std::vector<AliasUse>& aliases,
                       AllowanceUse AliasUse::*measure, const char* unit, double scale) {
+    const auto always = [](const AllowanceUse&) { return true; };
+    const auto hasAllowance = [](const AllowanceUse& use) { return use.HasAllowance(); };
     const AliasFamily families[] = {
-        {"korvalin_period_used", "Used in the running billing period.", false,
+        {"korvalin_period_used", "Used in the running billing period.", always,
          [](const AllowanceUse& use) { return use.Used; }},
-        {"korvalin_today_used", "Used today.", false, [](const AllowanceUse& use) { return use.Today; }},
-        {"korvalin_period_forecast", "What will be used when the period ends.", false,
+        {"korvalin_today_used", "Used today.", always, [](const AllowanceUse& use) { return use.Today; }},
+        {"korvalin_period_forecast", "What will be used when the period ends.",
+         [](const AllowanceUse& use) { return use.HasForecast; },
          [](const AllowanceUse& use) { return use.Forecast(); }},
-        {"korvalin_period_allowance", "The allowance of the billing period.", true,
+        {"korvalin_period_allowance", "The allowance of the billing period.", hasAllowance,
          [](const AllowanceUse& use) { return use.Allowance; }},
-        {"korvalin_period_left", "What is left of the allowance.", true,
+        {"korvalin_period_left", "What is left of the allowance.", hasAllowance,
          [](const AllowanceUse& use) { return use.Left(); }}};
     for (const AliasFamily& family : families) {
         std::vector<Sample> samples;
         for (const AliasUse& alias : aliases) {
             const AllowanceUse& use = alias.*measure;
-            if (use.HasAllowance() || !family.NeedsAllowance)
-                samples.push_back({"alias", alias.Alias, family.Value(use) * scale});
+            if (family.Has(use)) samples.push_back({"alias", alias.Alias, family.Value(use) * scale});
         }
         AddFamily(text, fmt::format("{}_{}", family.Name, unit), family.Help, "gauge", samples);
     }
 }
 
-// Readers of the older text format take a counter's type by its full name, those of the newer one by the name
-// without "_total". Without a type both take it, and rates are made of it all the same.
+// The counters have no TYPE line: the Prometheus text format would want "..._total" in it, OpenMetrics the
+// name without "_total", and the file is read by readers of both. Without one both take the samples as
+// untyped, and rates can be made of them all the same.
 std::string MetricsText(Program& program) {
     UseOfLines figures(program);
     figures.Renew();

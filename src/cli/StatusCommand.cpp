@@ -1,3 +1,4 @@
+#include "base/Locale.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/KnownAliases.h"
@@ -10,11 +11,15 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
+#include <utility>
 
 namespace korvalin {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+constexpr const char* dayPattern = "yyyy-mm-dd";
 
 // Three digits at most, in the unit that fits.
 std::string ShortBytes(double bytes) {
@@ -42,17 +47,20 @@ std::string LeftText(const AliasUse& use) {
 }
 
 std::string StatusText(double received, double transmitted, const AliasUse& use) {
-    return fmt::format("\u2193 {}/s \u2191 {}/s  today {}  period {}{}  forecast {}", ShortBytes(received),
+    const std::string forecast =
+        use.Volume.HasForecast ? "  forecast " + ShortBytes(use.Volume.Forecast()) : std::string();
+    return fmt::format("\u2193 {}/s \u2191 {}/s  today {}  period {}{}{}", ShortBytes(received),
                        ShortBytes(transmitted), ShortBytes(use.Volume.Today), ShortBytes(use.Volume.Used),
-                       LeftText(use), ShortBytes(use.Volume.Forecast()));
+                       LeftText(use), forecast);
 }
 
 Json MeasureAsJson(const AllowanceUse& use, double unit) {
     const auto whole = [unit](double value) { return static_cast<std::int64_t>(std::round(value * unit)); };
-    Json json = {{"used", whole(use.Used)},
-                 {"today", whole(use.Today)},
-                 {"mean_per_day", whole(use.MeanPerDay)},
-                 {"forecast", whole(use.Forecast())}};
+    Json json = {{"used", whole(use.Used)}, {"today", whole(use.Today)}};
+    if (use.HasForecast) {
+        json["mean_per_day"] = whole(use.MeanPerDay);
+        json["forecast"] = whole(use.Forecast());
+    }
     if (!use.HasAllowance()) return json;
     json["allowance"] = whole(use.Allowance);
     json["left"] = whole(use.Left());
@@ -62,19 +70,32 @@ Json MeasureAsJson(const AllowanceUse& use, double unit) {
 
 Json UseAsJson(const AliasUse& use) {
     return {{"alias", use.Alias},
-            {"period_begin", FormatDateIso(use.PeriodBegin).substr(0, 10)},
-            {"period_end", FormatDateIso(use.PeriodEnd).substr(0, 10)},
+            {"period_begin", FormatPattern(use.PeriodBegin, dayPattern)},
+            {"period_end", FormatPattern(use.PeriodEnd, dayPattern)},
             {"fraction_elapsed", use.FractionElapsed},
             {"provider_correction_bytes", static_cast<std::int64_t>(use.Correction)},
             {"bytes", MeasureAsJson(use.Volume, 1)},
             {"seconds", MeasureAsJson(use.Online, SecondsPerDay)}};
 }
 
-// A panel colours its text by this.
-const char* ClassOf(const AllowanceUse& use) {
-    if (!use.HasAllowance()) return "unlimited";
-    if (use.Used >= use.Allowance) return "over";
-    return use.Forecast() > use.Allowance ? "tight" : "fine";
+// How an allowance stands, the graver the later.
+enum class Standing { Unlimited, Fine, Tight, Over };
+
+// What a panel colours its text by.
+constexpr const char* standingNames[] = {"unlimited", "fine", "tight", "over"};
+
+Standing StandingOf(const AllowanceUse& use) {
+    if (!use.HasAllowance()) return Standing::Unlimited;
+    if (use.Used >= use.Allowance) return Standing::Over;
+    return use.Forecast() > use.Allowance ? Standing::Tight : Standing::Fine;
+}
+
+// Of volume and hours what runs out first.
+const AllowanceUse& GraverOf(const AliasUse& use) {
+    const auto gravity = [](const AllowanceUse& measure) {
+        return std::pair(StandingOf(measure), measure.Percent());
+    };
+    return gravity(use.Online) > gravity(use.Volume) ? use.Online : use.Volume;
 }
 
 } // namespace
@@ -93,9 +114,10 @@ int PrintStatus(Program& program, const std::string& alias, bool asJson, bool wa
         const AliasUse use = figures.Of(alias);
         const std::string text = StatusText(received, transmitted, use);
         if (asJson) {
+            const AllowanceUse& graver = GraverOf(use);
             Json json = {{"text", text},
-                         {"class", ClassOf(use.Volume)},
-                         {"percentage", std::min(std::round(use.Volume.Percent()), 100.0)},
+                         {"class", standingNames[static_cast<int>(StandingOf(graver))]},
+                         {"percentage", std::min(std::round(graver.Percent()), 100.0)},
                          {"received_per_second", std::round(received)},
                          {"transmitted_per_second", std::round(transmitted)}};
             json.update(UseAsJson(use));
@@ -118,14 +140,18 @@ int TakeProvidersFigure(Program& program, const std::string& alias, std::optiona
         return ExitUsage;
     }
     program.aliases.Correct(index, 0);
-    const double counted = program.monthSums.UseOf(index).Volume.Used / 1e6;
-    if (megabytes)
-        program.aliases.Correct(index, static_cast<std::int32_t>(std::round(*megabytes - counted)));
+    const double counted = program.monthSums.UseOf(index).Volume.Used / BytesPerAllowanceUnit;
+    const double correction = megabytes ? std::round(*megabytes - counted) : 0;
+    if (std::abs(correction) <= std::numeric_limits<std::int32_t>::max())
+        program.aliases.Correct(index, static_cast<std::int32_t>(correction));
     const AliasUse use = program.monthSums.UseOf(index);
+    const double stored = use.Correction / BytesPerAllowanceUnit;
     fmt::print("{}: counted {:.0f} MB, corrected by {:+.0f} MB, used {:.0f} MB till {}\n",
-               EscapeControls(use.Alias), counted, use.Correction / 1e6, use.Volume.Used / 1e6,
-               FormatDateIso(use.PeriodEnd).substr(0, 10));
-    return EXIT_SUCCESS;
+               EscapeControls(use.Alias), counted, stored, use.Volume.Used / BytesPerAllowanceUnit,
+               FormatPattern(use.PeriodEnd, dayPattern));
+    if (stored == correction) return EXIT_SUCCESS;
+    fmt::print(stderr, "A correction by {:+.0f} MB could not be stored.\n", correction);
+    return EXIT_FAILURE;
 }
 
 } // namespace korvalin

@@ -26,7 +26,8 @@ class UseOfLines {
   public:
     explicit UseOfLines(Program& program) : program_(program) {}
 
-    /// Waits until rates can be told of, then a second at each call.
+    /// Brings the figures up to date after waiting for the next full second. A rate is what moved between two
+    /// seconds, so the first call looks twice.
     void Renew();
 
     std::vector<LineFigures> Lines() const;

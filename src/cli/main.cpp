@@ -1,4 +1,5 @@
 #include "base/Locale.h"
+#include "base/Numbers.h"
 #include "cli/Commands.h"
 #include "cli/ConsoleMessageBoxes.h"
 #include "cli/Windowless.h"
@@ -17,6 +18,8 @@
 
 namespace korvalin {
 namespace {
+
+constexpr double mostMegabytes = 1e6; // as the allowance of a tariff
 
 struct Arguments {
     std::string Name, Value;
@@ -43,6 +46,12 @@ CLI::Option* AddChoice(CLI::App* command, const char* name, const char* descript
     return command->add_option(name, value, description)
         ->transform(CLI::CheckedTransformer(choices).description(""))
         ->type_name(words);
+}
+
+// A plain range would take "nan", which is neither below nor above it.
+std::string CheckMegabytes(const std::string& text) {
+    const std::optional<double> number = ParseNumber(text);
+    return number && *number >= 0 && *number <= mostMegabytes ? "" : "no number from 0 to 1000000: " + text;
 }
 
 class CommandLine {
@@ -114,8 +123,10 @@ class CommandLine {
                             "Into this file, at every moment a whole one, instead of printed");
         Provider = App.add_subcommand("provider", "Correct the use of the running period to the provider's");
         Provider->add_option("ALIAS", Arguments.Name, "Whose period")->required();
-        Provider->add_option("MEGABYTES", Arguments.Megabytes,
-                             "What the provider says is used; without it the correction ends");
+        Provider
+            ->add_option("MEGABYTES", Arguments.Megabytes,
+                         "What the provider says is used; without it the correction ends")
+            ->check(CheckMegabytes, "");
     }
 
     void AddStatistics() {
@@ -237,7 +248,8 @@ int main(int argc, char** argv) {
     LoadTexts(program);
     program.LogNotes(system.TakeNotes());
     const int exitCode = Run(line, ports, program, signals ? &*signals : nullptr);
-    if (line.Set->parsed() && exitCode != ExitUsage && !system.SettingsAreKept()) {
+    const bool stores = line.Set->parsed() || line.Provider->parsed();
+    if (stores && exitCode != ExitUsage && !system.SettingsAreKept()) {
         fmt::print(stderr, "The settings store cannot be written: nothing was kept.\n");
         return EXIT_FAILURE;
     }

@@ -7,11 +7,10 @@
 #include "platform/Clock.h"
 #include "settings/Settings.h"
 #include "stats/BillingPeriod.h"
+#include "stats/Forecast.h"
 
 namespace korvalin {
 namespace {
-
-constexpr double bytesPerFreeVolume = 1'000'000; // whatever unit the user chose
 
 std::size_t Find(const std::unordered_map<std::string, std::size_t>& lookup, const std::string& lowerName) {
     const auto found = lookup.find(lowerName);
@@ -76,7 +75,7 @@ void Aliases::FillAliasInfo(std::size_t aliasIndex, std::string_view aliasName) 
 void Aliases::ReadTariff(AliasInfo& info) {
     info.FreeHours = settings_.Get(Keys::FreeHours(info.Alias));
     info.FreeVolume = settings_.Get(Keys::FreeVolume(info.Alias));
-    info.FreeVolumeBytes = info.FreeVolume * bytesPerFreeVolume;
+    info.FreeVolumeBytes = info.FreeVolume * BytesPerAllowanceUnit;
     info.MonthStartDay = settings_.Get(Keys::MonthStartDay(info.Alias));
     const Date today = DayOf(clock_.Now());
     info.PeriodBegin = korvalin::PeriodBeginOf(today, info.MonthStartDay);
@@ -86,7 +85,7 @@ void Aliases::ReadTariff(AliasInfo& info) {
     info.FractionElapsed = RoundToEven(1e4 * info.DaysElapsed / info.DaysInPeriod) / 1e4;
     const bool isCorrected = settings_.Get(Keys::CorrectedFor(info.Alias)) == info.PeriodBegin;
     info.CorrectionBytes =
-        isCorrected ? settings_.Get(Keys::CorrectedBy(info.Alias)) * bytesPerFreeVolume : 0;
+        isCorrected ? settings_.Get(Keys::CorrectedBy(info.Alias)) * BytesPerAllowanceUnit : 0;
     info.RoundSeconds = settings_.Get(Keys::RoundSeconds(info.Alias));
     info.TrayTime = settings_.Get(Keys::TrayTime(info.Alias));
     info.TrayVol = settings_.Get(Keys::TrayVol(info.Alias));

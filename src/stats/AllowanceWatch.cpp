@@ -1,5 +1,6 @@
 #include "stats/AllowanceWatch.h"
 
+#include "base/Locale.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "errors/Errors.h"
@@ -33,7 +34,7 @@ std::vector<int> Percentages(const std::string& text) {
 }
 
 std::string PeriodText(const AliasUse& use) {
-    return FormatDateIso(use.PeriodBegin).substr(0, 10);
+    return FormatPattern(use.PeriodBegin, "yyyy-mm-dd");
 }
 
 } // namespace

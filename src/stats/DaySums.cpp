@@ -46,9 +46,9 @@ DayUse DaySums::On(std::size_t aliasIndex, Date day) const {
     return found != days->Uses.end() ? found->second : DayUse();
 }
 
-DayUse DaySums::MeanBefore(std::size_t aliasIndex, Date today, const DayUse& now) const {
+std::optional<DayUse> DaySums::MeanBefore(std::size_t aliasIndex, Date today) const {
     const Days* days = Find(aliasIndex);
-    if (days == nullptr || days->First == 0 || days->First >= today) return now;
+    if (days == nullptr || days->First == 0 || days->First >= today) return std::nullopt;
     const Date first = std::max(days->First, today - DaysBack);
     DayUse sum;
     for (auto day = days->Uses.lower_bound(first); day != days->Uses.end() && day->first < today; ++day) {
@@ -56,7 +56,7 @@ DayUse DaySums::MeanBefore(std::size_t aliasIndex, Date today, const DayUse& now
         sum.Online += day->second.Online;
     }
     const double count = today - first;
-    return {sum.Volume / count, sum.Online / count};
+    return DayUse{sum.Volume / count, sum.Online / count};
 }
 
 } // namespace korvalin

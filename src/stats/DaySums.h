@@ -3,6 +3,7 @@
 #include "stats/BilledParts.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -34,8 +35,8 @@ class DaySums {
     DayUse On(std::size_t aliasIndex, Date day) const;
 
     /// The mean day of the last days before `today`, of those since the alias was first used when these are
-    /// fewer. `now`, today's use, when there is none before.
-    DayUse MeanBefore(std::size_t aliasIndex, Date today, const DayUse& now) const;
+    /// fewer. Nothing when it was first used today.
+    std::optional<DayUse> MeanBefore(std::size_t aliasIndex, Date today) const;
 
   private:
     struct Days {

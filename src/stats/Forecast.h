@@ -7,17 +7,22 @@
 
 namespace korvalin {
 
+/// What allowances and the provider's corrections are counted in, whatever unit the user chose for volumes.
+inline constexpr double BytesPerAllowanceUnit = 1'000'000;
+
 /// The use of an allowance, in bytes or, of hours, as a time span.
 struct AllowanceUse {
     double Used = 0; ///< in the period so far
     double Today = 0;
-    double MeanPerDay = 0; ///< of the last days
-    double Allowance = 0;  ///< of the period; 0: none
-    double DaysLeft = 0;   ///< of the period, the rest of today included
-    int DaysToSpend = 1;   ///< the same in whole days with today
+    double MeanPerDay = 0;    ///< of the last days; 0 without a forecast
+    double Allowance = 0;     ///< of the period; 0: none
+    double DaysLeft = 0;      ///< of the period, the rest of today included
+    int DaysToSpend = 1;      ///< the same in whole days with today
+    bool HasForecast = false; ///< a day of use is over: the first hours of one say nothing of a month
 
     bool HasAllowance() const { return Allowance > 0; }
-    /// What will be used at the end of the period when it goes on like the last days.
+    /// What will be used at the end of the period when it goes on like the last days. Without a forecast what
+    /// is used already.
     double Forecast() const { return Used + DaysLeft * MeanPerDay; }
     /// What is left of the allowance.
     double Left() const { return Used < Allowance ? Allowance - Used : 0; }

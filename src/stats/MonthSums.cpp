@@ -148,7 +148,8 @@ AliasUse MonthSums::UseOf(std::size_t aliasIndex) {
         RoundToEven(1e4 * (alias.DaysElapsed - 1 + now - today) / alias.DaysInPeriod) / 1e4;
     const DayUse before = days_.On(aliasIndex, today);
     const DayUse day{before.Volume + open.Today.Volume, before.Online + open.Today.Online};
-    const DayUse mean = days_.MeanBefore(aliasIndex, today, day);
+    const std::optional<DayUse> known = days_.MeanBefore(aliasIndex, today);
+    const DayUse mean = known.value_or(DayUse());
     const double daysLeft = alias.PeriodEnd + 1 - now;
     const int daysToSpend = alias.DaysInPeriod - alias.DaysElapsed + 1;
     const double volume = recorded.VolumeRounded + open.Volume + alias.CorrectionBytes;
@@ -157,9 +158,10 @@ AliasUse MonthSums::UseOf(std::size_t aliasIndex) {
             alias.PeriodEnd,
             alias.FractionElapsed,
             alias.CorrectionBytes,
-            {std::max(volume, 0.0), day.Volume, mean.Volume, alias.FreeVolumeBytes, daysLeft, daysToSpend},
+            {std::max(volume, 0.0), day.Volume, mean.Volume, alias.FreeVolumeBytes, daysLeft, daysToSpend,
+             known.has_value()},
             {recorded.DurationRounded + open.Online, day.Online, mean.Online,
-             std::max(alias.FreeHours, 0) / hoursPerDay, daysLeft, daysToSpend}};
+             std::max(alias.FreeHours, 0) / hoursPerDay, daysLeft, daysToSpend, known.has_value()}};
 }
 
 PeriodUse MonthSums::UseOf(std::string_view lineName) {

@@ -66,6 +66,12 @@ TEST_F(Warnings, EachComesOnceAPeriodOverRestartsToo) {
         EXPECT_EQ(Use(row.Day, row.Megabytes), row.Told) << row.Day << " " << row.Megabytes;
 }
 
+TEST_F(Warnings, AForecastOfTheFirstHoursIsNone) {
+    records = StatRecords();
+    EXPECT_EQ(Use("2024-03-04", 40), Lines());
+    EXPECT_EQ(Use("2024-03-05", 1), Lines{"eth0: too fast"});
+}
+
 TEST_F(Warnings, PercentagesAreTheAliassOwn) {
     settings.SetReg("eth0_WarnAt", std::string("50, x 0 -3"));
     EXPECT_EQ(Use("2024-03-31", 49), Lines());

@@ -35,10 +35,11 @@ TEST_F(Forecasts, AreWhatIsUsedAndTheMeanOfTheLastDaysForThoseThatAreLeft) {
             if (back >= 1 && back <= 28) before += bytes;
         }
         const int days = std::min(history, 28);
-        const double mean = days > 0 ? before / days : usedToday;
+        const double mean = days > 0 ? before / days : 0;
         const AliasUse use = Use();
         EXPECT_NEAR(use.Volume.Used, used, 1e-3) << history;
         EXPECT_NEAR(use.Volume.Today, usedToday, 1e-3) << history;
+        EXPECT_EQ(use.Volume.HasForecast, days > 0) << history;
         EXPECT_NEAR(use.Volume.MeanPerDay, mean, 1e-3) << history;
         EXPECT_NEAR(use.Volume.Forecast(), used + mean * 16.5, 1e-2) << "noon of the 15th of 31 days";
         EXPECT_NEAR(use.Volume.LeftPerDay(), (100e6 - used) / 17, 1e-3) << history;

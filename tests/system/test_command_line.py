@@ -80,8 +80,15 @@ class Settings(rig.Case):
     def test_use_and_forecast(self):
         self.home.data.mkdir(parents=True)
         (self.home.data / "Korvalin_Stats.db").write_text(
-            f'"Home",#{datetime.date.today()} 00:00:00#,#00:00:00#,1000000,2000000,"",""\r\n', newline="")
+            f'"Home",#{datetime.date.today()} 00:00:00#,#00:00:00#,1000000,2000000,"",""\r\n'
+            f'"Talk",#{datetime.date.today()} 00:00:00#,#01:12:00#,1000000,2000000,"",""\r\n', newline="")
         self.home.set(Home_FreeVolume=100, Home_Up1MB="False")
+        for hours, volume, expected in ((0, 0, ["unlimited", 0]), (1, 0, ["over", 100]), (2, 0, ["fine", 60]),
+                                        (2, 4, ["fine", 75]), (1, 4, ["over", 100])):
+            self.home.set(Talk_FreeHours=hours, Talk_FreeVolume=volume, Talk_Up1MB="False")
+            talk = self.home.json("status", "--alias", "Talk")
+            self.assertEqual([talk["class"], talk["percentage"]], expected)
+            self.assertNotIn("forecast", talk["bytes"], "of the first hours")
         status = self.home.json("status", "--alias", "home")
         self.assertEqual((status["alias"], status["bytes"]["used"], status["bytes"]["left"], status["percentage"]),
                          ("Home", 3_000_000, 97_000_000, 3))
@@ -95,8 +102,14 @@ class Settings(rig.Case):
         self.assertEqual(len(names), len(set(names)), "each family once")
         self.assertIn("corrected by +47 MB, used 50 MB", self.home.cli("provider", "Home", "50"))
         self.assertIn("period 50 MB", self.home.cli("status", "--alias", "Home"))
-        self.assertEqual(self.home.moved("records"), {"Home": [2_000_000, 1_000_000]})
+        self.assertEqual(self.home.moved("records")["Home"], [2_000_000, 1_000_000])
         self.assertIn("used 3 MB", self.home.cli("provider", "Home"))
+        for nonsense in ("nan", "inf", "1e12", "-5", "x"):
+            run = self.home.run("provider", "Home", nonsense)
+            self.assertEqual((run.returncode > 100, run.stdout, nonsense in run.stderr), (True, "", True), nonsense)
+        self.break_folder()
+        run = self.home.run("provider", "Home", "50")
+        self.assertEqual((run.returncode, "nothing was kept" in run.stderr), (1, True))
 
     def test_a_watched_status_ends_with_its_reader(self):
         for end, code in ((lambda process: process.stdout.close(), 0), (subprocess.Popen.terminate, -signal.SIGTERM)):
