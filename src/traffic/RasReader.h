@@ -31,8 +31,6 @@ class RasReader {
     /// One pass. After one failure the reader stays off until the program is started again.
     void Get_Bytes_Transmitted_RAS(TableFromOne<LineRecord>& lines);
 
-    /// Copies the system's TCP figures into line 1.
-
   private:
     template <typename F>
     bool Step(F&& step);

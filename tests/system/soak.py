@@ -148,6 +148,7 @@ class Machine:
         self.nm.ip("link set usb0 name usb1 up")
         self.plugged_in("usb1")
         self.send("usb1", 200)
+        self.nm.ip("link set usb1 down")  # nothing moves any more
         self.account("usb1", "usb1", before)
         for name in ("usb1", "veth5"):
             self.nm.ip(f"link delete {name}")
