@@ -31,16 +31,14 @@ constexpr std::uint64_t CountedAt(int step) {
     return 5000 + 1000 * static_cast<std::uint64_t>(step);
 }
 
-/// Shows everything on the standard error; every question is answered Yes, but for whether to end the
-/// program.
+/// Tells on the standard error what is no question; every question is answered Yes, but for whether to end
+/// the program.
 class ToldBoxes : public MessageBoxes {
   public:
     MessageAnswer Show(const std::string& text, const std::string&, MessageIcon,
                        MessageButtons buttons) override {
-        fmt::print(stderr, "{}\n", text);
-        return buttons == MessageButtons::YesNo ? MessageAnswer::Yes
-               : buttons == MessageButtons::Ok  ? MessageAnswer::Ok
-                                                : MessageAnswer::No;
+        if (buttons == MessageButtons::Ok) fmt::print(stderr, "{}\n", text);
+        return buttons == MessageButtons::YesNo ? MessageAnswer::Yes : MessageAnswer::No;
     }
     void ShowWaiting(const std::string&, const std::string&) override {}
     void CloseWaiting() override {}
@@ -149,7 +147,6 @@ int Move(const fs::path& folder) {
     core.LoadStatistics();
     run.Step(3);
     const bool moved = core.dataFolder.ChangeDataPath(core.dataFolder.GetDataPath(), folder / "moved", true);
-    if (moved) core.settings.Set(Keys::DataPath, (folder / "moved").string());
     run.Step(4);
     const int code = run.End();
     return moved ? code : failed;

@@ -50,18 +50,6 @@ std::string PathOf(int file) {
     return IsWatched(found) ? std::string(found) : std::string();
 }
 
-struct Plan {
-    long Number = 0;
-    std::string Kind;
-};
-
-Plan ReadPlan() {
-    const std::string text = Variable("KORVALIN_FAULT");
-    const std::size_t blank = text.find(' ');
-    if (blank == std::string::npos) return {};
-    return {std::strtol(text.c_str(), nullptr, 10), text.substr(blank + 1)};
-}
-
 [[noreturn]] void End() {
     kill(getpid(), SIGKILL);
     for (;;)
@@ -71,18 +59,17 @@ Plan ReadPlan() {
 enum class Fate { Succeeds, Fails, HalfDone, Torn };
 
 Fate Next(Call call) {
-    static const Plan plan = ReadPlan();
+    static const std::string plan = Variable("KORVALIN_FAULT");
+    static const std::string kind = plan.substr(plan.find(' ') + 1);
+    static const long planned = std::atol(plan.c_str());
     static std::atomic<long> calls = 0;
     const long number = ++calls;
-    if (plan.Kind == "full" && plan.Number > 0 && number >= plan.Number && call != Call::Other) {
-        errno = ENOSPC;
-        return Fate::Fails;
-    }
-    if (number != plan.Number || plan.Kind == "full") return Fate::Succeeds;
-    if (plan.Kind == "kill") End();
-    if (plan.Kind == "short") return Fate::HalfDone;
-    if (plan.Kind == "torn") return Fate::Torn;
-    errno = plan.Kind == "EIO" ? EIO : ENOSPC;
+    const bool strikes = kind == "full" ? number >= planned && call != Call::Other : number == planned;
+    if (planned == 0 || !strikes) return Fate::Succeeds;
+    if (kind == "kill") End();
+    if (kind == "short") return Fate::HalfDone;
+    if (kind == "torn") return Fate::Torn;
+    errno = kind == "EIO" ? EIO : ENOSPC;
     return Fate::Fails;
 }
 
@@ -106,7 +93,6 @@ struct stat StatusOf(int file) {
     fstat(file, &status);
     return status;
 }
-
 struct stat StatusOf(const char* path) {
     struct stat status {};
     lstat(path, &status);
@@ -169,18 +155,14 @@ int Open(int folder, const char* path, int flags, mode_t mode) {
     return file;
 }
 
-int Temporary(char* path, int flags, const char* name) {
+int Temporary(char* path, int flags) {
     using Make = int (*)(char*, int);
-    static const auto make = reinterpret_cast<Make>(dlsym(RTLD_NEXT, name));
+    static const auto make = reinterpret_cast<Make>(dlsym(RTLD_NEXT, "mkostemp"));
     if (!IsWatched(path)) return make(path, flags);
     if (Next(Call::Grow) == Fate::Fails) return -1;
     const int file = make(path, flags);
     Log(file < 0 ? "none" : "create", StatusOf(path), 0, "", path);
     return file;
-}
-
-mode_t ModeOf(int flags, va_list rest) {
-    return (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
 }
 
 } // namespace
@@ -198,9 +180,7 @@ ssize_t write(int file, const void* data, size_t size) {
 ssize_t pwrite(int file, const void* data, size_t size, off_t offset) {
     return Put(file, {static_cast<const char*>(data), size}, offset);
 }
-ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
-    return Put(file, {static_cast<const char*>(data), size}, offset);
-}
+ssize_t pwrite64(int, const void*, size_t, off64_t) __attribute__((alias("pwrite")));
 ssize_t writev(int file, const iovec* parts, int count) {
     std::string data;
     for (int i = 0; i < count; ++i)
@@ -217,44 +197,32 @@ int fdatasync(int file) {
 int ftruncate(int file, off_t size) noexcept {
     return OnFile(file, "cut", Call::Other, size, [&] { return syscall(SYS_ftruncate, file, size); });
 }
-int ftruncate64(int file, off64_t size) noexcept {
-    return ftruncate(file, size);
-}
+int ftruncate64(int, off64_t) noexcept __attribute__((alias("ftruncate")));
 int fallocate(int file, int mode, off_t offset, off_t size) {
     return OnFile(file, "room", Call::Grow, 0,
                   [&] { return syscall(SYS_fallocate, file, mode, offset, size); });
 }
-int fallocate64(int file, int mode, off64_t offset, off64_t size) {
-    return fallocate(file, mode, offset, size);
-}
+int fallocate64(int, int, off64_t, off64_t) __attribute__((alias("fallocate")));
 
 int open(const char* path, int flags, ...) {
     va_list rest;
     va_start(rest, flags);
-    const mode_t mode = ModeOf(flags, rest);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return Open(AT_FDCWD, path, flags, mode);
 }
-int open64(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = ModeOf(flags, rest);
-    va_end(rest);
-    return Open(AT_FDCWD, path, flags, mode);
-}
+int open64(const char*, int, ...) __attribute__((alias("open")));
 int openat(int folder, const char* path, int flags, ...) {
     va_list rest;
     va_start(rest, flags);
-    const mode_t mode = ModeOf(flags, rest);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return Open(folder, path, flags, mode);
 }
 int mkostemp(char* path, int flags) {
-    return Temporary(path, flags, "mkostemp");
+    return Temporary(path, flags);
 }
-int mkostemp64(char* path, int flags) {
-    return Temporary(path, flags, "mkostemp64");
-}
+int mkostemp64(char*, int) __attribute__((alias("mkostemp")));
 
 int rename(const char* from, const char* to) noexcept {
     return OnName(from, to, "rename", Call::Other,

@@ -58,8 +58,8 @@ def received(path):
 class Try:
     """One copy of an operation's folder."""
 
-    def __init__(self, tools, folder):
-        self.tools, self.path = tools, folder
+    def __init__(self, programs, folder):
+        self.programs, self.path = programs, folder
         self.env = dict(os.environ, XDG_CONFIG_HOME=f"{folder}/config", XDG_DATA_HOME=f"{folder}/share", HOME=str(folder),
                         XDG_RUNTIME_DIR=f"{folder}/run", LANG="C.UTF-8", ASAN_OPTIONS="verify_asan_link_order=0")
 
@@ -68,11 +68,12 @@ class Try:
 
     def run(self, *command, fault="", log=""):
         """Exit code and everything that was said."""
-        program = {"cli": self.tools.cli, "core": self.tools.driver}[command[0]]
-        arguments = command[1:] if command[0] == "cli" else (self.path, command[1])
-        env = dict(self.env, LD_PRELOAD=str(self.tools.library), KORVALIN_FAULTS_BELOW=str(self.path), KORVALIN_FAULT=fault,
+        beside = self.programs.parent / "tests"
+        words = [self.programs / "korvalin-cli", *command[1:]] if command[0] == "cli" else [
+            beside / "faultdriver", self.path, command[1]]
+        env = dict(self.env, LD_PRELOAD=str(beside / "faults.so"), KORVALIN_FAULTS_BELOW=str(self.path), KORVALIN_FAULT=fault,
                    KORVALIN_FAULTS_LOG=str(log)) if fault or log else self.env
-        done = subprocess.run([program, *arguments], env=env, capture_output=True, text=True, timeout=60, check=False)
+        done = subprocess.run(words, env=env, capture_output=True, text=True, timeout=60, check=False)
         logs = "".join(file.read_text() for file in self.path.glob("**/*_ErrorLog.txt"))
         return done.returncode, done.stdout, done.stderr + logs
 
@@ -82,23 +83,14 @@ class Try:
         return shown
 
 
-class Operation:
-    """An operation, where it begins and what must be true afterwards. `check` comes at once, with whether the operation
-    was told to have failed (None: it was killed); `after` is the next start."""
+# An operation is where it begins, a command and what must be true afterwards. `check` comes at once, with whether it was
+# told that it has failed (None: it was killed); `after` is the next start, `marks` what a power loss may have cost.
 
-    command = ()
 
+class Recording:
     def begin(self, at):
         at.well("core", "begin")
 
-    def check(self, at, told):
-        pass
-
-    def after(self, at, marks=None):
-        pass
-
-
-class Recording(Operation):
     def __init__(self, name):
         self.name, self.command = name, ("core", name)
 
@@ -130,44 +122,34 @@ class Moving(Recording):
         expect(whole or told in (True, None), "not everything was recorded, and nobody was told")
 
 
-class Rewriting(Operation):
+class Rewriting:
     """The statistics file is replaced by a better one."""
-
-    data = HOME
 
     def __init__(self, name, command, before, after):
         self.name, self.command, self.old, self.new = name, command, before, after
 
     def begin(self, at):
-        (at / self.data / STATS).write_bytes(self.old.encode())
+        (at / HOME / STATS).write_bytes(self.old.encode())
 
     def check(self, at, told):
-        left = (at / self.data / STATS).read_bytes().decode()
+        left = (at / HOME / STATS).read_bytes().decode()
         expect(left in (self.old, self.new), "half a file")
         expect(left == self.new or told in (True, None), "it was not done, and nobody was told")
         self.kept(at)
 
     def kept(self, at):
-        kept = [path.read_bytes().decode() for path in (at / self.data).glob(STATS + "_*")]
-        is_old = (at / self.data / STATS).read_bytes().decode() == self.old
+        kept = [path.read_bytes().decode() for path in (at / HOME).glob(STATS + "_*")]
+        is_old = (at / HOME / STATS).read_bytes().decode() == self.old
         expect(is_old or self.old in kept, f"the old file is not among the {len(kept)} that are kept")
 
     def after(self, at, marks=None):
-        if (at / self.data / STATS).read_bytes().decode() != self.new:
+        if (at / HOME / STATS).read_bytes().decode() != self.new:
             at.run(*self.command)
-        expect((at / self.data / STATS).read_bytes().decode() == self.new, "the next start does not do it")
+        expect((at / HOME / STATS).read_bytes().decode() == self.new, "the next start does not do it")
         self.kept(at)
-        if marks is None:
-            expect(not (at / self.data / (STATS + ".new")).exists() or self.tidied(at), "half a file is left")
-
-    def tidied(self, at):
-        """What a kill has left is taken up by the next time."""
-        (at / self.data / STATS).write_bytes(self.old.encode())
-        at.run(*self.command)
-        return not (at / self.data / (STATS + ".new")).exists()
 
 
-class Converting(Operation):
+class Converting:
     name, command = "conversion", ("cli", "repair")
     old = "".join(f"eth0\t2020-01-01 {n:02}:30:00\t2020-01-01 {n:02}:30:30\t00:00:30\t0\t{n}\t\r\n" for n in range(1, 20))
 
@@ -183,7 +165,7 @@ class Converting(Operation):
         expect((at / HOME / "Korvalin_Stats.txt").read_bytes().decode() == self.old, "the older file has changed")
 
 
-class FirstStart(Operation):
+class FirstStart:
     """Statistics beside the program move to the user's folder, or join those that are there."""
 
     command = ("core", "home")
@@ -207,7 +189,7 @@ class FirstStart(Operation):
         expect(sorted(found) == sorted({*range(1, 21), *self.there}), f"of the records there are {sorted(found)}")
 
 
-class Storing(Operation):
+class Storing:
     name, command = "setting", ("cli", "settings", "set", "ChartMax", "55")
     others = {"FontSize": "11", "GMaxPeriods": "30", "UnitKB": "kilo"}
 
@@ -227,7 +209,7 @@ class Storing(Operation):
         expect(at.well("cli", "settings", "get", "ChartMax").strip() == "55", "it cannot be stored any more")
 
 
-class Updating(Operation):
+class Updating:
     name, command = "update", ("core", "update")
     old, new = b"o" * 210_000, b"n" * 220_000
 
@@ -256,29 +238,20 @@ class Updating(Operation):
 
 REPAIRED = numbered(*range(1, 3001))
 OPERATIONS = [
-    Recording("record"), Recording("day"), Recording("journal"),
+    Recording("record"), Recording("day"), Recording("journal"), Moving("move"),
     Rewriting("repair", ("cli", "repair"), "damaged\r\n" + REPAIRED + "damaged\r\n" + numbered(7), REPAIRED),
     Rewriting("delete", ("core", "delete"), numbered(*range(1, 3001)), numbered(*range(1, 3001, 2))),
     Converting(), FirstStart("first start"), FirstStart("joining", *range(15, 31)), Storing(), Updating()]
 
 
-class Bench:
-    """The programs."""
-
-    def __init__(self, programs):
-        beside = programs.parent / "tests"
-        self.cli, self.texts = programs / "korvalin-cli", programs / "Korvalin.lng"
-        self.driver, self.library = beside / "faultdriver", beside / "faults.so"
-
-
 class Trial:
     """One operation in a folder of its own, where each try begins anew: the settings name the folder."""
 
-    def __init__(self, bench, operation, folder):
-        self.operation, self.at = operation, Try(bench, folder)
-        for name in ("program", "config", "run", HOME, "moved"):
+    def __init__(self, programs, operation, folder):
+        self.operation, self.at = operation, Try(programs, folder)
+        for name in ("program/settings", "config", "run", HOME, "moved"):
             (folder / name).mkdir(parents=True)
-        shutil.copy(bench.texts, folder / "program/Korvalin.lng")
+        shutil.copy(programs / "Korvalin.lng", folder / "program/Korvalin.lng")
         operation.begin(self.at)
         self.disk = Disk(folder)
         log = folder.with_suffix(".log")
@@ -324,9 +297,9 @@ class Trial:
         return []
 
 
-def try_all(pool, bench, operation, folder, is_all):
+def try_all(pool, programs, operation, folder, is_all):
     """What is wrong, and a row of figures."""
-    trials = [Trial(bench, operation, folder / f"{operation.name} {number}") for number in range(os.cpu_count())]
+    trials = [Trial(programs, operation, folder / f"{operation.name} {number}") for number in range(os.cpu_count())]
     faults, losses = trials[0].faults(is_all), trials[0].losses(is_all)
     share = lambda n: [wrong for attempt in (faults + losses)[n::len(trials)] for wrong in trials[n].attempt(*attempt)]
     wrong = sum(pool.map(share, range(len(trials))), [])
@@ -349,7 +322,7 @@ def main():
             concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         for operation in OPERATIONS:
             if operation.name in chosen.operations or not chosen.operations:
-                wrong += try_all(pool, Bench(chosen.programs.resolve()), operation, pathlib.Path(folder).resolve(), chosen.all)
+                wrong += try_all(pool, chosen.programs.resolve(), operation, pathlib.Path(folder).resolve(), chosen.all)
     print("\n".join(wrong))
     return 1 if wrong else 0
 

@@ -52,6 +52,7 @@ TYPED_TEST(RegistryContract, ValuesComeBackAsTheyWereWritten) {
         EXPECT_EQ(this->registry.RegReadString("SOFTWARE\\GRÖßE", name), text) << name;
     }
     EXPECT_EQ(this->registry.RegReadString(path, "Äpfel"), "red");
+    EXPECT_TRUE(this->registry.RegFlush());
     EXPECT_TRUE(this->registry.RegWriteString(path, "Bytes", fits + "x"));
     EXPECT_EQ(this->registry.RegReadString(path, "Bytes"), "") << "no room for the terminating zero";
 }

@@ -125,6 +125,12 @@ int SqliteDatabase::CheckStructure() {
     return Row(statement.get()).Text(0) == "ok" ? SQLITE_OK : SQLITE_CORRUPT;
 }
 
+int SqliteDatabase::Flush() {
+    std::int64_t isBusy = 0;
+    const int code = ReadNumber("PRAGMA wal_checkpoint", isBusy);
+    return code == SQLITE_OK && isBusy != 0 ? SQLITE_BUSY : code;
+}
+
 int SqliteDatabase::Prepare(std::initializer_list<Preparation> statements) {
     for (const Preparation& statement : statements) {
         const int code = Prepare(statement.Sql, statement.Target);
