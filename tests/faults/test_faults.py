@@ -21,7 +21,7 @@ from power_loss import Disk, read_log
 CALL_KINDS = ("ENOSPC", "EIO", "kill", "full")
 KINDS = (*CALL_KINDS, "short", "torn")
 SEEDS = ("least", "most", 1, 2, 3)
-SAMPLE = 60
+SAMPLE = 30
 LINE = re.compile(r'"([^"]*)",#([-0-9]+)( ?[:0-9]*#,#[:0-9]+)#,0,(\d+),"[^"]*","[^"]*"\r\n')
 LAST = 101  # step of the next start
 STATS = "Korvalin_Stats.db"
