@@ -172,7 +172,7 @@ bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFo
         if (!ask && FileExists(newFile)) {
             JoinStatistics(oldFile, newFile);
         } else {
-            MoveStatistics(oldFile, newFile);
+            MoveStatistics(oldFile, newFile, ask);
         }
     });
     return done && !refused;
@@ -188,14 +188,26 @@ bool DataFolder::UserMovesStatistics() {
                       MessageButtons::YesNo) == MessageAnswer::Yes;
 }
 
-void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile) {
+bool DataFolder::Use(const fs::path& folder) {
+    Settings& settings = parts_.Settings;
+    const std::string before = settings.Get(Keys::DataPath);
+    if (!hooks_.LeaveFolder()) return false;
+    settings.Set(Keys::DataPath, folder.string());
+    if (!settings.Flush()) settings.Set(Keys::DataPath, before);
+    return settings.Get(Keys::DataPath) == folder.string(); // a full disk may not even take the old one back
+}
+
+// Until the new folder is stored the next start looks into the old one.
+void DataFolder::MoveStatistics(const fs::path& oldFile, const fs::path& newFile, bool use) {
     const bool replaces = FileExists(newFile);
     const fs::path aside = FreeBackupName(newFile, parts_.Clock.Now());
     if (replaces) fs::rename(newFile, aside);
     errno = 0;
-    if (!parts_.Files.Copy(oldFile, newFile)) {
+    const bool copied = parts_.Files.Copy(oldFile, newFile);
+    if (!copied || (use && !Use(newFile.parent_path()))) {
         const std::error_code cause(errno != 0 ? errno : EIO, std::generic_category());
         std::error_code ignored;
+        if (copied) fs::remove(newFile, ignored);
         if (replaces) fs::rename(aside, newFile, ignored);
         throw fs::filesystem_error("The statistics file could not be copied", oldFile, newFile, cause);
     }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string_view>
+#include <utility>
 
 namespace korvalin {
 
@@ -32,8 +34,15 @@ class DataFolder {
         korvalin::Shell& Shell;
         korvalin::Clock& Clock;
     };
+    struct Hooks {
+        /// Before another folder is stored: brings what the running program keeps in this one to a place
+        /// where the next start finds it whatever folder is stored then. False when that fails.
+        std::function<bool()> LeaveFolder = [] { return true; };
+    };
     DataFolder(const Parts& parts, const std::filesystem::path& programFolder)
         : parts_(parts), programFolder_(programFolder), runFolder_(programFolder) {}
+
+    void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// The data folder, ending with a separator. The one that the settings name, whenever it is there; while
     /// it is not, another one serves, which is told once and not stored. Without a setting the usual folder,
@@ -51,10 +60,14 @@ class DataFolder {
     /// Creates the folder and all missing parents; false when it is not there afterwards.
     bool CreateFolderPath(const std::filesystem::path& folder);
 
-    /// Moves the statistics file to a new data folder; `ask` lets the user decide. What is there already is
-    /// renamed, never overwritten, and a copy that fails leaves both folders as they were. Without `ask` the
-    /// records join those that are there already. False when the new folder was refused or the statistics
-    /// could not be moved, true also when there was nothing to move.
+    /// Stores the data folder, on the medium. False leaves the one that is stored.
+    [[nodiscard]] bool Use(const std::filesystem::path& folder);
+
+    /// Moves the statistics file to a new data folder; `ask` lets the user decide, and then the folder is
+    /// stored before the old file is put aside. What is there already is renamed, never overwritten, and a
+    /// move that fails leaves both folders as they were. Without `ask` the records join those that are there
+    /// already. False when the new folder was refused or the statistics could not be moved, true also when
+    /// there was nothing to move.
     bool ChangeDataPath(const std::filesystem::path& oldFolder, const std::filesystem::path& newFolder,
                         bool ask);
 
@@ -71,9 +84,10 @@ class DataFolder {
     bool UserMovesStatistics();
     void JoinStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
     void PutAside(const std::filesystem::path& oldFile);
-    void MoveStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
+    void MoveStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile, bool use);
 
     Parts parts_;
+    Hooks hooks_;
     std::filesystem::path programFolder_;
     /// Where this run's data go while the setting names no folder that exists.
     std::filesystem::path runFolder_;

@@ -38,8 +38,7 @@ class Files {
     enum class Flush { No, Yes };
     /// Appends whole lines with one write; a file that is missing or empty gets `header` first, one that ends
     /// within a line gets `lineEnd` first. Waits a moment for a program that holds the file. 0 or the
-    /// system's error number (EAGAIN: still held); the file is then as it was, unless only the flush has
-    /// failed.
+    /// system's error number (EAGAIN: still held); the file is then as it was.
     [[nodiscard]] virtual int AppendLines(const std::filesystem::path& path, std::string_view header,
                                           std::string_view lines, std::string_view lineEnd, Flush flush) = 0;
 

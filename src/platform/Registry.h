@@ -53,6 +53,9 @@ class Registry {
     /// is missing or the call fails.
     [[nodiscard]] virtual std::vector<std::string> RegValueNames(std::string_view keyPath) = 0;
 
+    /// Has what was written reach the medium; false when it does not outlive this run.
+    [[nodiscard]] virtual bool RegFlush() = 0;
+
   protected:
     enum class Written { Yes, No, KeyIsMissing };
 

@@ -229,6 +229,7 @@ void Program::PlugHooks() {
                            journalKeeper.PassEnded();
                            allowanceWatch.PassEnded();
                        }});
+    dataFolder.Plug({.LeaveFolder = [this] { return journalKeeper.LeaveFolder(); }});
     journalKeeper.Plug({.OthersRecorded = [this] { LoadSums(false); }});
     updateSchedule.Plug({.CallAgain = [this](double seconds) {
         samplingLoop.SetUpdateCheckPending(ports_.Clock.Now() + seconds * OneSecond);

@@ -39,6 +39,8 @@ class Settings {
     }
     /// Whether settings can be stored now: the store may be read-only, or the disk full.
     [[nodiscard]] bool CanStore();
+    /// Has what is stored outlive a power loss; false when it does not even outlive this run.
+    [[nodiscard]] bool Flush() { return registry_.RegFlush(); }
     /// Deletes a setting, which reads its default again.
     template <class Value, class Text>
     void Remove(const SettingKey<Value, Text>& key) {

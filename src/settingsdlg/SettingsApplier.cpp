@@ -16,6 +16,8 @@
 #include "traffic/TrafficSettings.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 
 namespace korvalin {
 namespace {
@@ -39,7 +41,8 @@ void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecor
         parts_.DisplaySettings = chosen.Display;
         parts_.TrafficOptions = chosen.Traffic;
         ApplyWindowAndStart(entered);
-        if (!entered.DataPath.empty()) parts_.Settings.Set(Keys::DataPath, entered.DataPath);
+        if (!entered.DataPath.empty() && !parts_.DataFolder.Use(entered.DataPath))
+            throw std::system_error(EIO, std::generic_category(), entered.DataPath);
         TakeTyped(entered);
         StoreTrafficOptions(parts_.Settings, parts_.TrafficOptions);
         StoreDisplaySettings(parts_.Settings, parts_.DisplaySettings);

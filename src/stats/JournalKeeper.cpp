@@ -98,6 +98,7 @@ void JournalKeeper::PassEnded() {
     // The user may have moved the data: until the journal follows, a kill would leave it behind.
     const bool moved = started_ && parts_.DataFolder.GetDataPath() != folder_;
     if (moved && !parts_.Recorder.TakeOver()) {
+        static_cast<void>(parts_.Journal.Save(folder_, Picture(), Journal::Durability::Medium));
         records_ = false; // another program records there
         return;
     }
@@ -109,6 +110,10 @@ void JournalKeeper::PassEnded() {
     } else if (!parts_.Recorder.HasPending() || !changed) {
         Note(); // not past records that nobody has written
     }
+}
+
+bool JournalKeeper::LeaveFolder() {
+    return !records_ || parts_.Journal.Save(parts_.SpareFolder, Picture(), Journal::Durability::Medium);
 }
 
 void JournalKeeper::LookOn() {

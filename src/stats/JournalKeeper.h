@@ -56,6 +56,10 @@ class JournalKeeper {
     /// After every pass: writes what has changed, once a minute what has been counted.
     void PassEnded();
 
+    /// The data folder is about to change: until the next pass the journal is where every start finds it.
+    /// False when it cannot be written there.
+    [[nodiscard]] bool LeaveFolder();
+
     /// Reads the lines once more and records all that are open. They are no lines any more then. Records that
     /// cannot be written are printed on the standard error, and wait in the journal for the next start.
     void RecordOpenLines(CloseReason reason);

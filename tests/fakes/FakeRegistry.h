@@ -23,6 +23,7 @@ class FakeRegistry : public Registry {
             names.push_back(value.Name);
         return names;
     }
+    bool RegFlush() override { return !IsLost && !IsReadOnly; }
 
   protected:
     std::optional<std::string> ReadValue(std::string_view keyPath, std::string_view valueName) override {

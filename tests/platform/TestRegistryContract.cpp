@@ -47,6 +47,7 @@ TEST_F(RegistryContract, ValuesComeBackAsTheyWereWrittenUntilABlankTextDeletesTh
             EXPECT_TRUE(registry->RegWriteString(path, name, text)) << name;
             EXPECT_EQ(registry->RegReadString("SOFTWARE\\GRÖßE", name), text) << name;
         }
+        EXPECT_TRUE(registry->RegFlush());
         EXPECT_TRUE(registry->RegWriteString(path, "Bytes", fits + "x"));
         EXPECT_EQ(registry->RegReadString(path, "Bytes"), "") << "no room for the terminating zero";
         EXPECT_TRUE(registry->RegWriteString(path, "BYTES", "  "));

@@ -212,6 +212,24 @@ TEST_F(DataFolderTest, ChangesTheFolderAsTheUserAnswers) {
     }
 }
 
+TEST_F(DataFolderTest, MovesNothingToAFolderThatCannotBeStored) {
+    Put(share / "Korvalin_Stats.db", "old");
+    Put(folder / "to/Korvalin_Stats.db", "new");
+    settings.SetReg("DataPath", share.string());
+    bool leaves = true;
+    data.Plug({.LeaveFolder = [&] { return leaves; }});
+    for (const auto& [isReadOnly, journalIsSafe] : {std::pair(true, true), std::pair(false, false)}) {
+        registry.IsReadOnly = isReadOnly;
+        leaves = journalIsSafe;
+        boxes.Answers = {MessageAnswer::No, MessageAnswer::Yes};
+        EXPECT_FALSE(data.ChangeDataPath(share, folder / "to", true));
+        EXPECT_EQ(TakeBoxes().size(), 3U) << "two questions and the failure";
+        EXPECT_EQ(Contents(share) + Contents(folder / "to"), "db=old db=new ");
+        EXPECT_EQ(data.GetDataPath(), share / "");
+        clock.Advance(5); // the same failure at once would not be told again
+    }
+}
+
 TEST_F(DataFolderTest, LeavesTheSameFolderAloneAndNeverOverwritesABackup) {
     Put(share / "Korvalin_Stats.db", "first");
     fs::create_directory_symlink(share, folder / "link");

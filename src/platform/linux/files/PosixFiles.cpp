@@ -157,9 +157,10 @@ int PosixFiles::AppendLines(const std::filesystem::path& path, std::string_view 
     if (last != '\n') text = lineEnd;
     text += lines;
     const ssize_t written = WriteOnce(file, text);
+    int error = written < 0 ? errno : ENOSPC;
     if (written == static_cast<ssize_t>(text.size()))
-        return flush == Flush::No || fdatasync(file) == 0 ? 0 : errno;
-    const int error = written < 0 ? errno : ENOSPC;
+        error = flush == Flush::No || fdatasync(file) == 0 ? 0 : errno;
+    if (error == 0) return 0;
     if (written > 0) CutOff(file, written);
     return error;
 }

@@ -68,8 +68,12 @@ std::filesystem::path WithRealFolder(const std::filesystem::path& file) {
 
 int SqliteDatabase::OpenFile(const std::filesystem::path& file, int flags, int busyMilliseconds,
                              std::string_view options) {
-    return Open(Address(WithRealFolder(file), options), flags | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_URI,
-                busyMilliseconds);
+    const int code = Open(Address(WithRealFolder(file), options),
+                          flags | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_URI, busyMilliseconds);
+    // SQLite opens a file that it cannot write at this moment for reading only, and would stay so.
+    const bool isLess = (flags & SQLITE_OPEN_READWRITE) != 0 && code == SQLITE_OK &&
+                        sqlite3_db_readonly(connection_.get(), "main") == 1;
+    return isLess ? SQLITE_READONLY : code;
 }
 
 int SqliteDatabase::OpenInMemory() {
@@ -119,6 +123,12 @@ int SqliteDatabase::CheckStructure() {
     code = sqlite3_step(statement.get());
     if (code != SQLITE_ROW) return code;
     return Row(statement.get()).Text(0) == "ok" ? SQLITE_OK : SQLITE_CORRUPT;
+}
+
+int SqliteDatabase::Flush() {
+    std::int64_t isBusy = 0;
+    const int code = ReadNumber("PRAGMA wal_checkpoint", isBusy);
+    return code == SQLITE_OK && isBusy != 0 ? SQLITE_BUSY : code;
 }
 
 int SqliteDatabase::Prepare(std::initializer_list<Preparation> statements) {

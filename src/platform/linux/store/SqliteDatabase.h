@@ -58,6 +58,9 @@ class SqliteDatabase {
     [[nodiscard]] int EnsureTables(std::int64_t applicationId, const char* tables, Access access);
     /// SQLITE_CORRUPT when the database's structure is broken.
     [[nodiscard]] int CheckStructure();
+
+    /// Has what is written reach the medium, whatever "PRAGMA synchronous" says.
+    [[nodiscard]] int Flush();
     /// SQLITE_CORRUPT for a table or column that is missing.
     [[nodiscard]] int Prepare(std::initializer_list<Preparation> statements);
 

@@ -160,6 +160,7 @@ bool SqliteJournal::Save(const fs::path& folder, const JournalPicture& picture, 
     DropLost();
     const fs::path file = FileIn(folder);
     if (open_ && open_->File == file) {
+        if (left_ && Leave(*left_, *open_)) left_.reset();
         const int code = Write(*open_, picture, durability);
         if (!SqliteDatabase::IsDamage(code) || !RenameDatabase(file, NameAside(file)))
             return code == SQLITE_OK;
@@ -168,7 +169,7 @@ bool SqliteJournal::Save(const fs::path& folder, const JournalPicture& picture, 
     std::unique_ptr<OpenJournal> next = Open(file);
     // On the medium in any case: the one before it is about to go.
     if (!next || Write(*next, picture, Durability::Medium) != SQLITE_OK) return false;
-    if (open_) Leave(*open_, *next);
+    if (open_ && !Leave(*open_, *next)) left_ = std::move(open_);
     open_ = std::move(next);
     return true;
 }
@@ -182,12 +183,13 @@ void SqliteJournal::DropLost() {
 }
 
 // What other machines have written stays. Both are one file where a folder has two names.
-void SqliteJournal::Leave(OpenJournal& journal, const OpenJournal& next) const {
+bool SqliteJournal::Leave(OpenJournal& journal, const OpenJournal& next) const {
     journal.Notes.Remove();
-    if (journal.Identity == next.Identity) return;
+    if (journal.Identity == next.Identity) return true;
     bool othersAreLeft = true;
-    if (journal.Database.Forget(machine_, othersAreLeft) == SQLITE_OK && !othersAreLeft)
-        RemoveDatabase(journal.File);
+    if (journal.Database.Forget(machine_, othersAreLeft) != SQLITE_OK) return false;
+    if (!othersAreLeft) RemoveDatabase(journal.File);
+    return true;
 }
 
 void SqliteJournal::Note(const std::vector<JournalNote>& notes) {

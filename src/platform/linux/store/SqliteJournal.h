@@ -39,12 +39,13 @@ class SqliteJournal : public Journal {
     std::unique_ptr<OpenJournal> Open(const std::filesystem::path& file) const;
     int Write(OpenJournal& journal, const JournalPicture& picture, Durability durability) const;
     void DropLost();
-    void Leave(OpenJournal& journal, const OpenJournal& next) const;
+    bool Leave(OpenJournal& journal, const OpenJournal& next) const;
     JournalFound Read(JournalDatabase& database, const std::filesystem::path& file) const;
 
     std::string machine_, boot_;
     std::filesystem::path notesFolder_;
     std::unique_ptr<OpenJournal> open_;
+    std::unique_ptr<OpenJournal> left_; // one that could not be left yet: a start must not find it
 };
 
 } // namespace korvalin

@@ -280,6 +280,10 @@ std::vector<std::string> SqliteRegistry::RegValueNames(std::string_view keyPath)
     return autostart_.Read() ? std::vector{std::string(ProgramTitle)} : std::vector<std::string>();
 }
 
+bool SqliteRegistry::RegFlush() {
+    return IsKept() && !fileLost_ && store_->Database.Flush() == SQLITE_OK;
+}
+
 std::optional<std::string> SqliteRegistry::ReadValue(std::string_view keyPath, std::string_view valueName) {
     if (IsRunKey(keyPath)) return IsProgramValue(valueName) ? autostart_.Read() : std::nullopt;
     Outcome outcome = Run(Purpose::Read, &Store::FindValue, {ToLower(keyPath), ToLower(valueName)});

@@ -25,6 +25,7 @@ class SqliteRegistry : public Registry {
 
     int RegEnsureKey(std::string_view keyPath) override;
     std::vector<std::string> RegValueNames(std::string_view keyPath) override;
+    bool RegFlush() override;
 
     /// Whether what is written outlives this run.
     bool IsKept() const;
