@@ -80,6 +80,8 @@ if(KORVALIN_GUI)
   endforeach()
   install(FILES ${PROJECT_SOURCE_DIR}/resources/icons/korvalin.svg DESTINATION ${icons}/scalable/apps)
   install(FILES ${PROJECT_SOURCE_DIR}/resources/icons/korvalin-symbolic.svg DESTINATION ${icons}/symbolic/apps)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/org.example.korvalin.xml
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/korvalin.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   configure_file(${PROJECT_SOURCE_DIR}/packaging/korvalin.metainfo.xml.in
     ${generated}/${KORVALIN_COMPONENT}.metainfo.xml @ONLY)

@@ -6,7 +6,12 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 add_library(korvalin_gui STATIC
   ${PROJECT_SOURCE_DIR}/resources/korvalin.qrc
   desktop/AboutBox.cpp
+  desktop/Desktop.cpp
+  desktop/DesktopWindows.cpp
   desktop/EndRequests.cpp
+  desktop/frmFirstStart.cpp
+  desktop/frmFirstStart.ui
+  desktop/PanelService.cpp
   desktop/SettingsDialog.cpp
   dialogs/frmAbout.cpp
   dialogs/frmAbout.ui

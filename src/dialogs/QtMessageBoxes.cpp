@@ -69,13 +69,16 @@ MessageAnswer QtMessageBoxes::Show(const std::string& text, const std::string& t
     return answers[static_cast<std::size_t>(pressed)];
 }
 
-void QtMessageBoxes::ShowNotice(const std::string& text, const std::string& title) {
+void QtMessageBoxes::ShowNotice(const std::string& text, const std::string& title, const QString& caption,
+                                const std::function<void()>& chosen) {
     if (keep_) return keep_(text);
     auto* notice = new frmMessage(texts_);
     notice->setAttribute(Qt::WA_DeleteOnClose);
     notice->setAttribute(Qt::WA_ShowWithoutActivating);
     notice->setWindowTitle(ToText(title));
     notice->Msg_Text = ToText(text);
+    notice->Msg_Action = caption;
+    QObject::connect(notice, &frmMessage::ActionChosen, notice, chosen);
     notice->show();
 }
 

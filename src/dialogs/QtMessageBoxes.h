@@ -26,8 +26,10 @@ class QtMessageBoxes : public MessageBoxes {
     /// instead, and a question is answered No.
     void NobodyAnswers(std::function<void(const std::string& text)> keep) { keep_ = std::move(keep); }
 
-    /// Shows a message that nobody has to answer, and returns at once.
-    void ShowNotice(const std::string& text, const std::string& title);
+    /// Shows a message that nobody has to answer, and returns at once. `chosen` is called when the user
+    /// clicks on it, or on a button with that caption.
+    void ShowNotice(const std::string& text, const std::string& title, const QString& caption,
+                    const std::function<void()>& chosen);
 
     MessageAnswer Show(const std::string& text, const std::string& title, MessageIcon icon,
                        MessageButtons buttons) override;

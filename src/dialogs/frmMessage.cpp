@@ -5,6 +5,7 @@
 #include "forms/Twips.h"
 #include "ui_frmMessage.h"
 
+#include <QMouseEvent>
 #include <QScreen>
 
 #include <algorithm>
@@ -26,6 +27,8 @@ frmMessage::frmMessage(const MessageTexts& texts)
     setWindowIcon(ProgramIcon());
     texts_.ApplyTo(*this);
     connect(ui_->cmdOK, &QPushButton::clicked, this, &QDialog::accept);
+    connect(ui_->cmdAction, &QPushButton::clicked, this, &frmMessage::ChooseAction);
+    ui_->lblMessage->viewport()->installEventFilter(this);
 }
 
 frmMessage::~frmMessage() = default;
@@ -39,10 +42,26 @@ void frmMessage::Form_Load() {
     if (Msg_Text.isEmpty()) Msg_Text = texts_.Lng("frmMessage", 1, "no text");
     ui_->cmdOK->setVisible((Msg_Options & MessageWaits) == 0);
     ui_->cmdOK->setFocus();
+    ui_->cmdAction->setText(Msg_Action);
+    ui_->cmdAction->setVisible(!Msg_Action.isEmpty());
+    if (!Msg_Action.isEmpty()) ui_->lblMessage->viewport()->setCursor(Qt::PointingHandCursor);
     PlaceMessage();
     setAccessibleDescription(Msg_Text);
     setFixedSize(TwipsToPixels(innerWidthTwips), layout()->totalSizeHint().height());
     layout()->activate(); // shown once more, the window may have its size already
+}
+
+// A click, but not the end of a selection.
+bool frmMessage::eventFilter(QObject* watched, QEvent* event) {
+    const bool released = event->type() == QEvent::MouseButtonRelease &&
+                          static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton;
+    if (released && !Msg_Action.isEmpty() && !ui_->lblMessage->textCursor().hasSelection()) ChooseAction();
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmMessage::ChooseAction() {
+    accept();
+    emit ActionChosen();
 }
 
 // A short text stands in the middle, a longer one is as wide as the window and wraps.

@@ -30,17 +30,24 @@ class frmMessage : public QDialog {
 
     // To be set before the window is shown.
     QString Msg_Text;
+    QString Msg_Action; ///< a second button's caption; a click on the text does the same. Empty: none
     std::uint32_t Msg_Options = 0; ///< MessageOption
 
     /// Does nothing.
     void reject() override {}
 
+  signals:
+    /// The user wants the action; the window has closed.
+    void ActionChosen();
+
   protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
     void Form_Load();
     void PlaceMessage();
+    void ChooseAction();
 
     const MessageTexts& texts_;
     std::unique_ptr<Ui::frmMessage> ui_;

@@ -91,6 +91,17 @@ TEST(Message, WrapsALongTextNamesAnEmptyOneAndIsClosedByItsButtonOnly) {
         QTest::mouseClick(cmdOK, Qt::LeftButton);
         EXPECT_FALSE(message.isVisible());
     }
+    const QSignalSpy chosen(&message, &frmMessage::ActionChosen);
+    for (const char* caption : {"", "Show &sums"}) {
+        message.Msg_Action = QLatin1String(caption);
+        message.show();
+        QTest::mouseClick(label->viewport(), Qt::LeftButton);
+        EXPECT_EQ(message.isVisible(), message.Msg_Action.isEmpty()) << "a click on the text";
+    }
+    message.show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&message));
+    QTest::keyClick(&message, Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return chosen.size() == 2 && !message.isVisible(); }));
     message.Msg_Options = MessageWaits;
     message.show();
     QTest::keyClick(&message, Qt::Key_Return);

@@ -34,6 +34,7 @@ TEST_F(AutostartFileTest, NamesAFileThatCanBeStarted) {
         EXPECT_TRUE(EntryHas("Exec=\"" + (folder / name).string() + "\"")) << name;
     }
     EXPECT_TRUE(EntryHas("Type=Application"));
+    EXPECT_TRUE(EntryHas("TryExec=" + (folder / "Korvalin").string()));
 }
 
 TEST_F(AutostartFileTest, AnyPathIsQuotedForTheExecLineAndReadBack) {

@@ -17,6 +17,7 @@ CONTENTS = {
     *(f"lib/systemd/user/korvalin-{unit}" for unit in ("record.service", "metrics.service", "metrics.timer")),
     "share/applications/korvalin.desktop",
     "share/bash-completion/completions/korvalin-cli",
+    "share/dbus-1/interfaces/org.example.korvalin.xml",
     "share/doc/korvalin/changelog.gz", "share/doc/korvalin/copyright",
     *(f"share/doc/korvalin/manual/{file.relative_to(MANUAL)}" for file in MANUAL.rglob("*.*")),
     "share/fish/vendor_completions.d/korvalin-cli.fish",

@@ -105,6 +105,7 @@ std::string WriteAutostartEntry(std::string_view name, std::string_view executab
     add("Type", "Application");
     add("Name", name);
     add("Exec", QuoteArgument(executable));
+    add("TryExec", executable); // a program that was removed is not missed at every log-in
     add(enabledKey, "true");
     add(registeredKey, registeredPath);
     return entry + "\n";
