@@ -1,6 +1,5 @@
 #include "inet/UpdatePage.h"
 
-#include "base/Characters.h"
 #include "base/Text.h"
 #include "inet/ShownText.h"
 
@@ -12,6 +11,10 @@ namespace korvalin {
 namespace {
 
 constexpr auto nowhere = std::string_view::npos;
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 std::optional<int> ReadPart(std::string_view text) {
     int value = 0;
