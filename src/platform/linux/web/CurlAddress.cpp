@@ -37,11 +37,14 @@ class Url {
 std::optional<AddressParts> ReadAddress(const CurlLibrary& library, const std::string& address) {
     Url url(library);
     AddressParts parts;
+    // The host is read from what is connected to: a number that was percent-encoded is one only then.
     const bool isRead = url.Set(CURLUPART_URL, address.c_str()) && url.Get(CURLUPART_SCHEME, parts.Scheme) &&
                         url.Get(CURLUPART_USER, parts.UserName, CURLU_URLDECODE) &&
                         url.Get(CURLUPART_PASSWORD, parts.Password, CURLU_URLDECODE) &&
-                        url.Get(CURLUPART_HOST, parts.Host) && url.Set(CURLUPART_USER, nullptr) &&
-                        url.Set(CURLUPART_PASSWORD, nullptr) && url.Get(CURLUPART_URL, parts.WithoutAccount);
+                        url.Set(CURLUPART_USER, nullptr) && url.Set(CURLUPART_PASSWORD, nullptr) &&
+                        url.Get(CURLUPART_URL, parts.WithoutAccount) &&
+                        url.Set(CURLUPART_URL, parts.WithoutAccount.c_str()) &&
+                        url.Get(CURLUPART_URL, parts.WithoutAccount) && url.Get(CURLUPART_HOST, parts.Host);
     return isRead ? std::optional(parts) : std::nullopt;
 }
 
