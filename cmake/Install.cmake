@@ -83,8 +83,16 @@ if(KORVALIN_GUI)
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/org.example.korvalin.xml
     DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
   install(FILES ${PROJECT_SOURCE_DIR}/packaging/korvalin.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-  configure_file(${PROJECT_SOURCE_DIR}/packaging/korvalin.metainfo.xml.in
-    ${generated}/${KORVALIN_COMPONENT}.metainfo.xml @ONLY)
+  set(metainfo_file ${PROJECT_SOURCE_DIR}/packaging/korvalin.metainfo.xml.in)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${metainfo_file})
+  file(READ ${metainfo_file} metainfo)
+  if(NOT KORVALIN_SCREENSHOTS)
+    # A software centre would show them as broken.
+    string(REGEX REPLACE " *<screenshots>.*</screenshots>\n" "" metainfo "${metainfo}")
+  elseif(NOT KORVALIN_SCREENSHOTS MATCHES "^https://[^\"<>&]+/$")
+    message(FATAL_ERROR "KORVALIN_SCREENSHOTS must be a folder on https, ending in \"/\": ${KORVALIN_SCREENSHOTS}")
+  endif()
+  file(CONFIGURE OUTPUT ${generated}/${KORVALIN_COMPONENT}.metainfo.xml CONTENT "${metainfo}" @ONLY)
   install(FILES ${generated}/${KORVALIN_COMPONENT}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 endif()
 

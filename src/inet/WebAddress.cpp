@@ -1,6 +1,8 @@
 #include "inet/WebAddress.h"
 
+#include "base/Characters.h"
 #include "base/Text.h"
+#include "platform/AddressReader.h"
 
 #include <algorithm>
 
@@ -8,14 +10,6 @@ namespace korvalin {
 namespace {
 
 constexpr std::size_t longestName = 100;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-bool IsLetterOrDigit(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || IsDigit(c);
-}
 
 // `alsoPlain`: characters that stay as they are beside letters and digits.
 std::string PercentEncode(std::string_view text, std::string_view alsoPlain) {
@@ -32,47 +26,28 @@ std::string PercentEncode(std::string_view text, std::string_view alsoPlain) {
     return encoded;
 }
 
-// Where the host, or an account before it, begins; npos for an address without one.
-std::size_t AuthorityOf(std::string_view address) {
-    const std::size_t slashes = address.find("//");
-    return slashes == std::string_view::npos ? slashes : slashes + 2;
-}
-
 } // namespace
 
-std::string WithAccount(std::string_view address, std::string_view user, std::string_view password) {
-    const std::size_t authority = AuthorityOf(address);
-    if (authority == std::string_view::npos || user.empty()) return std::string(address);
+std::string WithAccount(AddressReader& reader, const std::string& address, std::string_view user,
+                        std::string_view password) {
     constexpr std::string_view unreserved = "-._~";
-    return std::string(address.substr(0, authority)) + PercentEncode(user, unreserved) + ":" +
-           PercentEncode(password, unreserved) + "@" + std::string(address.substr(authority));
+    const std::optional<AddressParts> parts = user.empty() ? std::nullopt : reader.Read(address);
+    if (!parts) return address;
+    const std::string start = parts->Scheme + "://";
+    return start + PercentEncode(user, unreserved) + ":" + PercentEncode(password, unreserved) + "@" +
+           parts->WithoutAccount.substr(start.size());
 }
 
-std::string WithoutAccount(std::string_view address) {
-    const std::size_t authority = AuthorityOf(address);
-    if (authority == std::string_view::npos) return std::string(address);
-    const std::string_view host =
-        address.substr(authority, address.find_first_of("/?#", authority) - authority);
-    const std::size_t at = host.rfind('@');
-    if (at == std::string_view::npos) return std::string(address);
-    return std::string(address.substr(0, authority)) + std::string(address.substr(authority + at + 1));
+std::string WithoutAccount(AddressReader& reader, const std::string& address) {
+    const std::optional<AddressParts> parts = reader.Read(address);
+    return parts ? parts->WithoutAccount : std::string();
 }
 
-bool IsLoopbackAddress(std::string_view address) {
-    const bool plain = StartsWithNoCase(address, "http://");
-    if (!plain && !StartsWithNoCase(address, "https://")) return false;
-    address.remove_prefix(AuthorityOf(address));
-    for (const std::string_view host : {"127.0.0.1", "[::1]", "localhost"}) {
-        if (!StartsWithNoCase(address, host)) continue;
-        address.remove_prefix(host.size());
-        if (address.starts_with(':')) {
-            address.remove_prefix(1);
-            address.remove_prefix(static_cast<std::size_t>(
-                std::find_if_not(address.begin(), address.end(), IsDigit) - address.begin()));
-        }
-        return address.empty() || address.starts_with('/');
-    }
-    return false;
+bool IsLoopbackAddress(AddressReader& reader, const std::string& address) {
+    const std::optional<AddressParts> parts = reader.Read(address);
+    if (!parts || !parts->UserName.empty() || !parts->Password.empty()) return false;
+    if (parts->Scheme != "http" && parts->Scheme != "https") return false;
+    return parts->Host == "127.0.0.1" || parts->Host == "[::1]" || EqualsNoCase(parts->Host, "localhost");
 }
 
 std::string FileAddress(std::string_view path) {

@@ -50,7 +50,7 @@ void WebFetch::UseControl(TransferControl* control) {
 
 void WebFetch::Reset(const std::string& url) {
     state_ = {};
-    state_.Url = WithoutAccount(url);
+    state_.Url = WithoutAccount(parts_.AddressReader, url);
     state_.StartTime = parts_.Clock.Now();
     file_.reset();
     cancelled_ = false;
@@ -269,10 +269,10 @@ bool WebFetch::HtmDownloadFile(const std::string& url, const std::filesystem::pa
 bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) {
     if (control_ != nullptr) return !control_->StillExecuting() && Inet_GetBgrd(url, file) && AwaitControl();
     const bool useAccount = parts_.Settings.Get(Keys::FirewallUse);
-    const std::string address = useAccount
-                                    ? WithAccount(url, parts_.Settings.Get(Keys::FirewallUser),
-                                                  parts_.Settings.GetRegPassword(Keys::FirewallPassword))
-                                    : url;
+    const std::string address =
+        useAccount ? WithAccount(parts_.AddressReader, url, parts_.Settings.Get(Keys::FirewallUser),
+                                 parts_.Settings.GetRegPassword(Keys::FirewallPassword))
+                   : url;
     state_.PageText = GetURLSource(address, file, false);
     return state_.Status.empty() && (state_.ToFile || !state_.PageText.empty());
 }

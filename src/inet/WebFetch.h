@@ -11,6 +11,7 @@
 
 namespace korvalin {
 
+class AddressReader;
 class Clock;
 class DataFolder;
 class Errors;
@@ -33,6 +34,7 @@ class WebFetch {
         korvalin::Clock& Clock;
         korvalin::Language& Language;
         korvalin::DataFolder& DataFolder;
+        korvalin::AddressReader& AddressReader;
         ProgramVersion Version;
     };
     struct Hooks {

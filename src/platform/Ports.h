@@ -2,6 +2,7 @@
 
 namespace korvalin {
 
+class AddressReader;
 class Clock;
 class Events;
 class Files;
@@ -39,6 +40,7 @@ struct Ports {
     korvalin::Networks& Networks;
     korvalin::Http& Http;
     korvalin::Signatures& Signatures;
+    korvalin::AddressReader& AddressReader;
 };
 
 } // namespace korvalin

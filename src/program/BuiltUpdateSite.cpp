@@ -7,11 +7,11 @@
 
 namespace korvalin {
 
-UpdateConfiguration BuiltUpdateSite() {
+UpdateConfiguration BuiltUpdateSite(AddressReader& reader) {
     UpdateConfiguration built{UpdateSiteAddress, VersionHistoryAddress,
                               BytesOfHex(UpdatePublicKey).value_or("")};
     const char* local = std::getenv("KORVALIN_UPDATE_SITE");
-    if (local != nullptr && IsLoopbackAddress(local) && std::string_view(local).ends_with('/')) {
+    if (local != nullptr && std::string_view(local).ends_with('/') && IsLoopbackAddress(reader, local)) {
         built.Site = local;
         built.VersionHistoryPage = built.Site + "versions.html";
         // It may only ask for more: the key of the build stays.

@@ -1,5 +1,6 @@
 #include "stats/StatExport.h"
 
+#include "base/Characters.h"
 #include "base/Text.h"
 
 #include <algorithm>
@@ -9,10 +10,6 @@ namespace {
 
 constexpr std::string_view separator = "\t";
 constexpr std::string_view lineEnd = "\r\n";
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 // "m:ss" or "mm:ss" with both parts below 60.
 bool IsMinutesAndSeconds(std::string_view text) {

@@ -45,8 +45,8 @@ class CoreFixture : public testing::Test {
     }
     Ports AllPorts() { return PortsWith(files, recordingLock, journal, signatures); }
     Ports PortsWith(Files& someFiles, RecordingLock& someLock, Journal& someJournal, Signatures& makers) {
-        return {registry, network,   internet, ras,         clock,    events, boxes, screen, shell, user,
-                lock,     someFiles, someLock, someJournal, networks, http,   makers};
+        return {registry, network, internet,  ras,      clock,       events,   boxes, screen, shell,
+                user,     lock,    someFiles, someLock, someJournal, networks, http,  makers, addressReader};
     }
     /// Has the data in the fixture's folder.
     void KeepDataInFolder() { settings.SetReg("DataPath", folder.Path().string()); }
@@ -78,6 +78,7 @@ class CoreFixture : public testing::Test {
     FakeNetworks networks;
     FakeHttp http;
     FakeSignatures signatures;
+    FakeAddressReader addressReader;
     Locale locale;
     Errors errors{clock, files, boxes, locale, "Korvalin"};
     Settings settings{registry, errors, screen, clock, locale};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AddressReader.h"
 #include "platform/Http.h"
 #include "platform/Signatures.h"
 
@@ -52,6 +53,18 @@ class FakeHttp : public Http {
         Answer Given;
         std::size_t Taken = 0;
     };
+};
+
+/// Takes plain addresses apart, without an account or anything odd in them.
+class FakeAddressReader : public AddressReader {
+  public:
+    std::optional<AddressParts> Read(const std::string& address) override {
+        const std::size_t colon = address.find("://");
+        if (colon == std::string::npos) return std::nullopt;
+        const std::string host =
+            address.substr(colon + 3, address.find_first_of(":/", colon + 3) - colon - 3);
+        return AddressParts{address.substr(0, colon), "", "", host, address};
+    }
 };
 
 /// Takes the one signature that it is told, and hashes in its own way.

@@ -1,6 +1,7 @@
 #include "fakes/CoreFixture.h"
 #include "inet/WebServer.h"
 #include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/web/CurlAddress.h"
 #include "platform/linux/web/CurlHttp.h"
 #include "platform/qt/CurlTransferControl.h"
 #include "platform/qt/QtEvents.h"
@@ -56,6 +57,7 @@ class Transports : public CoreFixture, public testing::WithParamInterface<Transp
     CurlRules rules{5, 1, 120, (server.Folder / "ca.pem").string()};
     HurriedEvents hurried{clock};
     PosixFiles realFiles;
+    CurlAddressReader realReader;
     CurlHttp curl{rules};
     CurlTransferControl control{{5, 60, 120, rules.TrustedCertificates}};
     WebFetch::Parts FetchParts(Http& transport) {
@@ -67,6 +69,7 @@ class Transports : public CoreFixture, public testing::WithParamInterface<Transp
                 .Clock = clock,
                 .Language = language,
                 .DataFolder = dataFolder,
+                .AddressReader = realReader,
                 .Version = {2, 3, 12}};
     }
     WebFetch fetch{FetchParts(curl)};

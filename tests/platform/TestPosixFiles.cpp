@@ -7,6 +7,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
 using namespace korvalin;
 
@@ -153,6 +155,22 @@ TEST_F(PosixFilesTest, CopiesContentAndPermissions) {
     EXPECT_EQ(Entries(), 2);
 }
 
+/// Gives a user who is not us the right to write, by an access list; false where the file system has none.
+bool LetAnotherWrite(const fs::path& path) {
+    struct Entry {
+        std::uint16_t Kind, Rights;
+        std::uint32_t Id;
+    };
+    constexpr std::uint32_t nobody = ~0U;
+    const struct {
+        std::uint32_t Version = 2;
+        // The owner, another user, the group, the mask, and everybody else.
+        Entry Entries[5] = {
+            {1, 7, nobody}, {2, 7, geteuid() + 1}, {4, 5, nobody}, {16, 7, nobody}, {32, 5, nobody}};
+    } list;
+    return setxattr(path.c_str(), "system.posix_acl_access", &list, sizeof list, 0) == 0;
+}
+
 TEST_F(PosixFilesTest, KnowsAFileThatNobodyElseCanWrite) {
     fs::create_directories(folder / "inner");
     const fs::path file = folder.Write("inner/file", "content");
@@ -165,6 +183,11 @@ TEST_F(PosixFilesTest, KnowsAFileThatNobodyElseCanWrite) {
     EXPECT_FALSE(check(fs::perms(0757), fs::perms(0755)));
     EXPECT_FALSE(check(fs::perms(0755), fs::perms(0757)));
     EXPECT_TRUE(check(fs::perms(0755), fs::perms(0755)));
+    EXPECT_TRUE(check(fs::perms(0775), fs::perms(0775))) << "a group of our own";
+    if (LetAnotherWrite(inner)) {
+        EXPECT_FALSE(files.IsOursAlone(file));
+        EXPECT_TRUE(check(fs::perms(0755), fs::perms(0755))) << "a mask lets nobody else write";
+    }
     fs::create_symlink(file, folder / "link");
     EXPECT_FALSE(files.IsOursAlone(folder / "link"));
     fs::create_hard_link(file, folder / "second");

@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace korvalin {
@@ -83,11 +84,18 @@ bool WriteBeside(const std::filesystem::path& path, mode_t mode, const std::func
     return file && PutInPlace(file, beside, path, mode, fill);
 }
 
-// A group of the user's number is the user's own on systems that give everybody one.
-bool OnlyWeCanWrite(const struct stat& status) {
+// What cannot be told counts as one.
+bool HasAccessList(const std::filesystem::path& path) {
+    return getxattr(path.c_str(), "system.posix_acl_access", nullptr, 0) >= 0 ||
+           (errno != ENODATA && errno != ENOTSUP);
+}
+
+// A group of the user's number is the user's own on systems that give everybody one. Where a list names
+// others, the group's bits are what all of them may do at most.
+bool OnlyWeCanWrite(const std::filesystem::path& path, const struct stat& status) {
     const bool groupIsOurs = status.st_gid == getegid() && status.st_gid == geteuid();
     return (status.st_uid == geteuid() || status.st_uid == 0) && (status.st_mode & S_IWOTH) == 0 &&
-           ((status.st_mode & S_IWGRP) == 0 || groupIsOurs);
+           ((status.st_mode & S_IWGRP) == 0 || (groupIsOurs && !HasAccessList(path)));
 }
 
 // Written under the name of a temporary file of its own, as WriteBeside does.
@@ -213,8 +221,9 @@ bool PosixFiles::Copy(const std::filesystem::path& from, const std::filesystem::
 bool PosixFiles::IsOursAlone(const std::filesystem::path& path) {
     struct stat file {};
     struct stat folder {};
+    const std::filesystem::path around = path.parent_path();
     return lstat(path.c_str(), &file) == 0 && S_ISREG(file.st_mode) && file.st_nlink == 1 &&
-           OnlyWeCanWrite(file) && stat(path.parent_path().c_str(), &folder) == 0 && OnlyWeCanWrite(folder);
+           OnlyWeCanWrite(path, file) && stat(around.c_str(), &folder) == 0 && OnlyWeCanWrite(around, folder);
 }
 
 int PosixFiles::CreateFolders(const std::filesystem::path& folder) {

@@ -14,6 +14,7 @@
 #include "platform/linux/system/PasswdUser.h"
 #include "platform/linux/system/SystemClock.h"
 #include "platform/linux/system/XdgFolders.h"
+#include "platform/linux/web/CurlAddress.h"
 #include "platform/linux/web/CurlHttp.h"
 #include "platform/linux/web/SodiumSignatures.h"
 
@@ -54,6 +55,7 @@ struct LinuxSystem::BackEnds {
     NetworkManagerNetworks Networks{NetworkManager};
     CurlHttp Http;
     SodiumSignatures Signatures;
+    CurlAddressReader AddressReader;
 };
 
 LinuxSystem::LinuxSystem() : backEnds_(std::make_unique<BackEnds>()) {}
@@ -64,7 +66,7 @@ Ports LinuxSystem::PortsWith(Events& events, MessageBoxes& messageBoxes, Screen&
     b.Internet.Dialer().Plug(events);
     return {b.Registry,      b.NetworkTables, b.Internet, b.Ras,  b.Clock,        events,
             messageBoxes,    screen,          b.Shell,    b.User, b.InstanceLock, b.Files,
-            b.RecordingLock, b.Journal,       b.Networks, b.Http, b.Signatures};
+            b.RecordingLock, b.Journal,       b.Networks, b.Http, b.Signatures,   b.AddressReader};
 }
 
 void LinuxSystem::PlugDialDialog(DialDialog* dialog) {

@@ -1,18 +1,17 @@
 #pragma once
 
+#include "platform/AddressReader.h"
 #include "platform/linux/web/CurlLibrary.h"
-
-#include <string>
 
 namespace korvalin {
 
-/// An address and the account in it, taken apart and decoded.
-struct CurlAddress {
-    /// What is no address is left as it is: it leads nowhere.
-    CurlAddress(const CurlLibrary& library, const std::string& address);
+/// Takes an address apart; nullopt for what is none.
+std::optional<AddressParts> ReadAddress(const CurlLibrary& library, const std::string& address);
 
-    std::string WithoutAccount;
-    std::string UserName, Password;
+/// AddressReader on libcurl, which is loaded for the first address.
+class CurlAddressReader : public AddressReader {
+  public:
+    std::optional<AddressParts> Read(const std::string& address) override;
 };
 
 } // namespace korvalin

@@ -42,11 +42,12 @@ void CurlTransfer::Set(CURLoption option, Value value) {
 }
 
 void CurlTransfer::SetUp(const HttpRequest& request, const CurlRules& rules) {
-    const CurlAddress address(library_, request.Address);
-    Set(CURLOPT_URL, address.WithoutAccount.c_str());
+    const std::optional<AddressParts> address = ReadAddress(library_, request.Address);
+    if (!address) return End(CURLE_URL_MALFORMAT);
+    Set(CURLOPT_URL, address->WithoutAccount.c_str());
     Set(CURLOPT_USERAGENT, request.UserAgent.c_str());
-    SetProxyAccount(request.UserName.empty() ? address.UserName : request.UserName,
-                    request.UserName.empty() ? address.Password : request.Password);
+    SetProxyAccount(request.UserName.empty() ? address->UserName : request.UserName,
+                    request.UserName.empty() ? address->Password : request.Password);
     Set(CURLOPT_ACCEPT_ENCODING, "");
     Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     Set(CURLOPT_SSL_VERIFYPEER, 1L);
@@ -56,7 +57,7 @@ void CurlTransfer::SetUp(const HttpRequest& request, const CurlRules& rules) {
         Set(CURLOPT_CAINFO, rules.TrustedCertificates.c_str());
         Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     }
-    const bool isPlain = StartsWithNoCase(address.WithoutAccount, "http://");
+    const bool isPlain = address->Scheme == "http";
     Set(CURLOPT_PROTOCOLS_STR, isPlain ? "http,https" : "https"); // after redirects too
     if (isPlain) KeepToThisMachine();
     Set(CURLOPT_FOLLOWLOCATION, 1L);
