@@ -71,7 +71,6 @@ void LineMonitor::AdvanceEndedCalls() {
         if (received + transmitted == 0) continue;
         open.BytesReceived += received;
         open.BytesTransmitted += transmitted;
-        open.End = std::max(open.End, now);
         open.Recorded = false;
     }
     parts_.CounterLedger.KeepDialUps(std::move(calls));
