@@ -32,6 +32,7 @@ class ReadOnlyFiles : public FakeFiles {
     std::vector<fs::path> Folders;
     bool Replace(const fs::path& path, std::string_view content) override {
         const bool refused = std::find(Folders.begin(), Folders.end(), path.parent_path()) != Folders.end();
+        errno = EROFS;
         return !refused && FakeFiles::Replace(path, content);
     }
 };
@@ -144,8 +145,22 @@ TEST_F(DataFolderTest, AChosenFolderThatIsAwayStaysChosenAndIsUsedWhenItIsBack) 
         EXPECT_EQ(data.GetDataPath(), share / "");
     EXPECT_EQ(TakeBoxes(), Lines{"Cannot create " + away.string() + " now, so in " + share.string() + "."});
     EXPECT_EQ(settings.Get(Keys::DataPath), away.string());
-    fs::create_directories(away);
+    EXPECT_FALSE(data.BeginToRecord());
+    EXPECT_EQ(data.JournalFolder(), places.SettingsFolder());
+    Put(share / "Korvalin_Stats.db", "both\r\nmeanwhile\r\n");
+    Put(away / "Korvalin_Stats.db", "before\r\nboth\r\n");
     EXPECT_EQ(data.GetDataPath(), away / "");
+    DataFolder next(Parts(), programFolder);
+    for (const bool fetched : {true, false}) {
+        EXPECT_EQ(next.BeginToRecord(), fetched);
+        EXPECT_EQ(Contents(away), "db=before\r\nboth\r\nmeanwhile\r\n ");
+    }
+    disk.Folders = {away};
+    DataFolder readOnly(Parts(), programFolder);
+    EXPECT_FALSE(readOnly.BeginToRecord() || readOnly.BeginToRecord());
+    EXPECT_FALSE(readOnly.CheckDataFolder(away));
+    const std::string cause = "t208\n" + away.string();
+    EXPECT_EQ(TakeBoxes(), (Lines{cause + "/\n\nt210 t231", cause + "\n\nt210"}));
 }
 
 TEST_F(DataFolderTest, AnswersALogLineFromInsideItself) {
