@@ -80,7 +80,7 @@ struct RecordFilter {
                             OutputFormat format);
 
 /// Loads the statistics file as the start of the program does and tells what that changed.
-void RepairStatistics(Program& program);
+int RepairStatistics(Program& program);
 
 /// What kept records from being written, for people.
 const char* TextOf(LoadReport::Hindrance hindrance);

@@ -79,13 +79,14 @@ const char* TextOf(LoadReport::Hindrance hindrance) {
         return "the file has not a single record, so it is probably none of statistics";
     case Hindrance::Changed: return "another program has written to the file meanwhile";
     case Hindrance::DiskFull: return "the disk has no room for a second copy";
+    case Hindrance::ReadOnly: return "the disk is write-protected";
     case Hindrance::NotWritable: return "its folder cannot be written";
     case Hindrance::None: break;
     }
     return "";
 }
 
-void RepairStatistics(Program& program) {
+int RepairStatistics(Program& program) {
     StatRecords records;
     const int count = program.statFile.LoadStatFile(records, true);
     const LoadReport& report = program.statFile.Report();
@@ -97,7 +98,9 @@ void RepairStatistics(Program& program) {
         fmt::print("rewritten; the old file is {}\n", report.Backup.string());
     } else if (report.NeedsRepair()) {
         fmt::print("not rewritten: {}\n", TextOf(report.NotRewritten));
+        return report.Error != 0 ? EXIT_FAILURE : EXIT_SUCCESS;
     }
+    return EXIT_SUCCESS;
 }
 
 } // namespace korvalin

@@ -212,7 +212,7 @@ int Run(const CommandLine& line, const Ports& ports, Program& program, const Ter
     if (line.Records->parsed()) return PrintRecords(program, arguments.Filter, arguments.Format);
     if (line.Sums->parsed())
         return PrintSums(program, arguments.Period, arguments.Filter.Alias, arguments.Format);
-    if (line.Repair->parsed()) RepairStatistics(program);
+    if (line.Repair->parsed()) return RepairStatistics(program);
     if (line.ImportVnstat->parsed())
         return ImportHistory(program, ports.Clock, VnstatDatabase().Read(arguments.Import.File),
                              arguments.Import);

@@ -7,6 +7,7 @@
 #include "base/Text.h"
 #include "data/FileActions.h"
 #include "errors/Errors.h"
+#include "errors/FileFailures.h"
 #include "lang/Language.h"
 #include "lang/MessagePieces.h"
 #include "platform/Clock.h"
@@ -80,7 +81,7 @@ fs::path DataFolder::GetDataPath() {
 // and that cannot be reached today stays chosen.
 void DataFolder::DecideFolder(const fs::path& stored) {
     const fs::path common = CommonFolder();
-    const bool created = common.is_absolute() && CreateFolderPath(common);
+    const bool created = common.is_absolute() && CreateFolderPath(common) == 0;
     const bool usable = created && CanCreateFileIn(common);
     const bool programFolderServes = !created && CanCreateFileIn(programFolder_);
     if (!stored.empty() || (!usable && !programFolderServes)) {
@@ -112,7 +113,7 @@ fs::path DataFolder::CommonFolder() const {
 fs::path DataFolder::AnyWritable() {
     if (CanCreateFileIn(programFolder_)) return programFolder_;
     const fs::path folder = parts_.Shell.SettingsFolder();
-    return CreateFolderPath(folder) ? folder : programFolder_;
+    return CreateFolderPath(folder) == 0 ? folder : programFolder_;
 }
 
 // A log line may need the folder before the texts are there; a message without words would tell nothing.
@@ -120,41 +121,93 @@ bool DataFolder::HasTexts() {
     return !parts_.Language.Lng("modAllgemein", 29).empty();
 }
 
-bool DataFolder::CreateFolderPath(const fs::path& folder) {
-    return parts_.Files.CreateFolders(folder) == 0 && IsFolder(folder);
+// Also its missing parents. Returns the system's error number, or 0.
+int DataFolder::CreateFolderPath(const fs::path& folder) {
+    const int error = parts_.Files.CreateFolders(folder);
+    return error == 0 && !IsFolder(folder) ? ENOTDIR : error;
 }
 
 bool DataFolder::CheckDataFolder(const fs::path& folder) {
     if (folder.empty()) return false;
+    int error = 0;
     if (!FileExists(folder)) {
-        if (!HasTexts()) return CreateFolderPath(folder) && CanCreateFileIn(folder);
+        if (!HasTexts()) return CreateFolderPath(folder) == 0 && CanCreateFileIn(folder);
         const std::string question = folder.string() + "\n\n" + parts_.Language.Lng("modAllgemein", 29);
         const auto answer = parts_.MessageBoxes.Show(question, std::string(ProgramTitle),
                                                      MessageIcon::Question, MessageButtons::YesNo);
         if (answer != MessageAnswer::Yes) return false;
-        static_cast<void>(CreateFolderPath(folder));
+        error = CreateFolderPath(folder);
     }
-    if (!IsFolder(folder)) {
-        if (HasTexts())
-            ShowPieces(parts_.MessageBoxes, parts_.Language, {32, folder.string(), 33}, MessageIcon::Warning);
-        return false;
-    }
-    if (CanCreateFileIn(folder)) return true;
-    if (HasTexts())
-        ShowPieces(parts_.MessageBoxes, parts_.Language, {30, folder.string(), 31}, MessageIcon::Warning);
+    const bool isFolder = IsFolder(folder);
+    if (isFolder) error = TryFileIn(folder);
+    if (isFolder && error == 0) return true;
+    isFolder ? Refuse(folder, error, 30, 31) : Refuse(folder, error, 32, 33);
     return false;
 }
 
-bool DataFolder::CanCreateFileIn(const fs::path& folder) {
+// The cause tells more than the two texts about the folder, where it is known.
+void DataFolder::Refuse(const fs::path& folder, int error, int before, int behind) {
+    if (!HasTexts()) return;
+    const std::string cause =
+        parts_.Errors.InWords(std::system_error(error, std::generic_category(), folder.string()));
+    if (cause.empty()) {
+        ShowPieces(parts_.MessageBoxes, parts_.Language, {before, folder.string(), behind},
+                   MessageIcon::Warning);
+    } else {
+        parts_.MessageBoxes.Show(cause, std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
+    }
+}
+
+// Returns the system's error number, or 0.
+int DataFolder::TryFileIn(const fs::path& folder) {
     fs::path file = folder / "Test.txt";
     // The user may keep a file of that name.
     for (int number = 1; FileExists(file); ++number)
         file = folder / fmt::format("Test{}.txt", number);
     // Not looked for afterwards: another program that tries at the same moment may have removed it.
-    const bool created = parts_.Files.Replace(file, "");
+    if (!parts_.Files.Replace(file, "")) return errno;
     std::error_code ignored;
-    if (created) fs::remove(file, ignored);
-    return created;
+    fs::remove(file, ignored);
+    return 0;
+}
+
+// ---- while the chosen folder is away
+
+bool DataFolder::StandsIn() {
+    const fs::path stored = parts_.Settings.Get(Keys::DataPath);
+    return !stored.empty() && !IsFolder(stored);
+}
+
+fs::path DataFolder::JournalFolder() {
+    return StandsIn() ? parts_.Shell.SettingsFolder() : GetDataPath();
+}
+
+bool DataFolder::BeginToRecord() {
+    constexpr int recordsAreKept = 231;
+    const fs::path here = GetDataPath();
+    const bool isNew = std::exchange(recordsInto_, here) != here;
+    parts_.Errors.Step("BeginToRecord", [&] {
+        if (!isNew) return;
+        if (const int error = TryFileIn(here); error != 0) throw FileFailure(error, here, recordsAreKept);
+    });
+    const fs::path substitute = parts_.Settings.Get(Keys::SubstituteFolder);
+    const bool isThere = IsFolder(substitute);
+    const bool fetches = isThere && !SameFolder(substitute, here);
+    if (fetches && !parts_.Errors.Step("BeginToRecord", [&] { Fetch(substitute, here); })) return false;
+    if (StandsIn()) {
+        parts_.Settings.Set(Keys::SubstituteFolder, here.string());
+    } else if (isThere) {
+        parts_.Settings.Remove(Keys::SubstituteFolder);
+    }
+    return fetches;
+}
+
+void DataFolder::Fetch(const fs::path& from, const fs::path& to) {
+    for (const std::string_view name : {StatFileName, StatExportName}) {
+        if (!FileExists(from / name)) continue;
+        FileExists(to / name) ? JoinStatistics(from / name, to / name)
+                              : MoveStatistics(from / name, to / name, false);
+    }
 }
 
 // ---- moving the statistics
@@ -175,6 +228,8 @@ bool DataFolder::ChangeDataPath(const fs::path& oldFolder, const fs::path& newFo
             MoveStatistics(oldFile, newFile, ask);
         }
     });
+    // The user has decided about the records there.
+    if (done && !refused && ask) parts_.Settings.Remove(Keys::SubstituteFolder);
     return done && !refused;
 }
 
@@ -223,7 +278,8 @@ void DataFolder::JoinStatistics(const fs::path& oldFile, const fs::path& newFile
         if (!known.contains(line)) missing += line + std::string(lineEnd);
     }
     if (!missing.empty()) {
-        const int error = parts_.Files.AppendLines(newFile, "", missing, lineEnd, Files::Flush::Yes);
+        const int error = parts_.Files.AppendLines(newFile, "", missing, lineEnd, Files::Flush::Yes,
+                                                   Files::Wait::ForRewrite);
         if (error != 0) throw std::system_error(error, std::generic_category(), newFile.string());
     }
     PutAside(oldFile);

@@ -50,15 +50,21 @@ class DataFolder {
     /// log line).
     std::filesystem::path GetDataPath();
 
+    /// Where the journal is kept: in the data folder, but while another one stands in for it in the settings
+    /// folder, as the next start may find either of them.
+    std::filesystem::path JournalFolder();
+
+    /// For the program that records: tells when no file can be created in the folder. What another folder has
+    /// taken while this one was away joins the records here; a folder that stands in for it now is remembered
+    /// for that. True when records have come.
+    bool BeginToRecord();
+
     /// Where the data are kept unless the user says otherwise.
     std::filesystem::path CommonFolder() const;
 
     /// Whether the folder is there (the user may let it be created) and files can be created in it. Tells the
-    /// user what is wrong with it.
+    /// user what is wrong with it, and why.
     bool CheckDataFolder(const std::filesystem::path& folder);
-
-    /// Creates the folder and all missing parents; false when it is not there afterwards.
-    bool CreateFolderPath(const std::filesystem::path& folder);
 
     /// Stores the data folder, on the medium. False leaves the one that is stored.
     [[nodiscard]] bool Use(const std::filesystem::path& folder);
@@ -79,7 +85,12 @@ class DataFolder {
     void TellSubstitute(const std::filesystem::path& wanted);
     std::filesystem::path AnyWritable();
     bool HasTexts();
-    bool CanCreateFileIn(const std::filesystem::path& folder);
+    bool StandsIn();
+    void Fetch(const std::filesystem::path& from, const std::filesystem::path& to);
+    void Refuse(const std::filesystem::path& folder, int error, int before, int behind);
+    int CreateFolderPath(const std::filesystem::path& folder);
+    int TryFileIn(const std::filesystem::path& folder);
+    bool CanCreateFileIn(const std::filesystem::path& folder) { return TryFileIn(folder) == 0; }
     bool UserKeepsNewStatistics();
     bool UserMovesStatistics();
     void JoinStatistics(const std::filesystem::path& oldFile, const std::filesystem::path& newFile);
@@ -93,6 +104,7 @@ class DataFolder {
     std::filesystem::path runFolder_;
     /// The folder that runFolder_ stands in for, until the user was told.
     std::filesystem::path untold_;
+    std::filesystem::path recordsInto_;
     bool decided_ = false;
     bool deciding_ = false;
 };

@@ -81,21 +81,23 @@ bool Errors::UserEndsProgram() {
 
 void Errors::WriteErrorLog(std::string_view message, std::string_view group) {
     try {
-        const std::filesystem::path folder = hooks_.DataFolder();
-        if (folder.empty()) return;
-        const std::filesystem::path path = folder / (executableName_ + "_ErrorLog.txt");
         const std::string line = FormatDateGeneral(clock_.Now(), locale_) + "\t" +
                                  OneLine(Shortened(group, longestGroup)) + "\t" +
                                  OneLine(Shortened(message, longestMessage)) + "\r\n";
-        std::error_code ignored;
-        const auto size = std::filesystem::file_size(path, ignored);
-        if (!ignored && size + line.size() > logLimitBytes) {
-            std::filesystem::rename(path, folder / (executableName_ + "_ErrorLog.old.txt"), ignored);
-        }
-        static_cast<void>(files_.Append(path, line));
+        if (!AppendToLog(hooks_.DataFolder(), line)) AppendToLog(hooks_.SpareFolder(), line);
     } catch (const std::exception&) {
         // The log is the last resort: what cannot be written there is lost.
     }
+}
+
+bool Errors::AppendToLog(const std::filesystem::path& folder, const std::string& line) {
+    if (folder.empty()) return false;
+    const std::filesystem::path path = folder / (executableName_ + "_ErrorLog.txt");
+    std::error_code ignored;
+    const auto size = std::filesystem::file_size(path, ignored);
+    if (!ignored && size + line.size() > logLimitBytes)
+        std::filesystem::rename(path, folder / (executableName_ + "_ErrorLog.old.txt"), ignored);
+    return files_.Append(path, line);
 }
 
 void Errors::Report(std::string_view procName, const std::exception& error) {
@@ -105,20 +107,29 @@ void Errors::Report(std::string_view procName, const std::exception& error) {
 }
 
 std::string Errors::ExpectedFailure(const std::exception& error) const {
+    constexpr int programGoesOn = 230;
     const auto* system = dynamic_cast<const std::system_error*>(&error);
-    const int cause = system != nullptr ? FailureText(system->code()) : 0;
-    if (cause == 0) return {};
-    return hooks_.Text(208) + "\n" + FailedFile(*system) + "\n\n" + hooks_.Text(cause);
+    const std::string words = system != nullptr ? InWords(*system) : "";
+    if (words.empty()) return {};
+    const auto* failure = dynamic_cast<const FileFailure*>(&error);
+    return words + " " + hooks_.Text(failure != nullptr ? failure->Consequence() : programGoesOn);
 }
 
-// The same words again at once tell nothing new; the log has them.
+std::string Errors::InWords(const std::system_error& error) const {
+    const int cause = FailureText(error.code());
+    if (cause == 0) return {};
+    return hooks_.Text(208) + "\n" + FailedFile(error) + "\n\n" + hooks_.Text(cause);
+}
+
+// The same words again at once, or while they are still on the screen, tell nothing new; the log has them.
 void Errors::DisplayFailure(std::string_view procName, const std::string& text) {
     const Date now = clock_.Now();
     const bool again = text == lastFailure_ && now >= lastFailureTime_ && lastFailureTime_ + quietSpan > now;
-    if (again) return WriteErrorLog(text, procName);
+    if (again || !openFailures_.insert(text).second) return WriteErrorLog(text, procName);
     lastFailure_ = text;
     messageBoxes_.Show(text, std::string(ProgramTitle) + " " + hooks_.Text(207), MessageIcon::Critical,
                        MessageButtons::Ok);
+    openFailures_.erase(text);
     lastFailureTime_ = clock_.Now();
 }
 

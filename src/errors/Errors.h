@@ -9,9 +9,11 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace korvalin {
 
@@ -44,6 +46,8 @@ class Errors {
         std::function<std::filesystem::path()> DataFolder;
         /// Ends the program at once, but for what must be saved before.
         std::function<void()> EndProgram;
+        /// Takes the log when the data folder does not.
+        std::function<std::filesystem::path()> SpareFolder = [] { return std::filesystem::path(); };
     };
 
     Errors(Clock& clock, Files& files, MessageBoxes& messageBoxes, const Locale& locale,
@@ -54,6 +58,10 @@ class Errors {
     /// Shows an error in the program's words: `procName` is the routine it happened in. A second report
     /// within two seconds asks first whether to end the program.
     void DisplayError(std::string_view procName, int errNumber, std::string_view errText);
+
+    /// What has happened to a file and what to do, in the user's words; empty when it is nothing that can
+    /// happen to every file.
+    std::string InWords(const std::system_error& error) const;
 
     /// Appends one line (date and time, group, message) to the error log; a line that cannot be written is
     /// lost. Line breaks inside the message become blanks. The log is moved to "..._ErrorLog.old.txt" before
@@ -81,6 +89,7 @@ class Errors {
     std::string ExpectedFailure(const std::exception& error) const;
     void DisplayFailure(std::string_view procName, const std::string& text);
     bool UserEndsProgram();
+    bool AppendToLog(const std::filesystem::path& folder, const std::string& line);
 
     Clock& clock_;
     Files& files_;
@@ -91,6 +100,7 @@ class Errors {
     Date lastErrorTime_ = 0;
     std::string lastFailure_;
     Date lastFailureTime_ = 0;
+    std::set<std::string> openFailures_; // whose boxes are shown
     bool ending_ = false;
 };
 

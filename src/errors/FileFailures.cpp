@@ -1,11 +1,12 @@
 #include "errors/FileFailures.h"
 
 #include <cerrno>
-#include <filesystem>
 
 namespace korvalin {
 
 int FailureText(const std::error_code& code) {
+    // A stream's own code 1 is not the system's.
+    if (code.category() != std::generic_category() && code.category() != std::system_category()) return 0;
     switch (code.value()) {
     case ENOSPC:
     case EDQUOT: return 209;
@@ -18,6 +19,10 @@ int FailureText(const std::error_code& code) {
     case ENOENT:
     case ENOTDIR: return 213;
     case EIO: return 214;
+    case EISDIR:
+    case ELOOP:
+    case ENXIO: return 233;
+    case ENAMETOOLONG: return 234;
     default: return 0;
     }
 }

@@ -1,4 +1,5 @@
-// Writing that survives a crash. Reading and folder walks use the standard library.
+// Writing that survives a crash. Reading and folder walks use the standard library. Where a method says only
+// that it has failed, errno has the cause.
 #pragma once
 
 #include <filesystem>
@@ -36,11 +37,15 @@ class Files {
 
     /// Whether lines must have reached the medium before AppendLines returns.
     enum class Flush { No, Yes };
+    /// How long another program that holds the file is waited for: as long as its rewrite of a large file may
+    /// take, or a tenth of a second.
+    enum class Wait { ForRewrite, Briefly };
     /// Appends whole lines with one write; a file that is missing or empty gets `header` first, one that ends
-    /// within a line gets `lineEnd` first. Waits a moment for a program that holds the file. 0 or the
-    /// system's error number (EAGAIN: still held); the file is then as it was.
+    /// within a line gets `lineEnd` first. 0 or the system's error number (EAGAIN: still held); the file is
+    /// then as it was.
     [[nodiscard]] virtual int AppendLines(const std::filesystem::path& path, std::string_view header,
-                                          std::string_view lines, std::string_view lineEnd, Flush flush) = 0;
+                                          std::string_view lines, std::string_view lineEnd, Flush flush,
+                                          Wait wait) = 0;
 
     /// Holds off AppendLines and other holders. nullptr when the file is missing or somebody else holds it.
     [[nodiscard]] virtual std::unique_ptr<FileLock> Hold(const std::filesystem::path& path) = 0;
@@ -48,7 +53,8 @@ class Files {
     /// Takes a part of a file's new content; false when it could not be written.
     using Sink = std::function<bool(std::string_view part)>;
     /// Like Replace for content that comes in parts; the old file stays under the name `kept`, which must be
-    /// free. At every moment `path` is either the old file or the new one, whole. False leaves the old one.
+    /// free. At every moment `path` is either the old file or the new one, whole. False leaves the old one;
+    /// errno is 0 when nothing but `write` has given up.
     [[nodiscard]] virtual bool ReplaceKeeping(const std::filesystem::path& path,
                                               const std::filesystem::path& kept,
                                               const std::function<bool(const Sink& sink)>& write) = 0;

@@ -99,6 +99,7 @@ Program::Program(const Ports& ports, Locale userLocale)
                    .LineBook = lineBook,
                    .RasReader = rasReader,
                    .LanReader = lanReader,
+                   .CounterLedger = counterLedger,
                    .TrafficOptions = trafficOptions,
                    .Internet = ports.Internet,
                    .User = ports.User,
@@ -220,7 +221,8 @@ void Program::PlugHooks() {
                      [this] {
                          journalKeeper.RecordOpenLines(CloseReason::Program);
                          std::_Exit(EXIT_FAILURE);
-                     }});
+                     },
+                 .SpareFolder = [this] { return ports_.Shell.SettingsFolder(); }});
     lineBook.Plug({.GetAlias = [this](const std::string& entryName) { return aliases.GetAlias(entryName); },
                    .SaveStatsLine = [this](CloseReason reason,
                                            std::size_t line) { recorder.SaveStatsLine(reason, line); },
@@ -250,7 +252,10 @@ void Program::LogNotes(const std::vector<std::string>& notes) {
 void Program::KeepMessage(const std::string& text) {
     errors.WriteErrorLog(text, "end");
     constexpr std::size_t longest = 500; // characters of up to two bytes fit into a setting
-    settings.Set(Keys::LeftMessage, std::string(FirstCharacters(text, longest)));
+    const std::string kept = settings.Get(Keys::LeftMessage);
+    if (kept.find(text) != std::string::npos) return;
+    const std::string all = kept.empty() ? text : kept + "\n\n" + text;
+    settings.Set(Keys::LeftMessage, std::string(FirstCharacters(all, longest)));
 }
 
 void Program::TellKeptMessage() {
@@ -284,6 +289,12 @@ void Program::LoadSums(bool repair) {
     StatRecords records;
     const std::size_t known = recorder.RecordsInFile();
     statFile.LoadStatFile(records, repair);
+    const int error = statFile.Report().Error;
+    if (error != 0) {
+        errors.Step("LoadStatFile", [&] {
+            throw std::system_error(error, std::generic_category(), statFile.StatFilePath().string());
+        });
+    }
     const bool looksOn = journalKeeper.LooksOn();
     using Source = OpenConnections::Source;
     openConnections.UseThoseOf(looksOn ? Source::Recorder : Source::Lines);

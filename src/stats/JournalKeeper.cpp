@@ -26,8 +26,9 @@ constexpr double mostSecondsWithoutJournal = 60;
 bool JournalKeeper::Start() {
     begun_ = true;
     records_ = parts_.Recorder.TakeOver();
+    if (records_) parts_.DataFolder.BeginToRecord();
     const JournalFound found =
-        records_ ? LoadJournal() : parts_.Journal.Look(parts_.DataFolder.GetDataPath());
+        records_ ? LoadJournal() : parts_.Journal.Look(parts_.DataFolder.JournalFolder());
     parts_.CounterLedger.Begin(found);
     started_ = false;
     if (!records_) return false;
@@ -52,7 +53,7 @@ bool JournalKeeper::Start() {
 // One that an end has left elsewhere is the newer one; the next Save brings it home.
 JournalFound JournalKeeper::LoadJournal() const {
     JournalFound spare = parts_.Journal.Load(parts_.SpareFolder);
-    return spare.KnowsMachine ? spare : parts_.Journal.Load(parts_.DataFolder.GetDataPath());
+    return spare.KnowsMachine ? spare : parts_.Journal.Load(parts_.DataFolder.JournalFolder());
 }
 
 // Mostly somebody else is reading it. One that stays unreadable must not keep the lines from being recorded.
@@ -102,6 +103,7 @@ void JournalKeeper::PassEnded() {
         records_ = false; // another program records there
         return;
     }
+    if (moved && parts_.DataFolder.BeginToRecord()) hooks_.OthersRecorded();
     const bool changed = !started_ || moved || parts_.LineState.Changes != savedChanges_;
     started_ = true;
     const bool failed = failingSince_ >= 0;
@@ -183,13 +185,20 @@ JournalPicture JournalKeeper::Picture() const {
 bool JournalKeeper::Save(Journal::Durability durability, Moment moment) {
     folder_ = parts_.DataFolder.GetDataPath();
     const JournalPicture picture = Picture();
-    return parts_.Journal.Save(folder_, picture, durability) ||
-           (moment == Moment::End && parts_.Journal.Save(parts_.SpareFolder, picture, durability));
+    if (parts_.Journal.Save(parts_.DataFolder.JournalFolder(), picture, durability)) {
+        isElsewhere_ = false;
+        return true;
+    }
+    // One that is only busy takes the next.
+    if (moment == Moment::Running && !isElsewhere_ && failingSince_ < 0) return false;
+    isElsewhere_ = parts_.Journal.Save(parts_.SpareFolder, picture, durability);
+    return isElsewhere_;
 }
 
 void JournalKeeper::Write(Moment moment) {
     const double now = parts_.Clock.AwakeSeconds();
-    if (Save(Journal::Durability::Medium, moment)) {
+    const bool isKept = Save(Journal::Durability::Medium, moment);
+    if (isKept) {
         written_ = true;
         failingSince_ = -1;
         savedChanges_ = parts_.LineState.Changes;
@@ -205,9 +214,10 @@ void JournalKeeper::Write(Moment moment) {
         if (!isNeeded && now - failingSince_ < mostSecondsWithoutJournal) return;
     }
     if (!parts_.Recorder.HasPending()) return;
-    parts_.Recorder.WritePending();
+    parts_.Recorder.WritePending(moment);
     // Once more, but not onto the medium: after a power loss the files themselves tell what they have.
     static_cast<void>(Save(Journal::Durability::Process, moment));
+    parts_.Recorder.TellUnwritten(moment, isKept); // last: its box lets everything else go on
 }
 
 void JournalKeeper::PrintUnwritten() const {

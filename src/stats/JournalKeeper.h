@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Journal.h"
+#include "stats/Recorder.h"
 #include "traffic/CloseReason.h"
 
 #include <filesystem>
@@ -15,7 +16,6 @@ class DataFolder;
 class Errors;
 class LineBook;
 class LineMonitor;
-class Recorder;
 struct LineRecord;
 struct LineState;
 
@@ -34,12 +34,12 @@ class JournalKeeper {
         korvalin::Clock& Clock;
         korvalin::Errors& Errors;
         korvalin::DataFolder& DataFolder;
-        /// Where the journal goes at the end when the data folder does not take it.
+        /// Where the journal goes when the data folder does not take it.
         std::filesystem::path SpareFolder;
     };
     struct Hooks {
         /// Once a minute while another program records, and when this one has taken its place: what that
-        /// program has recorded is in the file.
+        /// program has recorded is in the file. Also when records of another folder have come home.
         std::function<void()> OthersRecorded = [] {};
     };
     explicit JournalKeeper(const Parts& parts) : parts_(parts) {}
@@ -69,7 +69,7 @@ class JournalKeeper {
     void LookOn();
     JournalFound LoadJournal() const;
     JournalPicture Picture() const;
-    enum class Moment { Running, End };
+    using Moment = Recorder::Moment;
     bool Save(Journal::Durability durability, Moment moment);
     void Write(Moment moment);
     void PrintUnwritten() const;
@@ -86,6 +86,7 @@ class JournalKeeper {
     bool started_ = false;         // at least one pass has been made
     std::filesystem::path folder_; // of the last Save
     bool written_ = false;         // the journal, in this run
+    bool isElsewhere_ = false;     // in the spare folder
     std::uint32_t savedChanges_ = 0;
     double nextSave_ = 0;      // seconds awake
     double nextLook_ = 0;      // seconds awake

@@ -18,7 +18,7 @@ std::vector<OpenConnection> OpenConnections::Now() const {
 std::vector<OpenConnection> OpenConnections::OfRecorder() const {
     const std::filesystem::path folder = parts_.DataFolder.GetDataPath();
     if (!parts_.RecordingLock.IsTaken(folder)) return {};
-    return parts_.Journal.Look(folder).StillOpen();
+    return parts_.Journal.Look(parts_.DataFolder.JournalFolder()).StillOpen();
 }
 
 } // namespace korvalin

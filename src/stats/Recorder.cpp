@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "data/DataFolder.h"
 #include "errors/Errors.h"
+#include "errors/FileFailures.h"
 #include "lang/Language.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -27,11 +28,6 @@ constexpr std::string_view logGroup = "SaveStats";
 constexpr double fewBytes = 1000; // a line without duration must have received more to be recorded
 constexpr std::string_view exportHeader =
     "Line,LogIn,LogOut,Duration,Bytes Transmitted,Bytes Received,Bytes Total,User,IP,Info\r\n";
-
-// What the user or another program has closed to writing, as opposed to what is broken or full.
-bool IsDenied(int error) {
-    return error == EAGAIN || error == EACCES || error == EPERM || error == EROFS;
-}
 
 // One that replaces an earlier record has its beginning, and its end too where another record follows.
 RecordTime PlaceOf(const RecordTime& wanted, bool mayRepeat, std::vector<RecordTime> others) {
@@ -215,42 +211,65 @@ bool Recorder::IsAtEndOf(std::string_view fileName, std::string_view line) const
     return end.find(line) != std::string::npos;
 }
 
-void Recorder::WritePending() {
-    constexpr std::string_view procName = "SaveStatsLine";
-    parts_.Errors.Step(procName, [&] {
-        Append(StatFileName, "", &PendingRecord::StatLine, &Waiting::InStatistics, Files::Flush::Yes);
-    });
-    parts_.Errors.Step(procName, [&] {
-        Append(StatExportName, exportHeader, &PendingRecord::ExportLine, &Waiting::InExport,
-               Files::Flush::No);
-    });
+void Recorder::WritePending(Moment moment) {
+    const Place places[] = {
+        {StatFileName, "", &PendingRecord::StatLine, &Waiting::InStatistics, Files::Flush::Yes},
+        {StatExportName, exportHeader, &PendingRecord::ExportLine, &Waiting::InExport, Files::Flush::No}};
+    error_ = 0;
+    for (const Place& place : places) {
+        parts_.Errors.Step("SaveStatsLine", [&] {
+            const int error =
+                Append(place, moment == Moment::End ? Files::Wait::Briefly : Files::Wait::ForRewrite);
+            if (error == 0 || error_ != 0) return;
+            error_ = error;
+            failedFile_ = place.FileName;
+        });
+    }
+    if (error_ == 0) told_ = 0;
     for (Waiting& waiting : waiting_)
         waiting.Told = true;
     std::erase_if(waiting_, [](const Waiting& waiting) { return waiting.InStatistics && waiting.InExport; });
 }
 
-void Recorder::Append(std::string_view fileName, std::string_view header, std::string PendingRecord::*line,
-                      bool Waiting::*done, Files::Flush flush) {
+// Returns the system's error number, or 0.
+int Recorder::Append(const Place& place, Files::Wait wait) {
     std::string lines;
     bool isNews = false;
     for (const Waiting& waiting : waiting_) {
-        if (waiting.*done) continue;
-        lines += waiting.Record.*line;
+        if (waiting.*place.Done) continue;
+        lines += waiting.Record.*place.Line;
         isNews = isNews || !waiting.Told;
     }
-    if (lines.empty()) return;
-    const std::filesystem::path path = parts_.DataFolder.GetDataPath() / fileName;
-    const int error = parts_.Files.AppendLines(path, header, lines, StatLineEnd, flush);
+    if (lines.empty()) return 0;
+    const std::filesystem::path path = parts_.DataFolder.GetDataPath() / place.FileName;
+    const int error = parts_.Files.AppendLines(path, place.Header, lines, StatLineEnd, place.Flush, wait);
     if (error == 0) {
         for (Waiting& waiting : waiting_)
-            waiting.*done = true;
+            waiting.*place.Done = true;
+    } else if (isNews) {
+        LogUnwritten(path, lines, error);
     }
-    if (error == 0 || !isNews) return;
-    if (IsDenied(error)) parts_.Errors.WriteErrorLog("File locked: " + path.string(), logGroup);
+    return error;
+}
+
+void Recorder::LogUnwritten(const std::filesystem::path& path, const std::string& lines, int error) const {
+    const std::string cause = std::generic_category().message(error);
+    parts_.Errors.WriteErrorLog(fmt::format("Not written to {}: {}", path.string(), cause), logGroup);
     for (const std::string_view text : Split(lines, '\n', lines.size())) {
         if (!text.empty()) parts_.Errors.WriteErrorLog(text.substr(0, text.find('\r')), logGroup);
     }
-    if (!IsDenied(error)) throw std::system_error(error, std::generic_category(), path.string());
+}
+
+void Recorder::TellUnwritten(Moment moment, bool areKept) {
+    constexpr int keptText = 231;
+    constexpr int lostText = 232;
+    const bool isKnown = error_ == told_ || error_ == EAGAIN; // another program seldom holds it for long
+    if (error_ == 0 || (isKnown && moment == Moment::Running)) return;
+    told_ = error_;
+    parts_.Errors.Step("SaveStatsLine", [&] {
+        throw FileFailure(error_, parts_.DataFolder.GetDataPath() / failedFile_,
+                          areKept ? keptText : lostText);
+    });
 }
 
 } // namespace korvalin

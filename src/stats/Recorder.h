@@ -4,6 +4,7 @@
 #include "platform/Journal.h"
 #include "traffic/CloseReason.h"
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,8 +61,15 @@ class Recorder {
     /// Takes over what an earlier run has left, unless the files have it.
     void TakeUp(const std::vector<PendingRecord>& pending);
 
-    /// Writes what waits. What cannot be written goes on waiting; it and the reason are in the error log.
-    void WritePending();
+    enum class Moment { Running, End };
+    /// Writes what waits. What cannot be written goes on waiting; it is in the error log. At the program's
+    /// end another program that holds a file is hardly waited for.
+    void WritePending(Moment moment);
+
+    /// Tells the user why the last WritePending could not write: once until it can, and at the program's end.
+    /// A file that is only held is then told at the end alone. `areKept`: the journal holds the records
+    /// meanwhile.
+    void TellUnwritten(Moment moment, bool areKept);
 
   private:
     struct Waiting {
@@ -76,11 +84,20 @@ class Recorder {
     std::string ExportLine(const OpenConnection& record, std::string_view info) const;
     void TellOf(std::string_view statLine) const;
     bool IsAtEndOf(std::string_view fileName, std::string_view line) const;
-    void Append(std::string_view fileName, std::string_view header, std::string PendingRecord::*line,
-                bool Waiting::*done, Files::Flush flush);
+    struct Place {
+        std::string_view FileName, Header;
+        std::string PendingRecord::*Line;
+        bool Waiting::*Done;
+        Files::Flush Flush;
+    };
+    int Append(const Place& place, Files::Wait wait);
+    void LogUnwritten(const std::filesystem::path& path, const std::string& lines, int error) const;
 
     Parts parts_;
     std::vector<Waiting> waiting_;
+    int error_ = 0; // of the last WritePending, and the file's name
+    std::string_view failedFile_;
+    int told_ = 0;          // the error that the user knows of
     bool tookOver_ = false; // at some time in this run
 };
 

@@ -84,6 +84,15 @@ void CheckFolder(const fs::path& folder) {
     if (!fs::exists(folder / StatFileName, error) && error) throw std::system_error(error, folder.string());
 }
 
+LoadReport::Hindrance HindranceOf(int error) {
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT: return LoadReport::Hindrance::DiskFull;
+    case EROFS: return LoadReport::Hindrance::ReadOnly;
+    default: return LoadReport::Hindrance::NotWritable;
+    }
+}
+
 void SortByLine(std::span<StatRecord> records, const Locale& locale) {
     SortStats(records, {"LineName", true}, {"LogIn", true}, locale);
 }
@@ -132,8 +141,10 @@ std::int32_t StatFile::LoadStatFile(StatRecords& records, bool repair, const Pro
 
 // Nothing is appended: only the system's answer counts.
 LoadReport::Hindrance StatFile::WhyNotHeld() {
-    const int error = parts_.Files.AppendLines(StatFilePath(), {}, {}, {}, Files::Flush::No);
-    return error == EAGAIN ? LoadReport::Hindrance::Held : LoadReport::Hindrance::NotOpened;
+    const int error =
+        parts_.Files.AppendLines(StatFilePath(), {}, {}, {}, Files::Flush::No, Files::Wait::Briefly);
+    if (error == 0 || error == EAGAIN) return LoadReport::Hindrance::Held;
+    return error == EROFS ? LoadReport::Hindrance::ReadOnly : LoadReport::Hindrance::NotOpened;
 }
 
 // The older file stays where it is.
@@ -144,7 +155,7 @@ void StatFile::Convert(const fs::path& oldFile) {
         if (const auto fields = ParseOldStatLine(text, parts_.Locale)) WriteStatRecord(content, *fields);
     });
     if (!parts_.Files.Replace(StatFilePath(), content))
-        throw NumberedError(0, "The older statistics could not be converted: " + oldFile.string());
+        throw std::system_error(errno, std::generic_category(), StatFilePath().string());
     report_.Converted = true;
 }
 
@@ -217,14 +228,8 @@ void StatFile::Repair(const StatRecords& records) {
     }
     FileMark written;
     if (Rewrite(records, std::vector<bool>(records.List.size()), {}, written)) return;
-    report_.NotRewritten = WhyNotWritten(records.ReadTo.Bytes);
-    throw NumberedError(0, "The statistics file could not be repaired: " + StatFilePath().string());
-}
-
-LoadReport::Hindrance StatFile::WhyNotWritten(std::uintmax_t bytes) const {
-    std::error_code error;
-    const bool full = fs::space(StatFilePath().parent_path(), error).available < bytes;
-    return full && !error ? LoadReport::Hindrance::DiskFull : LoadReport::Hindrance::NotWritable;
+    report_.Error = errno;
+    report_.NotRewritten = HindranceOf(report_.Error);
 }
 
 // Writes the records, all but those left out, and what another load has not seen yet behind them.
@@ -291,7 +296,7 @@ std::unique_ptr<FileLock> StatFile::HoldOrMake() {
     StatRecords converted;
     if (!FileExists(path)) LoadStatFile(converted, false);
     if (!FileExists(path) && !FileExists(path.parent_path() / OldStatFileName))
-        static_cast<void>(parts_.Files.AppendLines(path, {}, {}, {}, Files::Flush::No));
+        static_cast<void>(parts_.Files.AppendLines(path, {}, {}, {}, Files::Flush::No, Files::Wait::Briefly));
     return parts_.Files.Hold(path);
 }
 
@@ -311,7 +316,7 @@ LoadReport::Hindrance StatFile::AddRecords(const MakeRecords& make) {
     for (const StatFields& fields : made)
         WriteStatRecord(lines, fields);
     const bool done = bytes == 0 ? parts_.Files.Replace(path, lines) : Extend(bytes, lines);
-    return done ? Hindrance::None : WhyNotWritten(bytes);
+    return done ? Hindrance::None : HindranceOf(errno);
 }
 
 // What is there stays byte for byte, so that windows which have loaded it find their place again.

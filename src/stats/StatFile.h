@@ -32,8 +32,19 @@ struct LoadReport {
     bool NeedsRepair() const;
 
     /// What kept a file that needs it from being rewritten.
-    enum class Hindrance { None, Held, NotOpened, Unreadable, NoRecords, Changed, DiskFull, NotWritable };
+    enum class Hindrance {
+        None,
+        Held,
+        NotOpened,
+        Unreadable,
+        NoRecords,
+        Changed,
+        DiskFull,
+        ReadOnly,
+        NotWritable
+    };
     Hindrance NotRewritten = Hindrance::None;
+    int Error = 0; ///< the system's number, where writing has failed
 
     bool Converted = false;       ///< the file was made from that of an older release
     std::filesystem::path Backup; ///< where the old file went when it was rewritten; empty: it was not
@@ -103,7 +114,6 @@ class StatFile {
     void AddRunning(StatRecords& records, const std::vector<OpenConnection>& open, bool dialUp);
     void Tidy(StatRecords& records, const std::vector<OpenConnection>& open);
     void Repair(const StatRecords& records);
-    LoadReport::Hindrance WhyNotWritten(std::uintmax_t bytes) const;
     bool Rewrite(const StatRecords& records, const std::vector<bool>& leftOut, std::string_view appended,
                  FileMark& written, const Progress& progress = {});
 

@@ -73,6 +73,15 @@ std::optional<JournalEntry> CounterLedger::TakeDialUp(std::uint32_t index, std::
     return entry;
 }
 
+void CounterLedger::BeginDialUpsOn(Date today) {
+    for (JournalEntry& entry : dialUps_) {
+        OpenConnection& open = *entry.Open;
+        if (!open.Recorded || DayOf(open.End) == today) continue;
+        open.LogIn = open.End = today;
+        open.BytesReceived = open.BytesTransmitted = 0;
+    }
+}
+
 Date CounterLedger::LastEnd(std::string_view lineName) const {
     const auto found = lastEnds_.find(ToLower(lineName));
     Date last = found == lastEnds_.end() ? 0 : found->second;

@@ -51,6 +51,8 @@ class CounterLedger {
     const std::vector<JournalEntry>& DialUps() const { return dialUps_; }
     std::vector<JournalEntry> TakeDialUps() { return std::exchange(dialUps_, {}); }
     void KeepDialUps(std::vector<JournalEntry> dialUps) { dialUps_ = std::move(dialUps); }
+    /// Those that were recorded on an earlier day begin anew with this one.
+    void BeginDialUpsOn(Date today);
 
     /// When the latest record of a line ends, or that of its connection which may still be up; 0 when none is
     /// known.

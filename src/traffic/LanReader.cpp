@@ -30,7 +30,7 @@ void LanReader::Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines) {
     std::size_t accepted = 0;
     bool read = false;
     ended_ = false;
-    Step([&] { read = ReadTable(); });
+    Step([&] { read = std::exchange(looked_, false) || ReadTable(); });
     Step([&] { EndLines(); });
     if (read) ReadRows(lines, accepted);
     progress_ = 800;

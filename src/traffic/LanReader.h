@@ -27,7 +27,7 @@ class LanReader {
     /// Reads all adapters into the lines, and records those that have ended.
     void Get_Bytes_Transmitted_LAN(TableFromOne<LineRecord>& lines);
 
-    /// Reads the table in a pass that is not over adapters, before Observe: up to where ended connections
+    /// Reads the table before the pass's own reading of adapters: up to where ended connections
     /// have counted.
     void Look() { looked_ = ReadTable(); }
     /// The counters of an interface in the latest table, or of one that was removed since the table before.

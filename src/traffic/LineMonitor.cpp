@@ -3,6 +3,9 @@
 #include "errors/Errors.h"
 #include "inet/ConnectionState.h"
 #include "platform/User.h"
+#include "traffic/CounterLedger.h"
+
+#include <algorithm>
 
 namespace korvalin {
 
@@ -26,18 +29,51 @@ void LineMonitor::Pass() {
         step([&] { DetermineLineType(); });
     const bool isLan = state.MonitoredLineType == LineType::Lan;
     const bool isRas = state.MonitoredLineType == LineType::Ras;
-    if (isLan && parts_.TrafficOptions.LanProt)
+    if (isLan && parts_.TrafficOptions.LanProt) {
+        step([&] { AdvanceEndedCalls(); });
         return step([&] { parts_.LanReader.Get_Bytes_Transmitted_LAN(state.LineTable); });
+    }
     if (isRas) {
         step([&] { parts_.RasReader.Get_Bytes_Transmitted_RAS(state.LineTable); });
     } else {
         step([&] { CloseLines(); });
     }
+    step([&] { AdvanceEndedCalls(); });
     // What carries a dial-up line, or is not wanted, is nobody's; without a route it is the coming line's.
     step([&] {
         parts_.LanReader.Observe(isRas || isLan ? LanReader::Unfollowed::Nobodys
                                                 : LanReader::Unfollowed::Kept);
     });
+}
+
+// A call that went after an end of the program was called off, before the next pass: its record lacks what
+// its interface has counted since.
+void LineMonitor::AdvanceEndedCalls() {
+    std::vector<JournalEntry> calls = parts_.CounterLedger.TakeDialUps();
+    if (calls.empty()) return;
+    parts_.LanReader.Look();
+    const Date now = parts_.Clock.Now();
+    const auto since = [](std::uint64_t counted, std::uint64_t then) {
+        return static_cast<double>(counted > then ? counted - then : 0);
+    };
+    const auto isCarried = [&](std::uint32_t index) { // by another call
+        return std::ranges::any_of(parts_.LineState.LineTable, [&](const LineRecord& line) {
+            return line.Connected && line.Index == index;
+        });
+    };
+    for (JournalEntry& call : calls) {
+        OpenConnection& open = *call.Open;
+        const InterfaceRow* row = parts_.LanReader.LatestOf(call.Index);
+        if (!open.Recorded || row == nullptr || isCarried(call.Index)) continue;
+        const double received = since(row->InOctets, call.Received);
+        const double transmitted = since(row->OutOctets, call.Transmitted);
+        parts_.CounterLedger.Count(*row, now);
+        if (received + transmitted == 0) continue;
+        open.BytesReceived += received;
+        open.BytesTransmitted += transmitted;
+        open.Recorded = false;
+    }
+    parts_.CounterLedger.KeepDialUps(std::move(calls));
 }
 
 void LineMonitor::TakeLastReading() {
@@ -86,6 +122,7 @@ bool LineMonitor::IsDivided(const LineRecord& line) const {
 // A suspend may lie between the last reading and this one: the parts belong to the days of their readings.
 void LineMonitor::DivideAtMidnight() {
     const Date today = DayOf(parts_.Clock.Now());
+    if (DividesDialUps()) parts_.CounterLedger.BeginDialUpsOn(today);
     for (std::size_t i = 1; i <= parts_.LineState.PreviousLineTable.Size(); ++i) {
         LineRecord& line = parts_.LineState.PreviousLineTable(i);
         if (!IsDivided(line) || DayOf(line.SampleTime) == today) continue;

@@ -16,6 +16,7 @@ class LineMonitor {
         korvalin::LineBook& LineBook;
         korvalin::RasReader& RasReader;
         korvalin::LanReader& LanReader;
+        korvalin::CounterLedger& CounterLedger;
         const korvalin::TrafficOptions& TrafficOptions;
         korvalin::Internet& Internet;
         korvalin::User& User;
@@ -45,6 +46,7 @@ class LineMonitor {
     bool IsDivided(const LineRecord& line) const;
     void DivideAtMidnight();
     void DetermineLineType();
+    void AdvanceEndedCalls();
     void CloseLines();
 
     Parts parts_;

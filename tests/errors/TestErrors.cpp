@@ -1,4 +1,5 @@
 #include "errors/Errors.h"
+#include "errors/FileFailures.h"
 #include "fakes/CoreFixture.h"
 
 using namespace korvalin;
@@ -17,18 +18,25 @@ TEST_F(ErrorsTest, AStepThatThrowsIsShownWithItsNumberTextAndProcedure) {
 TEST_F(ErrorsTest, WhatHappensToEveryFileIsToldInPlainWordsAndNotTwice) {
     const std::pair<int, const char*> rows[] = {{ENOSPC, "t209"}, {EDQUOT, "t209"}, {EROFS, "t210"},
                                                 {EACCES, "t211"}, {EPERM, "t211"},  {EAGAIN, "t212"},
-                                                {ENOENT, "t213"}, {EIO, "t214"}};
+                                                {ENOENT, "t213"}, {EISDIR, "t233"}, {EIO, "t214"}};
     for (const auto& [number, cause] : rows) {
         const std::error_code code(number, std::generic_category());
         clock.Advance(3);
         errors.Step("Save", [&] { throw std::system_error(code, "/data: b/file"); });
-        EXPECT_EQ(boxes.Take().Text, "t208\n/data: b/file\n\n" + std::string(cause));
+        EXPECT_EQ(boxes.Take().Text, "t208\n/data: b/file\n\n" + std::string(cause) + " t230");
         errors.Step("Save", [&] {
             throw std::filesystem::filesystem_error("cannot copy", "/from", "/data: b/file", code);
         });
         EXPECT_TRUE(boxes.Shown.empty()) << "the same at once";
     }
-    EXPECT_NE(Log().find("\tSave\tt208 /data: b/file  t214\r\n"), std::string::npos) << Log();
+    EXPECT_NE(Log().find("\tSave\tt208 /data: b/file  t214 t230\r\n"), std::string::npos) << Log();
+    boxes.OnShow = [&] {
+        clock.Advance(60);
+        errors.Step("Save", [] { throw FileFailure(EIO, "/open", 231); });
+    };
+    clock.Advance(3);
+    errors.Step("Save", [] { throw FileFailure(EIO, "/open", 231); });
+    EXPECT_EQ(TakeBoxes(), Lines{"t208\n/open\n\nt214 t231"}) << "one box, as long as it is open";
 }
 
 TEST_F(ErrorsTest, ASecondErrorWithinTwoSecondsAsksWhetherToEnd) {
@@ -78,11 +86,17 @@ TEST_F(ErrorsTest, TheLogStaysBelowOneMegabyteAndItsWholeLinesBelow4Kilobytes) {
     }
 }
 
-TEST_F(ErrorsTest, ALineThatCannotBeWrittenIsLostSilently) {
+TEST_F(ErrorsTest, ALineThatCannotBeWrittenGoesElsewhereOrIsLostSilently) {
+    const auto plug = [&](std::function<std::filesystem::path()> data, const std::filesystem::path& spare) {
+        errors.Plug({[](int) { return ""; }, std::move(data), [] {}, [spare] { return spare; }});
+    };
+    plug([&] { return folder / "none"; }, folder.Path());
+    errors.WriteErrorLog("kept", "Info");
+    const std::string kept = Log();
+    EXPECT_NE(kept.find("\tkept\r\n"), std::string::npos);
     files.DiskFull = true;
     errors.WriteErrorLog("lost", "Info");
-    errors.Plug(
-        {[](int) { return ""; }, []() -> std::filesystem::path { throw std::runtime_error("gone"); }, [] {}});
+    plug([]() -> std::filesystem::path { throw std::runtime_error("gone"); }, "");
     errors.WriteErrorLog("lost", "Info");
-    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(Log(), kept);
 }

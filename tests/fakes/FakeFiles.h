@@ -9,7 +9,8 @@
 
 namespace korvalin {
 
-/// Writes plainly into the file system; `DiskFull` lets every write fail, `CopyFails` only copies.
+/// Writes plainly into the file system; `DiskFull` lets every write fail, `CopyFails` only copies, as on a
+/// full disk.
 class FakeFiles : public Files {
   public:
     bool DiskFull = false;
@@ -18,12 +19,14 @@ class FakeFiles : public Files {
     int DurableResult = 0; ///< what AppendLines fails with
     bool Foreign = false;  ///< somebody else can write every file
     bool Held = false;     ///< another program holds every file
+    Wait LastWait = Wait::ForRewrite;
 
     bool Append(const std::filesystem::path& path, std::string_view lines) override {
         return Write(path, lines, std::ios::app);
     }
     int AppendLines(const std::filesystem::path& path, std::string_view header, std::string_view lines,
-                    std::string_view, Flush) override {
+                    std::string_view, Flush, Wait wait) override {
+        LastWait = wait;
         if (DurableResult != 0) return DurableResult;
         const bool isNew = !std::filesystem::exists(path);
         const std::string text = std::string(isNew ? header : "") + std::string(lines);
@@ -39,6 +42,7 @@ class FakeFiles : public Files {
             content += part;
             return !DiskFull;
         });
+        errno = ENOSPC;
         if (!written) return false;
         std::filesystem::rename(path, kept);
         return Write(path, content, std::ios::trunc);
@@ -62,6 +66,7 @@ class FakeFiles : public Files {
     }
     bool Copy(const std::filesystem::path& from, const std::filesystem::path& to) override {
         std::error_code error;
+        errno = ENOSPC;
         return !DiskFull && !CopyFails &&
                std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
     }
@@ -77,6 +82,7 @@ class FakeFiles : public Files {
 
   private:
     bool Write(const std::filesystem::path& path, std::string_view content, std::ios::openmode mode) const {
+        errno = ENOSPC;
         if (DiskFull) return false;
         std::ofstream file(path, std::ios::binary | mode);
         file << content;

@@ -12,6 +12,7 @@ class FakeJournal : public Journal {
     bool KnowsMachine = false;
     bool SameBoot = true;
     bool Fails = false; ///< outside SpareFolder
+    bool SpareFails = false;
     std::filesystem::path SpareFolder;
     bool IsUnreadable = false;
     JournalPicture Kept;     ///< after a kill
@@ -22,7 +23,7 @@ class FakeJournal : public Journal {
     JournalFound Load(const std::filesystem::path& folder) override { return Look(folder); }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
-        if (Fails && folder != SpareFolder) return false;
+        if (FailsIn(folder)) return false;
         Folder = folder;
         KnowsMachine = SameBoot = savedInRun_ = true;
         Kept = picture;
@@ -53,6 +54,9 @@ class FakeJournal : public Journal {
     }
 
   protected:
+    bool FailsIn(const std::filesystem::path& folder) const {
+        return folder == SpareFolder ? SpareFails : Fails;
+    }
     bool savedInRun_ = false;
 };
 

@@ -56,7 +56,7 @@ TEST_F(PosixFilesTest, ReplacesWhollyOrNotAtAll) {
 
 TEST_F(PosixFilesTest, AppendsDurablyWhollyOrNotAtAll) {
     const auto append = [&](const fs::path& path) {
-        return files.AppendLines(path, "head\n", "line\n", "\n", Files::Flush::Yes);
+        return files.AppendLines(path, "head\n", "line\n", "\n", Files::Flush::Yes, Files::Wait::ForRewrite);
     };
     const std::string full(98, 'x');
     const std::pair<std::string, std::string> rows[] = {
@@ -84,7 +84,7 @@ TEST_F(PosixFilesTest, FollowsNoLinkThatSomebodyHasPutInTheFilesPlace) {
     const fs::path link = folder / "data.txt";
     fs::create_symlink(victim, link);
     EXPECT_FALSE(files.Append(link, "line\n"));
-    EXPECT_EQ(files.AppendLines(link, "", "line\n", "\n", Files::Flush::Yes), ELOOP);
+    EXPECT_EQ(files.AppendLines(link, "", "line\n", "\n", Files::Flush::Yes, Files::Wait::ForRewrite), ELOOP);
     EXPECT_EQ(files.Hold(link), nullptr);
     EXPECT_FALSE(files.Copy(link, folder / "copy"));
     EXPECT_EQ(folder.Read("victim"), "as it was\n");
@@ -100,7 +100,10 @@ TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {
     ASSERT_EQ(fcntl(locked.Get(), F_SETLK, &whole), 0);
     const auto isHeld = [&](const char* name) {
         EXPECT_EQ(files.Hold(folder / name), nullptr) << name;
-        EXPECT_EQ(files.AppendLines(folder / name, "", "line\n", "\n", Files::Flush::Yes), EAGAIN) << name;
+        EXPECT_EQ(
+            files.AppendLines(folder / name, "", "line\n", "\n", Files::Flush::Yes, Files::Wait::ForRewrite),
+            EAGAIN)
+            << name;
     };
     // Forked before the file is held: a lock lives until the last copy of its descriptor is closed.
     folder.Write("data", "");
@@ -111,7 +114,9 @@ TEST_F(PosixFilesTest, WaitsForAFileThatIsHeldAndThenGivesUp) {
         held.Await();
         EXPECT_EQ(files.Hold(folder / "data"), nullptr);
         begun.Send();
-        EXPECT_EQ(files.AppendLines(folder / "data", "", "line\n", "\n", Files::Flush::Yes), 0);
+        EXPECT_EQ(files.AppendLines(folder / "data", "", "line\n", "\n", Files::Flush::Yes,
+                                    Files::Wait::ForRewrite),
+                  0);
     });
     std::unique_ptr<FileLock> hold = files.Hold(folder / "data");
     EXPECT_NE(hold, nullptr);

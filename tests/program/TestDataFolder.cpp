@@ -32,6 +32,7 @@ class ReadOnlyFiles : public FakeFiles {
     std::vector<fs::path> Folders;
     bool Replace(const fs::path& path, std::string_view content) override {
         const bool refused = std::find(Folders.begin(), Folders.end(), path.parent_path()) != Folders.end();
+        errno = EROFS;
         return !refused && FakeFiles::Replace(path, content);
     }
 };
@@ -82,9 +83,9 @@ class DataFolderTest : public CoreFixture {
 
 TEST_F(DataFolderTest, TakesStatisticsOfTheProgramFolderWhenTheDiskHasRoomAgain) {
     struct {
-        std::string Old, New, Joined, Error;
-    } const rows[] = {{"old", "", "db=old ", "t214"},
-                      {"a\r\nboth\nb", "both\r\nc\r\n", "db=both\r\nc\r\na\r\nb\r\n ", "t209"}};
+        std::string Old, New, Joined;
+    } const rows[] = {{"old", "", "db=old "},
+                      {"a\r\nboth\nb", "both\r\nc\r\n", "db=both\r\nc\r\na\r\nb\r\n "}};
     for (const auto& row : rows) {
         settings.SetReg("DataPath", "");
         fs::remove_all(share);
@@ -92,10 +93,11 @@ TEST_F(DataFolderTest, TakesStatisticsOfTheProgramFolderWhenTheDiskHasRoomAgain)
         Put(programFolder / "Korvalin_Stats.db", row.Old);
         if (!row.New.empty()) Put(share / "Korvalin_Stats.db", row.New);
         const std::string before = Contents(share);
+        errors.ShiftMoments(-3 * OneSecond);
         disk.CopyFails = true;
         disk.DurableResult = ENOSPC;
         EXPECT_EQ(DataFolder(Parts(), programFolder).GetDataPath(), programFolder / "");
-        EXPECT_NE(boxes.Take().Text.find(row.Error), std::string::npos);
+        EXPECT_NE(boxes.Take().Text.find("t209"), std::string::npos);
         EXPECT_EQ(Contents(programFolder), "db=" + row.Old + " ");
         EXPECT_EQ(Contents(share), before);
         EXPECT_EQ(settings.Get(Keys::DataPath), "");
@@ -143,8 +145,22 @@ TEST_F(DataFolderTest, AChosenFolderThatIsAwayStaysChosenAndIsUsedWhenItIsBack) 
         EXPECT_EQ(data.GetDataPath(), share / "");
     EXPECT_EQ(TakeBoxes(), Lines{"Cannot create " + away.string() + " now, so in " + share.string() + "."});
     EXPECT_EQ(settings.Get(Keys::DataPath), away.string());
-    fs::create_directories(away);
+    EXPECT_FALSE(data.BeginToRecord());
+    EXPECT_EQ(data.JournalFolder(), places.SettingsFolder());
+    Put(share / "Korvalin_Stats.db", "both\r\nmeanwhile\r\n");
+    Put(away / "Korvalin_Stats.db", "before\r\nboth\r\n");
     EXPECT_EQ(data.GetDataPath(), away / "");
+    DataFolder next(Parts(), programFolder);
+    for (const bool fetched : {true, false}) {
+        EXPECT_EQ(next.BeginToRecord(), fetched);
+        EXPECT_EQ(Contents(away), "db=before\r\nboth\r\nmeanwhile\r\n ");
+    }
+    disk.Folders = {away};
+    DataFolder readOnly(Parts(), programFolder);
+    EXPECT_FALSE(readOnly.BeginToRecord() || readOnly.BeginToRecord());
+    EXPECT_FALSE(readOnly.CheckDataFolder(away));
+    const std::string cause = "t208\n" + away.string();
+    EXPECT_EQ(TakeBoxes(), (Lines{cause + "/\n\nt210 t231", cause + "\n\nt210"}));
 }
 
 TEST_F(DataFolderTest, AnswersALogLineFromInsideItself) {

@@ -109,7 +109,7 @@ TEST_F(DayImportTest, AddsThemToTheFileOnceAndKeepsWhatIsThere) {
     files = FakeFiles();
     files.DiskFull = true;
     folder.Write("Korvalin_Stats.db", odd);
-    EXPECT_EQ(statFile.AddRecords(make), Hindrance::NotWritable);
+    EXPECT_EQ(statFile.AddRecords(make), Hindrance::DiskFull);
     EXPECT_EQ(folder.Read("Korvalin_Stats.db"), odd);
     files = FakeFiles();
     std::filesystem::remove(statFile.StatFilePath());

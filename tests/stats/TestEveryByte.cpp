@@ -74,6 +74,7 @@ struct View {
     std::size_t LinesUp = 0;
     bool OneMore = false; // adapter than before is up
     bool SawDialUp = false;
+    bool EndWasCancelled = false;               // since the last pass
     std::set<std::uint32_t> Calls;              // that are up, by interface
     std::map<std::uint32_t, std::string> Names; // what an adapter's line would be called
 };
@@ -150,6 +151,7 @@ class Account {
         view.OneMore = follows && linesUp > view.LinesUp;
         view.LinesUp = linesUp;
         view.Met = true;
+        view.EndWasCancelled = false;
         view.SawDialUp = view.SawDialUp || dialUp;
     }
     void CloseLines() {
@@ -208,7 +210,8 @@ class Account {
         Known& known = Now.Interfaces[adapter.Row.Index];
         if (!known.Open.empty() && view.Followed == View::Lines::Adapters) {
             Take(known.Open, adapter, known, world.Day);
-        } else if (view.Calls.contains(adapter.Row.Index) && view.Followed == View::Lines::DialUp) {
+        } else if (view.Calls.contains(adapter.Row.Index) &&
+                   (view.Followed == View::Lines::DialUp || view.EndWasCancelled)) {
             FollowCall(view, adapter, known, world);
         } else if (counts && adapter.Row.InOctets > threshold) {
             const std::string& seen = view.Names[adapter.Row.Index];
@@ -247,9 +250,9 @@ class GatedFiles : public FakeFiles {
   public:
     explicit GatedFiles(WriteGate& gate) : gate_(gate) {}
     int AppendLines(const std::filesystem::path& path, std::string_view header, std::string_view lines,
-                    std::string_view lineEnd, Flush flush) override {
+                    std::string_view lineEnd, Flush flush, Wait wait) override {
         gate_.Held = gate_.Behind;
-        return gate_.Pass([&] { return FakeFiles::AppendLines(path, header, lines, lineEnd, flush); });
+        return gate_.Pass([&] { return FakeFiles::AppendLines(path, header, lines, lineEnd, flush, wait); });
     }
 
   private:
@@ -277,7 +280,7 @@ class GatedJournal : public FakeJournal {
     }
     bool Save(const std::filesystem::path& folder, const JournalPicture& picture,
               Durability durability) override {
-        if (Fails && folder != SpareFolder) {
+        if (FailsIn(folder)) {
             gate_.Behind = true;
             return false;
         }
@@ -352,7 +355,12 @@ class EveryByte : public RunFixture {
             {"Virtual", 1, [](auto& t, auto& e) { t.options.LanVirtual = e.A % 2 == 0; }},
             {"Dial", 5, [](auto& t, auto& e) { t.Dial(e.A % 2 == 0 ? "ISP" : "Office"); }},
             {"Look", 2, [](auto& t, auto&) { t.Look(); }},
-            {"JournalFails", 2, [](auto& t, auto& e) { t.gatedJournal.Fails = e.A % 2 == 0; }},
+            {"JournalFails", 2,
+             [](auto& t, auto& e) {
+                 t.gatedJournal.Fails = e.A % 2 == 0;
+                 t.gatedJournal.SpareFails = t.gatedJournal.Fails && e.B % 2 == 0;
+             }},
+            {"CancelEnd", 2, [](auto& t, auto&) { t.CancelEnd(); }},
             {"SplitAll", 0, [](auto& t, auto&) { t.options.Split = SplitDays::All; }}};
         return acts;
     }
@@ -524,13 +532,25 @@ class EveryByte : public RunFixture {
     }
     void End() {
         if (!run_) return;
-        if (!run_->Lock.AnotherRecords) {
-            AccountForTick(account_, run_->Seen);
-            run_->FollowSettings(*this);
-            run_->journalKeeper.RecordOpenLines(CloseReason::SystemEnd);
-        }
+        if (!run_->Lock.AnotherRecords) RecordForEnd();
         account_.CloseLines();
         run_ = std::move(looking_);
+    }
+    // The session goes on after all.
+    void CancelEnd() {
+        if (!run_ || run_->Lock.AnotherRecords || looking_) return;
+        RecordForEnd();
+        machine_.Gone.clear();
+        run_->Seen.LinesUp = 0;
+        run_->Seen.OneMore = false;
+        run_->Seen.EndWasCancelled = true;
+        account_.CloseLines();
+    }
+    void RecordForEnd() {
+        gatedJournal.SpareFails = false;
+        AccountForTick(account_, run_->Seen);
+        run_->FollowSettings(*this);
+        run_->journalKeeper.RecordOpenLines(CloseReason::SystemEnd);
     }
     void Kill() {
         if (!run_ || gate_.Held) return;
@@ -656,6 +676,7 @@ class EveryByte : public RunFixture {
         gate_.KillAt = 0;
         gatedFiles.DurableResult = 0;
         gatedJournal.Fails = false;
+        boxes.Shown.clear();
         looking_.reset();
         if (run_ && run_->Lock.AnotherRecords) run_.reset();
         Start();
@@ -754,6 +775,8 @@ TEST_F(EveryByte, IsInOneRecordInRareHistories) {
           "Tick 8",
           "Dial; Tick 8; Start; Reboot; Dial; SetClock 11; Start; Traffic 0 1903; End",
           "Start; Dial; DiskFull 0; Traffic 0 3612; End; Start; Reboot 1; Start; Kill; Start",
+          "Start; Dial; CancelEnd; Traffic 0 2203; Remake 0",
+          "SplitAll; Tick 8; Dial; Traffic 0 2203; Start; CancelEnd; Tick 8; Tick 8; Traffic 0 900; End",
           "SplitAll; SetClock 10; Dial; Tick 8; Traffic 0 2439; Start; End; Start; SetClock 6"})
         Check(Understood(history), "rare");
 }

@@ -30,7 +30,8 @@ class StatFaults : public StatsFixture {
         return content;
     }
     int AppendLines(const std::string& line) {
-        return posix.AppendLines(folder / "Korvalin_Stats.db", "", line, "\r\n", Files::Flush::Yes);
+        return posix.AppendLines(folder / "Korvalin_Stats.db", "", line, "\r\n", Files::Flush::Yes,
+                                 Files::Wait::ForRewrite);
     }
     // Runs `body` in another process and kills it after a part of `whole`.
     template <typename Body>

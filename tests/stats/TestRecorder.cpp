@@ -2,6 +2,7 @@
 #include "stats/Recorder.h"
 
 #include <cerrno>
+#include <cstring>
 
 using namespace korvalin;
 
@@ -46,7 +47,11 @@ class RecorderTest : public StatsFixture {
 
     void Save(CloseReason reason, std::size_t index) {
         recorder.SaveStatsLine(reason, index);
-        recorder.WritePending();
+        Write();
+    }
+    void Write(Recorder::Moment moment = Recorder::Moment::Running, bool areKept = true) {
+        recorder.WritePending(moment);
+        recorder.TellUnwritten(moment, areKept);
     }
 
     Recorder recorder{{.LineState = lines,
@@ -134,39 +139,48 @@ TEST_F(RecorderTest, AnAdaptersRecordStandsInItsDayBesideTheOthersOfItsLine) {
     }
 }
 
-TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLog) {
+TEST_F(RecorderTest, ARecordThatCannotBeWrittenGoesToTheLogAndItsCauseIsToldOnce) {
     AddLine("eth0", At("2024-03-15 11:00:00"), At("01:00:00"), 5);
-    const std::string stat = "SaveStats\t\"eth0\",#2024-03-15 11:00:00#,#01:00:00#,700,5,"
-                             "\"2024-03-15 12:00:00 Getrennt\",\"alice\"\n";
-    const std::string exported = "SaveStats\teth0,2024-03-15 11:00:00,2024-03-15 12:00:00,01:00:00,700,5,705,"
-                                 "alice,,2024-03-15 12:00:00 Getrennt\n";
-    const auto locked = [&](const char* name) {
-        return "SaveStats\tFile locked: " + (folder / name).string() + "\n";
+    const auto logged = [&](const char* name, int error, const char* line) {
+        return "SaveStats\tNot written to " + (folder / name).string() + ": " + strerror(error) +
+               "\nSaveStats\t" + line + "\n";
+    };
+    const auto box = [&](const char* texts) {
+        return Lines{"t208\n" + (folder / "Korvalin_Stats.db").string() + "\n\n" + texts};
     };
     struct {
         int Error;
-        bool Denied;
-    } const rows[] = {{EAGAIN, true}, {EACCES, true},  {EPERM, true},
-                      {EROFS, true},  {ENOSPC, false}, {EIO, false}};
+        const char* Cause;
+        bool AtOnce;
+    } const rows[] = {{EAGAIN, "t212", false}, {EACCES, "t211", true}, {EPERM, "t211", true},
+                      {EROFS, "t210", true},   {ENOSPC, "t209", true}, {EIO, "t214", true}};
     for (const auto& row : rows) {
         files.DurableResult = 0;
-        recorder.WritePending();
+        Write();
+        clock.Advance(10);
+        clock.SetWallClock(At("2024-03-15 12:00:00"));
         std::filesystem::remove(folder / "Korvalin_ErrorLog.txt");
         std::filesystem::remove(folder / "Korvalin_Stats.db");
         files.DurableResult = row.Error;
         Save(CloseReason::LineEnded, 1);
-        EXPECT_EQ(LogEntries(), (row.Denied ? locked("Korvalin_Stats.db") : "") + stat +
-                                    (row.Denied ? locked("Korvalin_Stats.csv") : "") + exported);
-        int reports = 0;
-        for (const std::string& text : TakeBoxes())
-            reports += text.find(row.Error == ENOSPC ? "t209" : "t214") != std::string::npos ? 1 : 0;
-        EXPECT_EQ(reports, row.Denied ? 0 : 2) << row.Error;
+        EXPECT_EQ(LogEntries(), logged("Korvalin_Stats.db", row.Error,
+                                       "\"eth0\",#2024-03-15 11:00:00#,#01:00:00#,700,5,"
+                                       "\"2024-03-15 12:00:00 Getrennt\",\"alice\"") +
+                                    logged("Korvalin_Stats.csv", row.Error,
+                                           "eth0,2024-03-15 11:00:00,2024-03-15 12:00:00,01:00:00,700,5,705,"
+                                           "alice,,2024-03-15 12:00:00 Getrennt"));
+        EXPECT_EQ(TakeBoxes(), row.AtOnce ? box((row.Cause + std::string(" t231")).c_str()) : Lines());
         const std::string told = Log();
-        recorder.WritePending();
+        clock.Advance(10);
+        Write();
         EXPECT_EQ(Log(), told) << "told once";
+        EXPECT_EQ(files.LastWait, Files::Wait::ForRewrite);
+        Write(Recorder::Moment::End, false);
+        EXPECT_EQ(TakeBoxes(), box((row.Cause + std::string(" t232")).c_str()));
+        EXPECT_EQ(files.LastWait, Files::Wait::Briefly) << "an end waits for nobody";
     }
     files.DurableResult = 0;
-    recorder.WritePending();
+    Write();
     EXPECT_TRUE(Stats().starts_with("\"eth0\"")) << "written when it can be";
 }
 

@@ -56,6 +56,7 @@ class TrafficFixture : public CoreFixture {
                          .LineBook = book,
                          .RasReader = rasReader,
                          .LanReader = lanReader,
+                         .CounterLedger = ledger,
                          .TrafficOptions = options,
                          .Internet = internet,
                          .User = user,

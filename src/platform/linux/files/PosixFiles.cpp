@@ -19,7 +19,8 @@ namespace {
 constexpr mode_t privateFile = 0600;
 constexpr mode_t privateFolder = 0700;
 constexpr mode_t permissionBits = 07777;
-constexpr int appendWaitMilliseconds = 2000; // what a rewrite of a large file takes
+constexpr int rewriteMilliseconds = 2000; // of a large file
+constexpr int briefMilliseconds = 100;
 
 ssize_t WriteOnce(int file, std::string_view content) {
     ssize_t written = 0;
@@ -32,6 +33,7 @@ ssize_t WriteOnce(int file, std::string_view content) {
 bool WriteAll(int file, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = WriteOnce(file, content);
+        if (written == 0) errno = ENOSPC;
         if (written <= 0) return false;
         content.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -62,13 +64,20 @@ mode_t ModeOf(const std::filesystem::path& path) {
     return isFile ? status.st_mode & permissionBits : privateFile;
 }
 
+// What is tidied up after a failure does not hide its cause.
+void RemoveKeepingErrno(const std::filesystem::path& path) {
+    const int cause = errno;
+    unlink(path.c_str());
+    errno = cause;
+}
+
 // Fills the new file and puts it in the place of `path`; removes it when anything fails.
 bool PutInPlace(const Descriptor& file, const std::string& beside, const std::filesystem::path& path,
                 mode_t mode, const std::function<bool(int file)>& fill) {
     const bool complete = fill(file.Get()) && fchmod(file.Get(), mode) == 0 && fsync(file.Get()) == 0 &&
                           rename(beside.c_str(), path.c_str()) == 0;
     if (!complete) {
-        unlink(beside.c_str());
+        RemoveKeepingErrno(beside);
         return false;
     }
     FlushFolder(path.parent_path());
@@ -104,7 +113,7 @@ class PosixNewFile : public NewFile {
     explicit PosixNewFile(const std::filesystem::path& path)
         : path_(path), beside_(path.string() + ".new-XXXXXX"), file_(mkostemp(beside_.data(), O_CLOEXEC)) {}
     ~PosixNewFile() override {
-        if (file_ && !inPlace_) unlink(beside_.c_str());
+        if (file_ && !inPlace_) RemoveKeepingErrno(beside_);
     }
     PosixNewFile(const PosixNewFile&) = delete;
     PosixNewFile& operator=(const PosixNewFile&) = delete;
@@ -147,13 +156,16 @@ bool PosixFiles::Append(const std::filesystem::path& path, std::string_view line
     if (!file) return false;
     const ssize_t written = WriteOnce(file.Get(), lines);
     if (written == static_cast<ssize_t>(lines.size())) return true;
+    const int cause = written < 0 ? errno : ENOSPC;
     if (written > 0) CutOff(file.Get(), written);
+    errno = cause;
     return false;
 }
 
 int PosixFiles::AppendLines(const std::filesystem::path& path, std::string_view header,
-                            std::string_view lines, std::string_view lineEnd, Flush flush) {
-    const HeldFile held = OpenHeld(path, true, appendWaitMilliseconds);
+                            std::string_view lines, std::string_view lineEnd, Flush flush, Wait wait) {
+    const HeldFile held =
+        OpenHeld(path, true, wait == Wait::Briefly ? briefMilliseconds : rewriteMilliseconds);
     if (held.Error != 0) return held.Error;
     const int file = held.File.Get();
     struct stat status {};
@@ -190,13 +202,14 @@ bool PosixFiles::ReplaceKeeping(const std::filesystem::path& path, const std::fi
     unlink(beside.c_str());
     const Descriptor file(open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privateFile));
     if (!file) return false;
+    errno = 0;
     bool keeps = false;
     const bool replaced = PutInPlace(file, beside, path, ModeOf(path), [&](int descriptor) {
         const Sink sink = [descriptor](std::string_view part) { return WriteAll(descriptor, part); };
         keeps = write(sink) && fsync(descriptor) == 0 && KeepAs(path, kept);
         return keeps;
     });
-    if (keeps && !replaced) unlink(kept.c_str());
+    if (keeps && !replaced) RemoveKeepingErrno(kept);
     return replaced;
 }
 

@@ -8,7 +8,7 @@ class PosixFiles : public Files {
   public:
     bool Append(const std::filesystem::path& path, std::string_view lines) override;
     int AppendLines(const std::filesystem::path& path, std::string_view header, std::string_view lines,
-                    std::string_view lineEnd, Flush flush) override;
+                    std::string_view lineEnd, Flush flush, Wait wait) override;
     std::unique_ptr<FileLock> Hold(const std::filesystem::path& path) override;
     bool ReplaceKeeping(const std::filesystem::path& path, const std::filesystem::path& kept,
                         const std::function<bool(const Sink& sink)>& write) override;
