@@ -117,10 +117,7 @@ int TakeProvidersFigure(Program& program, const std::string& alias, std::optiona
         fmt::print(stderr, "An alias is needed\n");
         return ExitUsage;
     }
-    program.aliases.Correct(index, 0);
-    const double counted = program.monthSums.UseOf(index).Volume.Used / 1e6;
-    if (megabytes)
-        program.aliases.Correct(index, static_cast<std::int32_t>(std::round(*megabytes - counted)));
+    const double counted = program.monthSums.TakeProvidersFigure(index, megabytes);
     const AliasUse use = program.monthSums.UseOf(index);
     fmt::print("{}: counted {:.0f} MB, corrected by {:+.0f} MB, used {:.0f} MB till {}\n",
                EscapeControls(use.Alias), counted, use.Correction / 1e6, use.Volume.Used / 1e6,

@@ -20,7 +20,12 @@ constexpr std::string_view volumeMark = "V";
 constexpr std::string_view hoursMark = "H";
 constexpr std::string_view forecastMark = "F";
 
-// "80,95 100" in ascending order; what is no percentage is left out.
+std::string PeriodText(const AliasUse& use) {
+    return FormatDateIso(use.PeriodBegin).substr(0, 10);
+}
+
+} // namespace
+
 std::vector<int> Percentages(const std::string& text) {
     std::vector<int> percentages;
     const std::string blanks = ReplaceAll(ReplaceAll(text, ",", " "), ";", " ");
@@ -31,12 +36,6 @@ std::vector<int> Percentages(const std::string& text) {
     std::sort(percentages.begin(), percentages.end());
     return percentages;
 }
-
-std::string PeriodText(const AliasUse& use) {
-    return FormatDateIso(use.PeriodBegin).substr(0, 10);
-}
-
-} // namespace
 
 void AllowanceWatch::PassEnded() {
     const double now = parts_.Clock.AwakeSeconds();

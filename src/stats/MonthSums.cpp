@@ -8,6 +8,7 @@
 #include "traffic/LineRecord.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace korvalin {
 namespace {
@@ -78,7 +79,7 @@ void MonthSums::AddAll(const StatRecords& records) {
             alias = record.Alias;
             index = aliases_.AliasIndex(alias);
         }
-        if (EqualsNoCase(record.Info, InfoRunning)) continue;
+        if (IsRunning(record)) continue;
         const BilledRecord billed{record.LogIn, record.End(), record.BytesReceived, record.BytesTransmitted};
         const std::string line = ToLower(record.LineName);
         days_.Add(billed, line, index);
@@ -160,6 +161,18 @@ AliasUse MonthSums::UseOf(std::size_t aliasIndex) {
             {std::max(volume, 0.0), day.Volume, mean.Volume, alias.FreeVolumeBytes, daysLeft, daysToSpend},
             {recorded.DurationRounded + open.Online, day.Online, mean.Online,
              std::max(alias.FreeHours, 0) / hoursPerDay, daysLeft, daysToSpend}};
+}
+
+double MonthSums::TakeProvidersFigure(std::size_t aliasIndex, std::optional<double> megabytes) {
+    constexpr double megabyte = 1'000'000;
+    aliases_.Correct(aliasIndex, 0);
+    const double counted = UseOf(aliasIndex).Volume.Used / megabyte;
+    if (megabytes) aliases_.Correct(aliasIndex, static_cast<std::int32_t>(std::round(*megabytes - counted)));
+    return counted;
+}
+
+AliasUse MonthSums::UseOfLine(std::string_view lineName) {
+    return UseOf(aliases_.AliasIndex(aliases_.GetAlias(lineName)));
 }
 
 PeriodUse MonthSums::UseOf(std::string_view lineName) {
