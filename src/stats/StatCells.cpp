@@ -48,7 +48,7 @@ std::vector<double> AliasPositions(const std::vector<StatRecord>& records, const
     return positions;
 }
 
-// Of a comparison: calls `pause` at each so-manieth.
+// Counts comparisons and calls `pause` once in so many.
 class Pauses {
   public:
     explicit Pauses(const std::function<void()>& pause) : pause_(pause) {}
