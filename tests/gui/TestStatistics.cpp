@@ -294,6 +294,8 @@ TEST_F(Statistics, TheUseOfAnAllowanceStandsBesideItsTariff) {
          "Used: 6.00 MB of 100.00 MB (6 %)   Today: 0.00 MB   Left per day until "
          "2005-02-28: 4.95 MB   Forecast: ",
          ""},
+        {"cboFreeVolume", "8", "8", "Used: 6.00 MB of 8.00 MB (75 %)", ""},
+        {"cboFreeVolume", "100", "100", "Used: 6.00 MB of 100.00 MB", ""},
         {"txtProvider", "43.6", "44", "Used: 44.00 MB of 100.00 MB (44 %)", "Correction: +38 MB"},
         {"txtProvider", "many", "44", "Used: 44.00 MB", "Correction: +38 MB"},
         {"txtProvider", "2", "2", "Used: 2.00 MB", "Correction: -4 MB"},
@@ -427,8 +429,7 @@ TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     Page(1);
     Do("mnuExportHTML");
     EXPECT_NE(folder.Read("out").find("<svg"), std::string::npos) << "with the graph";
-    for (const auto& [path, cause] :
-         {std::pair("missing/out", "does not exist"), {"dir", "no permission"}}) {
+    for (const auto& [path, cause] : {std::pair("missing/out", "does not exist"), {"dir", "no permission"}}) {
         std::filesystem::create_directory(folder / "dir");
         savePath = QString::fromStdString((folder / path).string());
         clock.Advance(10);
