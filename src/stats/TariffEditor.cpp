@@ -51,6 +51,7 @@ void TariffEditor::ConnectControls() {
     connect(&controls_.txtAlias, &QLineEdit::editingFinished, this, [this] { txtAlias_Validate(); });
     const auto connectTyped = [this](QComboBox& control, KeyPattern<int> setting) {
         const auto store = [this, &control, setting] { StoreNumber(control, setting); };
+        control.setCompleter(nullptr); // it would make 100 of a typed 10
         connect(control.lineEdit(), &QLineEdit::editingFinished, this, store);
         connect(&control, &QComboBox::activated, this, store);
     };

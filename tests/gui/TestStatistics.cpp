@@ -294,7 +294,7 @@ TEST_F(Statistics, TheUseOfAnAllowanceStandsBesideItsTariff) {
          "Used: 6.00 MB of 100.00 MB (6 %)   Today: 0.00 MB   Left per day until "
          "2005-02-28: 4.95 MB   Forecast: ",
          ""},
-        {"cboFreeVolume", "8", "8", "Used: 6.00 MB of 8.00 MB (75 %)", ""},
+        {"cboFreeVolume", "10", "10", "Used: 6.00 MB of 10.00 MB (60 %)", ""},
         {"cboFreeVolume", "100", "100", "Used: 6.00 MB of 100.00 MB", ""},
         {"txtProvider", "43.6", "44", "Used: 44.00 MB of 100.00 MB (44 %)", "Correction: +38 MB"},
         {"txtProvider", "many", "44", "Used: 44.00 MB", "Correction: +38 MB"},
