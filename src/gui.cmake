@@ -62,6 +62,8 @@ add_library(korvalin_gui STATIC
   settingsdlg/frmEinstellungen.ui
   settingsdlg/NetworkPages.cpp
   settingsdlg/NetworkTableModel.cpp
+  stats/AllowanceBar.cpp
+  stats/AllowanceEditor.cpp
   stats/frmStatistik.cpp
   stats/frmStatistik.ui
   stats/graph/GraphPage.cpp

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <utility>
 
 namespace korvalin {
@@ -139,11 +138,8 @@ int TakeProvidersFigure(Program& program, const std::string& alias, std::optiona
         fmt::print(stderr, "An alias is needed\n");
         return ExitUsage;
     }
-    program.aliases.Correct(index, 0);
-    const double counted = program.monthSums.UseOf(index).Volume.Used / BytesPerAllowanceUnit;
+    const double counted = program.monthSums.TakeProvidersFigure(index, megabytes);
     const double correction = megabytes ? std::round(*megabytes - counted) : 0;
-    if (std::abs(correction) <= std::numeric_limits<std::int32_t>::max())
-        program.aliases.Correct(index, static_cast<std::int32_t>(correction));
     const AliasUse use = program.monthSums.UseOf(index);
     const double stored = use.Correction / BytesPerAllowanceUnit;
     fmt::print("{}: counted {:.0f} MB, corrected by {:+.0f} MB, used {:.0f} MB till {}\n",

@@ -1,9 +1,11 @@
 #include "display/LiveTexts.h"
 
 #include "base/ProgramTitle.h"
+#include "display/TrayModel.h"
 #include "errors/Errors.h"
 #include "lang/Language.h"
 #include "stats/MonthSums.h"
+#include "stats/UseTexts.h"
 
 #include <algorithm>
 
@@ -43,19 +45,31 @@ void LiveTexts::FillInfoStrings(InfoTexts& texts) {
         FillAverages(texts, line);
         FillVolumes(texts, line);
 
-        double freeBytes = 0;
+        AliasUse use;
         if (!line.LineName.empty()) {
-            const PeriodUse period = parts_.MonthSums.UseOf(line.EntryName);
-            freeBytes = period.FreeBytes;
-            texts.PeriodVolumeText = parts_.UnitFormat.FormatMB(period.UsedBytes, texts.MBFactor, "#,##0");
+            use = parts_.MonthSums.UseOfLine(line.EntryName);
+            texts.PeriodVolumeText = parts_.UnitFormat.FormatMB(use.Volume.Used, texts.MBFactor, "#,##0");
             texts.FreeVolumeText =
-                parts_.UnitFormat.FormatMB(period.FreeBytes - period.UsedBytes, texts.MBFactor, "#,##0");
+                parts_.UnitFormat.FormatMB(use.Volume.Allowance - use.Volume.Used, texts.MBFactor, "#,##0");
         }
         if (!parts_.LineState.AnyLineConnected) return FillOffline(texts);
         texts.CaptionText = std::string(ProgramTitle) + "  " + Text(22) + " " + texts.RateULText + " " +
                             texts.RateDLText + " " + texts.RateUnitText + "  ";
-        texts.TrayTipText = TrayTip(texts, line, freeBytes);
+        texts.TrayTipText = CutTrayTip(TrayTip(texts, line, use.Volume.Allowance));
+        texts.TrayTipText += Outlook(texts, use);
     });
+}
+
+// A line of its own below the month's.
+std::string LiveTexts::Outlook(const InfoTexts& texts, const AliasUse& use) const {
+    if ((texts.TrayTextFlags & TrayVolumeMonth) == 0) return {};
+    const auto amount = [&](double value) {
+        if (use.IsOfHours()) return FormatDuration(value);
+        std::int32_t factor = texts.MBFactor;
+        return parts_.UnitFormat.FormatMB(value, factor, "#,##0") + " " + texts.VolumeUnitText;
+    };
+    const std::string text = OutlookText(use.Counted(), parts_.Language, amount);
+    return text.empty() ? text : "\n" + text;
 }
 
 void LiveTexts::FillOffline(InfoTexts& texts) const {

@@ -9,6 +9,7 @@ namespace korvalin {
 
 class Language;
 class MonthSums;
+struct AliasUse;
 
 /// Builds the texts of caption, tooltip and chart from the line table and the newest sample.
 class LiveTexts {
@@ -36,6 +37,8 @@ class LiveTexts {
     void FillAverages(InfoTexts& texts, const LineRecord& line) const;
     void FillVolumes(InfoTexts& texts, const LineRecord& line) const;
     std::string TrayTip(const InfoTexts& texts, const LineRecord& line, double freeBytes) const;
+
+    std::string Outlook(const InfoTexts& texts, const AliasUse& use) const;
 
     Parts parts_;
 };

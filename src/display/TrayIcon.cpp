@@ -47,7 +47,7 @@ TrayIcon::~TrayIcon() {
 
 void TrayIcon::TrayIconSet(bool add, const QIcon& picture, const std::string& tip) {
     if (!add) return parts_.NotificationArea.Remove();
-    tip_ = CutTrayTip(tip);
+    tip_ = tip;
     staticIconShown_ = false;
     drawn_.reset();
     parts_.NotificationArea.Add(picture, tip_, parts_.Menu);
@@ -60,9 +60,8 @@ void TrayIcon::TrayIconModify(const QIcon& picture, const std::string& tip) {
 }
 
 void TrayIcon::TrayTipModify(const std::string& tip) {
-    const std::string_view cut = CutTrayTip(tip);
-    if (cut == tip_) return;
-    tip_ = cut;
+    if (tip == tip_) return;
+    tip_ = tip;
     parts_.NotificationArea.SetTip(tip_);
 }
 

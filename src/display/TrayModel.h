@@ -32,7 +32,7 @@ struct TrayBars {
 /// the figures that the user sees, in the unit that the scale is set in.
 TrayBars MakeTrayBars(const InfoTexts& texts, const PeriodUse& use, const Locale& locale);
 
-/// A tooltip as the tray takes it: the first 127 characters.
+/// The part of a tooltip that any tray takes: the first 127 characters.
 std::string_view CutTrayTip(std::string_view tip);
 
 } // namespace korvalin

@@ -40,18 +40,23 @@ void SelectRows(QTableView& list, const Wanted& wanted) {
 
 /// Keeps what is selected and the current row while a list's rows are put in anew, and the row on top unless
 /// the list is sorted otherwise. A row is known by a key that the same record has before and after. A list
-/// that shows its beginning goes on to.
+/// that shows its beginning goes on to. Where selected rows go away, `otherwise` is the row that becomes
+/// current in place of one that has gone, and nothing is selected.
 template <typename KeyOf>
 class KeepListView {
   public:
     using Key = std::invoke_result_t<KeyOf, int>;
     enum class Top { Follow, Stay };
 
-    KeepListView(QTableView& list, KeyOf keyOf, Top top = Top::Follow)
-        : list_(list), keyOf_(std::move(keyOf)), scroll_(list.verticalScrollBar()->value()) {
+    KeepListView(QTableView& list, KeyOf keyOf, Top top = Top::Follow, std::optional<int> otherwise = {})
+        : list_(list),
+          keyOf_(std::move(keyOf)),
+          otherwise_(otherwise),
+          scroll_(list.verticalScrollBar()->value()) {
         const int rows = list.model()->rowCount();
         if (list.currentIndex().isValid()) current_ = keyOf_(list.currentIndex().row());
         if (top == Top::Follow && scroll_ > 0 && scroll_ < rows) top_ = keyOf_(scroll_);
+        if (otherwise) return;
         const std::vector<int> selected = SelectedRows(list);
         all_ = rows > 0 && static_cast<int>(selected.size()) == rows;
         if (all_) return;
@@ -64,7 +69,7 @@ class KeepListView {
             return all_ || std::binary_search(selected_.begin(), selected_.end(), keyOf_(row));
         };
         if (all_ || !selected_.empty()) SelectRows(list_, isSelected);
-        if (const auto row = current_ ? RowOf(*current_) : std::nullopt) {
+        if (const auto row = CurrentRow()) {
             list_.selectionModel()->setCurrentIndex(list_.model()->index(*row, 0),
                                                     QItemSelectionModel::NoUpdate);
         }
@@ -75,6 +80,12 @@ class KeepListView {
     KeepListView& operator=(const KeepListView&) = delete;
 
   private:
+    std::optional<int> CurrentRow() const {
+        if (!current_) return std::nullopt;
+        const auto row = RowOf(*current_);
+        const int last = list_.model()->rowCount() - 1;
+        return row || !otherwise_ || last < 0 ? row : std::min(*otherwise_, last);
+    }
     std::optional<int> RowOf(const Key& key) const {
         for (int row = 0; row < list_.model()->rowCount(); ++row)
             if (keyOf_(row) == key) return row;
@@ -83,6 +94,7 @@ class KeepListView {
 
     QTableView& list_;
     KeyOf keyOf_;
+    std::optional<int> otherwise_;
     int scroll_;
     std::optional<Key> current_;
     std::optional<Key> top_;

@@ -21,7 +21,12 @@ constexpr std::string_view volumeMark = "V";
 constexpr std::string_view hoursMark = "H";
 constexpr std::string_view forecastMark = "F";
 
-// "80,95 100" in ascending order; what is no percentage is left out.
+std::string PeriodText(const AliasUse& use) {
+    return FormatPattern(use.PeriodBegin, "yyyy-mm-dd");
+}
+
+} // namespace
+
 std::vector<int> Percentages(const std::string& text) {
     std::vector<int> percentages;
     const std::string blanks = ReplaceAll(ReplaceAll(text, ",", " "), ";", " ");
@@ -32,12 +37,6 @@ std::vector<int> Percentages(const std::string& text) {
     std::sort(percentages.begin(), percentages.end());
     return percentages;
 }
-
-std::string PeriodText(const AliasUse& use) {
-    return FormatPattern(use.PeriodBegin, "yyyy-mm-dd");
-}
-
-} // namespace
 
 void AllowanceWatch::PassEnded() {
     const double now = parts_.Clock.AwakeSeconds();

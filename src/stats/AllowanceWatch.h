@@ -18,6 +18,9 @@ class MonthSums;
 class Notifier;
 class Settings;
 
+/// The percentages of "80,95 100" in ascending order; what is none is left out.
+std::vector<int> Percentages(const std::string& text);
+
 /// Warns the user of allowances that run out: at each of an alias's percentages, and when the forecast passes
 /// the allowance. Each once a period, which the settings remember over restarts and for other instances.
 class AllowanceWatch {

@@ -41,6 +41,10 @@ struct AliasUse {
     double Correction = 0; ///< bytes that the provider counts more, within Volume.Used
     AllowanceUse Volume;
     AllowanceUse Online;
+
+    /// Whether hours are what runs out: volume counts unless only they have an allowance.
+    bool IsOfHours() const { return !Volume.HasAllowance() && Online.HasAllowance(); }
+    const AllowanceUse& Counted() const { return IsOfHours() ? Online : Volume; }
 };
 
 } // namespace korvalin

@@ -8,6 +8,8 @@
 #include "traffic/LineRecord.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace korvalin {
 namespace {
@@ -78,7 +80,7 @@ void MonthSums::AddAll(const StatRecords& records) {
             alias = record.Alias;
             index = aliases_.AliasIndex(alias);
         }
-        if (EqualsNoCase(record.Info, InfoRunning)) continue;
+        if (IsRunning(record)) continue;
         const BilledRecord billed{record.LogIn, record.End(), record.BytesReceived, record.BytesTransmitted};
         const std::string line = ToLower(record.LineName);
         days_.Add(billed, line, index);
@@ -162,6 +164,21 @@ AliasUse MonthSums::UseOf(std::size_t aliasIndex) {
              known.has_value()},
             {recorded.DurationRounded + open.Online, day.Online, mean.Online,
              std::max(alias.FreeHours, 0) / hoursPerDay, daysLeft, daysToSpend, known.has_value()}};
+}
+
+double MonthSums::TakeProvidersFigure(std::size_t aliasIndex, std::optional<double> megabytes) {
+    constexpr double most = std::numeric_limits<std::int32_t>::max();
+    aliases_.Correct(aliasIndex, 0);
+    const double counted = UseOf(aliasIndex).Volume.Used / BytesPerAllowanceUnit;
+    if (megabytes) {
+        const double correction = std::clamp(std::round(*megabytes - counted), -most, most);
+        aliases_.Correct(aliasIndex, static_cast<std::int32_t>(correction));
+    }
+    return counted;
+}
+
+AliasUse MonthSums::UseOfLine(std::string_view lineName) {
+    return UseOf(aliases_.AliasIndex(aliases_.GetAlias(lineName)));
 }
 
 PeriodUse MonthSums::UseOf(std::string_view lineName) {

@@ -55,6 +55,12 @@ class MonthSums {
 
     /// The use of the period of a line: recorded and open, of all lines with its alias.
     PeriodUse UseOf(std::string_view lineName);
+    /// The same with where it is going.
+    AliasUse UseOfLine(std::string_view lineName);
+
+    /// What the provider has counted in an alias's running period, in units of 1,000,000 bytes, is what is
+    /// used from now on; none: what the program has counted, which is returned.
+    double TakeProvidersFigure(std::size_t aliasIndex, std::optional<double> megabytes);
 
     /// The use of an alias and where it is going, recorded and open.
     AliasUse UseOf(std::size_t aliasIndex);

@@ -48,9 +48,24 @@ std::vector<double> AliasPositions(const std::vector<StatRecord>& records, const
     return positions;
 }
 
+// Counts comparisons and calls `pause` once in so many.
+class Pauses {
+  public:
+    explicit Pauses(const std::function<void()>& pause) : pause_(pause) {}
+    void Count() {
+        if (++count_ % comparisonsPerPause == 0 && pause_) pause_();
+    }
+
+  private:
+    static constexpr unsigned comparisonsPerPause = 1 << 18;
+    const std::function<void()>& pause_;
+    unsigned count_ = 0;
+};
+
 template <typename Less>
-void StableSort(std::vector<std::uint32_t>& rows, bool ascending, const Less& less) {
+void StableSort(std::vector<std::uint32_t>& rows, bool ascending, Pauses& pauses, const Less& less) {
     std::stable_sort(rows.begin(), rows.end(), [&](std::uint32_t left, std::uint32_t right) {
+        pauses.Count();
         return ascending ? less(left, right) : less(right, left);
     });
 }
@@ -77,7 +92,8 @@ struct NoteEntry {
     }
 };
 
-void SortByNote(const std::vector<StatRecord>& records, bool ascending, std::vector<std::uint32_t>& rows) {
+void SortByNote(const std::vector<StatRecord>& records, bool ascending, std::vector<std::uint32_t>& rows,
+                Pauses& pauses) {
     std::vector<NoteEntry> entries;
     entries.reserve(rows.size());
     for (const std::uint32_t row : rows) {
@@ -86,6 +102,7 @@ void SortByNote(const std::vector<StatRecord>& records, bool ascending, std::vec
             {EightBytes(note, 0), EightBytes(note, 8), static_cast<std::uint32_t>(entries.size()), row});
     }
     std::sort(entries.begin(), entries.end(), [&](const NoteEntry& left, const NoteEntry& right) {
+        pauses.Count();
         const int order = left.Compare(right, records);
         return order == 0 ? left.Position < right.Position : (order < 0) == ascending;
     });
@@ -132,9 +149,7 @@ std::string CellText(const StatRecord& record, Field field, const VolumeUnit& un
     case Field::Alias: return std::string(record.Alias);
     case Field::LogIn: return FormatDateGeneral(record.LogIn, locale);
     case Field::Duration: return DurationText(record.Duration);
-    case Field::LogOut:
-        return EqualsNoCase(record.Info, InfoRunning) ? std::string()
-                                                      : FormatDateGeneral(record.LogOut, locale);
+    case Field::LogOut: return IsRunning(record) ? std::string() : FormatDateGeneral(record.LogOut, locale);
     case Field::BytesTransmitted: return VolumeText(record.BytesTransmitted, unit, locale);
     case Field::BytesReceived: return VolumeText(record.BytesReceived, unit, locale);
     case Field::Total: return VolumeText(record.Volume(), unit, locale);
@@ -162,7 +177,6 @@ std::string SampleText(Field field, bool ofSums, const Locale& locale) {
     case Field::LogOut: return FormatDateGeneral(sample, locale);
     case Field::Duration:
     case Field::DurationRounded: return ofSums ? "1023:59:59" : "23:59:59";
-    case Field::Info: return FormatDateGeneral(sample, locale) + " Korvalin was closed with Taskmanager";
     case Field::PeriodLabel: return date + " - " + date;
     case Field::ConnCount: return "1,000";
     case Field::FileIndex: return "1000000";
@@ -213,8 +227,9 @@ std::vector<std::uint32_t> FilterRows(std::vector<StatRecord>& records, const st
 }
 
 void SortRows(const std::vector<StatRecord>& records, Field field, bool ascending, const Locale& locale,
-              std::vector<std::uint32_t>& rows) {
-    if (field == Field::Info) return SortByNote(records, ascending, rows);
+              std::vector<std::uint32_t>& rows, const std::function<void()>& pause) {
+    Pauses pauses(pause);
+    if (field == Field::Info) return SortByNote(records, ascending, rows, pauses);
     std::vector<double> values;
     if (field == Field::Alias) {
         values = AliasPositions(records, locale);
@@ -223,7 +238,7 @@ void SortRows(const std::vector<StatRecord>& records, Field field, bool ascendin
         for (const StatRecord& record : records)
             values.push_back(SortValue(record, field));
     }
-    StableSort(rows, ascending,
+    StableSort(rows, ascending, pauses,
                [&](std::uint32_t left, std::uint32_t right) { return values[left] < values[right]; });
 }
 

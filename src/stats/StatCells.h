@@ -5,6 +5,7 @@
 #include "stats/StatRecord.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -58,7 +59,7 @@ std::string CellText(const StatRecord& record, StatColumn::Field field, const Vo
 /// Whether figures stand in the column, which are aligned to the right.
 bool IsFigure(StatColumn::Field field);
 
-/// The longest text that the column is likely to show; its width follows from it.
+/// The longest text that the column, no note's, is likely to show; its width follows from it.
 std::string SampleText(StatColumn::Field field, bool ofSums, const Locale& locale);
 
 /// The texts of a column among which the widest is: of figures the largest one's, each name once.
@@ -69,8 +70,10 @@ std::vector<std::string> WidestTexts(const std::vector<StatRecord>& records, Sta
 /// indices into the records. Numbers the records' ListRow from 1, 0 for those left out.
 std::vector<std::uint32_t> FilterRows(std::vector<StatRecord>& records, const std::string& alias);
 
-/// Sorts rows by what the column shows; rows that show the same keep their order.
+/// Sorts rows by what the column shows; rows that show the same keep their order. `pause` is called now and
+/// then and may end the sort by throwing.
 void SortRows(const std::vector<StatRecord>& records, StatColumn::Field field, bool ascending,
-              const Locale& locale, std::vector<std::uint32_t>& rows);
+              const Locale& locale, std::vector<std::uint32_t>& rows,
+              const std::function<void()>& pause = {});
 
 } // namespace korvalin

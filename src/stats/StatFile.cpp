@@ -99,6 +99,20 @@ void SortByLine(std::span<StatRecord> records, const Locale& locale) {
 
 } // namespace
 
+bool FollowOpen(StatRecord& record, const std::vector<OpenConnection>& open) {
+    if (!IsRunning(record)) return false;
+    const auto now = std::find_if(open.begin(), open.end(), [&](const OpenConnection& connection) {
+        return EqualsNoCase(connection.LineName, record.LineName);
+    });
+    if (now == open.end()) return false;
+    const StatRecord before = record;
+    record.Duration = std::max(now->End - record.LogIn, 0.0);
+    record.BytesReceived = now->BytesReceived;
+    record.BytesTransmitted = now->BytesTransmitted;
+    record.LogOut = record.End();
+    return record.Duration != before.Duration || record.Volume() != before.Volume();
+}
+
 bool LoadReport::NeedsRepair() const {
     return Dropped > 0 || Merged > toleratedMerges;
 }
@@ -282,7 +296,7 @@ StatFile::Deletion StatFile::DeleteRecords(StatRecords& records, const std::vect
         return cancelled ? Deletion::Cancelled : Deletion::Failed;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < records.List.size(); ++i) {
-        if (!leftOut[i]) records.List[kept++] = records.List[i];
+        if (!leftOut[i] || records.List[i].FileIndex == 0) records.List[kept++] = records.List[i];
     }
     records.List.resize(kept);
     records.ReadTo = std::move(written);
@@ -335,12 +349,16 @@ bool StatFile::Extend(std::uintmax_t bytes, std::string_view lines) {
     return replaced;
 }
 
-std::string StatFile::Fingerprint() const {
+std::vector<OpenConnection> StatFile::Open() const {
+    return parts_.OpenConnections.Now();
+}
+
+std::string StatFile::Fingerprint(const std::vector<OpenConnection>& open) const {
     const fs::path path = StatFilePath();
     std::error_code error;
     const auto time = fs::last_write_time(path, error);
     std::string print = fmt::format("{} {}", SizeOf(path), error ? 0 : time.time_since_epoch().count());
-    for (const OpenConnection& connection : parts_.OpenConnections.Now())
+    for (const OpenConnection& connection : open)
         print += fmt::format("\n{} {}", connection.LineName, connection.LogIn);
     return print;
 }

@@ -50,6 +50,9 @@ struct LoadReport {
     std::filesystem::path Backup; ///< where the old file went when it was rewritten; empty: it was not
 };
 
+/// Brings a record of an open connection, if it is one, up to this moment; false when nothing has changed.
+bool FollowOpen(StatRecord& record, const std::vector<OpenConnection>& open);
+
 /// The file with one line per ended connection.
 class StatFile {
   public:
@@ -85,7 +88,7 @@ class StatFile {
         Cancelled
     };
     /// Deletes records (by their index in the list) from the file, which is kept as a backup, and from the
-    /// list. What was appended to the file since it was loaded stays. Open connections leave the list, too.
+    /// list. What was appended to the file since it was loaded stays, as do open connections in the list.
     /// Unless it is Done, file and list are as they were. Windows stay alive meanwhile.
     [[nodiscard]] Deletion DeleteRecords(StatRecords& records, const std::vector<std::uint32_t>& deleted,
                                          const Progress& progress = {});
@@ -97,8 +100,12 @@ class StatFile {
     /// were made; otherwise the file is as it was.
     [[nodiscard]] LoadReport::Hindrance AddRecords(const MakeRecords& make);
 
+    /// What is open at this moment.
+    std::vector<OpenConnection> Open() const;
+
     /// Changes when a load would find other connections: the file's size and time, and what is open.
-    std::string Fingerprint() const;
+    std::string Fingerprint(const std::vector<OpenConnection>& open) const;
+    std::string Fingerprint() const { return Fingerprint(Open()); }
 
     /// About the last LoadStatFile.
     const LoadReport& Report() const { return report_; }

@@ -61,13 +61,20 @@ int StatList::WidthOf(std::vector<std::string> texts) const {
     return width;
 }
 
+// A note begins with when its record was made.
+std::string StatList::Sample(Field field) const {
+    const bool isNote = field == Field::Info;
+    const std::string text = SampleText(isNote ? Field::LogIn : field, what_ == Of::Sums, *locale_);
+    return isNote ? text + " " + language_->Lng("modStats", 4) : text;
+}
+
 void StatList::FitColumns(const std::vector<StatRecord>& records, bool mayShrink) {
     const int widest = fontMetrics().averageCharWidth() * mostNameCharacters;
     QHeaderView& header = *horizontalHeader();
     for (int column = 0; column < model_->columnCount(); ++column) {
         const Field field = model_->Columns()[static_cast<std::size_t>(column)].Shows;
         std::vector<std::string> texts = WidestTexts(records, field, unit_, *locale_);
-        texts.push_back(SampleText(field, what_ == Of::Sums, *locale_));
+        texts.push_back(Sample(field));
         int width = WidthOf(std::move(texts));
         if (field == Field::Alias) width = std::min(width, widest);
         width = std::max(width + WidthOf({margin}), header.sectionSizeHint(column));
@@ -81,8 +88,7 @@ int StatList::WidthOfColumns() const {
         const Field field = model_->Columns()[static_cast<std::size_t>(column)].Shows;
         if (isColumnHidden(column)) continue;
         // The stretched one's width says nothing.
-        width += field == Field::Info ? WidthOf({margin + SampleText(field, false, *locale_)})
-                                      : columnWidth(column);
+        width += field == Field::Info ? WidthOf({margin + Sample(field)}) : columnWidth(column);
     }
     return width;
 }

@@ -55,6 +55,7 @@ class StatList : public QTableView {
 
   private:
     int WidthOf(std::vector<std::string> texts) const;
+    std::string Sample(StatColumn::Field field) const;
 
     Of what_ = Of::Records;
     Language* language_ = nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Date.h"
+#include "base/Text.h"
 #include "stats/TextPool.h"
 
 #include <cstdint>
@@ -37,6 +38,10 @@ struct alignas(64) StatRecord {
 
 /// What Info says of a connection that is still open.
 inline constexpr std::string_view InfoRunning = "Running";
+
+inline bool IsRunning(const StatRecord& record) {
+    return EqualsNoCase(record.Info, InfoRunning);
+}
 
 /// How far a file was read, and what stood there: to find what was appended since.
 struct FileMark {

@@ -13,7 +13,7 @@ StatTableModel::StatTableModel(std::vector<StatColumn> columns, Language& langua
 void StatTableModel::SetRows(std::vector<StatRecord>& records, std::vector<std::uint32_t> rows) {
     beginResetModel();
     records_ = &records;
-    rows_ = Sorted(order_, std::move(rows));
+    rows_ = Sorted(order_, std::move(rows), {});
     NumberRows();
     endResetModel();
 }
@@ -25,6 +25,17 @@ void StatTableModel::SetUnit(const VolumeUnit& unit) {
 
 std::string StatTableModel::Text(int row, int column) const {
     return CellText(Record(row), columns_.at(static_cast<std::size_t>(column)).Shows, unit_, locale_);
+}
+
+std::string StatTableModel::ShownText(int row, int column) const {
+    const bool isNote = columns_.at(static_cast<std::size_t>(column)).Shows == StatColumn::Field::Info;
+    if (isNote && IsRunning(Record(row))) return language_.Lng("frmStatistik", 60);
+    return Text(row, column);
+}
+
+void StatTableModel::Refresh(const StatRecord& record) {
+    const int row = record.ListRow - 1;
+    if (row >= 0) emit dataChanged(index(row, 0), index(row, columnCount() - 1));
 }
 
 std::string StatTableModel::Header(int column) const {
@@ -46,7 +57,7 @@ QVariant StatTableModel::Alignment(int column) const {
 
 QVariant StatTableModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
-    if (role == Qt::DisplayRole) return QString::fromStdString(Text(index.row(), index.column()));
+    if (role == Qt::DisplayRole) return QString::fromStdString(ShownText(index.row(), index.column()));
     if (role == Qt::TextAlignmentRole) return Alignment(index.column());
     return {};
 }
@@ -58,13 +69,14 @@ QVariant StatTableModel::headerData(int section, Qt::Orientation orientation, in
     return {};
 }
 
-std::vector<std::uint32_t> StatTableModel::Sorted(const Order& order, std::vector<std::uint32_t> rows) const {
+std::vector<std::uint32_t> StatTableModel::Sorted(const Order& order, std::vector<std::uint32_t> rows,
+                                                  const std::function<void()>& pause) const {
     if (order.Column < 0) {
         // The records' own order, which a new selection has already.
         if (!std::is_sorted(rows.begin(), rows.end())) std::sort(rows.begin(), rows.end());
     } else if (records_ != nullptr) {
         SortRows(*records_, columns_[static_cast<std::size_t>(order.Column)].Shows,
-                 order.Direction == Qt::AscendingOrder, locale_, rows);
+                 order.Direction == Qt::AscendingOrder, locale_, rows, pause);
     }
     return rows;
 }

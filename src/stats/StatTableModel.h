@@ -5,6 +5,7 @@
 #include <QAbstractTableModel>
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace korvalin {
@@ -29,7 +30,10 @@ class StatTableModel : public QAbstractTableModel {
     /// The index of the record that a row shows.
     std::uint32_t RecordOf(int row) const { return rows_.at(static_cast<std::size_t>(row)); }
     const StatRecord& Record(int row) const { return (*records_)[RecordOf(row)]; }
+    /// The text of a cell for a file: what the program notes of its own is in the file's words.
     std::string Text(int row, int column) const;
+    /// What a record shows has changed.
+    void Refresh(const StatRecord& record);
     std::string Header(int column) const;
     const std::vector<StatColumn>& Columns() const { return columns_; }
 
@@ -44,13 +48,18 @@ class StatTableModel : public QAbstractTableModel {
         Qt::SortOrder Direction = Qt::AscendingOrder;
     };
     const Order& ChosenOrder() const { return order_; }
-    /// The rows in another order, for SetOrder: may take its time in a thread of its own.
-    std::vector<std::uint32_t> Sorted(const Order& order) const { return Sorted(order, rows_); }
+    /// The rows in another order, for SetOrder: may take its time in a thread of its own. `pause` is called
+    /// now and then and may end it by throwing.
+    std::vector<std::uint32_t> Sorted(const Order& order, const std::function<void()>& pause = {}) const {
+        return Sorted(order, rows_, pause);
+    }
     void SetOrder(const Order& order, std::vector<std::uint32_t> rows);
 
   private:
-    std::vector<std::uint32_t> Sorted(const Order& order, std::vector<std::uint32_t> rows) const;
+    std::vector<std::uint32_t> Sorted(const Order& order, std::vector<std::uint32_t> rows,
+                                      const std::function<void()>& pause) const;
     void NumberRows();
+    std::string ShownText(int row, int column) const;
     QVariant Alignment(int column) const;
 
     std::vector<StatColumn> columns_;

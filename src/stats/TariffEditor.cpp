@@ -10,6 +10,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 
+#include <algorithm>
+
 namespace korvalin {
 namespace {
 
@@ -49,6 +51,7 @@ void TariffEditor::ConnectControls() {
     connect(&controls_.txtAlias, &QLineEdit::editingFinished, this, [this] { txtAlias_Validate(); });
     const auto connectTyped = [this](QComboBox& control, KeyPattern<int> setting) {
         const auto store = [this, &control, setting] { StoreNumber(control, setting); };
+        control.setCompleter(nullptr); // it would make 100 of a typed 10
         connect(control.lineEdit(), &QLineEdit::editingFinished, this, store);
         connect(&control, &QComboBox::activated, this, store);
     };
@@ -100,6 +103,7 @@ void TariffEditor::ShowTariff() {
                !alias.empty());
     controls_.txtAlias.setText(QString::fromStdString(alias));
     controls_.txtAlias.setCursorPosition(0);
+    emit AliasShown(alias);
     if (alias.empty()) return;
     const AliasInfo& info = aliases_.Alias(aliases_.AliasIndex(alias));
     ShowNumber(controls_.cboFreeHours, info.FreeHours);
@@ -134,7 +138,11 @@ void TariffEditor::InheritTariff(const std::string& from, const std::string& to)
         (settings_.Set(keys(to), settings_.Get(keys(from))), ...);
     };
     inherit(Keys::FreeHours, Keys::FreeVolume, Keys::MonthStartDay, Keys::RoundSeconds, Keys::Up1MB,
-            Keys::TrayTime, Keys::TrayVol);
+            Keys::TrayTime, Keys::TrayVol, Keys::WarnAt, Keys::Warned);
+    // The provider counts once: an alias that other lines keep keeps its correction, too.
+    const auto has = [&](const AliasInfo& line) { return EqualsNoCase(line.Alias, from); };
+    const auto& lines = aliases_.Lines();
+    if (std::count_if(lines.begin(), lines.end(), has) == 1) inherit(Keys::CorrectedBy, Keys::CorrectedFor);
 }
 
 void TariffEditor::StoreNumber(QComboBox& control, KeyPattern<int> setting) {

@@ -39,6 +39,8 @@ class TariffEditor : public QObject {
     void ShowLines(const std::vector<AliasInfo>& lines);
 
   signals:
+    /// After the alias of the chosen line is shown anew; empty when there is no line.
+    void AliasShown(const std::string& alias);
     /// After a change of what sums depend on.
     void TariffChanged();
     /// After the chosen line's change from one alias to another.

@@ -10,7 +10,6 @@
 #include "forms/Enabling.h"
 #include "forms/FocusedWheel.h"
 #include "forms/KeepListView.h"
-#include "forms/ListPlace.h"
 #include "forms/MakeUi.h"
 #include "forms/Twips.h"
 #include "lang/ApplyFormTexts.h"
@@ -19,6 +18,7 @@
 #include "platform/MessageBoxes.h"
 #include "settings/Settings.h"
 #include "stats/Aliases.h"
+#include "stats/AllowanceEditor.h"
 #include "stats/MonthSums.h"
 #include "stats/PeriodSums.h"
 #include "stats/Recorder.h"
@@ -34,7 +34,11 @@
 #include <QMenu>
 #include <QSaveFile>
 #include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
+
+#include <cerrno>
+#include <system_error>
 
 namespace korvalin {
 namespace {
@@ -71,6 +75,12 @@ frmStatistik::frmStatistik(const Parts& parts)
                                *ui_->cboMonthStartDay, *ui_->cboRoundSeconds, *ui_->boxUp1MB,
                                *ui_->boxTrayVolumeLine},
         parts_.Settings, parts_.Aliases);
+    allowance_ = std::make_unique<AllowanceEditor>(
+        AllowanceEditor::Controls{*ui_->barUse, *ui_->lblUse, *ui_->lblCorrection, *ui_->txtProvider,
+                                  *ui_->txtWarnAt},
+        AllowanceEditor::Parts{parts_.Settings, parts_.Language, parts_.Aliases, parts_.MonthSums,
+                               parts_.Locale});
+    connect(tariff_.get(), &TariffEditor::AliasShown, allowance_.get(), &AllowanceEditor::ShowAlias);
     connect(tariff_.get(), &TariffEditor::TariffChanged, this, &frmStatistik::TariffChanged);
     connect(tariff_.get(), &TariffEditor::AliasChanged, this, &frmStatistik::AliasChanged);
     SetUpControls();
@@ -121,7 +131,10 @@ void frmStatistik::WidenForColumns() {
     const StatList& list = *ui_->ListStats;
     const QRect free = screen()->availableGeometry();
     const int frame = frameGeometry().width() - width();
-    const int missing = std::max(list.WidthOfColumns() - list.viewport()->width(), 0);
+    // Rows that are still to come may bring the scroll bar.
+    const int bar =
+        list.verticalScrollBar()->isVisible() ? 0 : style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const int missing = std::max(list.WidthOfColumns() + bar - list.viewport()->width(), 0);
     resize(std::min(width() + missing, free.width() - frame), height());
     if (frameGeometry().right() > free.right()) move(free.right() + 1 - width() - frame, y());
 }
@@ -139,10 +152,12 @@ void frmStatistik::ConnectControls() {
     connect(&job_, &LongJob::Progress, this, &frmStatistik::ShowProgress);
     connect(ui_->SSTab, &QTabWidget::currentChanged, this, [this] { ShowCounts(); });
     connect(&follow_, &QTimer::timeout, this, &frmStatistik::FollowFile);
+    counts_.setSingleShot(true); // once for all that changes in a turn
+    connect(&counts_, &QTimer::timeout, this, &frmStatistik::ShowCounts);
     for (StatList* list : {ui_->ListStats, ui_->ListStatsSum}) {
         connect(list, &QWidget::customContextMenuRequested, this,
                 [this, list](const QPoint& at) { OpenContextMenu(*list, at); });
-        connect(list, &StatList::SelectionChanged, this, &frmStatistik::ShowCounts);
+        connect(list, &StatList::SelectionChanged, this, [this] { counts_.start(); });
         connect(list, &StatList::OrderWanted, this,
                 [this, list](int column, Qt::SortOrder order) { SortByColumn(*list, column, order); });
     }
@@ -208,6 +223,7 @@ void frmStatistik::changeEvent(QEvent* event) {
     FitColumns(false);
     ShowEmptyNotes();
     ShowCounts();
+    allowance_->Renew();
 }
 
 std::string frmStatistik::Text(int number) const {
@@ -280,6 +296,7 @@ void frmStatistik::ReleaseRecords() {
     ui_->ListStatsSum->Model().SetRows(sums_.List, {});
     records_ = StatRecords();
     sums_ = StatRecords();
+    running_.clear();
     graph_->ShowRecords(records_);
 }
 
@@ -297,6 +314,7 @@ void frmStatistik::LoadRecords() {
     // A part of the records must never be taken for all of them.
     if (cancelled_) return ReleaseRecords();
     ShowLoading(false);
+    FindRunning();
     ShowRecords();
     FitColumns(true);
     WidenForColumns();
@@ -326,8 +344,29 @@ bool frmStatistik::MayReload() const {
 void frmStatistik::FollowFile() {
     if (!MayReload() || isMinimized()) return;
     parts_.Errors.Step("FollowFile", [this] {
-        if (shownDay_ != DayOf(parts_.Clock.Now()) || shown_ != parts_.StatFile.Fingerprint()) Reload();
+        const std::vector<OpenConnection> open = parts_.StatFile.Open();
+        if (shownDay_ != DayOf(parts_.Clock.Now()) || shown_ != parts_.StatFile.Fingerprint(open))
+            return Reload();
+        FollowRunning(open);
+        allowance_->Renew();
     });
+}
+
+void frmStatistik::FindRunning() {
+    running_.clear();
+    for (std::uint32_t i = 0; i < records_.List.size(); ++i) {
+        if (IsRunning(records_.List[i])) running_.push_back(i);
+    }
+}
+
+void frmStatistik::FollowRunning(const std::vector<OpenConnection>& open) {
+    const QItemSelectionModel& selection = *ui_->ListStats->selectionModel();
+    for (const std::uint32_t i : running_) {
+        StatRecord& record = records_.List[i];
+        if (!FollowOpen(record, open)) continue;
+        ui_->ListStats->Model().Refresh(record);
+        if (record.ListRow > 0 && selection.isRowSelected(record.ListRow - 1)) counts_.start();
+    }
 }
 
 // The window is used meanwhile: what the user has changed by then is newer than what was read.
@@ -354,6 +393,7 @@ void frmStatistik::TakeRecords(StatRecords fresh, std::size_t known) {
         ui_->ListStats->Model().SetRows(records_.List, {});
         records_ = std::move(fresh);
         recordsKnown_ = known;
+        FindRunning();
         sumsNeedRecalculation_ = true;
         FillFilter();
         FillLists();
@@ -381,6 +421,13 @@ void frmStatistik::ShowProgress(double fraction) {
 void frmStatistik::EndProgress() {
     if (ui_->prgLoading->isVisible()) ShowLoading(false);
     if (cancelled_) ReleaseRecords(); // the window was closed meanwhile
+    for (const auto& work : std::exchange(postponed_, {}))
+        work();
+}
+
+// What the work in hand reads must not change.
+void frmStatistik::Postpone(std::function<void()> work) {
+    postponed_.push_back(std::move(work));
 }
 
 // False when the user has cancelled the work.
@@ -420,10 +467,10 @@ void frmStatistik::FillFilter() {
 }
 
 // What is open has no place in the file.
-std::pair<std::string, double> frmStatistik::KeyOfRecord(int row) const {
+std::int64_t frmStatistik::KeyOfRecord(int row) const {
     const StatRecord& record = ui_->ListStats->Model().Record(row);
-    return {record.FileIndex == 0 ? std::string(record.LineName) : std::string(),
-            static_cast<double>(record.FileIndex)};
+    if (record.FileIndex != 0) return record.FileIndex;
+    return -1 - static_cast<std::int64_t>(std::hash<std::string_view>()(record.LineName) >> 1);
 }
 
 std::pair<std::string, double> frmStatistik::KeyOfSum(int row) const {
@@ -483,6 +530,7 @@ void frmStatistik::ShowCounts() {
 
 // The records are the same ones in the same order: only what is made of them follows.
 void frmStatistik::TariffChanged() {
+    if (busy_) return Postpone([this] { TariffChanged(); });
     TakeUserChange();
     ShowTariffLines();
     sumsNeedRecalculation_ = true;
@@ -510,6 +558,7 @@ void frmStatistik::ShowTariffLines() {
 }
 
 void frmStatistik::AliasChanged(const std::string& from, const std::string& to) {
+    if (busy_) return Postpone([this, from, to] { AliasChanged(from, to); });
     TakeUserChange();
     // An alias that no line has any more has been renamed.
     if (parts_.Aliases.AliasIndex(from) == 0) {
@@ -540,12 +589,13 @@ void frmStatistik::cboKBMB_Click() {
     for (StatList* list : {ui_->ListStats, ui_->ListStatsSum})
         list->SetUnit(unit_);
     graph_->SetUnit(unit_.Name, unit_.Bytes);
+    allowance_->SetUnit(unit_);
 }
 
 void frmStatistik::SortByColumn(StatList& list, int column, Qt::SortOrder direction) {
     const StatTableModel::Order order{column, direction};
     std::vector<std::uint32_t> rows;
-    if (!RunJob([&] { rows = list.Model().Sorted(order); })) return list.MarkOrder();
+    if (!RunJob([&] { rows = list.Model().Sorted(order, [this] { job_.At(0); }); })) return list.MarkOrder();
     const auto recordOf = [&](int row) { return list.Model().RecordOf(row); };
     using Keeper = KeepListView<decltype(recordOf)>;
     {
@@ -605,7 +655,7 @@ void frmStatistik::mnuSelectMonth_Click() {
     const Date now = parts_.Clock.Now();
     const auto endOf = [&](int row) {
         const StatRecord& record = ui_->ListStats->Model().Record(row);
-        return EqualsNoCase(record.Info, InfoRunning) ? now : record.LogOut;
+        return IsRunning(record) ? now : record.LogOut;
     };
     const QModelIndex current = ui_->ListStats->currentIndex();
     const DateParts day = SplitDate(current.isValid() ? endOf(current.row()) : now);
@@ -640,8 +690,9 @@ void frmStatistik::DeleteRows(const std::vector<int>& rows) {
     std::vector<std::uint32_t> deleted;
     for (const int row : rows)
         deleted.push_back(ui_->ListStats->Model().RecordOf(row));
-    const KeepListPlace place(
-        *ui_->ListStats, [this](int row) { return KeyOfRecord(row); }, rows.front());
+    const auto key = [this](int row) { return KeyOfRecord(row); };
+    using Keeper = KeepListView<decltype(key)>;
+    const Keeper place(*ui_->ListStats, key, Keeper::Top::Stay, rows.front());
     const StatFile::Deletion deletion =
         parts_.StatFile.DeleteRecords(records_, deleted, [this](double fraction) {
             ShowProgress(fraction);
@@ -649,6 +700,11 @@ void frmStatistik::DeleteRows(const std::vector<int>& rows) {
         });
     if (deletion == StatFile::Deletion::Done) {
         ui_->ListStats->Model().SetRows(records_.List, {}); // its rows are numbers of records that have moved
+        FindRunning();
+        // The same file again, unless something was appended meanwhile.
+        std::error_code error;
+        const auto bytes = std::filesystem::file_size(parts_.StatFile.StatFilePath(), error);
+        if (!error && bytes == records_.ReadTo.Bytes) shown_ = parts_.StatFile.Fingerprint();
         TakeUserChange();
         ShowRecords();
     }
@@ -687,8 +743,12 @@ void frmStatistik::Export(const QString& suffix, const Make& make) {
         QSaveFile file(path);
         const std::string content = make(texts);
         const auto size = static_cast<qint64>(content.size());
-        if (!file.open(QIODevice::WriteOnly) || file.write(content.data(), size) != size || !file.commit())
-            throw NumberedError(0, path.toStdString() + ": " + file.errorString().toStdString());
+        errno = 0;
+        if (file.open(QIODevice::WriteOnly) && file.write(content.data(), size) == size && file.commit())
+            return;
+        // A file that may not be written is refused by the toolkit before it asks the system.
+        const int cause = errno != 0 ? errno : EACCES;
+        throw std::system_error(cause, std::generic_category(), path.toStdString());
     };
     parts_.Errors.Step("Export", [&] {
         if (!RunJob(write)) return;

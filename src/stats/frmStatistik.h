@@ -1,8 +1,8 @@
 #pragma once
 
 #include "stats/LongJob.h"
-#include "stats/StatFile.h"
 #include "stats/StatCells.h"
+#include "stats/StatFile.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -17,6 +17,7 @@ class frmStatistik;
 namespace korvalin {
 
 class Aliases;
+class AllowanceEditor;
 class Clock;
 class Errors;
 class GraphPage;
@@ -88,10 +89,13 @@ class frmStatistik : public QWidget {
     void ShowLoading(bool loading);
     void ShowProgress(double fraction);
     void EndProgress();
+    void Postpone(std::function<void()> work);
     bool RunJob(const std::function<void()>& work);
     void CancelWork();
     bool MayReload() const;
     void FollowFile();
+    void FindRunning();
+    void FollowRunning(const std::vector<OpenConnection>& open);
     void Reload();
     void TakeRecords(StatRecords fresh, std::size_t known);
     void TariffChanged();
@@ -107,7 +111,7 @@ class frmStatistik : public QWidget {
     void ShowEmptyNotes();
     void ShowCounts();
     std::string Text(int number) const;
-    std::pair<std::string, double> KeyOfRecord(int row) const;
+    std::int64_t KeyOfRecord(int row) const;
     std::pair<std::string, double> KeyOfSum(int row) const;
     void optStatSum_Click(int period);
     void cboFilter_Click();
@@ -138,12 +142,16 @@ class frmStatistik : public QWidget {
     StatRecords sums_;
     VolumeUnit unit_;
     std::unique_ptr<TariffEditor> tariff_;
+    std::unique_ptr<AllowanceEditor> allowance_;
     GraphPage* graph_ = nullptr; // owned by its tab
     LongJob job_;
-    QTimer follow_;           // looks for new connections while the window is open
-    std::string shown_;       // fingerprint of the file that is shown
-    Date shownDay_ = 0;       // the day that the graph takes for today
-    std::size_t changes_ = 0; // of the records by the user
+    QTimer counts_; // of the line below the lists, when the selection has changed
+    std::vector<std::function<void()>> postponed_; // till nothing is at work
+    QTimer follow_;                                // looks for new connections while the window is open
+    std::vector<std::uint32_t> running_;           // the records of what is open
+    std::string shown_;                            // fingerprint of the file that is shown
+    Date shownDay_ = 0;                            // the day that the graph takes for today
+    std::size_t changes_ = 0;                      // of the records by the user
     bool sumsNeedRecalculation_ = true;
     bool loading_ = false;
     bool busy_ = false; // what is shown must not be exchanged

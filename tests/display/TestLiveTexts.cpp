@@ -60,9 +60,9 @@ TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
         {2, "Rate UL 1.0 KB"},
         {16, "Vol. DL 5.5 MB"},
         {128, " Duration 00:01:40"},
-        {64, "Month 250 MB Free 750 MB"},
+        {64, "Month 250 MB Free 750 MB\nToday 243 MB Left per day 44 MB Forecast 4,264 MB"},
         {255, "eth0\nRate UL 1.0 DL 12.3 KB\nVol. UL 1.3 DL 5.5 MB\nVol. 6.8 MB  Duration 00:01:40\n"
-              "Month 250 MB Free 750 MB"}};
+              "Month 250 MB Free 750 MB\nToday 243 MB Left per day 44 MB Forecast 4,264 MB"}};
     for (const auto& [flags, expected] : rows) {
         texts().TrayTextFlags = flags;
         Fill();

@@ -149,9 +149,10 @@ TEST_F(Statistics, TheKeyboardReachesEverything) {
     Lines controls;
     while (controls.empty() || (controls.back() != "cboFilter" && controls.size() < 20))
         controls.push_back(pressTab());
-    EXPECT_EQ(controls, (Lines{"cboKBMB", "qt_tabwidget_tabbar", "optStatSum0", "ListStatsSum", "cboLines",
-                               "txtAlias", "cboFreeHours", "cboFreeVolume", "cboMonthStartDay",
-                               "cboRoundSeconds", "boxUp1MB", "boxTrayVolumeLine", "cboFilter"}));
+    EXPECT_EQ(controls,
+              (Lines{"cboKBMB", "qt_tabwidget_tabbar", "optStatSum0", "ListStatsSum", "cboLines", "txtAlias",
+                     "cboFreeHours", "cboFreeVolume", "cboMonthStartDay", "cboRoundSeconds", "boxUp1MB",
+                     "boxTrayVolumeLine", "txtProvider", "txtWarnAt", "cboFilter"}));
     EXPECT_FALSE(List()->accessibleName().isEmpty() || List("ListStatsSum")->accessibleName().isEmpty());
 }
 
@@ -168,6 +169,7 @@ TEST_F(Statistics, AHeaderSortsWhileSelectionAndCurrentRowStay) {
     EXPECT_EQ(Rows(), (Lines{"four", "2 KB", "one", "three"}));
     EXPECT_EQ(List()->currentIndex().row(), 3);
     EXPECT_EQ(Selected(), (std::set<int>{2, 3}));
+    QCoreApplication::processEvents();
     EXPECT_EQ(Shown("lblRows"), "Rows: 4   Selected: 2   Duration: 1:24:15   Sent: 1,000.00 KB   "
                                 "Received: 7,500.00 KB   Total: 8,500.00 KB");
     clickHeader(5);
@@ -204,7 +206,7 @@ TEST_F(Statistics, DeletesWhatTheUserConfirms) {
     const std::string before = FileText();
     Select({1});
     Do("mnuDelete", MessageAnswer::Cancel);
-    EXPECT_NE(boxes.Take().Text.find("selected record"), std::string::npos);
+    EXPECT_NE(boxes.Take().Text.find("selected connection"), std::string::npos);
     EXPECT_EQ(FileText(), before);
 
     // A connection that ended after the window was opened must not be lost.
@@ -212,7 +214,7 @@ TEST_F(Statistics, DeletesWhatTheUserConfirms) {
     Append(appended);
     Select({0, 1, 3});
     Do("mnuDelete", MessageAnswer::Yes);
-    EXPECT_EQ(boxes.Take().Text.substr(0, 17), "Total 3 records a");
+    EXPECT_EQ(boxes.Take().Text.substr(0, 19), "Total 3 connections");
     EXPECT_EQ(Rows(), (Lines{"2 KB"}));
     EXPECT_EQ(Rows(0, "ListStatsSum"), (Lines{"Mobile"}));
     EXPECT_EQ(FileText(), "\"Line2\",#2005-01-10 10:00:00#,#00:05:07#,0,1234,\"2 KB\",\"\"\r\n" + appended);
@@ -256,12 +258,92 @@ TEST_F(Statistics, ATariffIsStoredAndSumsAndTrayFollow) {
     Pick("cboRoundSeconds", "60");
     EXPECT_EQ(Cell(3, 7, "ListStatsSum"), "6:00");
 
+    Lines keys; // of all that an alias has
+#define SETTING(...)
+#define LINE_SETTING(kind, name, ...) keys.push_back("_" #name);
+#include "settings/SettingRows.inc"
+    settings.SetReg("Mobile_Warned", std::string("2005-02-05 V80"));
+    Pick("cboLines", "Line3");
+    Type("txtAlias", "Else");
+    Pick("cboLines", "Line2");
+    Type("txtProvider", "7");
+    const std::string corrected = settings.Get(Keys::Alias("Line2")) + "_CorrectedFor";
     Type("txtAlias", "  Travel ");
     EXPECT_EQ(settings.Get(Keys::FreeVolume("Travel")), 10000) << "inherited";
-    EXPECT_EQ(Rows(0), (Lines{"Travel", "Mobile", "Travel", "Home"}));
+    for (const std::string& key : keys)
+        EXPECT_EQ(settings.GetReg("Travel" + key), settings.GetReg("Mobile" + key)) << key;
+    EXPECT_EQ(use().UsedBytes, 7e6) << corrected;
+    EXPECT_EQ(Rows(0), (Lines{"Travel", "Else", "Travel", "Home"}));
     Pick("cboLines", "Line3");
     Type("txtAlias", "Home");
     EXPECT_EQ(settings.Get(Keys::FreeVolume("Home")), 0) << "a line that joins an alias takes its tariff";
+}
+
+TEST_F(Statistics, TheUseOfAnAllowanceStandsBesideItsTariff) {
+    Open();
+    Page(2);
+    Pick("cboLines", "Line2");
+    Pick("cboKBMB", "MB");
+    struct Row {
+        const char *Field, *Typed, *Shown, *Text, *Correction;
+    };
+    const Row rows[] = {
+        {"cboFreeHours", "0", "0", "Used: 6.00 MB   Today: 0.00 MB", ""},
+        {"cboFreeHours", "10", "10", "Used: 0:30 of 10:00:00 (0 %)   Today: 0:00   Left per day", ""},
+        {"cboFreeVolume", "100", "100",
+         "Used: 6.00 MB of 100.00 MB (6 %)   Today: 0.00 MB   Left per day until "
+         "2005-02-28: 4.95 MB   Forecast: ",
+         ""},
+        {"cboFreeVolume", "10", "10", "Used: 6.00 MB of 10.00 MB (60 %)", ""},
+        {"cboFreeVolume", "100", "100", "Used: 6.00 MB of 100.00 MB", ""},
+        {"txtProvider", "43.6", "44", "Used: 44.00 MB of 100.00 MB (44 %)", "Correction: +38 MB"},
+        {"txtProvider", "many", "44", "Used: 44.00 MB", "Correction: +38 MB"},
+        {"txtProvider", "2", "2", "Used: 2.00 MB", "Correction: -4 MB"},
+        {"txtProvider", "", "", "Used: 6.00 MB", ""},
+        {"txtWarnAt", "90;50", "50, 90", "", ""},
+        {"txtWarnAt", "never", "50, 90", "", ""},
+        {"txtWarnAt", "0", "0", "", ""},
+        {"txtWarnAt", "", "80, 95, 100", "", ""}};
+    for (const Row& row : rows) {
+        Type(row.Field, row.Typed);
+        EXPECT_EQ(Shown(row.Field), row.Shown) << row.Typed;
+        EXPECT_EQ(Shown("lblUse").substr(0, std::strlen(row.Text)), row.Text) << row.Typed;
+        EXPECT_EQ(Shown("lblCorrection"), row.Correction) << row.Typed;
+        EXPECT_EQ(Find("barUse")->isVisible(), Shown("lblUse").find(" of ") != std::string::npos);
+        EXPECT_EQ(Find("barUse")->accessibleDescription().toStdString(), Shown("lblUse"));
+    }
+}
+
+TEST_F(Statistics, WhatIsOpenFollowsWithoutALoad) {
+    settings.SetReg("Line2_FreeVolume", 100);
+    settings.SetReg("Mobile_FreeVolume", 100);
+    ASSERT_TRUE(StartProgram());
+    LineRecord& line = program->lines.LineTable(1);
+    line.EntryName = line.LineName = "Line2";
+    line.LogIn = clock.Now();
+    line.Connected = true;
+    program->lines.LineCount = 1;
+    WriteFile(file);
+    program->LoadStatistics();
+    Open();
+    int loads = 0;
+    events.OnProcessPending = [&] { ++loads; };
+    line.BytesReceived = 20e6;
+    line.Duration = 60 * OneSecond;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Cell(0, 2) + Cell(0, 5) == "1:0020,000.00 KB"; }))
+        << Cells(0, 0, 8);
+    EXPECT_EQ(Cell(0, 7), "Still open");
+    Page(2);
+    Pick("cboLines", "Line2");
+    EXPECT_EQ(Shown("lblUse").substr(0, 17), "Used: 27,000.00 K") << "each connection rounded up";
+    Page(0);
+    Select({1});
+    Do("mnuDelete", MessageAnswer::Yes);
+    EXPECT_EQ(Rows(), (Lines{"Still open", "four", "2 KB", "one"}));
+    TakeBoxes();
+    loads = 0;
+    QTest::qWait(1200);
+    EXPECT_EQ(loads, 0) << "the file is the one that is shown";
 }
 
 TEST_F(Statistics, AnAliasThatIsRenamedStaysChosenAndFitsTheSettingsAndTheWindow) {
@@ -347,9 +429,15 @@ TEST_F(Statistics, ExportsWhatIsSelectedOrAllOfIt) {
     Page(1);
     Do("mnuExportHTML");
     EXPECT_NE(folder.Read("out").find("<svg"), std::string::npos) << "with the graph";
-    savePath = QString::fromStdString((folder / "missing/out").string());
-    Do("mnuExportTXT");
-    EXPECT_NE(boxes.Take().Text.find("missing/out"), std::string::npos);
+    for (const auto& [path, cause] : {std::pair("missing/out", "does not exist"), {"dir", "no permission"}}) {
+        std::filesystem::create_directory(folder / "dir");
+        savePath = QString::fromStdString((folder / path).string());
+        clock.Advance(10);
+        Do("mnuExportTXT");
+        const std::string told = boxes.Take().Text;
+        EXPECT_NE(told.find(path), std::string::npos) << told;
+        EXPECT_NE(told.find(cause), std::string::npos) << told;
+    }
 }
 
 TEST_F(Statistics, NewConnectionsAppearBelowTheUsersHands) {

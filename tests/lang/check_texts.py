@@ -38,7 +38,7 @@ def uses():
     """Every (section, number) in the sources, with the file that uses it."""
     pages = {"GraphPage": "frmStatistik"}  # pages with the texts of the window that they are a part of
     helper_sections = {"Errors.cpp": "modGlobal", "ConnectionState.cpp": "modConnInfo", "UpdateCheck.cpp": "modInternet",
-                       "UpdateDownload.cpp": "modInternet", "frmStatistik.cpp": "frmStatistik"}
+                       "UpdateDownload.cpp": "modInternet", "frmStatistik.cpp": "frmStatistik", "UseTexts.cpp": "modStats"}
     for path in sorted((root / "src").rglob("*")):
         if path.suffix not in (".cpp", ".h", ".ui"):
             continue
