@@ -3,6 +3,7 @@
 #include "base/ProgramTitle.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"
+#include "forms/SpokenName.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
 #include "ui_frmLanguage.h"
@@ -18,6 +19,8 @@ constexpr int imagePixels = 48;
 
 frmLanguage::frmLanguage(Language& language) : language_(language), ui_(std::make_unique<Ui::frmLanguage>()) {
     ui_->setupUi(this);
+    connect(this, &QWidget::windowTitleChanged, this,
+            [this](const QString& title) { SpeakAs(*ui_->cboLanguage, title); });
     Form_Load();
     connect(ui_->cboLanguage, &QComboBox::currentIndexChanged, this, [this] { ApplySelection(); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, [this] {
