@@ -213,6 +213,7 @@ void frmMain::ShowCaption() {
 }
 
 void frmMain::ShowMainWindow(bool show) {
+    KeepNewSize();
     if (show) {
         const bool wasHidden = !isVisible() || isMinimized();
         windowShown_ = true;
@@ -224,7 +225,6 @@ void frmMain::ShowMainWindow(bool show) {
         RestoreGeometry();
         RaiseWindowsAbove();
     } else if (!hooks_.StaysShown()) {
-        KeepNewSize();
         windowShown_ = false;
         PutAway();
     }
@@ -270,7 +270,6 @@ void frmMain::KeepNewSize() {
 
 void frmMain::RestoreGeometry() {
     if (QGuiApplication::primaryScreen() == nullptr) return;
-    KeepNewSize();
     TwipsRect place = geometry_.Restore(frame_.CaptionShown() ? 0 : frame_.CaptionHeight());
     const QRect pixels(TwipsToPixels(place.Left), TwipsToPixels(place.Top), TwipsToPixels(place.Width),
                        TwipsToPixels(place.Height));
@@ -399,7 +398,7 @@ void frmMain::resizeEvent(QResizeEvent* event) {
     ui_->lblMove->setGeometry(inside);
     if (!loaded_ || isMinimized() || titleOnly_) return;
     DrawChart(false);
-    sizeSettles_.start();
+    if (frame_.IsSettled()) sizeSettles_.start();
 }
 
 void frmMain::changeEvent(QEvent* event) {

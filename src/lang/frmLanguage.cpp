@@ -8,6 +8,7 @@
 #include "lang/Language.h"
 #include "ui_frmLanguage.h"
 
+#include <QEvent>
 #include <QPushButton>
 
 namespace korvalin {
@@ -19,8 +20,6 @@ constexpr int imagePixels = 48;
 
 frmLanguage::frmLanguage(Language& language) : language_(language), ui_(std::make_unique<Ui::frmLanguage>()) {
     ui_->setupUi(this);
-    connect(this, &QWidget::windowTitleChanged, this,
-            [this](const QString& title) { SpeakAs(*ui_->cboLanguage, title); });
     Form_Load();
     connect(ui_->cboLanguage, &QComboBox::currentIndexChanged, this, [this] { ApplySelection(); });
     connect(ui_->cmdOK, &QPushButton::clicked, this, [this] {
@@ -43,6 +42,11 @@ void frmLanguage::Form_Load() {
     ui_->cboLanguage->setCurrentIndex(static_cast<int>(choices.Selected));
     // Readable before anything is chosen; stored is only what the user chooses or confirms.
     if (language_.UseLanguage(SelectedCode())) ApplyTextsToLoadedForms(language_);
+}
+
+void frmLanguage::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) SpeakAs(*ui_->cboLanguage, windowTitle());
 }
 
 std::string frmLanguage::SelectedCode() const {
