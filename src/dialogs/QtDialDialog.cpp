@@ -44,15 +44,17 @@ QString QtDialDialog::Reason(int error) const {
     case ErrorNoDialtone: return texts_.Lng("frmDial", 9, "There is no dial tone.");
     case ErrorAuthenticationFailure:
         return texts_.Lng("frmDial", 10, "The user name or the password was not accepted.");
-    default: return {};
+    default:
+        return texts_.Lng(
+            "frmDial", 11,
+            "Please check the modem and the details of this entry in the phone book, then try again.");
     }
 }
 
 void QtDialDialog::ShowFailure(const std::string& entryName, int error) {
-    QStringList lines = {OneLineName(entryName),
-                         texts_.Lng("frmDial", 6, "The connection could not be established."), Reason(error),
-                         texts_.Lng("frmDial", 11, "Error") + QStringLiteral(" %1").arg(error)};
-    lines.removeAll(QString());
+    const QStringList lines = {OneLineName(entryName),
+                               texts_.Lng("frmDial", 6, "The connection could not be established."),
+                               Reason(error)};
     PopupMessage message{lines.join(QLatin1Char('\n')), IconStyleExclamation, 0};
     if (window_) window_->hide();
     frmPopupMsg::ShowMsg(texts_, message, QApplication::activeWindow());

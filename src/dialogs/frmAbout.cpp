@@ -4,6 +4,7 @@
 #include "dialogs/MakerInfo.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"
+#include "forms/SpokenName.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
 #include "platform/Shell.h"
@@ -75,6 +76,7 @@ void frmAbout::ShowTexts() {
     setWindowTitle(text(std::string(ProgramTitle) + " " + language.Lng("frmAbout", 203)));
     ui_->lblVersion->setText(text(language.Lng("frmAbout", 201) + " Version " + parts_.Version));
     ui_->lblAuthor->setText(text(language.Lng("frmAbout", 202) + maker::Author));
+    SpeakAs(*ui_->prgUpdate, text(language.Lng("frmAboutObj", 140)));
 }
 
 void frmAbout::changeEvent(QEvent* event) {

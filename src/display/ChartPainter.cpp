@@ -2,6 +2,7 @@
 
 #include "base/Numbers.h"
 #include "errors/Errors.h"
+#include "forms/Colors.h"
 #include "forms/PictureBox.h"
 #include "forms/Twips.h"
 #include "lang/Language.h"
@@ -17,8 +18,6 @@ namespace {
 constexpr std::int32_t black = 0x000000;
 constexpr std::int32_t red = 0x0000FF;
 constexpr std::int32_t yellow = 0x00FFFF;
-constexpr auto greyText = static_cast<std::int32_t>(0x80000011);
-constexpr auto applicationWorkspace = static_cast<std::int32_t>(0x8000000C);
 
 constexpr std::array<Date, 4> flagDays = {40342, 40347, 40352, 40356};
 
@@ -39,7 +38,7 @@ std::string ChartPainter::Text(int number) const {
 
 bool ChartPainter::DrawChart(PictureBox& picture, const InfoTexts& texts, bool force, bool drawable) {
     bool isHighEnough = true;
-    // The blank at the end belongs to the name by which this routine reports.
+    // Error logs have named it so, blank included, from the first version on.
     parts_.Errors.Step("DrawChart ", [&] {
         if (!force && !picture.isVisible()) return;
         if (!drawable) return;
@@ -99,13 +98,13 @@ void ChartPainter::DrawTimeLines(PictureBox& picture, const InfoTexts& texts) {
     if (!texts.ShowTimeLines) return;
     picture.SetDrawStyle(DrawStyle::Dotted);
     for (const int x : TimeLinePositions(visibleSamples_, texts.TimeLinesSec)) {
-        picture.Line(x, 0, x, chartScale_[0], greyText);
+        picture.Line(x, 0, x, chartScale_[0], ColorGrayText);
     }
     picture.SetDrawStyle(DrawStyle::Solid);
 }
 
 void ChartPainter::DrawRule(PictureBox& picture, double y) {
-    picture.Line(1, y, static_cast<double>(visibleSamples_) + 2, y, applicationWorkspace);
+    picture.Line(1, y, static_cast<double>(visibleSamples_) + 2, y, ColorApplicationWorkspace);
 }
 
 void ChartPainter::DrawTopRow(PictureBox& picture, const InfoTexts& texts) {

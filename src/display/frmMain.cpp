@@ -6,6 +6,7 @@
 #include "errors/Errors.h"
 #include "forms/Loaded.h"
 #include "forms/MakeUi.h"
+#include "forms/SpokenName.h"
 #include "forms/Twips.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
@@ -30,6 +31,7 @@ constexpr int heightForTextsTwips = 850;
 constexpr int smallestPartInSight = 30;
 constexpr int edgePixels = 5; // how close to its edge a window without a frame is resized instead of moved
 constexpr double opaque = 255.0;
+constexpr int sizeSettlesMilliseconds = 300;
 
 Qt::CursorShape CursorFor(Qt::Edges edges) {
     if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge))
@@ -65,6 +67,9 @@ frmMain::frmMain(const Parts& parts)
              .Errors = parts.Errors,
              .Locale = parts.Locale}) {
     setWindowIconText(QString::fromUtf8(ProgramTitle.data(), static_cast<qsizetype>(ProgramTitle.size())));
+    sizeSettles_.setSingleShot(true);
+    sizeSettles_.setInterval(sizeSettlesMilliseconds);
+    connect(&sizeSettles_, &QTimer::timeout, this, [this] { SaveGeometry(); });
     ui_->lblMove->installEventFilter(this);
     ConnectMenu();
     parts_.NotificationArea.Plug({[this] { TrayHostChanged(); }, [this] { ShowMainWindow(!InSight()); }});
@@ -131,7 +136,7 @@ void frmMain::Form_Load() {
     AddTrayIcon();
     RefreshDialMenus();
     parts_.SamplingLoop.Attach(this);
-    if (parts_.InfoTexts.AutoShow) StartFade(3);
+    if (parts_.InfoTexts.AutoShow) StartFade();
     loaded_ = true;
     if (!parts_.InfoTexts.AutoShow) ShowMainWindow(false);
     // The first update shows the window, or puts it aside when the machine is offline: a window manager that
@@ -154,8 +159,20 @@ void frmMain::DrawChart(bool force) {
     const bool drawable = windowShown_ && !titleOnly_ && (force || !isMinimized());
     parts_.LiveTexts.Renew(parts_.InfoTexts);
     const bool isHighEnough = painter_.DrawChart(*ui_->PicChart, parts_.InfoTexts, force, drawable);
-    parts_.SamplingLoop.SetVisibleSamples(painter_.VisibleSamples());
+    // Until it is drawn again the painter tells of the chart that was.
+    if (drawable) parts_.SamplingLoop.SetVisibleSamples(painter_.VisibleSamples());
+    SpeakRates();
     if (!isHighEnough) SetWindowHeight(heightForTextsTwips);
+}
+
+// For those who cannot see the chart, nor the window that has no title while its caption is switched off.
+void frmMain::SpeakRates() {
+    const std::size_t line = parts_.InfoTexts.LineIndex;
+    const QString name =
+        line > 0 ? QString::fromStdString(parts_.LineState.LineTable(line).LineName) : QString();
+    const QString rates = QString::fromStdString(parts_.InfoTexts.CaptionText).simplified();
+    SpeakAs(*this, windowIconText(), rates);
+    SpeakAs(*ui_->PicChart, name.isEmpty() ? windowIconText() : name, rates);
 }
 
 void frmMain::IconDraw() {
@@ -196,6 +213,7 @@ void frmMain::ShowCaption() {
 }
 
 void frmMain::ShowMainWindow(bool show) {
+    KeepNewSize();
     if (show) {
         const bool wasHidden = !isVisible() || isMinimized();
         windowShown_ = true;
@@ -241,6 +259,13 @@ void frmMain::RefreshDialMenusIfChanged(bool force) {
 
 void frmMain::RefreshLinesMenu() {
     linesMenu_.Refresh(parts_.LineState, parts_.InfoTexts);
+}
+
+// A size of just now is stored before the window goes, or is put to its stored place.
+void frmMain::KeepNewSize() {
+    if (!sizeSettles_.isActive()) return;
+    sizeSettles_.stop();
+    SaveGeometry();
 }
 
 void frmMain::RestoreGeometry() {
@@ -297,7 +322,6 @@ void frmMain::mnuNurTitel_Click() {
 }
 
 void frmMain::SetTitleOnly() {
-    parts_.Settings.Set(Keys::NurTitel, titleOnly_);
     ui_->PicChart->setVisible(!titleOnly_);
     if (titleOnly_) {
         SetSmallestSize();
@@ -374,7 +398,7 @@ void frmMain::resizeEvent(QResizeEvent* event) {
     ui_->lblMove->setGeometry(inside);
     if (!loaded_ || isMinimized() || titleOnly_) return;
     DrawChart(false);
-    SaveGeometry();
+    if (frame_.IsSettled()) sizeSettles_.start();
 }
 
 void frmMain::changeEvent(QEvent* event) {
@@ -482,10 +506,8 @@ void frmMain::lblMove_DblClick() {
     if (leftButtonDown_) ShowMainWindow(!windowShown_);
 }
 
-void frmMain::StartFade(int mode) {
-    if (mode == 2) setWindowOpacity(1);
-    if (mode != 1 && mode != 3) return;
-    fade_.Start(Fade::Direction::In);
+void frmMain::StartFade() {
+    fade_.Start();
     setWindowOpacity(0);
     timerFade_.start();
 }
@@ -494,7 +516,6 @@ void frmMain::TimerFade_Timer() {
     const Fade::Tick tick = fade_.Next(parts_.InfoTexts.Opacity);
     setWindowOpacity(tick.Alpha / opaque);
     if (tick.Finished) timerFade_.stop();
-    if (tick.Unload) Quit();
 }
 
 } // namespace korvalin

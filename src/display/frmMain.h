@@ -74,8 +74,8 @@ class frmMain : public QWidget, public MonitorWindow {
     /// Puts the texts of the chosen language on window and menu.
     void ApplyTexts();
 
-    /// Fades: 0 nothing, 1 and 3 in from invisible, 2 at once fully opaque.
-    void StartFade(int mode);
+    /// Fades the window in from invisible.
+    void StartFade();
 
     /// Closes the window for good and ends the program.
     void Quit(CloseReason reason = CloseReason::Program);
@@ -137,6 +137,8 @@ class frmMain : public QWidget, public MonitorWindow {
     void TimerFade_Timer();
     void OpenPopupMenu(const QPoint& at);
     void SetSmallestSize();
+    void KeepNewSize();
+    void SpeakRates();
     void SetWindowHeight(int twips);
     Qt::Edges EdgesAt(const QPoint& at) const;
 
@@ -152,6 +154,7 @@ class frmMain : public QWidget, public MonitorWindow {
     std::size_t phoneBookEntries_ = 0;
     QTimer timerMain_;
     QTimer timerFade_;
+    QTimer sizeSettles_; // runs while the window is being sized
     Fade fade_;
     bool loaded_ = false;
     bool windowShown_ = false;

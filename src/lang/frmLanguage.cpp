@@ -3,10 +3,12 @@
 #include "base/ProgramTitle.h"
 #include "errors/Errors.h"
 #include "forms/ProgramIcon.h"
+#include "forms/SpokenName.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
 #include "ui_frmLanguage.h"
 
+#include <QEvent>
 #include <QPushButton>
 
 namespace korvalin {
@@ -40,6 +42,11 @@ void frmLanguage::Form_Load() {
     ui_->cboLanguage->setCurrentIndex(static_cast<int>(choices.Selected));
     // Readable before anything is chosen; stored is only what the user chooses or confirms.
     if (language_.UseLanguage(SelectedCode())) ApplyTextsToLoadedForms(language_);
+}
+
+void frmLanguage::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) SpeakAs(*ui_->cboLanguage, windowTitle());
 }
 
 std::string frmLanguage::SelectedCode() const {

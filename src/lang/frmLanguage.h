@@ -20,6 +20,9 @@ class frmLanguage : public QDialog {
     explicit frmLanguage(Language& language);
     ~frmLanguage() override;
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
     void Form_Load();
     void ApplySelection();

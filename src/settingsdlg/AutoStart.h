@@ -12,8 +12,9 @@ class AutoStartEntry {
   public:
     AutoStartEntry(Settings& settings, Registry& registry, const std::filesystem::path& executable);
 
-    /// Stores the choice and writes or removes the entry.
-    void AutoStart(bool enable);
+    /// Writes or removes the entry and stores the choice; false, and nothing is stored, when the entry cannot
+    /// be changed.
+    bool AutoStart(bool enable);
 
   private:
     Settings& settings_;

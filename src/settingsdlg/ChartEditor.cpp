@@ -6,6 +6,7 @@
 #include "forms/Combos.h"
 #include "forms/Enabling.h"
 #include "forms/KeptWhileAsking.h"
+#include "forms/SpokenName.h"
 #include "lang/Language.h"
 #include "lang/UnitFormat.h"
 #include "settings/Settings.h"
@@ -21,8 +22,6 @@
 
 namespace korvalin {
 namespace {
-
-constexpr double secondsPerMinute = 60;
 
 std::string Plain(int value) {
     return std::to_string(value);
@@ -73,14 +72,14 @@ void ChartEditor::Load(int historySeconds) {
 void ChartEditor::Refresh(int historySeconds) {
     historySeconds_ = historySeconds;
     chartMinutes_ = Display().picWidthMin;
-    ShowText(*ui_.cboConnDataMax, Plain(historySeconds_ / static_cast<int>(secondsPerMinute)));
+    ShowText(*ui_.cboConnDataMax, Plain(historySeconds_ / SecondsPerMinute));
     ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
     ShowHistoryInForce();
 }
 
 // Why another number of minutes jumps back.
 void ChartEditor::ShowHistoryInForce() {
-    const std::string minutes = Plain(historySeconds_ / static_cast<int>(secondsPerMinute));
+    const std::string minutes = Plain(historySeconds_ / SecondsPerMinute);
     ui_.lblHistoryInForce->setText(QString::fromStdString(parts_.Language.Lng("frmEinstellungen", 35) + " " +
                                                           minutes + " " +
                                                           parts_.Language.Lng("frmEinstellungen", 36)));
@@ -119,7 +118,10 @@ void ChartEditor::ApplyTexts() {
                                   toQt(language.Lng("frmEinstellungenObj", 70)));
     ui_.frmUpload->NameControls(toQt(language.Lng("frmEinstellungenObj", 116)),
                                 toQt(language.Lng("frmEinstellungenObj", 115)));
-    ui_.lblColorBackground->setAccessibleName(toQt(language.Lng("frmEinstellungenObj", 84)));
+    SpeakAs(*ui_.lblColorBackground, ui_.lblBackground->text());
+    SpeakAs(*ui_.cboFontSize, toQt(language.Lng("frmEinstellungenObj", 140)));
+    SpeakAs(*ui_.cboTimeLinesSec,
+            ui_.boxShowTimeLines->text() + QLatin1Char(' ') + ui_.lblTimeLinesSec->text());
     ShowHistoryInForce();
 }
 
@@ -233,7 +235,7 @@ void ChartEditor::txtChartMinMax_Validate() {
 void ChartEditor::cboPicWidthMin_Click() {
     chartMinutes_ = Checked(Keys::picWidthMin, TextOf(*ui_.cboPicWidthMin));
     ShowText(*ui_.cboPicWidthMin, Plain(chartMinutes_));
-    const int historyMinutes = static_cast<int>(std::lround(historySeconds_ / secondsPerMinute));
+    const int historyMinutes = static_cast<int>(std::lround(1.0 * historySeconds_ / SecondsPerMinute));
     Display().picWidthMin = std::min(chartMinutes_, historyMinutes);
     emit Changed();
 }

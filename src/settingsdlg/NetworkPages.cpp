@@ -85,6 +85,7 @@ void NetworkPages::FitColumns() {
 void NetworkPages::CopyRows() {
     QString text;
     const QModelIndexList rows = ui_.ListView1->selectionModel()->selectedRows();
+    if (rows.isEmpty()) return; // the clipboard keeps what it holds
     for (const QModelIndex& row : rows) {
         for (int column = 0; column < model_.columnCount(); ++column) {
             if (column > 0) text += QLatin1Char('\t');

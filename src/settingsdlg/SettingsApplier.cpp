@@ -22,9 +22,7 @@
 namespace korvalin {
 namespace {
 
-constexpr int secondsPerMinute = 60;
 constexpr int leastHistorySeconds = 300;
-constexpr int weekly = 1;
 constexpr int everyFourWeeks = 4;
 
 } // namespace
@@ -36,11 +34,17 @@ bool SettingsApplier::MoveData(const std::string& folder) {
     return folder != current.string() && parts_.DataFolder.ChangeDataPath(current, folder, true);
 }
 
-void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen) {
-    parts_.Errors.Step("ApplyChanges", [&] {
+void SettingsApplier::Warn(int textNumber) {
+    parts_.MessageBoxes.Show(parts_.Language.Lng("frmEinstellungen", textNumber), std::string(ProgramTitle),
+                             MessageIcon::Warning, MessageButtons::Ok);
+}
+
+bool SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen) {
+    bool startChanged = true;
+    const bool applied = parts_.Errors.Step("ApplyChanges", [&] {
         parts_.DisplaySettings = chosen.Display;
         parts_.TrafficOptions = chosen.Traffic;
-        ApplyWindowAndStart(entered);
+        startChanged = ApplyWindowAndStart(entered);
         if (!entered.DataPath.empty() && !parts_.DataFolder.Use(entered.DataPath))
             throw std::system_error(EIO, std::generic_category(), entered.DataPath);
         TakeTyped(entered);
@@ -52,28 +56,30 @@ void SettingsApplier::ApplyChanges(const EnteredSettings& entered, SettingsRecor
         chosen.Traffic = parts_.TrafficOptions;
         parts_.MonitorWindow.DrawChart(true);
     });
+    if (!startChanged) Warn(140);
+    return applied && startChanged;
 }
 
-void SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
+bool SettingsApplier::ApplyWindowAndStart(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
     parts_.DisplaySettings.CloseTrayOnly = entered.CloseTrayOnly;
     settings.Set(Keys::CloseTrayOnly, entered.CloseTrayOnly);
-    parts_.AutoStartEntry.AutoStart(entered.AutoStart);
     settings.Set(Keys::MultiInstance, entered.MultiInstance);
     parts_.DisplaySettings.AutoShow = entered.AutoShow;
     settings.Set(Keys::AutoShow, entered.AutoShow);
     settings.Set(Keys::MultiScreen, entered.MultiScreen);
     settings.Set(Keys::ForeGround, entered.Foreground);
     parts_.MonitorWindow.SetTopmost(entered.Foreground);
+    return parts_.AutoStartEntry.AutoStart(entered.AutoStart);
 }
 
 void SettingsApplier::TakeTyped(const EnteredSettings& entered) {
     Settings& settings = parts_.Settings;
     DisplaySettings& live = parts_.DisplaySettings;
     parts_.TrafficOptions.LanActive =
-        settings.Validate(Keys::LANActive, WithoutGrouping(entered.LanActive, parts_.Locale));
+        settings.Validate(Keys::LANActive, WithoutGrouping(entered.LanActive, parts_.Locale, true));
     live.picWidthMin = settings.Validate(Keys::picWidthMin, entered.ChartMinutes);
-    live.ConnDataMax = std::max(live.picWidthMin * secondsPerMinute, leastHistorySeconds);
+    live.ConnDataMax = std::max(live.picWidthMin * SecondsPerMinute, leastHistorySeconds);
 }
 
 void SettingsApplier::FollowDisplaySettings() {
@@ -92,12 +98,10 @@ void SettingsApplier::ApplyInternet(const EnteredSettings& entered) {
     if (ScramblePassword(entered.FirewallPassword, 0, 0)) {
         settings.SetRegPassword(Keys::FirewallPassword, entered.FirewallPassword);
     } else {
-        // It stays what it was.
-        parts_.MessageBoxes.Show(parts_.Language.Lng("frmEinstellungen", 32), std::string(ProgramTitle),
-                                 MessageIcon::Warning, MessageButtons::Ok);
+        Warn(32); // it stays what it was
     }
     settings.Set(Keys::FirewallUse, entered.FirewallUse);
-    settings.Set(Keys::UpdateInterval, entered.UpdateWeekly ? weekly : everyFourWeeks);
+    settings.Set(Keys::UpdateInterval, entered.UpdateWeekly ? Weekly : everyFourWeeks);
     settings.Set(Keys::AutoUpdate, entered.AutoUpdate);
     settings.Set(Keys::NoInet, entered.NoInet);
 }

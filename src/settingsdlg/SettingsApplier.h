@@ -18,6 +18,9 @@ class Settings;
 class UnitFormat;
 struct Locale;
 
+/// UpdateInterval, in weeks.
+inline constexpr int Weekly = 1;
+
 /// The settings that can be tried out before they are applied.
 struct SettingsRecord {
     DisplaySettings Display;
@@ -68,11 +71,13 @@ class SettingsApplier {
     bool MoveData(const std::string& folder);
 
     /// After an error, which is shown, the settings written before it stay written. Afterwards `chosen` is
-    /// what the live record has become.
-    void ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen);
+    /// what the live record has become. False when not all of it could be done.
+    bool ApplyChanges(const EnteredSettings& entered, SettingsRecord& chosen);
 
   private:
-    void ApplyWindowAndStart(const EnteredSettings& entered);
+    void Warn(int textNumber);
+    /// False when the program's automatic start cannot be changed.
+    bool ApplyWindowAndStart(const EnteredSettings& entered);
     /// What was typed as text and is a number.
     void TakeTyped(const EnteredSettings& entered);
     /// What follows the display settings at once.

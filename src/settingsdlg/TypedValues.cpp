@@ -16,7 +16,6 @@ namespace {
 
 constexpr double highestTransparency = 95; // beyond it nobody finds the window again
 constexpr double opaque = 255;
-constexpr int secondsPerMinute = 60;
 
 // With the locale's decimal mark or a point.
 std::optional<double> TypedNumber(std::string_view text, const Locale& locale) {
@@ -55,9 +54,10 @@ std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string 
     return settings.Validate(key, WithoutGroups(typed, locale));
 }
 
-std::string WithoutGrouping(std::string_view text, const Locale& locale) {
+std::string WithoutGrouping(std::string_view text, const Locale& locale, bool pointGroups) {
     const std::string typed(Trim(text));
     for (const std::string& mark : {locale.GroupingMark, std::string("."), std::string(" ")}) {
+        if (mark == locale.DecimalMark && !pointGroups) continue;
         if (!mark.empty() && IsGroupedBy(mark, typed)) return ReplaceAll(typed, mark, "");
     }
     return typed;
@@ -91,10 +91,10 @@ int CheckedHistoryMinutes(Settings& settings, std::string_view typed, const Loca
     // Beyond an hour the setting's own rule decides; here only the product must not overflow.
     constexpr double manyMinutes = 1000;
     const double minutes = std::clamp(TypedNumber(typed, locale).value_or(0), -manyMinutes, manyMinutes);
-    const std::string wanted = fmt::format("{:.0f}", minutes * secondsPerMinute);
+    const std::string wanted = fmt::format("{:.0f}", minutes * SecondsPerMinute);
     int seconds = CheckedNumber(settings, Keys::ConnDataMax, wanted, locale);
-    seconds = std::min(std::max(seconds, chartMinutes * secondsPerMinute), historySeconds);
-    return seconds / secondsPerMinute;
+    seconds = std::min(std::max(seconds, chartMinutes * SecondsPerMinute), historySeconds);
+    return seconds / SecondsPerMinute;
 }
 
 } // namespace korvalin

@@ -12,13 +12,16 @@ namespace korvalin {
 class Settings;
 struct Locale;
 
+inline constexpr int SecondsPerMinute = 60;
+
 /// The corrected form of what was typed for a setting that is a number; nothing typed is its default. Nothing
 /// is stored, as the user may still cancel.
 std::int32_t CheckedNumber(Settings& settings, SettingKey<int> key, std::string typed, const Locale& locale);
 
 /// A number as it was typed, without what groups its thousands: the locale's mark, or points or blanks, which
-/// many write wherever they are. A mark that does not stand before three digits each time groups nothing.
-std::string WithoutGrouping(std::string_view text, const Locale& locale);
+/// many write wherever they are. A mark that does not stand before three digits each time groups nothing, nor
+/// does the locale's decimal point, unless `pointGroups`.
+std::string WithoutGrouping(std::string_view text, const Locale& locale, bool pointGroups = false);
 
 /// The folder that was typed, in full: a relative one would be another at the next start. Empty when nothing
 /// but blanks was typed.

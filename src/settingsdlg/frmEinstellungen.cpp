@@ -12,8 +12,10 @@
 #include "forms/BoundBox.h"
 #include "forms/Combos.h"
 #include "forms/Enabling.h"
+#include "forms/FocusedWheel.h"
 #include "forms/KeptWhileAsking.h"
 #include "forms/ProgramIcon.h"
+#include "forms/SpokenName.h"
 #include "lang/ApplyFormTexts.h"
 #include "lang/Language.h"
 #include "platform/MessageBoxes.h"
@@ -32,7 +34,6 @@
 namespace korvalin {
 namespace {
 
-constexpr int weekly = 1;
 constexpr int previewMilliseconds = 1000;
 constexpr int keyRole = Qt::UserRole;
 
@@ -148,6 +149,7 @@ frmEinstellungen::frmEinstellungen(const Parts& parts)
                                                                   .Internet = parts_.Internet,
                                                                   .Language = parts_.Language,
                                                                   .Locale = parts_.Locale});
+    new FocusedWheel(*this);
     Form_Load();
 }
 
@@ -205,6 +207,7 @@ void frmEinstellungen::ApplyTexts() {
     ui_->Pic->setWhatsThis(ui_->lblChartPreview->whatsThis());
     ui_->optKB1->setText(DialogText(4) + QLatin1Char(' ') + unitCaption_);
     ui_->TreeView1->setAccessibleName(windowTitle());
+    SpeakAs(*ui_->cmdChooseDir, QString::fromStdString(parts_.Language.Lng("frmEinstellungenObj", 141)));
     network_->ApplyTexts(windowTitle());
     chart_->ApplyTexts();
 }
@@ -271,7 +274,7 @@ void frmEinstellungen::LoadInternet() {
     ui_->txtFirewallUser->setText(QString::fromStdString(settings.Get(Keys::FirewallUser)));
     ui_->txtFirewallPassword->setText(
         QString::fromStdString(settings.GetRegPassword(Keys::FirewallPassword)));
-    const bool isWeekly = settings.Get(Keys::UpdateInterval) == weekly;
+    const bool isWeekly = settings.Get(Keys::UpdateInterval) == Weekly;
     (isWeekly ? ui_->optUpdateInterval0 : ui_->optUpdateInterval1)->setChecked(true);
 }
 
@@ -285,7 +288,7 @@ void frmEinstellungen::FillTreeView() {
         QTreeWidgetItem* parent =
             page.Parent == nullptr ? ui_->TreeView1->invisibleRootItem() : nodes[QLatin1String(page.Parent)];
         const std::string text = parts_.Language.Lng(page.Section, page.TextNumber);
-        auto* node = new QTreeWidgetItem(parent, {QString::fromStdString(text)});
+        auto* node = new QTreeWidgetItem(parent, {QString::fromStdString(text).remove(QLatin1Char('&'))});
         node->setData(0, keyRole, QLatin1String(page.Key));
         nodes[QLatin1String(page.Key)] = node;
     }
@@ -392,7 +395,7 @@ void frmEinstellungen::ConnectTray() {
 }
 
 void frmEinstellungen::cboLANactive_Validate() {
-    const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.Locale);
+    const std::string typed = WithoutGrouping(TextOf(*ui_->cboLANactive), parts_.Locale, true);
     record_.Traffic.LanActive = CheckedNumber(parts_.Settings, Keys::LANActive, typed, parts_.Locale);
     ShowText(*ui_->cboLANactive, Grouped(record_.Traffic.LanActive));
 }
@@ -509,12 +512,12 @@ bool frmEinstellungen::ApplyChanges() {
     EnteredSettings entered = Entered();
     // A question that the program's end has answered moves nothing.
     if (!applier_.MoveData(entered.DataPath) || !isVisible()) entered.DataPath.clear();
-    applier_.ApplyChanges(entered, record_);
+    const bool applied = applier_.ApplyChanges(entered, record_);
     acceptedFolder_ = parts_.DataFolder.GetDataPath().string();
     ui_->txtDataPath->setText(QString::fromStdString(acceptedFolder_));
     chart_->Refresh(record_.Display.ConnDataMax);
     DrawPreview();
-    return true;
+    return applied;
 }
 
 void frmEinstellungen::DrawPreview() {
@@ -522,6 +525,8 @@ void frmEinstellungen::DrawPreview() {
     static_cast<DisplaySettings&>(preview) = record_.Display;
     parts_.LiveTexts.Renew(preview);
     painter_->DrawChart(*ui_->Pic, preview, true, true);
+    SpeakAs(*ui_->Pic, ui_->lblChartPreview->text(),
+            QString::fromStdString(preview.CaptionText).simplified());
 }
 
 void frmEinstellungen::Open() {

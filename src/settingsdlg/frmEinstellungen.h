@@ -63,8 +63,8 @@ class frmEinstellungen : public QDialog {
     /// Shows the page of a node of the tree; the letter case of its key does not matter.
     void TreeAct(const QString& key);
 
-    /// Writes and applies all settings; false, and nothing has changed, when the store cannot be written or
-    /// the data folder must be corrected first.
+    /// Writes and applies all settings; false when something could not be done and the user was told. Nothing
+    /// has changed when the store cannot be written or the data folder must be corrected first.
     bool ApplyChanges();
 
     void done(int result) override;

@@ -326,6 +326,7 @@ void frmStatistik::LoadRecords() {
 
 void frmStatistik::ShowLoading(bool loading) {
     ui_->prgLoading->setFormat(QString::fromStdString(parts_.Language.Lng("frmStatistikObj", 37)));
+    ui_->prgLoading->setAccessibleName(ui_->prgLoading->format());
     ui_->prgLoading->setRange(0, 100);
     ui_->prgLoading->setValue(0);
     ui_->prgLoading->setVisible(loading);

@@ -26,12 +26,10 @@ TEST_F(WindowGeometryTest, EveryResolutionHasItsOwnPlace) {
 }
 
 TEST(Fade, ReachesItsEndInStepsOfATwentieth) {
-    for (const bool in : {true, false}) {
-        Fade fade;
-        fade.Start(in ? Fade::Direction::In : Fade::Direction::Out);
-        for (int ticks = 1; ticks < (in ? 16 : 20); ++ticks)
-            EXPECT_FALSE(fade.Next(200).Finished);
-        const Fade::Tick last = fade.Next(200);
-        EXPECT_TRUE(last.Finished && last.Alpha == (in ? 200 : 0) && last.Unload == !in);
-    }
+    Fade fade;
+    fade.Start();
+    for (int ticks = 1; ticks < 16; ++ticks)
+        EXPECT_FALSE(fade.Next(200).Finished);
+    const Fade::Tick last = fade.Next(200);
+    EXPECT_TRUE(last.Finished && last.Alpha == 200);
 }

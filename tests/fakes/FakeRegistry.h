@@ -10,7 +10,8 @@ class FakeRegistry : public Registry {
   public:
     bool IsLost = false; ///< every call fails
     bool IsReadOnly = false;
-    int Misses = 0; ///< how often a write finds that somebody has deleted its key
+    std::string ReadOnlyKey; ///< only this key cannot be written
+    int Misses = 0;          ///< how often a write finds that somebody has deleted its key
     int Writes = 0;
 
     int RegEnsureKey(std::string_view keyPath) override {
@@ -32,7 +33,7 @@ class FakeRegistry : public Registry {
         return IsLost || found == values.end() ? std::nullopt : std::optional(found->second.Text);
     }
     Written WriteValue(std::string_view keyPath, std::string_view valueName, std::string_view text) override {
-        if (IsLost || IsReadOnly) return Written::No;
+        if (IsLost || IsReadOnly || keyPath == ReadOnlyKey) return Written::No;
         const auto key = keys_.find(ToLower(keyPath));
         if (--Misses >= 0 || key == keys_.end()) return Written::KeyIsMissing;
         ++Writes;

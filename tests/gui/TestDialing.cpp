@@ -171,11 +171,11 @@ TEST_F(DialingWindow, TheDialWindowTellsTheStageAndCancels) {
 TEST_F(DialingWindow, AFailureIsTold) {
     dialog.Plug(language); // without texts: the English ones
     const std::pair<int, std::string> rows[] = {
-        {ErrorCannotFindPhonebookEntry, "This entry is no longer in the phone book.\nError 623"},
-        {ErrorNoCarrier, "The remote station does not answer.\nError 678"},
-        {ErrorNoDialtone, "There is no dial tone.\nError 680"},
-        {ErrorAuthenticationFailure, "The user name or the password was not accepted.\nError 691"},
-        {619, "Error 619"}};
+        {ErrorCannotFindPhonebookEntry, "This entry is no longer in the phone book."},
+        {ErrorNoCarrier, "The remote station does not answer."},
+        {ErrorNoDialtone, "There is no dial tone."},
+        {ErrorAuthenticationFailure, "The user name or the password was not accepted."},
+        {619, "Please check the modem and the details of this entry in the phone book, then try again."}};
     for (const auto& [error, text] : rows) {
         const WhenPopupShows popup([&, text = text](frmPopupMsg& box) {
             EXPECT_EQ(box.findChild<QTextEdit*>()->toPlainText().toStdString(),

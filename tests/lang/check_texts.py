@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Every text number that the sources use exists in every language, and no two texts of a section share an access key.
+"""Every text number that the sources use exists in every language. Every label of a field and every box has an access
+key, which nothing else that is seen at the same time has.
 The manual's links lead somewhere, and it explains every control of the settings under the caption that it has."""
 
 import html
 import pathlib
 import re
 import sys
+from xml.etree import ElementTree
 
 root = pathlib.Path(__file__).resolve().parents[2]
 faults = []
@@ -62,6 +64,53 @@ def uses():
             yield "modConnInfo", number, path
 
 
+def access_scopes():
+    """{what is seen at the same time: {(section, number): whether it must have an access key}}"""
+    dialog = (root / "src/settingsdlg/frmEinstellungen.cpp").read_text()
+    pages = {frame: page for page, frames in re.findall(r'\{"(tv\w+)",[^{]*\{([^}]*)\}', dialog)
+             for frame in re.findall(r"ui\.(\w+)", frames)} | {"pageSums": "sums", "GraphPage": "graph"}
+    scopes = {"message": {("frmPopupMsg", number): True for number in "123"}}
+    for path in sorted((root / "src").rglob("*.ui")):
+        form = ElementTree.parse(path).getroot()
+        window = "frmStatistik" if path.stem == "GraphPage" else path.stem
+        shared = scopes.setdefault(window, {})
+        collect_controls(form, window + "Obj", window, pages, scopes)
+        if window == "frmStatistik":
+            shared |= {("frmStatistik", "25"): True, ("frmStatistik", "26"): True, ("frmMainObj", "7"): True}  # its tabs
+    editor = (root / "src/settingsdlg/ChartEditor.cpp").read_text()
+    for frame, number in re.findall(r"ui_\.(\w+)\.SetUp\([^{]*\{[^}]*?(\d+)\}", editor):
+        scopes[f"frmEinstellungen {pages[frame]}"]["frmEinstellungenObj", number] = True
+    return {name: members | scopes.get(name.split()[0] if " menu" not in name else "", {})
+            for name, members in scopes.items()}
+
+
+def collect_controls(element, section, scope, pages, scopes):
+    if element.tag == "action" or element.get("class") == "QMenu":
+        scope = section.removesuffix("Obj") + " menu"
+    elif element.get("name") in pages:
+        scope = f"{section.removesuffix('Obj')} {pages[element.get('name')]}"
+    tag = element.find("property[@name='Tag']/string")
+    if tag is not None and element.get("class") != "QGroupBox":
+        kind = element.get("class")
+        must = kind in ("QCheckBox", "QRadioButton") or \
+            kind == "QLabel" and element.find("property[@name='buddy']") is not None
+        scopes.setdefault(scope, {})[section, tag.text.removeprefix("#LngNo:")] = must
+    for child in element:
+        collect_controls(child, section, scope, pages, scopes)
+
+
+def check_access_keys(language, scope, members):
+    owners = {}
+    for member, must in members.items():
+        text = texts[(language, *member)][0]
+        key = re.search(r"&(\w)", text)
+        if not key:
+            if must:
+                faults.append(f"no access key in {language} {scope}: {text}")
+        elif owners.setdefault(key[1].lower(), member) != member:
+            faults.append(f"access key {key[0]} twice in {language} {scope}: {member} and {owners[key[1].lower()]}")
+
+
 def check_manual(texts):
     """Returns the number of its links."""
     folder, links = root / "docs/manual", 0
@@ -109,18 +158,12 @@ for section, number, path in found:
             faults.append(f"{path.relative_to(root)} uses {section} {number}, missing in {language}")
 
 every = {key[1:] for key in texts if key[0] != "LNG"}
-access_keys = {}
 for language in languages:
     for section, number in sorted(every):
         if (language, section, number) not in texts:
             faults.append(f"{section} {number} is missing in {language}")
-            continue
-        text = texts[language, section, number][0]
-        if "&" in text:
-            place = (language, section, text[text.index("&") + 1].lower())
-            if place in access_keys:
-                faults.append(f"access key twice in {language} {section}: {text} and {access_keys[place]}")
-            access_keys[place] = text
+    for scope, members in access_scopes().items():
+        check_access_keys(language, scope, members)
 
 print("\n".join(faults) or f"{len(found)} uses, {len(every)} texts in {', '.join(languages)}, {links} links")
 sys.exit(1 if faults else 0)

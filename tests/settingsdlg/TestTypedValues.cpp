@@ -20,11 +20,13 @@ TEST_F(TypedValues, NumbersAreReadAsTheUserWritesThem) {
     }
     EXPECT_EQ(CheckedNumber(settings, Keys::ChartMax, " 1,000", locale), 1000);
     EXPECT_EQ(CheckedNumber(settings, Keys::ChartMax, "12.5", locale), 12);
+    EXPECT_EQ(WithoutGrouping("12.500", locale) + WithoutGrouping("12.500", locale, true), "12.50012500");
     locale.DecimalMark = ",";
     locale.GroupingMark = ".";
     EXPECT_EQ(CheckedNumber(settings, Keys::ChartMax, "12.5", locale), 12) << "no group of three";
     EXPECT_EQ(CheckedHistoryMinutes(settings, "7,9", locale, 4, 600), 7);
     EXPECT_EQ(CheckedHistoryMinutes(settings, "2,9", locale, 4, 600), 4);
+    EXPECT_EQ(WithoutGrouping("12,500", locale), "12,500") << "no thousands, the mark is the decimal one";
     locale.GroupingMark = "\u202f";
     for (const char* thousand : {"1000", "1.000", "1 000", " 1\u202f000"})
         EXPECT_EQ(WithoutGrouping(thousand, locale), "1000") << thousand;

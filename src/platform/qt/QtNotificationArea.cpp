@@ -70,8 +70,8 @@ void QtNotificationArea::Add(const QIcon& icon, const std::string& tip, QMenu& m
         icon_->setContextMenu(&menu);
     }
     SetIcon(icon);
-    SetTip(tip);
     icon_->show();
+    SetTip(tip);
 }
 
 void QtNotificationArea::Remove() {
@@ -88,10 +88,14 @@ void QtNotificationArea::SetTip(const std::string& tip) {
     // The toolkit shows this one itself, and would take a name like "<b>" for markup.
     const bool looksLikeMarkup = protocol_ == Protocol::XEmbed && Qt::mightBeRichText(text);
     icon_->setToolTip(looksLikeMarkup ? Qt::convertFromPlainText(text) : text);
+    if (QWidget* embedded = Embedded()) {
+        embedded->setAccessibleName(QApplication::applicationName());
+        embedded->setAccessibleDescription(text);
+    }
 }
 
 // QSystemTrayIcon::geometry would ask the X server, every second.
-const QWidget* QtNotificationArea::Embedded() const {
+QWidget* QtNotificationArea::Embedded() const {
     if (protocol_ != Protocol::XEmbed || embedded_ != nullptr) return embedded_;
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows)

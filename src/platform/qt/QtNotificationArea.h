@@ -33,7 +33,7 @@ class QtNotificationArea : public NotificationArea {
     enum class Protocol { Undecided, StatusNotifier, XEmbed };
 
     TrayHost FindHost() const;
-    const QWidget* Embedded() const;
+    QWidget* Embedded() const;
     void Refresh();
 
     Hooks hooks_;

@@ -177,7 +177,7 @@ void GraphPage::ApplyTexts() {
     };
     QStringList periods;
     for (const int number : {2, 3, 4})
-        periods << ToQt(parts_.Language.Lng("frmStatistikObj", number));
+        periods << ToQt(parts_.Language.Lng("frmStatistikObj", number)).remove(QLatin1Char('&'));
     refill(*ui_->cboGPeriodType, periods, static_cast<int>(options_.Period));
     QStringList weekdays;
     for (const std::string& name : parts_.Locale.DayNames)
