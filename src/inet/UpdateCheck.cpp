@@ -4,6 +4,7 @@
 #include "base/Locale.h"
 #include "base/Paths.h"
 #include "base/ProgramTitle.h"
+#include "base/Text.h"
 #include "data/DataFolder.h"
 #include "errors/Errors.h"
 #include "inet/ConnectionState.h"
@@ -23,7 +24,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <system_error>
 
 namespace korvalin {
@@ -246,14 +246,15 @@ std::string UpdateCheck::Notice() {
     if (IsWaiting()) return Text(waitingText_);
     if (!parts_.UpdateSite.IsThere()) return Text(22);
     const std::string kept = parts_.Settings.Get(Keys::UpdateNotice);
-    int number = 0;
-    const char* const end = std::from_chars(kept.data(), kept.data() + kept.size(), number).ptr;
-    const std::string numbers(end + (end == kept.data() + kept.size() ? 0 : 1), kept.data() + kept.size());
-    const auto version = ReadVersion(numbers);
-    const bool isKnown = std::find(allNotices.begin(), allNotices.end(), number) != allNotices.end();
-    if (!isKnown || (version && !IsNewer(*version, parts_.Version))) return {};
+    const std::vector<std::string_view> fields = Split(kept, ' ', 2);
+    const auto* const number = std::find_if(allNotices.begin(), allNotices.end(), [&](int known) {
+        return std::to_string(known) == fields.front();
+    });
+    const auto version = ReadVersion(fields.back());
+    if (number == allNotices.end() || (version && !IsNewer(*version, parts_.Version))) return {};
     const std::string& page = parts_.UpdateSite.VersionHistoryPage();
-    return Text(number) + (version ? " (" + numbers + ")" : "") + (page.empty() ? "" : "\n" + page);
+    return Text(*number) + (version ? " (" + version->Numbers() + ")" : "") +
+           (page.empty() ? "" : "\n" + page);
 }
 
 // A site that is kept from saying anything true says nothing new for ever.
