@@ -118,6 +118,7 @@ class Updates(rig.DesktopCase):
     def test_the_about_box_lets_a_signed_version_take_over_and_none_that_dies_is_old_or_has_expired(self):
         folder = self.folder("Korvalin.exe", "Korvalin.lng")
         (self.files / "dies.exe").write_text(DIES)
+        self.sign("9.9.9", days=1, program="dies.exe")
         process = self.start(folder.program)
         about = self.open_about()
         for program in ("dies.exe", "setup.exe"):
