@@ -64,11 +64,13 @@ void AboutBox::Open() {
     if (!box_) {
         box_ = new frmAbout({program_.language, shell_, Program::Version().Numbers()});
         box_->setAttribute(Qt::WA_DeleteOnClose);
-        box_->Plug({.CheckUpdate =
-                        [this] { return static_cast<int>(program_.updateCheck.CheckUpdate(false, false)); },
-                    .CancelUpdate = [this] { program_.updateCheck.Cancel(); },
-                    .EndProgram = [this] { window_.Quit(); }});
-        box_->ShowRunning(program_.updateCheck.IsRunning());
+        UpdateCheck& check = program_.updateCheck;
+        if (program_.updateSite.IsThere()) {
+            box_->Plug({.CheckUpdate = [&check] { return static_cast<int>(check.CheckUpdate(false, false)); },
+                        .CancelUpdate = [&check] { check.Cancel(); },
+                        .EndProgram = [this] { window_.Quit(); }});
+        }
+        box_->ShowRunning(check.IsRunning() && !check.IsWaiting());
         box_->ShowStatus(QString::fromStdString(program_.updateCheck.Notice()));
     }
     box_->Open();

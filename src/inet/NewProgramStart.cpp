@@ -5,16 +5,23 @@
 #include "platform/InstanceLock.h"
 #include "platform/Shell.h"
 
+#include <string>
+#include <utility>
+
 namespace korvalin {
 
 bool StartNewProgram(const std::filesystem::path& program, Shell& shell, InstanceLock& lock, Events& events,
                      Clock& clock) {
-    constexpr double patienceSeconds = 20;
+    constexpr double patienceSeconds = 30;
     constexpr int pauseMilliseconds = 100;
     if (!shell.StartProgram(program)) return false;
+    const std::string name = program.filename().string();
     const double giveUp = clock.AwakeSeconds() + patienceSeconds;
-    while (!lock.IsRunning(program.filename().string())) {
-        if (clock.AwakeSeconds() >= giveUp) return false;
+    bool runs = false;
+    while (!lock.IsReady(name)) {
+        const bool ran = std::exchange(runs, lock.IsRunning(name));
+        const bool hasEnded = ran && !runs;
+        if (hasEnded || clock.AwakeSeconds() >= giveUp) return false;
         events.Wait(pauseMilliseconds);
     }
     return true;

@@ -64,12 +64,16 @@ class UpdateCheck {
 
     bool IsRunning() const { return running_; }
 
+    /// Whether a check that nobody has asked for waits until the user is free. One that is asked for
+    /// meanwhile has it go on at once.
+    bool IsWaiting() const { return waitingText_ != 0; }
+
     /// Gives up the running check, which then is postponed.
     void Cancel();
 
-    /// What a check that nobody saw has found out and the user still has to know; empty when there is
-    /// nothing.
-    const std::string& Notice() const { return notice_; }
+    /// What a check that nobody saw waits for or has found out, in this run or an earlier one, and the user
+    /// still has to know; empty when there is nothing.
+    std::string Notice();
 
   private:
     std::optional<std::string> Hindrance();
@@ -77,14 +81,17 @@ class UpdateCheck {
     UpdateResult Run(bool preCheck);
     UpdateResult TellToWait();
     UpdateResult JudgePage(const UpdatePage& page);
-    UpdateResult ShowPage(const UpdatePage& page);
+    UpdateResult TellThatNothingIsOffered(const UpdatePage& page);
+    void ShowPage(const UpdatePage& page);
     UpdateResult Update(const UpdateOffer& offer, const UpdatePage& page);
     UpdateResult Fail(const std::string& text);
-    UpdateResult TellThatItCannotBeInstalled(const UpdateOffer& offer);
+    UpdateResult TellOf(const UpdateOffer& offer, int text);
+    void SetNotice(int text, const std::string& version);
+    void NoteResult(UpdateResult result);
     bool WasTaken(const UpdateOffer& offer);
-    void AwaitUser();
+    void AwaitUser(int text);
     UpdateResult Start(const UpdateOffer& offer);
-    bool StartFetched();
+    bool StartFetched(const UpdateOffer& offer);
     std::string FaultText();
     UpdatePage ReadVersionPage();
     bool UserWants(const UpdatePage& page);
@@ -97,7 +104,7 @@ class UpdateCheck {
     Hooks hooks_;
     bool running_ = false;
     bool automatic_ = false;
-    std::string notice_;
+    int waitingText_ = 0;
 };
 
 } // namespace korvalin

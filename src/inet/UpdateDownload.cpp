@@ -42,14 +42,17 @@ fs::path UpdateDownload::Fetched(const char* name) const {
     return parts_.ProgramFolder / (std::string(name) + ".part");
 }
 
-bool UpdateDownload::CanWrite() {
+UpdateDownload::Place UpdateDownload::LookAtPlace() {
     // A new program that could not install itself waits to be started anew; it is not replaced while it runs.
-    if (EqualsNoCase(parts_.Shell.ExecutablePath().filename().string(), NewProgramFileName)) return false;
+    if (EqualsNoCase(parts_.Shell.ExecutablePath().filename().string(), NewProgramFileName))
+        return Place::Unsafe;
     const fs::path trial = Fetched(NewProgramFileName);
-    const bool written = parts_.Files.Replace(trial, "") && parts_.Files.IsOursAlone(trial);
+    const bool isWritten = parts_.Files.Replace(trial, "");
+    const bool isOurs = parts_.Files.IsOursAlone(trial);
     std::error_code ignored;
     fs::remove(trial, ignored);
-    return written;
+    if (!isWritten) return Place::ReadOnly;
+    return isOurs ? Place::Good : Place::Unsafe;
 }
 
 UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const UpdatePage& page) {
@@ -61,7 +64,6 @@ UpdateDownload::Outcome UpdateDownload::Run(const UpdateOffer& offer, const Upda
         Discard();
         return Outcome::Failed;
     }
-    attempts_ = 0;
     hooks_.ShowStatus(Text(17));
     return Outcome::Ready;
 }
@@ -91,6 +93,18 @@ void UpdateDownload::Discard() {
     for (const char* name : {NewProgramFileName, NewLanguageFileName, NewManifestFileName}) {
         fs::remove(parts_.ProgramFolder / name, ignored);
         fs::remove(Fetched(name), ignored);
+        RemovePartsOf(Fetched(name));
+    }
+}
+
+// A program that was killed could not remove the file that a download was coming into.
+void UpdateDownload::RemovePartsOf(const fs::path& file) {
+    const std::string beginning = file.filename().string() + ".new-";
+    std::error_code error;
+    for (fs::directory_iterator entry(file.parent_path(), error); !error && entry != fs::directory_iterator();
+         entry.increment(error)) {
+        std::error_code ignored;
+        if (entry->path().filename().string().starts_with(beginning)) fs::remove(entry->path(), ignored);
     }
 }
 

@@ -37,13 +37,18 @@ class UpdateDownload {
         std::function<void(const std::string& text)> ShowStatus = [](const std::string&) {};
     };
     enum class Outcome { Ready, Failed, TooEarly };
+    enum class Place {
+        Good,
+        ReadOnly,
+        Unsafe ///< others could change the files, or the new program that would be replaced is running
+    };
 
     explicit UpdateDownload(Parts parts);
 
     void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
     /// Whether a new program can be put into the program folder.
-    bool CanWrite();
+    Place LookAtPlace();
 
     /// Fetches and checks all files of the update, which then lie beside under names that no start looks at.
     /// Each attempt puts UpdateNext further ahead.
@@ -62,6 +67,7 @@ class UpdateDownload {
     std::filesystem::path Fetched(const char* name) const;
     std::string Text(int number);
     void CountAttempt();
+    void RemovePartsOf(const std::filesystem::path& file);
     bool DownloadLanguage(const UpdatePage& page);
     bool PutInPlace();
     void KeepRunningVersion();

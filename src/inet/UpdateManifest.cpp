@@ -1,7 +1,6 @@
 #include "inet/UpdateManifest.h"
 
 #include "base/Text.h"
-#include "inet/UpdatePage.h"
 #include "platform/Signatures.h"
 
 #include <algorithm>
@@ -15,9 +14,9 @@ constexpr std::string_view heading = "Korvalin update 1";
 constexpr std::size_t hashDigits = 64;
 
 /// Takes the lines of a text one by one.
-class LineReader {
+class ManifestLines {
   public:
-    explicit LineReader(std::string_view text) : rest_(text) {}
+    explicit ManifestLines(std::string_view text) : rest_(text) {}
 
     bool AtEnd() const { return rest_.empty(); }
     std::string_view Rest() const { return rest_; }
@@ -46,13 +45,22 @@ std::optional<UpdateManifest::File> ReadFileLine(std::string_view text) {
     return error == std::errc() && read == end ? std::optional(file) : std::nullopt;
 }
 
+// "2.4.1 setup241.exe"
+std::optional<UpdateOffer> ReadProgramLine(std::string_view text) {
+    const std::vector<std::string_view> fields = Split(text, ' ', 2);
+    const auto version = ReadVersion(fields.front());
+    if (!version || fields.size() != 2) return std::nullopt;
+    return UpdateOffer{*version, std::string(fields.back())};
+}
+
 std::optional<UpdateManifest> ReadSigned(std::string_view text) {
-    LineReader lines(text);
+    ManifestLines lines(text);
     if (lines.Next() != heading) return std::nullopt;
-    const auto version = ReadVersion(lines.NextBehind("version "));
     const auto expires = ParseDateIso(lines.NextBehind("expires "));
-    if (!version || !expires) return std::nullopt;
-    UpdateManifest manifest{*version, *expires, {}};
+    const auto automatic = ReadProgramLine(lines.NextBehind("automatic "));
+    const auto onDemand = ReadProgramLine(lines.NextBehind("on-demand "));
+    if (!expires || !automatic || !onDemand) return std::nullopt;
+    UpdateManifest manifest{*expires, *automatic, *onDemand, {}};
     while (!lines.AtEnd()) {
         const auto file = ReadFileLine(lines.NextBehind("file "));
         if (!file) return std::nullopt;
@@ -71,7 +79,7 @@ const UpdateManifest::File* UpdateManifest::Find(std::string_view name) const {
 
 std::optional<UpdateManifest> ReadManifest(std::string_view text, Signatures& signatures,
                                            std::string_view publicKey) {
-    LineReader lines(text);
+    ManifestLines lines(text);
     const auto signature = BytesOfHex(lines.NextBehind(signatureWord));
     if (!signature || !signatures.IsValid(lines.Rest(), *signature, publicKey)) return std::nullopt;
     return ReadSigned(lines.Rest());

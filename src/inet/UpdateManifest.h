@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Date.h"
-#include "base/ProgramVersion.h"
+#include "inet/UpdatePage.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,12 +13,14 @@ namespace korvalin {
 
 class Signatures;
 
-/// What the maker signs: the version, until when this is said, and the files that belong to it.
+/// What the maker signs: until when this is said, the program that each way of checking gets, and the files
+/// that belong to them.
 ///
 ///     signature (128 hexadecimal digits, over everything behind this line)
 ///     Korvalin update 1
-///     version 2.4.1
 ///     expires 2027-06-01
+///     automatic 2.4.0 setup240.exe
+///     on-demand 2.4.1 setup241.exe
 ///     file (bytes) (SHA-256, hexadecimal) setup241.exe
 struct UpdateManifest {
     struct File {
@@ -26,11 +28,16 @@ struct UpdateManifest {
         std::uintmax_t Bytes = 0;
         std::string Sha256; ///< hexadecimal, in lower case
     };
-    ProgramVersion Version;
     Date Expires = 0; ///< the first day on which it is no longer believed
+    UpdateOffer Automatic;
+    UpdateOffer OnDemand;
     std::vector<File> Files;
 
-    /// nullptr for a file that does not belong to the version.
+    const UpdateOffer& Of(UpdatePage::Channel channel) const {
+        return channel == UpdatePage::Channel::Automatic ? Automatic : OnDemand;
+    }
+
+    /// nullptr for a file that belongs to no version.
     const File* Find(std::string_view name) const;
 };
 

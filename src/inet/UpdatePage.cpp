@@ -12,10 +12,6 @@ namespace {
 
 constexpr auto nowhere = std::string_view::npos;
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 std::optional<int> ReadPart(std::string_view text) {
     int value = 0;
     const char* const end = text.data() + text.size();
@@ -59,7 +55,7 @@ std::string UpdatePage::NewestRelease() const {
 std::size_t UpdatePage::NumbersAfter(std::string_view mark, std::size_t from) const {
     for (std::size_t found = Find(mark, from); found != nowhere; found = Find(mark, found + 1)) {
         const std::size_t numbers = found + mark.size();
-        if (numbers < text_.size() && IsDigit(text_[numbers])) return numbers;
+        if (ReadPart(std::string_view(text_).substr(numbers, 1))) return numbers;
     }
     return nowhere;
 }

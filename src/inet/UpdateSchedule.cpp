@@ -4,6 +4,7 @@
 #include "errors/Errors.h"
 #include "inet/UpdateCheck.h"
 #include "platform/Clock.h"
+#include "platform/Internet.h"
 #include "settings/Settings.h"
 
 #include <fmt/format.h>
@@ -19,8 +20,9 @@ constexpr int daysOfWeek = 7;
 
 } // namespace
 
-UpdateSchedule::UpdateSchedule(UpdateCheck& check, Settings& settings, Errors& errors, Clock& clock)
-    : check_(check), settings_(settings), errors_(errors), clock_(clock) {}
+UpdateSchedule::UpdateSchedule(UpdateCheck& check, Settings& settings, Errors& errors, Internet& internet,
+                               Clock& clock)
+    : check_(check), settings_(settings), errors_(errors), internet_(internet), clock_(clock) {}
 
 void UpdateSchedule::Arm() {
     armed_ = true;
@@ -40,7 +42,7 @@ bool UpdateSchedule::AutoUpdateCheck(bool preCheck) {
     }
     nextAttempt_ = clock_.BootSeconds() + secondsBetweenAttempts;
     done_ = settings_.Get(Keys::NoInet);
-    const bool started = !done_ && IsDue() && RunCheck(preCheck);
+    const bool started = !done_ && IsDue() && !internet_.IsMetered() && RunCheck(preCheck);
     if (!done_) hooks_.CallAgain(secondsBetweenAttempts);
     return started;
 }

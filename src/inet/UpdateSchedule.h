@@ -6,6 +6,7 @@ namespace korvalin {
 
 class Clock;
 class Errors;
+class Internet;
 class Settings;
 class UpdateCheck;
 
@@ -18,7 +19,7 @@ class UpdateSchedule {
         std::function<void(double seconds)> CallAgain = [](double) {};
     };
 
-    UpdateSchedule(UpdateCheck& check, Settings& settings, Errors& errors, Clock& clock);
+    UpdateSchedule(UpdateCheck& check, Settings& settings, Errors& errors, Internet& internet, Clock& clock);
 
     void Plug(Hooks hooks) { hooks_ = std::move(hooks); }
 
@@ -36,6 +37,7 @@ class UpdateSchedule {
     UpdateCheck& check_;
     Settings& settings_;
     Errors& errors_;
+    Internet& internet_;
     Clock& clock_;
     Hooks hooks_;
     bool armed_ = false;

@@ -11,6 +11,7 @@
 #include "settings/Settings.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -21,6 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* manifestName = "update.manifest";
+constexpr std::uintmax_t longestManifest = 64 * 1024;
+constexpr std::array allChannels = {UpdatePage::Channel::Automatic, UpdatePage::Channel::OnDemand};
 
 std::string ReadFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -61,49 +64,61 @@ bool UpdateSite::Refuse(const std::string& name, UpdateFault fault, const std::s
 
 // ---- what the maker has signed
 
-bool UpdateSite::Vouches(const ProgramVersion& offered) {
-    if (configuration_.PublicKey.empty()) return true;
-    if (!LoadManifest()) return false;
-    if (manifest_->Version.Numbers() == offered.Numbers()) return true;
-    return Refuse(manifestName, UpdateFault::OtherVersion,
-                  "signed is " + manifest_->Version.Numbers() + ", offered " + offered.Numbers());
+std::optional<UpdateOffer> UpdateSite::Signed(const UpdateOffer& offered, UpdatePage::Channel channel) {
+    if (!HasKey()) return offered;
+    if (!LoadManifest()) return std::nullopt;
+    const UpdateOffer& signedOne = manifest_->Of(channel);
+    const bool nothingNew =
+        !IsNewer(signedOne.Version, parts_.Version) && !IsNewer(offered.Version, parts_.Version);
+    if (nothingNew || signedOne.Version.Numbers() == offered.Version.Numbers()) return signedOne;
+    Refuse(manifestName, UpdateFault::OtherVersion,
+           "signed is " + signedOne.Version.Numbers() + ", offered " + offered.Version.Numbers());
+    return std::nullopt;
 }
 
 bool UpdateSite::LoadManifest() {
-    if (manifest_) return true;
+    if (!HasKey() || manifest_) return true;
     manifestText_ = LoadPage(manifestName).Text();
     if (manifestText_.empty()) return Refuse(manifestName, FaultOfFetch(), parts_.WebFetch.State().Status);
+    if (!parts_.Signatures.CanCheck())
+        return Refuse(manifestName, UpdateFault::NotChecked, "cannot be checked without libsodium");
     const auto manifest = ReadManifest(manifestText_, parts_.Signatures, configuration_.PublicKey);
     if (!manifest) return Refuse(manifestName, UpdateFault::NotSigned, "is not signed by the maker");
-    if (!IsCurrent(*manifest, manifestName)) return false;
+    if (!IsCurrent(*manifest)) return false;
     manifest_ = manifest;
     return true;
 }
 
 // A signature alone stays good for ever: an old one must neither bring an old version back nor keep a new one
 // away.
-bool UpdateSite::IsCurrent(const UpdateManifest& manifest, const std::string& name) {
-    if (manifest.Expires <= parts_.Clock.Now()) return Refuse(name, UpdateFault::Expired, "has expired");
-    if (IsNewer(parts_.Version, manifest.Version))
-        return Refuse(name, UpdateFault::OtherVersion,
-                      "is about " + manifest.Version.Numbers() + ", an older version");
-    return true;
+bool UpdateSite::IsCurrent(const UpdateManifest& manifest) {
+    if (manifest.Expires <= parts_.Clock.Now())
+        return Refuse(manifestName, UpdateFault::Expired, "has expired");
+    return !IsOutdated(manifest) ||
+           Refuse(manifestName, UpdateFault::OtherVersion,
+                  "is about " + manifest.OnDemand.Version.Numbers() + ", an older version");
 }
 
-bool UpdateSite::IsAsSigned(const std::string& name, const fs::path& file) {
-    const UpdateManifest::File* const entry = manifest_->Find(name);
-    if (entry == nullptr) return Refuse(name, UpdateFault::NotSigned, "is not signed by the maker");
-    if (entry->Bytes == LengthOf(file) && entry->Sha256 == parts_.Signatures.Sha256(file)) return true;
-    return Refuse(name, UpdateFault::Damaged, "is not the file that the maker has signed");
+bool UpdateSite::IsOutdated(const UpdateManifest& manifest) const {
+    return IsNewer(parts_.Version, manifest.OnDemand.Version) &&
+           IsNewer(parts_.Version, manifest.Automatic.Version);
 }
 
-bool UpdateSite::IsSigned(const fs::path& file, const std::string& name, const fs::path& manifest) {
-    if (configuration_.PublicKey.empty()) return true;
+bool UpdateSite::Matches(const UpdateManifest& manifest, const std::string& name, const fs::path& file) {
+    const UpdateManifest::File* const entry = manifest.Find(name);
+    return entry != nullptr && entry->Bytes == LengthOf(file) &&
+           entry->Sha256 == parts_.Signatures.Sha256(file);
+}
+
+bool UpdateSite::IsSignedUpdate(const fs::path& program, const fs::path& languageFile,
+                                const fs::path& manifest) {
+    if (!HasKey()) return true;
+    if (LengthOf(manifest) > longestManifest) return false;
     const auto kept = ReadManifest(ReadFile(manifest), parts_.Signatures, configuration_.PublicKey);
-    if (!kept || !IsCurrent(*kept, manifest.filename().string())) return false;
-    const std::string hash = parts_.Signatures.Sha256(file);
-    return !hash.empty() && std::any_of(kept->Files.begin(), kept->Files.end(), [&](const auto& entry) {
-        return entry.Sha256 == hash && (name.empty() ? IsProgramName(entry.Name) : entry.Name == name);
+    if (!kept || !Matches(*kept, LanguageFileName, languageFile)) return false;
+    return std::any_of(allChannels.begin(), allChannels.end(), [&](UpdatePage::Channel channel) {
+        const UpdateOffer& offer = kept->Of(channel);
+        return !IsNewer(parts_.Version, offer.Version) && Matches(*kept, offer.FileName, program);
     });
 }
 
@@ -134,7 +149,9 @@ bool UpdateSite::Load(const std::string& name, const fs::path& file) {
     if (!IsThere()) return Refuse(name, UpdateFault::NotFound, "there is no update site");
     if (!IsPlainFileName(name))
         return Refuse(name, UpdateFault::NotFound, "no such name can be on the update site");
-    if (!configuration_.PublicKey.empty() && !LoadManifest()) return false;
+    if (!LoadManifest()) return false;
+    if (HasKey() && manifest_->Find(name) == nullptr)
+        return Refuse(name, UpdateFault::NotSigned, "is not signed by the maker");
     if (parts_.WebFetch.HtmDownloadFile(configuration_.Site + name, file.parent_path(),
                                         file.filename().string()))
         return true;
@@ -145,7 +162,8 @@ bool UpdateSite::Load(const std::string& name, const fs::path& file) {
 bool UpdateSite::IsGood(const std::string& name, const fs::path& file) {
     if (LengthOf(file) < (IsProgramName(name) ? ShortestProgram : 1))
         return Refuse(name, UpdateFault::WrongLength, "is too short");
-    if (!configuration_.PublicKey.empty() && !IsAsSigned(name, file)) return false;
+    if (HasKey() && !Matches(*manifest_, name, file))
+        return Refuse(name, UpdateFault::Damaged, "is not the file that the maker has signed");
     if (name != LanguageFileName) return true;
     const std::string fault = LanguageFileFault(file, parts_.Settings.Get(Keys::Language));
     return fault.empty() || Refuse(name, UpdateFault::Damaged, fault);

@@ -30,6 +30,7 @@ enum class UpdateFault {
     NotFound,
     WrongLength,
     NotSigned,
+    NotChecked,
     NoAnswer,
     Expired,
     OtherVersion,
@@ -63,9 +64,16 @@ class UpdateSite {
     /// A page of the site; without any text when it could not be read.
     UpdatePage LoadPage(const std::string& name);
 
-    /// Whether the maker has signed just the version that a page offers; true without a key. False leaves a
-    /// line in the error log.
-    [[nodiscard]] bool Vouches(const ProgramVersion& offered);
+    /// Whether only what the maker has signed is taken.
+    bool HasKey() const { return !configuration_.PublicKey.empty(); }
+
+    /// Whether the maker tells of a version now; true without a key. False leaves a line in the error log.
+    [[nodiscard]] bool LoadManifest();
+
+    /// What a page offers with the file that the maker has signed for it; just the offer without a key.
+    /// nullopt, with a line in the error log, when something else is signed. To offer nothing new is right
+    /// only where nothing new is signed.
+    std::optional<UpdateOffer> Signed(const UpdateOffer& offered, UpdatePage::Channel channel);
 
     /// Fetches a file to `file`, where it is kept only when it is whole, what the manifest tells of, and, for
     /// a language file, one that the program can use. False leaves a line in the error log.
@@ -80,18 +88,19 @@ class UpdateSite {
     /// The manifest as it was read; empty without one.
     const std::string& ManifestText() const { return manifestText_; }
 
-    /// Whether a file of an earlier download is one that the manifest kept with it tells of by that name, or,
-    /// without a name, as a program. True without a key.
-    [[nodiscard]] bool IsSigned(const std::filesystem::path& file, const std::string& name,
-                                const std::filesystem::path& manifest);
+    /// Whether the files of an earlier download are a program and its language file as the manifest kept with
+    /// them has them; a manifest that has expired since will do. True without a key.
+    [[nodiscard]] bool IsSignedUpdate(const std::filesystem::path& program,
+                                      const std::filesystem::path& languageFile,
+                                      const std::filesystem::path& manifest);
 
   private:
     bool Refuse(const std::string& name, UpdateFault fault, const std::string& why);
-    bool LoadManifest();
-    bool IsCurrent(const UpdateManifest& manifest, const std::string& name);
+    bool IsCurrent(const UpdateManifest& manifest);
+    bool IsOutdated(const UpdateManifest& manifest) const;
+    bool Matches(const UpdateManifest& manifest, const std::string& name, const std::filesystem::path& file);
     bool Load(const std::string& name, const std::filesystem::path& file);
     bool IsGood(const std::string& name, const std::filesystem::path& file);
-    bool IsAsSigned(const std::string& name, const std::filesystem::path& file);
     UpdateFault FaultOfFetch() const;
 
     UpdateConfiguration configuration_;

@@ -43,7 +43,8 @@ void WebFetch::UseControl(TransferControl* control) {
     if (control_ != nullptr) control_->Plug({[](TransferState) {}, [] {}});
     control_ = control;
     if (control_ != nullptr)
-        control_->Plug({[this](TransferState state) { Control_StateChanged(state); }, [this] { Timer_Timer(); }});
+        control_->Plug(
+            {[this](TransferState state) { Control_StateChanged(state); }, [this] { Timer_Timer(); }});
 }
 
 // ---- what both transports share
@@ -53,7 +54,6 @@ void WebFetch::Reset(const std::string& url) {
     state_.Url = WithoutAccount(parts_.AddressReader, url);
     state_.StartTime = parts_.Clock.Now();
     file_.reset();
-    cancelled_ = false;
     Touch();
 }
 
@@ -125,7 +125,6 @@ void WebFetch::TimeOut() {
 }
 
 void WebFetch::Cancel() {
-    cancelled_ = true;
     GiveUp(FetchFailure::NoAnswer, "0:cancelled");
 }
 
@@ -232,7 +231,9 @@ void WebFetch::TakeEnd() {
     if (state_.ToFile && state_.Status.empty()) return FinishFile(head);
     if (state_.ToFile) return;
     if (state_.PageText.empty()) Fail(FetchFailure::NoAnswer, noData);
-    if (ContainsNoCase(state_.PageText, MissingText)) state_.PageText.clear();
+    if (!ContainsNoCase(state_.PageText, MissingText)) return;
+    state_.PageText.clear();
+    Fail(FetchFailure::Missing, std::string(MissingText));
 }
 
 void WebFetch::TakeChunks() {
@@ -278,7 +279,9 @@ bool WebFetch::Fetch(const std::string& url, const std::filesystem::path& file) 
 }
 
 bool WebFetch::AwaitControl() {
-    const auto ended = [this] { return state_.LastState == TransferState::Finished || !state_.Status.empty(); };
+    const auto ended = [this] {
+        return state_.LastState == TransferState::Finished || !state_.Status.empty();
+    };
     while (!ended()) {
         parts_.Events.Wait(waitMilliseconds);
         if (!ended() && IsInactiveFor(patienceSeconds)) TimeOut();

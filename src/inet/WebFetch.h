@@ -96,7 +96,6 @@ class WebFetch {
     TransferControl* control_ = nullptr;
     FetchState state_;
     std::unique_ptr<IncomingFile> file_;
-    bool cancelled_ = false;
 };
 
 } // namespace korvalin

@@ -15,6 +15,12 @@ class InstanceLock {
 
     /// Whether a process of that executable name is running on the same settings store.
     [[nodiscard]] virtual bool IsRunning(const std::string& executableName) = 0;
+
+    /// Tells whoever started this process that it can do its work; only where it holds the lock.
+    virtual void SayReady() = 0;
+
+    /// Whether a process of that executable name is running and has said that it is ready.
+    [[nodiscard]] virtual bool IsReady(const std::string& executableName) = 0;
 };
 
 } // namespace korvalin

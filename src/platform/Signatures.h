@@ -11,6 +11,9 @@ class Signatures {
   public:
     virtual ~Signatures() = default;
 
+    /// Whether signatures can be checked at all.
+    [[nodiscard]] virtual bool CanCheck() = 0;
+
     /// Whether the signature (64 bytes) of the content is that of the public key (32 bytes). False also where
     /// signatures cannot be checked.
     [[nodiscard]] virtual bool IsValid(std::string_view content, std::string_view signature,

@@ -194,7 +194,7 @@ Program::Program(const Ports& ports, Locale userLocale)
                    .DataFolder = dataFolder,
                    .Locale = locale,
                    .Version = BuiltVersion}),
-      updateSchedule(updateCheck, settings, errors, ports.Clock),
+      updateSchedule(updateCheck, settings, errors, ports.Internet, ports.Clock),
       startup({.Settings = settings,
                .Language = language,
                .Errors = errors,

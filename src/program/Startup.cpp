@@ -78,7 +78,7 @@ bool Startup::DownloadLanguageFile() {
 // Without it the next step fails and asks once more.
 void Startup::OfferLanguageFile() {
     const std::filesystem::path file = parts_.Language.LanguageFilePath();
-    if (FileExists(file)) return;
+    if (FileExists(file) || !parts_.UpdateSite.IsThere()) return;
     const std::string problem = "Language file " + file.string() +
                                 " not found. Program can not be run.\n\n"
                                 "Do you want to load the language file from the internet?";
@@ -87,6 +87,7 @@ void Startup::OfferLanguageFile() {
 
 bool Startup::LoadTexts() {
     if (parts_.Language.InitProgramTexts()) return true;
+    if (!parts_.UpdateSite.IsThere()) return false; // the language has said what is missing
     bool loaded = false;
     Step([&] {
         loaded = UserWantsLanguageFile("Language file corrupted or incomplete. Program can not be run. "

@@ -63,20 +63,27 @@ bool UpdateInstallation::HandOver() {
             Delete(file, shortWait);
         return false;
     }
-    if (!MayStart()) {
-        parts_.Errors.WriteErrorLog("is not from an update and is not started: " + newProgram_.string(),
-                                    "update");
-        return false;
-    }
-    if (StartCounted()) return true;
-    SetAside();
+    constexpr int doesNotStart = 36;
+    constexpr int isNoUpdate = 167;
+    if (MayStart() && StartCounted()) return true;
+    SetAside(MayStart() ? doesNotStart : isNoUpdate);
     return false;
 }
 
 // A download has made its program executable; one that a browser has put here is none of it.
 bool UpdateInstallation::MayStart() {
-    return parts_.Files.IsOursAlone(newProgram_) && IsExecutable(newProgram_) &&
-           parts_.UpdateSite.IsSigned(newProgram_, "", manifest_);
+    return IsExecutable(newProgram_) && IsUpdate(newProgram_);
+}
+
+bool UpdateInstallation::IsUpdate(const fs::path& program) {
+    return parts_.Files.IsOursAlone(program) && IsOurs(newLanguageFile_) && IsOurs(manifest_) &&
+           parts_.UpdateSite.IsSignedUpdate(program, newLanguageFile_, manifest_);
+}
+
+bool UpdateInstallation::IsOurs(const fs::path& file) {
+    std::error_code error;
+    const bool isMissing = fs::symlink_status(file, error).type() == fs::file_type::not_found;
+    return isMissing || parts_.Files.IsOursAlone(file);
 }
 
 // One that has ended before it could install itself gets a second chance; a third would leave the user
@@ -89,16 +96,16 @@ bool UpdateInstallation::StartCounted() {
 }
 
 // This program goes on, and does not meet that one again.
-void UpdateInstallation::SetAside() {
+void UpdateInstallation::SetAside(int text) {
     parts_.Settings.Set(Keys::UpdateStarts, 0);
-    Delete(newLanguageFile_, shortWait);
-    Delete(manifest_, shortWait);
     std::error_code error;
+    for (const fs::path& file : {newLanguageFile_, manifest_})
+        fs::remove(file, error);
     fs::rename(newProgram_, failedProgram_, error);
-    if (error) Delete(newProgram_, shortWait);
     parts_.Errors.WriteErrorLog("cannot be started: " + newProgram_.string(), "update");
+    if (error) return; // in a folder that cannot be written it would be told at every start
     LoadTexts();
-    parts_.MessageBoxes.Show(parts_.Language.Lng("modInternet", 36) + failedProgram_.string(),
+    parts_.MessageBoxes.Show(parts_.Language.Lng("modInternet", text) + failedProgram_.string(),
                              std::string(ProgramTitle), MessageIcon::Warning, MessageButtons::Ok);
 }
 
@@ -107,19 +114,24 @@ void UpdateInstallation::SetAside() {
 // At every moment there is a program that starts: the old one, which can do with newer texts, or the new one.
 bool UpdateInstallation::Install() {
     parts_.Errors.Step("Main", [this] { TakeLanguageText(); });
-    parts_.Errors.Step("Main", [this] { CheckLanguageFile(); });
     LoadTexts();
-    // Without a whole copy (a full disk) this one goes on as the program, the old one stays, and the next
-    // start tries again.
-    if (!parts_.Errors.Step("Main", [this] { CopyProgram(); })) return false;
-    if (!AwaitOldProgram() || !PutLanguageInPlace() || !PutProgramInPlace()) {
+    // One that cannot install itself leaves an old program that runs to the user, and otherwise goes on as
+    // the program.
+    if (!IsWhole() || !parts_.Errors.Step("Main", [this] { CopyProgram(); })) return OldProgramRuns();
+    parts_.InstanceLock.SayReady();
+    if (!AwaitOldProgram() || !IsWhole() || !PutLanguageInPlace() || !PutProgramInPlace()) {
         Delete(programBeside_, shortWait);
         return true;
     }
-    Delete(manifest_, 0);
+    std::error_code ignored;
+    fs::remove(manifest_, ignored);
     parts_.Settings.Set(Keys::UpdateStarts, 0);
     parts_.Settings.Set(Keys::UpdateLast, parts_.Clock.Now());
     return parts_.Shell.StartProgram(program_);
+}
+
+bool UpdateInstallation::OldProgramRuns() {
+    return parts_.InstanceLock.IsRunning(ProgramFileName);
 }
 
 void UpdateInstallation::TakeLanguageText() {
@@ -127,15 +139,14 @@ void UpdateInstallation::TakeLanguageText() {
     fs::rename(newLanguageText_, newLanguageFile_);
 }
 
-// The old texts are better than none.
-void UpdateInstallation::CheckLanguageFile() {
-    if (!FileExists(newLanguageFile_)) return;
-    std::string fault = LanguageFileFault(newLanguageFile_, parts_.Settings.Get(Keys::Language));
-    if (fault.empty() && !parts_.UpdateSite.IsSigned(newLanguageFile_, LanguageFileName, manifest_))
-        fault = "is not signed by the maker";
-    if (fault.empty()) return;
-    parts_.Errors.WriteErrorLog(newLanguageFile_.string() + " " + fault, "update");
-    Delete(newLanguageFile_, shortWait);
+// All of the update or nothing: the old texts do not go with the new program, nor may others.
+bool UpdateInstallation::IsWhole() {
+    std::string fault;
+    if (!IsUpdate(parts_.Shell.ExecutablePath())) fault = "is not all of a signed update, or was taken back";
+    if (fault.empty() && FileExists(newLanguageFile_))
+        fault = LanguageFileFault(newLanguageFile_, parts_.Settings.Get(Keys::Language));
+    if (!fault.empty()) parts_.Errors.WriteErrorLog(newLanguageFile_.string() + " " + fault, "update");
+    return fault.empty();
 }
 
 // The texts are not loaded yet at this point of the start; nobody is asked for a language here.
@@ -158,7 +169,7 @@ bool UpdateInstallation::AwaitOldProgram() {
 // A running program's file can be replaced on some systems: only its lock tells that it has ended.
 bool UpdateInstallation::AwaitEnd() {
     const double giveUp = parts_.Clock.AwakeSeconds() + longWait;
-    while (parts_.InstanceLock.IsRunning(ProgramFileName)) {
+    while (OldProgramRuns()) {
         if (parts_.Clock.AwakeSeconds() >= giveUp) return false;
         parts_.Events.ProcessPending();
         parts_.Events.Sleep(pauseMilliseconds);

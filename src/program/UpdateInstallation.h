@@ -41,11 +41,14 @@ class UpdateInstallation {
   private:
     bool HandOver();
     bool MayStart();
+    bool IsUpdate(const std::filesystem::path& program);
+    bool IsOurs(const std::filesystem::path& file);
     bool StartCounted();
-    void SetAside();
+    void SetAside(int text);
     bool Install();
     void TakeLanguageText();
-    void CheckLanguageFile();
+    bool IsWhole();
+    bool OldProgramRuns();
     void LoadTexts();
     bool AwaitOldProgram();
     bool AwaitEnd();

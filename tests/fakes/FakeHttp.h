@@ -71,8 +71,10 @@ class FakeAddressReader : public AddressReader {
 class FakeSignatures : public Signatures {
   public:
     std::string Valid;
+    bool Works = true;
+    bool CanCheck() override { return Works; }
     bool IsValid(std::string_view, std::string_view signature, std::string_view) override {
-        return signature == Valid;
+        return Works && signature == Valid;
     }
     std::string Sha256(const std::filesystem::path& path) override {
         std::ifstream file(path, std::ios::binary);

@@ -22,10 +22,14 @@ class FakeInstanceLock : public InstanceLock {
     bool Running = false;
     bool PreviousInstanceRunning() override { return Running; }
     bool IsRunning(const std::string& name) override {
-        return name == "Korvalin.exe" ? OldProgramRuns() : NewProgramRuns;
+        return name == "Korvalin.exe" ? OldProgramRuns() : NewProgramRuns();
     }
     std::function<bool()> OldProgramRuns = [] { return false; };
-    bool NewProgramRuns = true;
+    std::function<bool()> NewProgramRuns = [] { return true; };
+    bool NewProgramIsReady = true;
+    bool SaidReady = false;
+    void SayReady() override { SaidReady = true; }
+    bool IsReady(const std::string&) override { return NewProgramIsReady; }
 };
 
 class FakeRecordingLock : public RecordingLock {

@@ -53,7 +53,7 @@ struct Run {
         Places.Executable = folder / "program" / executable;
         Places.AppData = folder / "share";
         Core.emplace(Ports{Store, Tables, State, Dialer, Time, Pending, Boxes, Sizes, Places, Person,
-                           Instances, Posix, Recording, Notes, Wireless, Web, Signed},
+                           Instances, Posix, Recording, Notes, Wireless, Web, Signed, Addresses},
                      Locale());
         Core->LogNotes(Store.TakeNotes());
         static_cast<void>(Core->language.InitProgramTexts());
@@ -99,6 +99,7 @@ struct Run {
     FakeNetworks Wireless;
     FakeHttp Web;
     FakeSignatures Signed;
+    FakeAddressReader Addresses;
     std::optional<Program> Core;
 
   private:

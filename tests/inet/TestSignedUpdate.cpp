@@ -29,8 +29,9 @@ TEST_F(SignedUpdate, IsStartedOnlyWithTheMakersRealSignature) {
         crypto_hash_sha256(bytes(hash), bytes(content), content.size());
         return fmt::format("file {} {} {}\n", content.size(), Hex(hash), name);
     };
-    std::string texts = "Korvalin update 1\nversion 9.4.1\nexpires 2024-04-01\n" +
-                        file("setup.exe", std::string(ShortestProgram, 'n')) + file("Korvalin.lng", newTexts);
+    std::string texts =
+        "Korvalin update 1\nexpires 2024-04-01\nautomatic 9.4.1 setup.exe\non-demand 9.4.1 setup.exe\n" +
+        file("setup.exe", std::string(ShortestProgram, 'n')) + file("Korvalin.lng", newTexts);
     std::string signature(crypto_sign_BYTES, 0);
     crypto_sign_detached(bytes(signature), nullptr, bytes(texts), texts.size(), bytes(secretKey));
     SodiumSignatures makers;

@@ -130,6 +130,7 @@ TEST_P(Transports, BringPagesAndFilesWholeOrNotAtAll) {
 
 TEST_P(Transports, TakeAPageThatSays404AtItsBeginningForMissing) {
     EXPECT_EQ(Page("words?before=998"), "");
+    EXPECT_EQ(fetch.State().Failure, FetchFailure::Missing);
     EXPECT_EQ(Page("words?before=999") != "", IsLoop());
     EXPECT_FALSE(Download("words?before=0"));
     EXPECT_TRUE(Download("words?before=1100"));

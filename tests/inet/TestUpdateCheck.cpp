@@ -53,45 +53,97 @@ TEST_F(UpdateCheckTest, BringsKeepsAndStartsTheNewVersion) {
     EXPECT_EQ(Log(), "");
 }
 
-TEST_F(UpdateCheckTest, TakesAnOfferOnlyOnceByItselfAndNoneOverAMeteredNetwork) {
-    internet.Metered = true;
-    EXPECT_EQ(Automatic(), 5);
-    EXPECT_EQ(Asked(), (Lines{"update_general.html", ownPage}));
-    internet.Metered = false;
+TEST_F(UpdateCheckTest, TakesAnOfferOnlyOnceByItselfAndSaysSo) {
     EXPECT_EQ(Automatic(), 9);
-    EXPECT_EQ(settings.Get(Keys::UpdateTaken), "9.4.1") << "before the new program is started";
+    EXPECT_EQ(settings.Get(Keys::UpdateTaken), "9.4.1");
     settings.SetReg("UpdateNext", Date(0));
-    EXPECT_EQ(Automatic(), 5) << "what came is the same old version";
+    const std::pair<const char*, std::string> notices[] = {
+        {"waits to be installed", "installed at the next start of Korvalin. (9.4.1)"},
+        {"came as the same old version",
+         "Korvalin is still the old one. It is not installed by itself again."}};
+    for (const auto& [what, notice] : notices) {
+        EXPECT_EQ(Automatic(), 5) << what;
+        UseSite(siteAddress);
+        EXPECT_NE(program->updateCheck.Notice().find(notice), std::string::npos) << "also after a new start";
+        fs::remove(newProgram);
+    }
     EXPECT_EQ(shell.Started.size(), 1U);
     EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), DayOf(clock.Now()));
     EXPECT_NE(Log().find("9.4.1 was installed before"), std::string::npos);
-    internet.Metered = true;
     boxes.Answers = {MessageAnswer::Yes};
     EXPECT_EQ(OnDemand(), 9) << "who asks for it gets it";
     boxes.Shown.clear();
-    internet.Metered = false;
     PutUpdate(release + "Upgradable Ax9.4.2-setup.exe");
     settings.SetReg("UpdateNext", Date(0));
     EXPECT_EQ(Automatic(), 9);
+    PutUpdate(release + "Upgradable Ax" + Program::Version().Numbers() + "-setup.exe");
+    settings.SetReg("UpdateNext", Date(0));
+    EXPECT_EQ(Automatic(), 8);
+    EXPECT_EQ(program->updateCheck.Notice(), "");
 }
 
 TEST_F(UpdateCheckTest, WaitsByItselfUntilTheUserIsFree) {
-    int looks = 0;
-    userIsBusy = [&] {
-        EXPECT_TRUE(shell.Started.empty());
-        return ++looks < 5;
-    };
-    EXPECT_EQ(Automatic(), 9);
-    EXPECT_EQ(TakeStatuses().back(),
-              "The new version is ready and waits until all other windows are closed.");
-    BeginAnew();
+    const std::string isReady = "The new version is ready and waits until all other windows are closed.";
+    struct {
+        const char* What;
+        bool ByItself, WhileItStarts;
+        std::string Waits; ///< the status
+    } const rows[] = {
+        {"before it is started", true, false, isReady},
+        {"when a window was opened meanwhile", true, true, isReady},
+        {"before the question", false, false,
+         "A newer version is available. The question about it waits until all other windows are "
+         "closed."}};
+    for (const auto& row : rows) {
+        BeginAnew();
+        settings.SetReg("AutoUpdate", row.ByItself);
+        boxes.Answers = {MessageAnswer::Yes};
+        int looks = 0;
+        userIsBusy = [&] {
+            const bool isBusy = shell.Started.empty() != row.WhileItStarts && ++looks < 5;
+            EXPECT_TRUE(!isBusy || boxes.Shown.empty()) << row.What;
+            return isBusy;
+        };
+        std::string waits;
+        events.OnProcessPending = [&] {
+            if (program->updateCheck.IsWaiting()) waits = program->updateCheck.Notice();
+        };
+        EXPECT_EQ(Automatic(), 9) << row.What;
+        EXPECT_EQ(waits, row.Waits) << row.What;
+        EXPECT_GE(looks, 5) << row.What;
+        TakeBoxes();
+    }
+    settings.SetReg("AutoUpdate", true);
+    for (const bool isStarted : {false, true}) {
+        BeginAnew();
+        userIsBusy = [&] { return shell.Started.empty() != isStarted; };
+        events.OnProcessPending = [&] {
+            if (program->updateCheck.IsWaiting()) program->updateCheck.Cancel();
+        };
+        EXPECT_EQ(Automatic(), 5);
+        EXPECT_EQ(NewFiles(), Lines{}) << "the new program finds that it is not wanted";
+        EXPECT_EQ(settings.Get(Keys::UpdateTaken), "");
+    }
     userIsBusy = [] { return true; };
+    BeginAnew();
     events.OnProcessPending = [&] {
-        if (!statuses.empty() && statuses.back().starts_with("The new version is ready"))
-            program->updateCheck.Cancel();
+        if (!program->updateCheck.IsWaiting()) return;
+        EXPECT_EQ(program->updateCheck.CheckUpdate(false, false), UpdateResult::NothingDone);
     };
-    EXPECT_EQ(Automatic(), 5);
-    EXPECT_EQ(NewFiles(), Lines{});
+    EXPECT_EQ(Automatic(), 9) << "who asks for it does not wait";
+    EXPECT_EQ(TakeBoxes(), Lines{"The new version will now start and complete the update."});
+}
+
+TEST_F(UpdateCheckTest, TellsOnceWhenNoCheckHasSucceededForALongTime) {
+    const Date today = DayOf(clock.Now());
+    http.Answers.clear();
+    for (const auto& [last, told] : {std::pair(today - 90, false), {Date(0), false}, {today - 91, true}}) {
+        settings.SetReg("UpdateCheckLast", last);
+        EXPECT_EQ(Automatic(), 2);
+        EXPECT_EQ(TakeBoxes().size(), told ? 1U : 0U);
+        EXPECT_EQ(program->updateCheck.Notice().starts_with("No check for new versions has succeeded"), told);
+    }
+    EXPECT_EQ(settings.Get(Keys::UpdateCheckLast), today);
 }
 
 TEST_F(UpdateCheckTest, TellsWhyThereIsNothingToDo) {
@@ -196,15 +248,13 @@ TEST_F(UpdateCheckTest, WaitsLongerAfterEachFailure) {
     EXPECT_EQ(NewFiles(), Lines{}) << "no part of an update is one";
     BeginAnew();
     EXPECT_EQ(Automatic(), 9);
-    BeginAnew();
-    Put("setup.exe", "short");
-    EXPECT_EQ(Automatic(), 3);
-    EXPECT_NEAR(settings.Get(Keys::UpdateNext), clock.Now() + minutes / 2, OneSecond) << "counted anew";
 }
 
-TEST_F(UpdateCheckTest, ReplacesAUselessNewProgramThatIsAlreadyThere) {
+TEST_F(UpdateCheckTest, ReplacesWhatAnEarlierDownloadHasLeft) {
     fs::create_directories(newProgram);
+    folder.Write("program/Korvalin_new.exe.part.new-aBc123", "of a program that was killed");
     EXPECT_EQ(Automatic(), 9) << "an empty folder makes room";
+    EXPECT_EQ(NewFiles(), (Lines{NewLanguageFileName, NewProgramFileName}));
     for (const bool tooShort : {false, true}) {
         folder.Write("program/Korvalin_new.exe", std::string(ShortestProgram - (tooShort ? 1 : 0), 'o'));
         fs::last_write_time(newProgram, fs::last_write_time(running) + std::chrono::hours(tooShort ? 1 : -1));
@@ -219,8 +269,9 @@ TEST_F(UpdateCheckTest, TakesOnlyWhatTheSignedManifestTellsOf) {
     signatures.Valid = std::string(64, 's');
     const std::string head =
         "signature " + ReplaceAll(std::string(64, '*'), "*", "73") + "\nKorvalin update 1\n";
-    const auto version = [](const char* number, const char* expires) {
-        return fmt::format("version {}\nexpires {}\n", number, expires);
+    const auto version = [](const char* number, const char* expires, const char* name = "setup.exe") {
+        return fmt::format("expires {1}\nautomatic {0} {2}\non-demand 9.5.0 later.exe\n", number, expires,
+                           name);
     };
     const auto file = [](const std::string& name, const std::string& content) {
         return fmt::format("file {} {} {}\n", content.size(), FakeSignatures::Sum(content), name);
@@ -239,29 +290,56 @@ TEST_F(UpdateCheckTest, TakesOnlyWhatTheSignedManifestTellsOf) {
         {"none", "", "the connection broke."},
         {"forged", ReplaceAll(head, "73", "00") + good + setup + texts, unsignedText},
         {"no signature", head.substr(head.find('\n') + 1) + good + setup + texts, unsignedText},
-        {"cut off", head + "version 9.4.1\n", unsignedText},
+        {"cut off", head + "expires 2024-04-01\n", unsignedText},
         {"another format", ReplaceAll(head, "update 1", "update 2") + good + setup + texts, unsignedText},
         {"expired", head + version("9.4.1", "2024-03-15") + setup + texts, "has expired."},
-        {"older", head + version("0.3.9", "2024-04-01") + setup + texts, other},
+        {"older", head + ReplaceAll(version("0.3.9", "2024-04-01"), "9.5.0", "0.3.9") + setup + texts, other},
         {"another", head + version("9.4.0", "2024-04-01") + setup + texts, other},
         {"without the program", head + good + texts, unsignedText},
         {"without the texts", head + good + setup, unsignedText},
         {"another program", head + good + file("setup.exe", "x") + texts, changed},
+        {"no program of the version", head + version("9.4.1", "2024-04-01", "other.exe") + setup + texts,
+         unsignedText},
         {"other texts", head + good + setup + file("Korvalin.lng", "x"), changed},
         {"good", head + good + setup + texts, "All files have been downloaded."}};
     for (const auto& row : rows) {
         const bool isGood = row.What == std::string("good");
         BeginAnew();
         Put("update.manifest", row.Manifest);
+        Put("another.exe", std::string(ShortestProgram, 'a'));
+        if (isGood) Put(ownPage, ReplaceAll(offer, "setup.exe", "another.exe")); // only the version counts
         EXPECT_EQ(Automatic(), isGood ? 9 : 3) << row.What;
         EXPECT_TRUE(TakeStatuses().back().ends_with(row.Told)) << row.What;
         EXPECT_EQ(NewFiles().size(), isGood ? 3U : 0U) << row.What;
         EXPECT_EQ(shell.Started.size(), isGood ? 1U : 0U) << row.What;
     }
     EXPECT_EQ(folder.Read("program/Korvalin_new.manifest"), std::end(rows)[-1].Manifest);
-    BeginAnew();
-    Put(ownPage, release + "Upgradable Ax" + Program::Version().Numbers() + "-setup.exe");
-    EXPECT_EQ(Automatic(), 3) << "a page that keeps the signed version back";
+    EXPECT_EQ(folder.Read("program/Korvalin_new.exe")[0], 'n');
+    const std::string current = Program::Version().Numbers();
+    const std::string nothingNew = head + version(current.c_str(), "2024-04-01") + setup + texts;
+    struct {
+        const char* What;
+        std::string Page, Manifest;
+        int Automatic, OnDemand;
+    } const pages[] = {{"keeps the signed version back", "Upgradable Ax" + current + "-a.exe",
+                        std::end(rows)[-1].Manifest, 3, 3},
+                       {"offers nothing", "", std::end(rows)[-1].Manifest, 3, 3},
+                       {"offers nothing and nobody signs that", "", "", 3, 3},
+                       {"offers nothing new by itself", "Upgradable Ax" + current + "-a.exe Vx9.5.0-a.exe",
+                        nothingNew, 8, 5},
+                       {"rightly offers nothing", "", ReplaceAll(nothingNew, "9.5.0", current), 1, 1}};
+    for (const auto& row : pages) {
+        BeginAnew();
+        Put(ownPage, release + row.Page);
+        Put("update.manifest", row.Manifest);
+        EXPECT_EQ(Automatic(), row.Automatic) << row.What;
+        EXPECT_EQ(OnDemand(), row.OnDemand) << row.What;
+        TakeBoxes();
+    }
+    EXPECT_TRUE(shell.Addresses.empty()) << "nobody has signed the page";
+    signatures.Works = false;
+    EXPECT_EQ(Automatic(), 3);
+    EXPECT_TRUE(TakeStatuses().back().ends_with("cannot be checked here (libsodium is missing)."));
 }
 
 TEST_F(UpdateCheckTest, ALanguageFileIsReadBeforeItIsTaken) {
@@ -280,11 +358,14 @@ TEST_F(UpdateCheckTest, ALanguageFileIsReadBeforeItIsTaken) {
 
 TEST_F(UpdateCheckTest, OnlyTellsWhereItCannotInstall) {
     EXPECT_EQ(program->updateCheck.Notice(), "");
-    for (bool* hindrance : {&files.DiskFull, &files.Foreign}) {
+    const std::pair<bool*, const char*> rows[] = {
+        {&files.DiskFull, "install the new version in the same way"},
+        {&files.Foreign, "others can change the program folder"}};
+    for (const auto& [hindrance, text] : rows) {
         *hindrance = true;
         EXPECT_EQ(OnDemand(), 5);
         const std::string told = TakeStatuses().back();
-        EXPECT_NE(told.find("install the new version in the same way"), std::string::npos);
+        EXPECT_NE(told.find(text), std::string::npos) << told;
         EXPECT_NE(told.find("(9.4.1)\n" + siteAddress + "versions.html"), std::string::npos) << told;
         EXPECT_EQ(Automatic(), 5);
         EXPECT_EQ(program->updateCheck.Notice(), told);
@@ -327,13 +408,19 @@ TEST_F(UpdateCheckTest, IsCancelledAtAnyMomentAndRunsOnceAtATime) {
     EXPECT_EQ(Automatic(), 9);
 }
 
-TEST_F(UpdateCheckTest, ANewProgramThatCannotBeStartedIsRemoved) {
-    for (bool* fault : {&shell.Starts, &lock.NewProgramRuns}) { // the second ends at once
+TEST_F(UpdateCheckTest, ANewProgramThatCannotBeStartedIsRemovedAndTriedAgain) {
+    lock.NewProgramRuns = [calls = 0]() mutable { return ++calls % 2 == 1; }; // and ends
+    for (bool* fault : {&shell.Starts, &lock.NewProgramIsReady}) {
         *fault = false;
         BeginAnew();
+        const double start = clock.AwakeSeconds();
         EXPECT_EQ(Automatic(), 3);
+        EXPECT_EQ(TakeStatuses().back(), "The new version could not be started.");
+        EXPECT_LT(clock.AwakeSeconds(), start + 1) << "nobody waits for what has ended";
         EXPECT_EQ(NewFiles(), Lines{});
         *fault = true;
+        settings.SetReg("UpdateNext", Date(0));
+        EXPECT_EQ(Automatic(), 9);
     }
     EXPECT_NE(Log().find("cannot be started: "), std::string::npos);
 }

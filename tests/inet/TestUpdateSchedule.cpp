@@ -58,13 +58,14 @@ TEST_F(UpdateScheduleTest, KnowsWhenACheckIsDue) {
     struct {
         int Weeks;
         Date Last;
-        bool Due;
+        bool Due, Metered = false;
     } const rows[] = {{1, 0, true},         {1, today - 8, true},   {1, today - 7, false},
                       {1, today, false},    {4, today - 28, false}, {4, today - 29, true},
-                      {1, today + 1, true}, {4, today + 400, true}};
+                      {1, today + 1, true}, {4, today + 400, true}, {1, 0, false, true}};
     for (const auto& row : rows) {
         settings.SetReg("UpdateInterval", row.Weeks);
         settings.SetReg("UpdateCheckLast", row.Last);
+        internet.Metered = row.Metered;
         Restart();
         EXPECT_FALSE(Call());
         EXPECT_FALSE(Call());

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace korvalin;
@@ -36,6 +37,24 @@ TEST(SystemClock, FollowsTheTimeZoneWhileItRunsAndTellsPartsOfASecond) {
         EXPECT_GE(clock.BootSeconds(), clock.AwakeSeconds() - 1e-3);
     }
     unsetenv("TZ");
+}
+
+TEST(FileInstanceLock, TellsWhoRunsAndWhoIsReadyAndIsNotTakenByAsking) {
+    const TemporaryFolder folder;
+    FileInstanceLock one(folder.Path(), "new"), second(folder.Path(), "new"), other(folder.Path(), "old");
+    one.SayReady();
+    EXPECT_FALSE(other.IsRunning("new") || other.IsReady("new")) << "without the lock";
+    EXPECT_FALSE(one.PreviousInstanceRunning());
+    EXPECT_TRUE(other.IsRunning("new") && second.PreviousInstanceRunning());
+    EXPECT_FALSE(other.IsReady("new"));
+    one.SayReady();
+    EXPECT_TRUE(other.IsReady("new"));
+    const std::jthread asks([&](const std::stop_token& stop) {
+        while (!stop.stop_requested())
+            static_cast<void>(other.IsRunning("third"));
+    });
+    for (int i = 0; i < 2000; ++i)
+        EXPECT_FALSE(FileInstanceLock(folder.Path(), "third").PreviousInstanceRunning());
 }
 
 TEST(FileRecordingLock, IsHeldForOneFolderByOneProcessUntilItEnds) {

@@ -85,6 +85,10 @@ TEST_F(StartupTest, GetsALanguageFile) {
         EXPECT_EQ(shown, row.Shown);
         EXPECT_EQ(Asked(), Lines(row.Downloads, "Korvalin.lng"));
     }
+    setenv("KORVALIN_UPDATE_SITE", "", 1);
+    program = std::make_unique<Program>(AllPorts(), locale);
+    EXPECT_FALSE(program->Main());
+    EXPECT_EQ(boxes.Take().Buttons, MessageButtons::Ok) << "nothing is offered that cannot be had";
 }
 
 TEST_F(StartupTest, NotesANewVersion) {

@@ -11,7 +11,8 @@ class UpdateInstallationTest : public UpdateFixture {
   protected:
     UpdateInstallationTest() {
         WriteTexts("GER\tmodAllgemein\t18\tStill there:\nGER\tmodAllgemein\t19\t!\n"
-                   "GER\tmodAllgemein\t23\tbut\nGER\tmodInternet\t36\tSet aside: \n"
+                   "GER\tmodAllgemein\t23\tbut\nGER\tmodInternet\t36\tSet aside: "
+                   "\nGER\tmodInternet\t167\tForeign: \n"
                    "GER\tmodAllgemein\t25\tis new.\nGER\tmodAllgemein\t27\t?\nGER\tmodAllgemein\t45\tWait\n");
         settings.SetReg("Language", "GER");
     }
@@ -47,7 +48,7 @@ TEST_F(UpdateInstallationTest, HandsOverToANewerProgramOnly) {
     EXPECT_EQ(shell.Started, std::vector<fs::path>{newProgram});
 }
 
-TEST_F(UpdateInstallationTest, RunsNothingThatNoUpdateHasBrought) {
+TEST_F(UpdateInstallationTest, SetsAsideWhatNoUpdateHasBrought) {
     Put("Korvalin.exe", 10, hours(1));
     Put("Korvalin_new.exe", 200'000);
     fs::permissions(newProgram, fs::perms::owner_exec, fs::perm_options::remove);
@@ -56,40 +57,62 @@ TEST_F(UpdateInstallationTest, RunsNothingThatNoUpdateHasBrought) {
     files.Foreign = true;
     EXPECT_FALSE(Run("Korvalin.exe"));
     files.Foreign = false;
-    fs::rename(newProgram, programFolder / "other");
-    fs::create_symlink(programFolder / "other", newProgram);
-    EXPECT_FALSE(Run("Korvalin.exe"));
-    fs::remove(newProgram);
-    EXPECT_TRUE(boxes.Shown.empty());
+    for (const fs::path& link : {newProgram, programFolder / NewManifestFileName}) {
+        Put("Korvalin_new.exe", 200'000);
+        fs::rename(newProgram, programFolder / "other");
+        if (link != newProgram) Put("Korvalin_new.exe", 200'000);
+        fs::create_symlink(programFolder / "other", link);
+        EXPECT_FALSE(Run("Korvalin.exe")) << link;
+    }
+    EXPECT_EQ(NewFiles(), Lines{});
+    EXPECT_EQ(TakeBoxes(), Lines(4, "Foreign: " + (programFolder / "Korvalin_failed.exe").string()));
+}
 
+TEST_F(UpdateInstallationTest, TakesAllOfASignedUpdateOrNothing) {
     setenv("KORVALIN_UPDATE_KEY", "6b6579", 1);
     signatures.Valid = std::string(64, 's');
-    Put("Korvalin_new.exe", 200'000);
-    EXPECT_FALSE(Run("Korvalin.exe")) << "nothing tells that the maker has signed it";
+    const std::string content(200'000, 'x');
+    const std::string texts = WholeTexts("of an update");
+    const auto file = [](const std::string& name, const std::string& text) {
+        return fmt::format("file {} {} {}\n", text.size(), FakeSignatures::Sum(text), name);
+    };
+    const std::string both = file("setup.exe", content) + file("Korvalin.lng", texts);
+    const char* const later = "9.4.1 setup.exe";
     struct {
-        const char *Version, *Expires;
-        std::string Content;
+        const char *What, *Program;
+        std::string Files, Texts;
         bool Runs;
-    } const rows[] = {{"9.4.1", "2024-04-01", "another program", false},
-                      {"0.3.11", "2024-04-01", std::string(200'000, 'x'), false},
-                      {"9.4.1", "2024-03-01", std::string(200'000, 'x'), false},
-                      {"9.4.1", "2024-04-01", std::string(200'000, 'x'), true}};
+    } const rows[] = {
+        {"another program", later, file("setup.exe", "x") + file("Korvalin.lng", texts), texts, false},
+        {"a file that is no program of a version", "9.4.1 other.exe", both, texts, false},
+        {"an older version", "0.3.11 setup.exe", both, texts, false},
+        {"other texts", later, both, WholeTexts("of somebody"), false},
+        {"no texts", later, both, "", false},
+        {"longer than any manifest", later, both + std::string(65'536, '\n'), texts, false},
+        {"all of it, expired since", later, both, texts, true}};
     for (const auto& row : rows) {
-        Put("Korvalin_new.exe", 200'000);
-        folder.Write(
-            "program/Korvalin_new.manifest",
-            fmt::format("signature {}\nKorvalin update 1\nversion {}\nexpires {}\nfile 200000 {} setup.exe\n",
-                        ReplaceAll(std::string(64, '*'), "*", "73"), row.Version, row.Expires,
-                        FakeSignatures::Sum(row.Content)));
-        EXPECT_EQ(Run("Korvalin.exe"), row.Runs) << row.Version << row.Expires;
-        EXPECT_EQ(shell.Started.size(), row.Runs ? 1U : 0U);
+        for (const bool asNew : {false, true}) {
+            Put("Korvalin.exe", 10, hours(1));
+            Put("Korvalin_new.exe", content.size());
+            folder.Write("program/KorvalinLng_new.lng", row.Texts);
+            if (row.Texts.empty()) fs::remove(programFolder / NewLanguageFileName);
+            folder.Write("program/Korvalin_new.manifest",
+                         fmt::format("signature {0}\nKorvalin update 1\nexpires 2024-03-01\nautomatic {1}\n"
+                                     "on-demand {1}\n{2}",
+                                     ReplaceAll(std::string(64, '*'), "*", "73"), row.Program, row.Files));
+            EXPECT_EQ(Run(asNew ? "Korvalin_new.exe" : "Korvalin.exe"), row.Runs) << row.What;
+            EXPECT_EQ(std::exchange(shell.Started, {}).size(), row.Runs ? 1U : 0U) << row.What;
+            EXPECT_EQ(fs::file_size(running), row.Runs && asNew ? content.size() : 10U) << row.What;
+            EXPECT_EQ(fs::exists(programFolder / NewManifestFileName), row.Runs != asNew) << row.What;
+            TakeBoxes();
+        }
     }
 }
 
 TEST_F(UpdateInstallationTest, SetsAsideWhatDoesNotRun) {
     Put("Korvalin.exe", 10, hours(1));
     const Lines told = {"Set aside: " + (programFolder / "Korvalin_failed.exe").string()};
-    for (bool* fault : {&shell.Starts, &lock.NewProgramRuns}) {
+    for (bool* fault : {&shell.Starts, &lock.NewProgramIsReady}) {
         *fault = false;
         Put("Korvalin_new.exe", 200'000);
         EXPECT_FALSE(Run("Korvalin.exe"));
@@ -97,21 +120,36 @@ TEST_F(UpdateInstallationTest, SetsAsideWhatDoesNotRun) {
         EXPECT_FALSE(fs::exists(newProgram));
         *fault = true;
     }
-    Put("Korvalin_new.exe", 200'000); // says that it runs, but does not get as far as installing itself
+    Put("Korvalin_new.exe", 200'000); // says that it is ready, but does not get as far as installing itself
     EXPECT_TRUE(Run("Korvalin.exe"));
     EXPECT_TRUE(Run("Korvalin.exe"));
     EXPECT_FALSE(Run("Korvalin.exe"));
     EXPECT_EQ(TakeBoxes(), told);
 }
 
-TEST_F(UpdateInstallationTest, KeepsAGoodLanguageFile) {
+TEST_F(UpdateInstallationTest, LeavesTheOldProgramAloneUnlessItCanTakeItsPlace) {
     const std::string old = folder.Read("program/Korvalin.lng");
-    Put("Korvalin_new.exe", 300);
-    folder.Write("program/KorvalinLng_new.lng", "<h1>Welcome</h1>");
+    for (const bool oldRuns : {false, true}) {
+        lock.OldProgramRuns = [&] { return oldRuns; };
+        Put("Korvalin.exe", 10);
+        Put("Korvalin_new.exe", 300);
+        folder.Write("program/KorvalinLng_new.lng", "<h1>Welcome</h1>");
+        EXPECT_EQ(Run("Korvalin_new.exe"), oldRuns) << "goes on as the program where there is no other";
+        folder.Write("program/KorvalinLng_new.lng", WholeTexts());
+        files.CopyFails = true; // a full disk
+        EXPECT_EQ(Run("Korvalin_new.exe"), oldRuns);
+        EXPECT_NE(boxes.Take().Text.find("Korvalin"), std::string::npos);
+        files.CopyFails = false;
+        EXPECT_FALSE(lock.SaidReady);
+        EXPECT_TRUE(shell.Started.empty());
+        EXPECT_EQ(folder.Read("program/Korvalin.lng"), old);
+        EXPECT_EQ(fs::file_size(running), 10U) << "the old program is still there";
+        EXPECT_EQ(settings.Get(Keys::UpdateLast), 0);
+    }
+    lock.OldProgramRuns = [&] { return fs::remove(newProgram); }; // which has taken the update back
     EXPECT_TRUE(Run("Korvalin_new.exe"));
-    EXPECT_EQ(folder.Read("program/Korvalin.lng"), old);
-    EXPECT_FALSE(fs::exists(programFolder / "KorvalinLng_new.lng"));
-    EXPECT_EQ(fs::file_size(running), 300U);
+    EXPECT_TRUE(lock.SaidReady);
+    EXPECT_EQ(fs::file_size(running), 10U);
 }
 
 TEST_F(UpdateInstallationTest, InstallsItself) {
@@ -119,6 +157,7 @@ TEST_F(UpdateInstallationTest, InstallsItself) {
     Put("KORVALIN_NEW.EXE", 200'000, hours(-5)); // a clock that was set back since
     const double start = clock.AwakeSeconds();
     lock.OldProgramRuns = [&] {
+        EXPECT_TRUE(lock.SaidReady) << "waits for the one that waits for this";
         EXPECT_EQ(fs::file_size(running), 10U) << "its file could be deleted while it runs";
         return clock.AwakeSeconds() < start + 12;
     };
@@ -158,18 +197,6 @@ TEST_F(UpdateInstallationTest, EndsWhileTheOldProgramIsHeld) {
         EXPECT_EQ(TakeBoxes(), shown);
         EXPECT_EQ(shell.Started.size(), released < 1e9 ? 1U : 0U);
     }
-}
-
-TEST_F(UpdateInstallationTest, GoesOnItselfWhenTheDiskIsFull) {
-    Put("Korvalin_new.exe", 300);
-    folder.Write("program/KorvalinLng_new.lng", WholeTexts());
-    Put("Korvalin.exe", 10);
-    files.CopyFails = true;
-    EXPECT_FALSE(Run("Korvalin_new.exe"));
-    EXPECT_NE(boxes.Take().Text.find("Korvalin"), std::string::npos);
-    EXPECT_TRUE(shell.Started.empty());
-    EXPECT_EQ(fs::file_size(running), 10U) << "the old program is still there";
-    EXPECT_EQ(settings.Get(Keys::UpdateLast), 0);
 }
 
 } // namespace

@@ -14,6 +14,14 @@ import update_site
 PAGE = "<p>Newest Release: 9.9.9 of 1 May</p>Upgradable Ax9.9.9-setup.exe Vx9.9.9-setup.exe"
 NEW_PROGRAM = b"a later version"  # behind the end of an executable nothing minds it
 NEW_TEXTS = "ENG\tmodTest\t1\ta later text\r\n".encode()
+# Takes the lock of its name as a program does, and dies before it could say that it is ready.
+DIES = """#!/usr/bin/env python3
+import fcntl, os, struct, time
+lock = open(os.environ["XDG_CONFIG_HOME"] + "/korvalin/instance-Korvalin_new.exe.lock", "w")
+fcntl.fcntl(lock, fcntl.F_OFD_SETLK, struct.pack("hhqqiI", fcntl.F_WRLCK, os.SEEK_SET, 1, 1, 0, 0))
+time.sleep(1)
+os.abort()
+""" + "#" * 200_000
 BOX = "^Korvalin( - (Error|Fehler))?$"
 
 
@@ -94,29 +102,35 @@ class Updates(rig.DesktopCase):
             self.assertEqual([(folder.path / file).read_bytes() for file in (name, kept)], [old + end, old])
         self.assertNotEqual(home.get("UpdateLast"), "")
 
-    def sign(self, version, days):
+    def sign(self, version, days, program="setup.exe"):
         """Signs what is on the site; the program is told the key."""
         key, public = self.home.path / "key.pem", self.home.path / "public"
         if not key.exists():
             rig.run("openssl", "genpkey", "-algorithm", "ed25519", "-out", key)
             rig.run("openssl", "pkey", "-in", key, "-pubout", "-outform", "DER", "-out", public)
         self.home.env["KORVALIN_UPDATE_KEY"] = public.read_bytes()[-32:].hex()
-        rig.run(rig.ROOT / "script/release", self.files, version, key, days)
+        rig.run(rig.ROOT / "script/release", self.files, version, program, key, "--days", days)
         self.addCleanup((self.files / "update.manifest").unlink, missing_ok=True)
 
     def log(self):
         return "".join(file.read_text() for file in self.home.path.rglob("*_ErrorLog.txt"))
 
-    def test_the_about_box_lets_a_signed_version_take_over_and_no_old_or_expired_one(self):
+    def test_the_about_box_lets_a_signed_version_take_over_and_none_that_dies_is_old_or_has_expired(self):
         folder = self.folder("Korvalin.exe", "Korvalin.lng")
-        self.sign("9.9.9", days=1)
+        (self.files / "dies.exe").write_text(DIES)
+        self.sign("9.9.9", days=1, program="dies.exe")
         process = self.start(folder.program)
-        self.press(self.open_about(), "alt+u")
-        for _ in ("the question", "the notice"):
-            self.answer(BOX, "Return")
+        about = self.open_about()
+        for program in ("dies.exe", "setup.exe"):
+            self.sign("9.9.9", days=1, program=program)
+            self.home.set(UpdateNext="2000-01-01")
+            self.press(about, "alt+u")
+            for _ in ("the question", "the notice"):
+                self.answer(BOX, "Return")
+            rig.wait_for(lambda: "cannot be started" in self.log(), "the end of what died")
         self.assertEqual(process.wait(timeout=40), 0)
         self.wait_for_new_version(folder, self.home)
-        self.assertEqual((self.home.path / "opened").read_text().split(), [self.address + "versions.html"])
+        self.assertEqual((self.home.path / "opened").read_text().split(), [self.address + "versions.html"] * 2)
         about = self.open_about()
         for version, days, why in (("0.9.0", 1, "older version"), ("9.9.9", 0, "has expired"), ("9.9.8", 1, "offered 9.9.9")):
             self.sign(version, days)

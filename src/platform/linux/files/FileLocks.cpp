@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,29 +30,57 @@ Descriptor OpenOwn(const std::filesystem::path& path, int flags) {
     return isOwn ? std::move(file) : Descriptor();
 }
 
-struct flock WholeFile() {
+// Bytes of the lock's file, which need not be there. To ask for a lock does not take it.
+constexpr off_t wholeFile = 0;
+constexpr off_t runningByte = 1;
+constexpr off_t readyByte = 2;
+
+struct flock LockOf(off_t byte) {
     struct flock lock {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
+    lock.l_start = byte;
+    lock.l_len = byte == wholeFile ? 0 : 1;
     return lock;
+}
+
+bool TakeLock(const Descriptor& file, off_t byte) {
+    struct flock lock = LockOf(byte);
+    return fcntl(file.Get(), F_OFD_SETLK, &lock) == 0;
+}
+
+bool AnotherHasIt() {
+    return errno == EAGAIN || errno == EACCES;
+}
+
+bool IsLocked(const Descriptor& file, off_t byte) {
+    struct flock conflict = LockOf(byte);
+    return file && fcntl(file.Get(), F_OFD_GETLK, &conflict) == 0 && conflict.l_type != F_UNLCK;
 }
 
 } // namespace
 
-FlockInstanceLock::FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName)
+FileInstanceLock::FileInstanceLock(const std::filesystem::path& folder, std::string_view executableName)
     : folder_(folder), file_(LockFile(folder, executableName)) {}
 
-bool FlockInstanceLock::IsRunning(const std::string& executableName) {
-    const Descriptor file(open(LockFile(folder_, executableName).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
-    return file && flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+bool FileInstanceLock::IsRunning(const std::string& executableName) {
+    return IsLocked(OpenPlainFile(LockFile(folder_, executableName), O_RDONLY), runningByte);
 }
 
-bool FlockInstanceLock::PreviousInstanceRunning() {
+void FileInstanceLock::SayReady() {
+    if (held_) static_cast<void>(TakeLock(held_, readyByte));
+}
+
+bool FileInstanceLock::IsReady(const std::string& executableName) {
+    return IsLocked(OpenPlainFile(LockFile(folder_, executableName), O_RDONLY), readyByte);
+}
+
+bool FileInstanceLock::PreviousInstanceRunning() {
     if (held_) return false;
     if (PosixFiles().CreateFolders(file_.parent_path()) != 0) return false;
     Descriptor file(open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!file) return false;
-    if (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) return errno == EWOULDBLOCK;
+    if (!TakeLock(file, runningByte)) return AnotherHasIt();
     held_ = std::move(file);
     return false;
 }
@@ -62,8 +89,7 @@ bool FileRecordingLock::Take(const std::filesystem::path& folder) {
     if (held_ && folder == folder_) return true;
     Descriptor file = OpenOwn(RecordingFile(folder), O_RDWR | O_CREAT);
     if (!file) return true;
-    struct flock lock = WholeFile();
-    if (fcntl(file.Get(), F_OFD_SETLK, &lock) != 0) return errno != EAGAIN && errno != EACCES;
+    if (!TakeLock(file, wholeFile)) return !AnotherHasIt();
     held_ = std::move(file);
     folder_ = folder;
     return true;
@@ -71,9 +97,7 @@ bool FileRecordingLock::Take(const std::filesystem::path& folder) {
 
 bool FileRecordingLock::IsTaken(const std::filesystem::path& folder) {
     if (held_ && folder == folder_) return false;
-    const Descriptor file = OpenOwn(RecordingFile(folder), O_RDONLY);
-    struct flock conflict = WholeFile();
-    return file && fcntl(file.Get(), F_OFD_GETLK, &conflict) == 0 && conflict.l_type != F_UNLCK;
+    return IsLocked(OpenOwn(RecordingFile(folder), O_RDONLY), wholeFile);
 }
 
 } // namespace korvalin

@@ -11,12 +11,14 @@ namespace korvalin {
 
 /// A lock on a file of the settings folder, which the kernel frees when its owner ends, however that happens.
 /// The file itself stays: removing it would let two processes hold locks on two files of the same name.
-class FlockInstanceLock : public InstanceLock {
+class FileInstanceLock : public InstanceLock {
   public:
-    FlockInstanceLock(const std::filesystem::path& folder, std::string_view executableName);
+    FileInstanceLock(const std::filesystem::path& folder, std::string_view executableName);
 
     bool PreviousInstanceRunning() override;
     bool IsRunning(const std::string& executableName) override;
+    void SayReady() override;
+    bool IsReady(const std::string& executableName) override;
 
   private:
     std::filesystem::path folder_;

@@ -49,7 +49,7 @@ struct LinuxSystem::BackEnds {
     NetworkManagerInternet Internet{{NetworkManager, Lines, Clock}};
     PasswdUser User;
     // An update hands over from one executable to another: each name has a lock of its own.
-    FlockInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
+    FileInstanceLock InstanceLock{ConfigFolder(), Shell.ExecutablePath().filename().string()};
     FileRecordingLock RecordingLock;
     SqliteJournal Journal = MakeJournal();
     NetworkManagerNetworks Networks{NetworkManager};

@@ -34,6 +34,10 @@ struct Sodium {
 
 } // namespace
 
+bool SodiumSignatures::CanCheck() {
+    return Sodium().Load();
+}
+
 bool SodiumSignatures::IsValid(std::string_view content, std::string_view signature,
                                std::string_view publicKey) {
     if (signature.size() != crypto_sign_BYTES || publicKey.size() != crypto_sign_PUBLICKEYBYTES) return false;
