@@ -47,6 +47,11 @@ bool EndsWithinLine(const std::filesystem::path& path) {
     return file.seekg(-1, std::ios::end) && file.get() != '\n';
 }
 
+// Their pages are not seen together, and have more texts than there are letters; a test compares each page's.
+bool HasPages(std::string_view section) {
+    return section == "frmEinstellungenObj" || section == "frmStatistikObj";
+}
+
 } // namespace
 
 struct Language::FileFaults {
@@ -173,7 +178,7 @@ std::size_t Language::StoreEntry(const LanguageEntry& entry, AccessKeys& accessK
     };
     const bool textStored = store(entry.Text, 'C');
     const std::string_view accessKey = AccessKey(entry.Text);
-    if (textStored && !accessKey.empty()) {
+    if (textStored && !accessKey.empty() && !HasPages(entry.Section)) {
         const auto [first, isNew] =
             accessKeys.try_emplace(ToLower(fmt::format("{}\t{}", entry.Section, accessKey)), entry.Text);
         if (!isNew) {

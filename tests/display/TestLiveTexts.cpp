@@ -51,7 +51,7 @@ TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
     StatRecords records;
     StatRecord& record = records.List.emplace_back();
     record.LineName = records.Texts.Intern("eth0");
-    record.LogIn = clock.Now();
+    record.LogIn = clock.Now() - 1; // a day of use is over
     record.BytesReceived = 243.25e6;
     program->monthSums.CalcStatsThisMonth(records, 0);
     const std::pair<int, std::string> rows[] = {

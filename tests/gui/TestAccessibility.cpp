@@ -22,10 +22,12 @@ bool IsNamed(const QWidget& form, QWidget& control) {
                        [&](QLabel* label) { return label->buddy() == &control; });
 }
 
-// What can be operated, and what is seen without a text: pictures and bars.
+// What can be operated, and what is seen without a text: pictures and bars. A message's action is there with
+// its caption only.
 bool WantsAName(const QWidget& control) {
     const QString name = control.objectName();
-    const bool isPart = name.isEmpty() || name.startsWith(QLatin1String("qt_"));
+    const bool isPart =
+        name.isEmpty() || name == QLatin1String("cmdAction") || name.startsWith(QLatin1String("qt_"));
     return !isPart && qobject_cast<const QLabel*>(&control) == nullptr &&
            (control.focusPolicy() != Qt::NoFocus || qobject_cast<const PictureBox*>(&control) != nullptr ||
             qobject_cast<const QProgressBar*>(&control) != nullptr);
