@@ -195,7 +195,6 @@ LineRecord LanReader::BeginLine(const InterfaceRow& row, const std::string& name
     LineRecord line;
     line.CounterSource = ++parts_.LineState.LastCounterSource;
     line.Index = row.Index;
-    followed_.insert(row.Index);
     line.User = parts_.LineState.User;
     NameLine(row, name, line);
     // What was up when the program started was so at least as long; what comes later began this second.

@@ -5,8 +5,6 @@
 #include "traffic/LineBook.h"
 #include "traffic/LineNames.h"
 
-#include <set>
-
 namespace korvalin {
 
 /// Fills the line table from the active network adapters, packed from line 1 in the order of the interface
@@ -34,9 +32,6 @@ class LanReader {
     void Look() { looked_ = ReadTable(); }
     /// The counters of an interface in the latest table, or of one that was removed since the table before.
     const InterfaceRow* LatestOf(std::uint32_t index) const;
-
-    /// Whether an interface has been a line of this run.
-    bool HasFollowed(std::uint32_t index) const { return followed_.contains(index); }
 
     /// What adapters move while nobody follows them is a line's once one is followed, or nobody's.
     enum class Unfollowed { Kept, Nobodys };
@@ -69,7 +64,6 @@ class LanReader {
     Parts parts_;
     std::vector<InterfaceRow> rows_;
     std::vector<InterfaceRow> removed_; // since the pass before
-    std::set<std::uint32_t> followed_;
     Reading reading_;
     bool looked_ = false; // the table is this pass's
     bool hardwareIsUp_ = false;

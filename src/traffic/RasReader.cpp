@@ -107,10 +107,6 @@ void RasReader::BeginLine(const RasConnection& connection, const RasStatistics& 
     const double foreignTransmitted =
         static_cast<double>(statistics.RawTransmitted - statistics.BytesTransmitted);
     const bool isWhole = foreignReceived + foreignTransmitted == 0;
-    // While other adapters were followed the account took its bytes for nobody's.
-    const Date age = static_cast<double>(statistics.ConnectDurationMilliseconds) / 1000 * OneSecond;
-    const bool isWhollyOurs = age > 0 && parts_.Clock.Now() - age >= parts_.LineState.ProgramStart &&
-                              !parts_.LanReader.HasFollowed(index);
     if (const auto earlier = parts_.CounterLedger.TakeDialUp(index, Trim(connection.EntryName))) {
         // Open already when the last run ended: it goes on as it was then.
         line.LogIn = line.PartLogIn = earlier->Open->LogIn;
@@ -120,7 +116,7 @@ void RasReader::BeginLine(const RasConnection& connection, const RasStatistics& 
             static_cast<double>(earlier->Received) - foreignReceived - earlier->Open->BytesReceived;
         line.StartTransmitted =
             static_cast<double>(earlier->Transmitted) - foreignTransmitted - earlier->Open->BytesTransmitted;
-    } else if (recordedAsAdapters_.erase(index) > 0 || (atStart_ && isWhole && !isWhollyOurs)) {
+    } else if (recordedAsAdapters_.erase(index) > 0 || (atStart_ && isWhole)) {
         // Recorded as an adapter a moment ago. Or up before the program, and told with all that its interface
         // has ever counted: an earlier connection's bytes are accounted for.
         line.StartReceived = static_cast<double>(parts_.CounterLedger.Of(index).Received) - foreignReceived;

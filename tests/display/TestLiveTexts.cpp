@@ -49,10 +49,12 @@ TEST_F(LiveTextsTest, RatesAveragesAndVolumesAreAnAdaptersOrZero) {
 
 TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
     StatRecords records;
-    StatRecord& record = records.List.emplace_back();
-    record.LineName = records.Texts.Intern("eth0");
-    record.LogIn = clock.Now() - 1; // a day of use is over
-    record.BytesReceived = 243.25e6;
+    for (const auto& [day, bytes] : {std::pair(1, 0.0), {0, 243.25e6}}) { // a day of use is over
+        StatRecord& record = records.List.emplace_back();
+        record.LineName = records.Texts.Intern("eth0");
+        record.LogIn = clock.Now() - day;
+        record.BytesReceived = bytes;
+    }
     program->monthSums.CalcStatsThisMonth(records, 0);
     const std::pair<int, std::string> rows[] = {
         {0, ""},
@@ -60,9 +62,9 @@ TEST_F(LiveTextsTest, TheTooltipIsMadeOfTheChosenParts) {
         {2, "Rate UL 1.0 KB"},
         {16, "Vol. DL 5.5 MB"},
         {128, " Duration 00:01:40"},
-        {64, "Month 250 MB Free 750 MB\nToday 243 MB Left per day 44 MB Forecast 4,264 MB"},
+        {64, "Month 250 MB Free 750 MB\nToday 243 MB Left per day 44 MB Forecast 250 MB"},
         {255, "eth0\nRate UL 1.0 DL 12.3 KB\nVol. UL 1.3 DL 5.5 MB\nVol. 6.8 MB  Duration 00:01:40\n"
-              "Month 250 MB Free 750 MB\nToday 243 MB Left per day 44 MB Forecast 4,264 MB"}};
+              "Month 250 MB Free 750 MB\nToday 243 MB Left per day 44 MB Forecast 250 MB"}};
     for (const auto& [flags, expected] : rows) {
         texts().TrayTextFlags = flags;
         Fill();

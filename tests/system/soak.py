@@ -156,6 +156,8 @@ class Machine:
     def dial(self):
         self.nm.ip("link set far77 down", self.nm.there)  # while it is plugged in, adapters are followed
         self.nm.nmcli("connection", "up", "DSL")
+        # Until it is looked for, what it moves belongs to the adapter that carries it, which is not followed here.
+        rig.wait_for(lambda: '"DSL"' in self.home.cli("lines", "--format", "json"), "the line that was dialed")
         self.send("ppp0", 50)
         self.account("DSL", "ppp0")
         self.nm.nmcli("connection", "down", "DSL")

@@ -107,26 +107,6 @@ TEST_F(RasLines, LogInAndDurationFollowWhatRasReports) {
     EXPECT_NEAR(lines.LogInShift, 25 * OneSecond, OneSecond / 100) << "once";
 }
 
-TEST_F(RasLines, WhatCameUpInThisRunCountsFromItsBeginning) {
-    internet.State.Flags = InternetConnectionLan | InternetRasInstalled;
-    network.Add("eth0", 500, 500);
-    network.Add("wan0", 50, 50); // not active, but hardware that is up
-    Pass(60);
-    network.Add("ppp0", 0, 0).HasHardware = false;
-    network.Rows.front().OperStatus = OperationalStatus::Disconnected;
-    network.Rows.back().InOctets = 5000;
-    Pass(); // adapters are still followed, not this one
-    internet.State.Flags = InternetConnectionModem | InternetRasInstalled;
-    Dial(7, "DSL");
-    FakeRas::Line& line = ras.Lines.front();
-    line.Statistics.BytesReceived = line.Statistics.RawReceived = 5000;
-    line.Statistics.InterfaceIndex = 3;
-    line.Statistics.ConnectDurationMilliseconds = 1500;
-    Pass();
-    ASSERT_TRUE(lines.LineTable(1).IsRas);
-    EXPECT_EQ(OpenPartOf(lines.LineTable(1)).BytesReceived, 5000);
-}
-
 TEST_F(RasLines, AFailureSwitchesTheReaderOffForTheRun) {
     ras.Throws = true;
     Pass();
