@@ -148,8 +148,8 @@ class Machine:
         self.nm.ip("link set usb0 name usb1 up")
         self.plugged_in("usb1")
         self.send("usb1", 200)
-        self.nm.ip("link set usb1 down")  # nothing moves any more
-        self.account("usb1", "usb1", before)
+        before = self.account("usb1", "usb1", before)
+        self.account("usb1", "usb1", before)  # what asks for a neighbour meanwhile
         for name in ("usb1", "veth5"):
             self.nm.ip(f"link delete {name}")
 
@@ -157,7 +157,7 @@ class Machine:
         self.nm.ip("link set far77 down", self.nm.there)  # while it is plugged in, adapters are followed
         self.nm.nmcli("connection", "up", "DSL")
         # Until it is looked for, what it moves belongs to the adapter that carries it, which is not followed here.
-        rig.wait_for(lambda: '"DSL"' in self.home.cli("lines", "--format", "json"), "the line that was dialed")
+        rig.wait_for(lambda: '"DSL"' in self.home.cli("records", "--format", "json"), "the line that was dialed")
         self.send("ppp0", 50)
         self.account("DSL", "ppp0")
         self.nm.nmcli("connection", "down", "DSL")
