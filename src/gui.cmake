@@ -65,6 +65,7 @@ add_library(korvalin_gui STATIC
   stats/AllowanceBar.cpp
   stats/AllowanceEditor.cpp
   stats/frmStatistik.cpp
+  stats/frmStatistikMenu.cpp
   stats/frmStatistik.ui
   stats/graph/GraphPage.cpp
   stats/graph/GraphPage.ui
