@@ -15,7 +15,6 @@ using namespace korvalin;
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 class StatFaults : public StatsFixture {
   protected:
@@ -33,103 +32,25 @@ class StatFaults : public StatsFixture {
         return posix.AppendLines(folder / "Korvalin_Stats.db", "", line, "\r\n", Files::Flush::Yes,
                                  Files::Wait::ForRewrite);
     }
-    // Runs `body` in another process and kills it after a part of `whole`.
-    template <typename Body>
-    static void KillAfter(Clock::duration whole, double part, Body&& body) {
-        ChildProcess process(std::forward<Body>(body));
-        std::this_thread::sleep_for(part * whole); // chooses the moment, waits for nothing
-        process.Kill();
-    }
-    // Kills `change` at moments all over it: the file is the old one or the new one, which has kept the old.
-    // `goOn` then does what may come next. What is left half done is no hindrance.
-    template <typename Change, typename GoOn>
-    void KillAllOver(const std::string& before, const std::string& after, Change&& change, GoOn&& goOn) {
-        const auto finish = [&] {
-            Begin(before);
-            ChildProcess(change).Finish();
-            ASSERT_EQ(File(), after);
-        };
-        const auto begin = Clock::now();
-        finish();
-        const auto whole = Clock::now() - begin;
-        constexpr int runs = 60;
-        for (int run = 0; run < runs; ++run) {
-            Begin(before);
-            KillAfter(whole, 1.3 * run / runs, change);
-            const std::string left = File();
-            ASSERT_TRUE(left == before || left == after) << "half a file";
-            ASSERT_TRUE(left == before || Backups() == Lines{before}) << "the old file is gone";
-            goOn(left);
-        }
-        finish();
-        EXPECT_FALSE(fs::exists(folder / "Korvalin_Stats.db.new"));
-    }
-    // The file without backups, of which the last is a second name of the one before.
-    void Begin(const std::string& content) {
-        for (const fs::path& backup : BackupFiles())
-            fs::remove(backup);
-        fs::remove(folder / "Korvalin_Stats.db");
-        folder.Write("Korvalin_Stats.db", content);
-    }
-    std::vector<fs::path> BackupFiles() const {
-        std::vector<fs::path> found;
-        for (const auto& entry : fs::directory_iterator(folder.Path())) {
-            if (entry.path().filename().string().starts_with("Korvalin_Stats.db_")) found.push_back(entry);
-        }
-        return found;
-    }
-    Lines Backups() const {
-        Lines contents;
-        for (const fs::path& file : BackupFiles())
-            contents.push_back(folder.Read(file.filename().string()));
-        return contents;
-    }
     std::string File() const { return folder.Read("Korvalin_Stats.db"); }
 
     PosixFiles posix;
     StatFile stats{FileOn(posix)};
 };
 
-TEST_F(StatFaults, ARepairThatIsKilledLosesAndDoublesNothing) {
-    const std::string clean = NumberedUpTo(2000);
-    const std::string damaged = "damaged\r\n" + clean + "damaged\r\n\r\n" + NumberedUpTo(10);
-    const auto repair = [&] { stats.LoadStatFile(records, true); };
-    KillAllOver(damaged, clean, repair, [&](const std::string&) {
-        ASSERT_EQ(stats.LoadStatFile(records, true), 2000);
-        ASSERT_EQ(Stored(), clean);
-        ASSERT_EQ(File(), clean);
-    });
-}
-
-TEST_F(StatFaults, ADeletionThatIsKilledLosesAndDoublesNothing) {
-    constexpr int count = 4000;
-    const std::string before = NumberedUpTo(count);
-    const std::string appended = Numbered(count + 1); // since the load
-    std::string after;
-    std::vector<std::uint32_t> evens;
-    for (int i = 1; i <= count; i += 2) {
-        after += Numbered(i);
-        evens.push_back(static_cast<std::uint32_t>(i));
-    }
-    folder.Write("Korvalin_Stats.db", before);
-    ASSERT_EQ(stats.LoadStatFile(records, false), count);
-    const auto deletion = [&] { ASSERT_EQ(stats.DeleteRecords(records, evens), StatFile::Deletion::Done); };
-    KillAllOver(before + appended, after + appended, deletion, [&](const std::string& left) {
-        ASSERT_EQ(AppendLines(Numbered(count + 2)), 0);
-        ASSERT_EQ(File(), left + Numbered(count + 2));
-    });
-}
-
 TEST_F(StatFaults, WhatWasRecordedBeforeAKillIsThereOnce) {
     int acknowledged = 0;
     std::mt19937 random(7);
-    std::uniform_real_distribution<double> part(0, 1);
+    std::uniform_int_distribution<int> milliseconds(0, 40);
     for (int run = 0; run < 30; ++run) {
         Signal written;
-        KillAfter(std::chrono::milliseconds(40), part(random), [&] {
+        ChildProcess writer([&] {
             for (int number = acknowledged + 1; AppendLines(Numbered(number)) == 0; ++number)
                 written.Send(number);
         });
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(milliseconds(random))); // chooses the moment, waits for nothing
+        writer.Kill();
         written.CloseWriteEnd();
         int word = 0;
         while (read(written.ReadEnd(), &word, sizeof word) == sizeof word)
@@ -203,7 +124,7 @@ TEST_F(StatFaults, WhatCannotBeReadIsReportedAndLeftAlone) {
         EXPECT_TRUE(fs::remove(path));
         clock.Advance(5);
     }
-    EXPECT_TRUE(Backups().empty());
+    EXPECT_TRUE(stats.Report().Backup.empty());
 }
 
 } // namespace
